@@ -1,0 +1,13 @@
+// What becomes of a null pointer from the host: the pointer library's assertion, which would otherwise end
+// the host's process, turns into an exception that the plug-in's own catch-all deals with.
+#include <boost/assert.hpp>
+#include <stdexcept>
+#include <string>
+
+namespace boost {
+
+void assertion_failed(const char* expression, const char* function, const char*, long) {
+  throw std::logic_error(std::string("assertion failed: ") + expression + " in " + function);
+}
+
+}  // namespace boost

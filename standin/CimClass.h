@@ -1,0 +1,48 @@
+// One class of the namespace and its committed instances. A class that the schema lacks can be asked for too,
+// as a host may ask a plug-in for anything; it only refuses to make instances. The namespace owns it.
+#pragma once
+
+#include <boost/enable_shared_from_this.hpp>
+#include <boost/shared_ptr.hpp>
+#include <boost/weak_ptr.hpp>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "host/ICIMClass.h"
+#include "standin/ClassSchema.h"
+#include "standin/Instance.h"
+
+namespace standin {
+
+class Namespace;
+
+class CimClass : public NKESTA20::ICIMClass, public boost::enable_shared_from_this<CimClass> {
+ public:
+  CimClass(const boost::shared_ptr<Namespace>& ns, const std::string& name);
+
+  const std::string& GetClassName(NKESTA20::PropertyMap context) override;
+  /// Throws CIM_ERR_FAILED once the namespace is gone.
+  boost::shared_ptr<NKESTA20::ICIMNamespace> GetNamespace(NKESTA20::PropertyMap context) override;
+  /// Throws CIM_ERR_INVALID_CLASS for a class that the schema lacks.
+  boost::shared_ptr<NKESTA20::ICIMInstance> CreateInstance(NKESTA20::PropertyMap context) override;
+  /// In commit order; throws CIM_ERR_INVALID_PARAMETER for flags other than 0. Instances that the callback
+  /// commits are not visited.
+  void EnumerateInstances(InstanceCallback callback, int flags, NKESTA20::PropertyMap context) override;
+
+  /// Files a committed instance under its path, in the place of one of the same path.
+  void Store(const std::string& path, const boost::shared_ptr<Instance>& instance);
+
+  /// The same, without passing the seam.
+  const std::string& Name() const { return fName; }
+  const std::vector<boost::shared_ptr<Instance>>& Instances() const { return fInstances; }
+
+ private:
+  boost::weak_ptr<Namespace> fNamespace;
+  std::string fName;
+  const ClassSchema* fSchema;
+  std::vector<boost::shared_ptr<Instance>> fInstances;
+  std::unordered_map<std::string, std::size_t> fIndexByPath;
+};
+
+}  // namespace standin

@@ -1,0 +1,59 @@
+// The one seam that every host operation of the stand-in passes before it does anything. A test sets an
+// observer to count the calls, to record them, or to make the n-th one throw. Copies of values share their
+// data and cannot fail, so they do not pass here.
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace standin {
+
+enum class HostOperation {
+  kGetCoreLogger,
+  kGetPluginManager,
+  kRegisterPlugin,
+  kGetSystemName,
+  kGetSystemCreationClassName,
+  kFileExists,
+  kCaptureFile,
+  kSpawnProcess,
+  kWriteLog,
+  kGetClass,
+  kGetClassName,
+  kGetClassNamespace,
+  kCreateInstance,
+  kEnumerateInstances,
+  kCommit,
+  kGetObjectPath,
+  kGetInstanceClass,
+  kGetProperty,
+  kSetProperty,
+  kGetPropertyValue,
+  kGetPropertyText,
+  kMakeStringValue,
+  kMakeNumberValue,
+  kMakeReferenceValue,
+  kMakeArrayValue,
+  kIsNull,
+  kConvertToString,
+  kConvertToNumber,
+  kCompareReferences,
+  kTranslateStatusCode,
+};
+
+/// One call: the operation and what it is about (a class, property, path, command or log text; may be empty).
+struct HostCall {
+  HostOperation operation;
+  const std::string& subject;
+};
+
+class HostSeam {
+ public:
+  using Observer = std::function<void(const HostCall&)>;
+
+  /// Sees every call from now on; what it throws leaves the operation. An empty one sees nothing.
+  static void SetObserver(Observer observer);
+  static void Enter(HostOperation operation, const std::string& subject);
+};
+
+}  // namespace standin

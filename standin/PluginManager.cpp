@@ -1,0 +1,29 @@
+// The plug-in manager. This file is compiled so that the null check on `this` survives optimisation: plug-ins
+// register through a null pointer where a host has no manager.
+#include "standin/PluginManager.h"
+
+#include <cstdint>
+
+#include "standin/Host.h"
+#include "standin/HostSeam.h"
+#include "standin/StatusCode.h"
+
+namespace NKESTA20 {
+
+void TPluginManagerNamespace::RegisterPlugin(IPluginCallbacks* plugin) {
+  standin::HostSeam::Enter(standin::HostOperation::kRegisterPlugin, std::string());
+  if (reinterpret_cast<std::uintptr_t>(this) == 0) return;
+  standin::Host::Instance().Register(plugin);
+}
+
+}  // namespace NKESTA20
+
+namespace standin {
+
+boost::shared_ptr<NKESTA20::ICIMClass> PluginManager::GetClass(const std::string& className,
+                                                               NKESTA20::PropertyMap) {
+  HostSeam::Enter(HostOperation::kGetClass, className);
+  Throw(StatusCode::kNotFound);
+}
+
+}  // namespace standin

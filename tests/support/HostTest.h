@@ -1,0 +1,51 @@
+// The fixture for all that runs on the stand-in host: a fresh host per test, its log recorded, its machine a
+// fake that answers nothing until told to, `system` recorded among the machine's calls.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "standin/Host.h"
+#include "tests/support/FakeOperatingSystem.h"
+
+namespace usbinfo_test {
+
+/// One line of the core logger.
+struct LogLine {
+  int severity;
+  std::string text;
+
+  bool operator==(const LogLine& other) const { return severity == other.severity && text == other.text; }
+};
+
+std::ostream& operator<<(std::ostream& out, const LogLine& line);
+
+constexpr int kStatus = 2;
+constexpr int kDebug = 3;
+constexpr int kVerbose = 4;
+
+class HostTest : public ::testing::Test {
+ protected:
+  HostTest();
+  ~HostTest() override;
+
+  standin::Host& host = standin::Host::Instance();
+  /// Every line written to the core logger.
+  std::vector<LogLine> log;
+  /// Every question to the machine, "system COMMAND" included.
+  std::vector<std::string> calls;
+  /// Owned by the host.
+  FakeOperatingSystem* machine;
+};
+
+/// The whole of a file; fails the test when it cannot be read.
+std::string ReadFile(const std::string& path);
+
+/// The paths of the captured device lists, in order.
+std::vector<std::string> CapturePaths();
+
+}  // namespace usbinfo_test

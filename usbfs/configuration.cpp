@@ -1,0 +1,6 @@
+// The "C" line; see the header.
+#include "usbfs/configuration.h"
+
+void configuration::Initialize(std::string line) {
+  power = getString(line, "mxpwr=", "ma");
+}
