@@ -1,0 +1,71 @@
+// The core logger's lines; see the header.
+#include "cli/LogWriter.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <nlohmann/json.hpp>
+#include <system_error>
+
+#include "cli/Text.h"
+#include "cli/UserError.h"
+
+using NKESTA20::ILogger;
+
+namespace cli {
+
+namespace {
+
+std::string FormatText(ILogger::EQSVLogSeverity severity, const std::string& text) {
+  static constexpr std::array<const char*, 5> kNames = {"error", "warning", "status", "debug", "verbose"};
+  return fmt::format("{}: {}\n", kNames.at(severity), EscapeForTerminal(text));
+}
+
+std::string FormatJson(ILogger::EQSVLogSeverity severity, const std::string& text) {
+  using nlohmann::ordered_json;
+  ordered_json line;
+  line["severity"] = static_cast<int>(severity);
+  line["text"] = text;
+  return line.dump(-1, ' ', true, ordered_json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace
+
+LogWriter::LogWriter(const std::string& path, ILogger::EQSVLogSeverity level, LogFormat format)
+    : fPath(path), fLevel(level), fFormat(format) {
+  constexpr mode_t kReadableByAll = 0666;
+  if (path.empty()) return;
+  fFile =
+      standin::FileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kReadableByAll));
+  if (!fFile.IsOpen())
+    throw UserError(fmt::format("cannot write the log {}: {}", path, std::strerror(errno)));
+}
+
+void LogWriter::Write(ILogger::EQSVLogSeverity severity, const std::string& text) {
+  constexpr std::size_t kHeldBackAtMost = 65536;
+  if (severity > fLevel) return;
+  fHeldBack += fFormat == LogFormat::kText ? FormatText(severity, text) : FormatJson(severity, text);
+  // On a terminal a line is wanted when it happens.
+  if (!fFile.IsOpen() || fHeldBack.size() > kHeldBackAtMost) Flush();
+}
+
+void LogWriter::Flush() {
+  try {
+    standin::WriteAll(fFile.IsOpen() ? fFile.Get() : STDERR_FILENO, fHeldBack);
+  } catch (const std::system_error& error) {
+    if (fError == 0) fError = error.code().value();
+  }
+  fHeldBack.clear();
+}
+
+void LogWriter::Finish() {
+  Flush();
+  if (fError == 0 || !fFile.IsOpen()) return;
+  throw UserError(fmt::format("cannot write the log {}: {}", fPath, std::strerror(fError)));
+}
+
+}  // namespace cli

@@ -1,0 +1,106 @@
+// Whole output; see the header.
+#include "cli/Output.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <system_error>
+
+#include "cli/UserError.h"
+#include "standin/FileDescriptor.h"
+
+using standin::FileDescriptor;
+
+namespace cli {
+
+namespace {
+
+constexpr mode_t kReadableByAll = 0666;
+
+[[noreturn]] void ThrowError(int error) {
+  throw std::system_error(error, std::generic_category());
+}
+
+void Check(int result) {
+  if (result != 0) ThrowError(errno);
+}
+
+/// The file that `path` leads to through links; `path` itself when there is none yet.
+std::string FollowLinks(const std::string& path) {
+  const std::unique_ptr<char, decltype(&std::free)> followed(::realpath(path.c_str(), nullptr), &std::free);
+  return followed ? followed.get() : path;
+}
+
+/// A new file beside the one to be written, removed unless it takes that one's place.
+class NewFile {
+ public:
+  explicit NewFile(const std::string& target)
+      : fTarget(target), fPath(fmt::format("{}.{}.new", target, ::getpid())) {
+    fFile = FileDescriptor(::open(fPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadableByAll));
+    if (!fFile.IsOpen()) ThrowError(errno);
+  }
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+  ~NewFile() {
+    if (!fInPlace) ::unlink(fPath.c_str());
+  }
+
+  void Write(const std::string& text) {
+    standin::WriteAll(fFile.Get(), text);
+    Check(::fsync(fFile.Get()));
+  }
+
+  void TakePlace() {
+    struct stat old;
+    if (::stat(fTarget.c_str(), &old) == 0) Check(::fchmod(fFile.Get(), old.st_mode & 07777));
+    Check(std::rename(fPath.c_str(), fTarget.c_str()));
+    fInPlace = true;
+  }
+
+ private:
+  std::string fTarget;
+  std::string fPath;
+  FileDescriptor fFile;
+  bool fInPlace = false;
+};
+
+void WriteInPlace(const std::string& path, const std::string& text) {
+  const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+  if (!file.IsOpen()) ThrowError(errno);
+  standin::WriteAll(file.Get(), text);
+}
+
+void Replace(const std::string& path, const std::string& text) {
+  struct stat status;
+  if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return WriteInPlace(path, text);
+  NewFile file(FollowLinks(path));
+  file.Write(text);
+  file.TakePlace();
+}
+
+}  // namespace
+
+void WriteStandardOutput(const std::string& text) {
+  try {
+    standin::WriteAll(STDOUT_FILENO, text);
+  } catch (const std::system_error& error) {
+    throw UserError(fmt::format("cannot write standard output: {}", error.code().message()));
+  }
+}
+
+void WriteFile(const std::string& path, const std::string& text) {
+  try {
+    Replace(path, text);
+  } catch (const std::system_error& error) {
+    throw UserError(fmt::format("cannot write {}: {}", path, error.code().message()));
+  }
+}
+
+}  // namespace cli

@@ -1,0 +1,16 @@
+// Where the data go: whole or not at all.
+#pragma once
+
+#include <string>
+
+namespace cli {
+
+/// Writes `text` to standard output; throws UserError when it cannot be written.
+void WriteStandardOutput(const std::string& text);
+
+/// Makes `text` the content of the file at `path`, by way of a file beside it, so that the old content stays
+/// until the new one is complete. What is no regular file (a device, a pipe) is written to directly. Throws
+/// UserError, and leaves nothing behind, when it cannot be written.
+void WriteFile(const std::string& path, const std::string& text);
+
+}  // namespace cli

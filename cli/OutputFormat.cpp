@@ -1,0 +1,27 @@
+// The list of output formats; see the header.
+#include "cli/OutputFormat.h"
+
+#include <algorithm>
+
+#include "cli/CimXmlFormat.h"
+#include "cli/JsonFormat.h"
+#include "cli/TreeFormat.h"
+
+namespace cli {
+
+const std::vector<OutputFormat>& OutputFormats() {
+  static const std::vector<OutputFormat> formats = {
+      {"tree", false, RenderTree},
+      {"json", true, RenderJson},
+      {"cimxml", true, RenderCimXml},
+  };
+  return formats;
+}
+
+const OutputFormat& FindOutputFormat(const std::string& name) {
+  const auto& formats = OutputFormats();
+  return *std::find_if(formats.begin(), formats.end(),
+                       [&name](const OutputFormat& format) { return format.name == name; });
+}
+
+}  // namespace cli

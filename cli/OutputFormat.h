@@ -1,0 +1,31 @@
+// The output formats: one file each, and the one list of them. A format turns the inventory into text; where
+// the text goes is not its business.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/Inventory.h"
+
+namespace cli {
+
+/// What a format may know of the place its text goes to.
+struct OutputPlace {
+  /// Standard output rather than a file: fit the width if it is a terminal.
+  bool isStandardOutput = true;
+};
+
+struct OutputFormat {
+  std::string name;
+  /// For programs rather than people: an empty inventory is still a document.
+  bool isMachineReadable;
+  std::string (*render)(const Inventory& inventory, const OutputPlace& place);
+};
+
+/// All formats; the first is the default.
+const std::vector<OutputFormat>& OutputFormats();
+
+/// The format of that name, which must be one of the list.
+const OutputFormat& FindOutputFormat(const std::string& name);
+
+}  // namespace cli

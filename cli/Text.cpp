@@ -1,0 +1,93 @@
+// Fitting foreign texts; see the header.
+#include "cli/Text.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+namespace cli {
+
+namespace {
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+
+/// Length of the character of valid UTF-8 that begins with `lead`.
+std::size_t CharacterLength(char lead) {
+  const auto byte = static_cast<unsigned char>(lead);
+  if (byte < 0x80) return 1;
+  if (byte < 0xE0) return 2;
+  return byte < 0xF0 ? 3 : 4;
+}
+
+bool IsDirectionMark(std::string_view character) {
+  static constexpr std::array<std::string_view, 12> kMarks = {
+      "\xD8\x9C",     "\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA", "\xE2\x80\xAB", "\xE2\x80\xAC",
+      "\xE2\x80\xAD", "\xE2\x80\xAE", "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"};
+  for (const std::string_view mark : kMarks) {
+    if (character == mark) return true;
+  }
+  return false;
+}
+
+/// Control characters of both sets and the two characters that some terminals take for line ends.
+bool IsControl(std::string_view character) {
+  const auto byte = static_cast<unsigned char>(character.back());
+  if (character.size() == 1) return byte < 0x20 || byte == 0x7F;
+  if (character.size() == 2) return character.front() == '\xC2' && byte < 0xA0;
+  return character == "\xE2\x80\xA8" || character == "\xE2\x80\xA9";
+}
+
+std::string EscapeBytes(std::string_view bytes) {
+  std::string escaped;
+  for (const char c : bytes) escaped += fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
+  return escaped;
+}
+
+std::string EscapeCharacter(std::string_view character) {
+  if (character == "\\") return "\\\\";
+  if (character == "\n") return "\\n";
+  if (character == "\t") return "\t";
+  if (IsControl(character) || IsDirectionMark(character)) return EscapeBytes(character);
+  return std::string(character);
+}
+
+/// How much of `text` from `at` on is one character of valid UTF-8; 0 when its first byte is no part of one.
+std::size_t ValidLength(const std::string& text, std::size_t at) {
+  const std::size_t length = CharacterLength(text[at]);
+  if (length == 1) return 1;
+  const std::string character = text.substr(at, length);
+  return ReplaceInvalidUtf8(character) == character ? length : 0;
+}
+
+}  // namespace
+
+std::string ReplaceInvalidUtf8(const std::string& text) {
+  using nlohmann::json;
+  const std::string valid = json(text).dump(-1, ' ', false, json::error_handler_t::replace);
+  return json::parse(valid).get<std::string>();
+}
+
+std::string EscapeForTerminal(const std::string& text) {
+  std::string escaped;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t length = ValidLength(text, at);
+    const std::string_view character(text.data() + at, length == 0 ? 1 : length);
+    escaped += length == 0 ? EscapeBytes(character) : EscapeCharacter(character);
+    at += character.size();
+  }
+  return escaped;
+}
+
+std::string ReplaceDirectionMarks(const std::string& text) {
+  std::string replaced;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::string_view character = std::string_view(text).substr(at, CharacterLength(text[at]));
+    replaced += IsDirectionMark(character) ? kReplacement : character;
+    at += character.size();
+  }
+  return replaced;
+}
+
+}  // namespace cli

@@ -1,0 +1,20 @@
+// Texts that are not the command's own, made fit for where they go. A USB device chooses its strings, so any
+// byte may stand in one.
+#pragma once
+
+#include <string>
+
+namespace cli {
+
+/// `text` with every byte that is no part of valid UTF-8 replaced by U+FFFD, as the JSON export does it.
+std::string ReplaceInvalidUtf8(const std::string& text);
+
+/// `text` on one line for people: backslashes doubled, newlines as `\n`, and every other control character,
+/// direction mark and byte that is no UTF-8 as `\xHH`. Tabs and letters stay.
+std::string EscapeForTerminal(const std::string& text);
+
+/// `text` with the marks that turn the reading direction replaced by U+FFFD, so that a name cannot rearrange
+/// the line it stands in.
+std::string ReplaceDirectionMarks(const std::string& text);
+
+}  // namespace cli

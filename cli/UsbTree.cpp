@@ -1,0 +1,94 @@
+// From flat classes to a tree; see the header.
+#include "cli/UsbTree.h"
+
+#include <unordered_map>
+
+#include "standin/ValueView.h"
+
+namespace cli {
+
+namespace {
+
+using Kind = UsbTreeNode::Kind;
+using IndexByText = std::unordered_map<std::string, std::size_t>;
+
+/// Puts one node under another as the associations say, each at most once.
+class Linker {
+ public:
+  explicit Linker(std::vector<UsbTreeNode>& nodes) : fNodes(nodes), fIsLinked(nodes.size(), false) {
+    for (std::size_t index = 0; index < nodes.size(); ++index) {
+      fByPath.emplace(nodes[index].item->PathText(), index);
+      if (nodes[index].kind == Kind::kHub) fHubByDeviceId.emplace(nodes[index].item->Text("DeviceID"), index);
+    }
+  }
+
+  /// A controller and its root hub carry the same identifier.
+  void LinkRootHubs() {
+    for (std::size_t index = 0; index < fNodes.size(); ++index) {
+      if (fNodes[index].kind != Kind::kController) continue;
+      const auto hub = fHubByDeviceId.find(fNodes[index].item->Text("DeviceID"));
+      if (hub != fHubByDeviceId.end()) Link(index, hub->second);
+    }
+  }
+
+  void LinkAssociations(const std::vector<InstanceView>& associations) {
+    for (const InstanceView& association : associations) {
+      const auto parent = fByPath.find(association.Text("Antecedent"));
+      const auto child = fByPath.find(association.Text("Dependent"));
+      if (parent != fByPath.end() && child != fByPath.end()) Link(parent->second, child->second);
+    }
+  }
+
+  std::vector<std::size_t> Unlinked() const {
+    std::vector<std::size_t> top;
+    for (std::size_t index = 0; index < fNodes.size(); ++index) {
+      if (!fIsLinked[index]) top.push_back(index);
+    }
+    return top;
+  }
+
+ private:
+  void Link(std::size_t parent, std::size_t child) {
+    if (fIsLinked[child]) return;
+    fIsLinked[child] = true;
+    fNodes[parent].children.push_back(child);
+  }
+
+  std::vector<UsbTreeNode>& fNodes;
+  std::vector<bool> fIsLinked;
+  IndexByText fByPath;
+  IndexByText fHubByDeviceId;
+};
+
+void AddNodes(std::vector<UsbTreeNode>& nodes, Kind kind, const std::vector<InstanceView>& instances) {
+  for (const InstanceView& instance : instances) nodes.push_back({kind, &instance, 0, {}});
+}
+
+void SetDepths(std::vector<UsbTreeNode>& nodes, const std::vector<std::size_t>& top) {
+  std::vector<std::size_t> waiting = top;
+  while (!waiting.empty()) {
+    const UsbTreeNode& node = nodes[waiting.back()];
+    waiting.pop_back();
+    for (const std::size_t child : node.children) {
+      nodes[child].depth = node.depth + 1;
+      waiting.push_back(child);
+    }
+  }
+}
+
+}  // namespace
+
+UsbTree::UsbTree(const Inventory& inventory) {
+  AddNodes(fNodes, Kind::kController, inventory.InstancesOf("KALDO_USBController"));
+  AddNodes(fNodes, Kind::kHub, inventory.InstancesOf("KALDO_USBHub"));
+  AddNodes(fNodes, Kind::kPort, inventory.InstancesOf("KALDO_USBPort"));
+  AddNodes(fNodes, Kind::kDevice, inventory.InstancesOf("KALDO_USBDevice"));
+  Linker linker(fNodes);
+  linker.LinkRootHubs();
+  linker.LinkAssociations(inventory.InstancesOf("KALDO_USBPortOnHub"));
+  linker.LinkAssociations(inventory.InstancesOf("KALDO_USBConnection"));
+  fTop = linker.Unlinked();
+  SetDepths(fNodes, fTop);
+}
+
+}  // namespace cli

@@ -1,0 +1,101 @@
+// libxml2's writer, owned; see the header.
+#include "cli/XmlWriter.h"
+
+#include <fmt/format.h>
+
+#include <new>
+
+#include "cli/Text.h"
+
+namespace cli {
+
+namespace {
+
+const xmlChar* Xml(const char* text) {
+  return reinterpret_cast<const xmlChar*>(text);
+}
+
+void Check(int result) {
+  if (result < 0) throw std::bad_alloc();
+}
+
+bool IsForbidden(unsigned char byte) {
+  return byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
+}
+
+/// What XML 1.0 has no character for, as U+FFFD; `text` is valid UTF-8.
+std::string ReplaceForbidden(const std::string& text) {
+  std::string fit;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const std::string three = text.substr(at, 3);
+    if (three == "\xEF\xBF\xBE" || three == "\xEF\xBF\xBF") {
+      fit += "\xEF\xBF\xBD";
+      at += 2;
+    } else if (IsForbidden(static_cast<unsigned char>(text[at]))) {
+      fit += "\xEF\xBF\xBD";
+    } else {
+      fit += text[at];
+    }
+  }
+  return fit;
+}
+
+/// The control character at `at` of valid UTF-8 that needs a reference, U+007F to U+009F; 0 for any other.
+unsigned int ControlAt(const std::string& text, std::size_t at) {
+  if (text[at] == '\x7F') return 0x7F;
+  if (text[at] != '\xC2') return 0;
+  const auto second = static_cast<unsigned char>(text[at + 1]);
+  return second < 0xA0 ? second : 0;
+}
+
+}  // namespace
+
+XmlWriter::XmlWriter() : fBuffer(xmlBufferCreate()) {
+  if (fBuffer) fWriter.reset(xmlNewTextWriterMemory(fBuffer.get(), 0));
+  if (!fWriter) throw std::bad_alloc();
+  Check(xmlTextWriterSetIndent(fWriter.get(), 1));
+  Check(xmlTextWriterStartDocument(fWriter.get(), nullptr, "UTF-8", nullptr));
+}
+
+void XmlWriter::Start(const char* element) {
+  Check(xmlTextWriterStartElement(fWriter.get(), Xml(element)));
+}
+
+void XmlWriter::Attribute(const char* name, const std::string& value) {
+  const std::string fit = ReplaceForbidden(ReplaceInvalidUtf8(value));
+  Check(xmlTextWriterWriteAttribute(fWriter.get(), Xml(name), Xml(fit.c_str())));
+}
+
+void XmlWriter::Text(const std::string& text) {
+  const std::string fit = ReplaceForbidden(ReplaceInvalidUtf8(text));
+  std::string plain;
+  for (std::size_t at = 0; at < fit.size(); ++at) {
+    const unsigned int control = ControlAt(fit, at);
+    if (control == 0) {
+      plain += fit[at];
+      continue;
+    }
+    WriteText(plain);
+    plain.clear();
+    Check(xmlTextWriterWriteRaw(fWriter.get(), Xml(fmt::format("&#x{:X};", control).c_str())));
+    if (control > 0x7F) ++at;
+  }
+  WriteText(plain);
+}
+
+void XmlWriter::WriteText(const std::string& text) {
+  Check(xmlTextWriterWriteString(fWriter.get(), Xml(text.c_str())));
+}
+
+void XmlWriter::End() {
+  Check(xmlTextWriterFullEndElement(fWriter.get()));
+}
+
+std::string XmlWriter::Finish() {
+  Check(xmlTextWriterEndDocument(fWriter.get()));
+  Check(xmlTextWriterFlush(fWriter.get()));
+  return std::string(reinterpret_cast<const char*>(xmlBufferContent(fBuffer.get())),
+                     static_cast<std::size_t>(xmlBufferLength(fBuffer.get())));
+}
+
+}  // namespace cli

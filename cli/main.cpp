@@ -1,0 +1,64 @@
+// The usbinfo command: parses the arguments, runs a subcommand, and turns what goes wrong into one line on
+// standard error and an exit status.
+#include <CLI/CLI.hpp>
+#include <clocale>
+#include <csignal>
+#include <exception>
+#include <iostream>
+#include <new>
+#include <string>
+
+#include "cli/ExitStatus.h"
+#include "cli/Output.h"
+#include "cli/ShowCommand.h"
+#include "cli/Text.h"
+#include "cli/UserError.h"
+
+namespace {
+
+int Fail(const std::string& message) {
+  std::cerr << "usbinfo: " << cli::EscapeForTerminal(message) << "\n";
+  return cli::kFailure;
+}
+
+constexpr std::size_t kHelpColumn = 24;
+
+int Run(int argc, char** argv) {
+  CLI::App app("Shows a machine's USB inventory: controllers, hubs, ports and devices.", "usbinfo");
+  app.set_help_flag("-h,--help", "Print this help");
+  app.set_version_flag("-V,--version", "usbinfo " USBINFO_VERSION, "Print the version");
+  app.get_formatter()->column_width(kHelpColumn);
+  cli::ShowOptions options;
+  cli::AddShowOptions(app, options);
+  CLI::App* const show = app.add_subcommand("show", "Print the inventory; what usbinfo does on its own");
+  cli::AddShowOptions(*show, options);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& request) {
+    std::ostringstream text;
+    app.exit(request, text, text);
+    cli::WriteStandardOutput(text.str());
+    return cli::kPrinted;
+  } catch (const CLI::ParseError& error) {
+    return Fail(std::string(error.what()) + "; see usbinfo --help");
+  }
+  return cli::RunShow(options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // The character set of the terminal; numbers keep the form that programs expect.
+  std::setlocale(LC_CTYPE, "");
+  // A closed pipe shows in the write that fails, which is told like any failed output.
+  std::signal(SIGPIPE, SIG_IGN);
+  try {
+    return Run(argc, argv);
+  } catch (const cli::UserError& error) {
+    return Fail(error.what());
+  } catch (const std::bad_alloc&) {
+    return Fail("out of memory");
+  } catch (const std::exception& error) {
+    return Fail(error.what());
+  }
+}
