@@ -19,10 +19,11 @@ MachineFacts::DebugfsList LookAtDebugfs() {
 }
 
 bool IsInPath(const std::string& command) {
-  const char* const path = std::getenv("PATH");  // NOLINT(concurrency-mt-unsafe): one thread
+  const char* const path = std::getenv("PATH");
   std::istringstream folders(path == nullptr ? "/usr/bin:/bin" : path);
   for (std::string folder; std::getline(folders, folder, ':');) {
-    if (::access((folder + "/" + command).c_str(), X_OK) == 0) return true;
+    folder.append("/").append(command);
+    if (::access(folder.c_str(), X_OK) == 0) return true;
   }
   return false;
 }

@@ -22,9 +22,11 @@ std::size_t CharacterLength(char lead) {
 }
 
 bool IsDirectionMark(std::string_view character) {
+  // NOLINTBEGIN(misc-misleading-bidirectional): written as escapes
   static constexpr std::array<std::string_view, 12> kMarks = {
       "\xD8\x9C",     "\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA", "\xE2\x80\xAB", "\xE2\x80\xAC",
       "\xE2\x80\xAD", "\xE2\x80\xAE", "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"};
+  // NOLINTEND(misc-misleading-bidirectional)
   for (const std::string_view mark : kMarks) {
     if (character == mark) return true;
   }

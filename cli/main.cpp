@@ -49,9 +49,9 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   // The character set of the terminal; numbers keep the form that programs expect.
-  std::setlocale(LC_CTYPE, "");
+  static_cast<void>(std::setlocale(LC_CTYPE, ""));
   // A closed pipe shows in the write that fails, which is told like any failed output.
-  std::signal(SIGPIPE, SIG_IGN);
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
   try {
     return Run(argc, argv);
   } catch (const cli::UserError& error) {

@@ -18,7 +18,7 @@ class USBINFO_HOST_API TCIMReference {
 
  private:
   friend class HostData;
-  const void* fData;
+  const void* fData = nullptr;
 };
 
 }  // namespace NKESTA20

@@ -59,7 +59,7 @@ class USBINFO_HOST_API TCIMValue {
 
  private:
   friend class HostData;
-  const void* fData;
+  const void* fData = nullptr;
 };
 
 }  // namespace NKESTA20

@@ -15,7 +15,7 @@ class USBINFO_HOST_API TQSVException : public std::exception {
   explicit TQSVException(const TQSVStatusCode& status) : fStatus(status) {}
   TQSVException(const TQSVException&) = default;
   TQSVException& operator=(const TQSVException&) = default;
-  ~TQSVException() noexcept override {}
+  ~TQSVException() noexcept override = default;
 
   /// The status code's text; empty when memory for it is lacking. Valid as long as the exception.
   const char* what() const noexcept override {

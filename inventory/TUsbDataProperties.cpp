@@ -38,7 +38,7 @@ std::string ParentIdentifier(const topology& place) {
 
 std::string PortIdentifier(const std::string& hubIdentifier, unsigned int index) {
   char suffix[sizeof " Port 4294967295"];
-  std::snprintf(suffix, sizeof suffix, " Port %02u", index);
+  static_cast<void>(std::snprintf(suffix, sizeof suffix, " Port %02u", index));
   return hubIdentifier + suffix;
 }
 

@@ -68,8 +68,10 @@ void Log(ILogger::EQSVLogSeverity severity, const std::string& text) {
 TUSBInfoCallbacks::TUSBInfoCallbacks() {
   const boost::shared_ptr<ICIMNamespace> root = TRootObject::GetPluginManager();
   const auto manager = boost::dynamic_pointer_cast<TPluginManagerNamespace>(root);
-  manager.get()->RegisterPlugin(this);
-  fProviderHandle = manager.get();
+  // Not through the pointer's own arrow, which refuses a null manager.
+  TPluginManagerNamespace* const registrar = manager.get();
+  registrar->RegisterPlugin(this);
+  fProviderHandle = registrar;
 }
 
 TUSBInfoCallbacks::~TUSBInfoCallbacks() = default;

@@ -28,7 +28,7 @@ inline NKESTA20::TCIMValue MakeStringArrayValue(const std::vector<std::string>& 
   constexpr int kArrayOfStrings = 13;
   std::vector<TCIMValue> elements;
   elements.reserve(texts.size());
-  for (const std::string& text : texts) elements.push_back(TCIMValue(text));
+  for (const std::string& text : texts) elements.emplace_back(text);
   return TCIMValue(TCIMValue::TCIMType(static_cast<TCIMValue::TCIMType::ECIMType>(kArrayOfStrings)),
                    static_cast<unsigned int>(elements.size()), elements);
 }

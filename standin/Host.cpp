@@ -1,12 +1,12 @@
 // The stand-in host; see the header.
 #include "standin/Host.h"
 
-#include <limits.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <boost/make_shared.hpp>
+#include <climits>
 
 #include "standin/Machine.h"
 #include "standin/PluginManager.h"

@@ -52,7 +52,7 @@ const ValueData* MakeStringArray(TCIMValue::TCIMType type, unsigned int count,
 
 TCIMValue::TCIMType::TCIMType(ECIMType code) : fCode(code) {}
 
-TCIMValue::TCIMValue() : fData(nullptr) {}
+TCIMValue::TCIMValue() = default;
 
 TCIMValue::TCIMValue(const char* text) : fData(MakeString(text == nullptr ? "" : text)) {}
 
@@ -72,9 +72,8 @@ TCIMValue::TCIMValue(TCIMType type, unsigned int count, const std::vector<TCIMVa
 TCIMValue::TCIMValue(const TCIMValue& other) : fData(Share(HostData::Of(other))) {}
 
 TCIMValue& TCIMValue::operator=(const TCIMValue& other) {
-  const void* const shared = Share(HostData::Of(other));
-  Release(HostData::Of(*this));
-  fData = shared;
+  TCIMValue copy(other);
+  std::swap(fData, copy.fData);
   return *this;
 }
 
@@ -100,14 +99,13 @@ TCIMValue::operator unsigned short() const {
   return static_cast<unsigned short>(*number);
 }
 
-TCIMReference::TCIMReference() : fData(nullptr) {}
+TCIMReference::TCIMReference() = default;
 
 TCIMReference::TCIMReference(const TCIMReference& other) : fData(Share(HostData::Of(other))) {}
 
 TCIMReference& TCIMReference::operator=(const TCIMReference& other) {
-  const void* const shared = Share(HostData::Of(other));
-  Release(HostData::Of(*this));
-  fData = shared;
+  TCIMReference copy(other);
+  std::swap(fData, copy.fData);
   return *this;
 }
 

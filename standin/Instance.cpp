@@ -21,7 +21,7 @@ namespace standin {
 namespace {
 
 boost::shared_ptr<CimClass> LockClass(const boost::weak_ptr<CimClass>& cls) {
-  const boost::shared_ptr<CimClass> locked = cls.lock();
+  boost::shared_ptr<CimClass> locked = cls.lock();
   if (!locked) Throw(StatusCode::kFailed);
   return locked;
 }

@@ -13,7 +13,7 @@ using NKESTA20::PropertyMap;
 namespace standin {
 
 boost::shared_ptr<Namespace> Namespace::Make() {
-  const auto ns = boost::make_shared<Namespace>();
+  auto ns = boost::make_shared<Namespace>();
   for (const ClassSchema& schema : ServedClasses()) {
     ns->fClasses.emplace(schema.name, boost::make_shared<CimClass>(ns, schema.name));
   }

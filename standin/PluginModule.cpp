@@ -39,7 +39,7 @@ void PluginModule::Collect(const std::vector<std::string>& classNames) {
   const boost::shared_ptr<Namespace>& ns = Host::Instance().Cimv2();
   std::vector<boost::shared_ptr<ICIMClass>> classes;
   classes.reserve(classNames.size());
-  for (const std::string& name : classNames) classes.push_back(ns->ClassForRequest(name));
+  for (const std::string& name : classNames) classes.emplace_back(ns->ClassForRequest(name));
   fLifecycle->Init();
   fQueries->GetData(ns, classes);
   fLifecycle->DeInit();

@@ -21,7 +21,7 @@ constexpr int kListCommandSeconds = 300;
 /// Runs a mount command; whether it worked shows in the file that it brings, not in its exit status.
 void RunIgnoringStatus(const char* command) {
   // The commands are constants and the shell's search path is the host's own.
-  [[maybe_unused]] const int status = std::system(command);  // NOLINT(cert-env33-c,concurrency-mt-unsafe)
+  [[maybe_unused]] const int status = std::system(command);  // NOLINT(cert-env33-c)
 }
 
 }  // namespace
@@ -60,7 +60,7 @@ void DeviceListSource::CaptureListing(std::string& text) const {
 }
 
 std::string DeviceListSource::RunCommand() const {
-  const std::string output = TOSSpecific::SpawnProcess(kListCommand, kListCommandSeconds);
+  std::string output = TOSSpecific::SpawnProcess(kListCommand, kListCommandSeconds);
   fLog.WriteDebug(output);
   if (output.empty() || output.find("command-not-found") != std::string::npos) {
     fLog.WriteStatus("USB device file is empty");
