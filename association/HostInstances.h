@@ -13,6 +13,15 @@
 
 using InstanceList = std::vector<boost::shared_ptr<NKESTA20::ICIMInstance>>;
 
+/// The list's length now and one of its elements. Lists are walked by index and their length asked for again
+/// on every step: a host may keep the callback and add to a list while it is walked.
+inline int CountOf(const InstanceList& list) {
+  return static_cast<int>(list.size());
+}
+inline boost::shared_ptr<NKESTA20::ICIMInstance> InstanceAt(const InstanceList& list, int index) {
+  return list[static_cast<std::size_t>(index)];
+}
+
 /// The one-entry context by which classes of the namespace are asked for.
 NKESTA20::PropertyMap MakeClassContext();
 

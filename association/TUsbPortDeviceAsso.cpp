@@ -28,8 +28,10 @@ bool TUsbPortDeviceAsso::Place::operator==(const Place& other) const {
 bool TUsbPortDeviceAsso::GetCIMInstances(std::string className) {
   WriteDebug("Entering TUsbPortDeviceAsso::GetCIMInstances routine");
   std::vector<PropertyMap> links = MakePortAssociation(kClassUsbDevice);
-  const std::vector<PropertyMap> hubLinks = MakePortAssociation(kClassUsbHub);
-  links.insert(links.end(), hubLinks.begin(), hubLinks.end());
+  {
+    const std::vector<PropertyMap> hubLinks = MakePortAssociation(kClassUsbHub);
+    links.insert(links.end(), hubLinks.begin(), hubLinks.end());
+  }
   const bool generated = GenerateInstances(
       links, className,
       "USB Port-Device Association encountered an error\t\t\t\t\t\t\t\tgenerating CIM instances for ");
@@ -44,7 +46,8 @@ std::vector<PropertyMap> TUsbPortDeviceAsso::MakePortAssociation(std::string dep
   InstanceList dependents;
   if (!FindInstances(dependentClassName, ports, dependents)) return links;
   const bool areHubs = dependentClassName == kClassUsbHub;
-  for (const auto& dependent : dependents) {
+  for (int index = 0; index < CountOf(dependents); ++index) {
+    const auto dependent = InstanceAt(dependents, index);
     Place wanted;
     if (ReadDependentPlace(dependent, areHubs, wanted)) ConnectToPort(dependent, wanted, ports, links);
   }
@@ -111,7 +114,8 @@ bool TUsbPortDeviceAsso::ReadPortPlace(const boost::shared_ptr<ICIMInstance>& po
 
 void TUsbPortDeviceAsso::ConnectToPort(const boost::shared_ptr<ICIMInstance>& dependent, const Place& wanted,
                                        const InstanceList& ports, std::vector<PropertyMap>& links) {
-  for (const auto& port : ports) {
+  for (int index = 0; index < CountOf(ports); ++index) {
+    const auto port = InstanceAt(ports, index);
     Place place;
     if (!ReadPortPlace(port, place) || !(place == wanted)) continue;
     links.push_back(MakeLink(port, dependent));

@@ -32,7 +32,7 @@ std::vector<PropertyMap> TUsbPortHubAsso::MakePortHubAssociation() {
   InstanceList hubs;
   InstanceList ports;
   if (!FindInstances(hubs, ports)) return links;
-  for (const auto& port : ports) LinkPort(port, hubs, links);
+  for (int index = 0; index < CountOf(ports); ++index) LinkPort(InstanceAt(ports, index), hubs, links);
   return links;
 }
 
@@ -65,7 +65,8 @@ void TUsbPortHubAsso::LinkPort(const boost::shared_ptr<ICIMInstance>& port, cons
         dataToString<const char*>(error.what()));
     return;
   }
-  for (const auto& hub : hubs) {
+  for (int index = 0; index < CountOf(hubs); ++index) {
+    const auto hub = InstanceAt(hubs, index);
     unsigned short hubDepth = 0;
     std::string hubName;
     try {

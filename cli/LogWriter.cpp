@@ -33,6 +33,11 @@ std::string FormatJson(ILogger::EQSVLogSeverity severity, const std::string& tex
   return line.dump(-1, ' ', true, ordered_json::error_handler_t::replace) + "\n";
 }
 
+std::string Complaint(const std::string& path, int error) {
+  return fmt::format("cannot write the log {}: {}; name a writable file with --log", path,
+                     std::strerror(error));
+}
+
 }  // namespace
 
 LogWriter::LogWriter(const std::string& path, ILogger::EQSVLogSeverity level, LogFormat format)
@@ -41,8 +46,7 @@ LogWriter::LogWriter(const std::string& path, ILogger::EQSVLogSeverity level, Lo
   if (path.empty()) return;
   fFile =
       standin::FileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kReadableByAll));
-  if (!fFile.IsOpen())
-    throw UserError(fmt::format("cannot write the log {}: {}", path, std::strerror(errno)));
+  if (!fFile.IsOpen()) throw UserError(Complaint(path, errno));
 }
 
 void LogWriter::Write(ILogger::EQSVLogSeverity severity, const std::string& text) {
@@ -53,7 +57,7 @@ void LogWriter::Write(ILogger::EQSVLogSeverity severity, const std::string& text
   if (!fFile.IsOpen() || fHeldBack.size() > kHeldBackAtMost) Flush();
 }
 
-void LogWriter::Flush() {
+void LogWriter::Flush() noexcept {
   try {
     standin::WriteAll(fFile.IsOpen() ? fFile.Get() : STDERR_FILENO, fHeldBack);
   } catch (const std::system_error& error) {
@@ -65,7 +69,7 @@ void LogWriter::Flush() {
 void LogWriter::Finish() {
   Flush();
   if (fError == 0 || !fFile.IsOpen()) return;
-  throw UserError(fmt::format("cannot write the log {}: {}", fPath, std::strerror(fError)));
+  throw UserError(Complaint(fPath, fError));
 }
 
 }  // namespace cli

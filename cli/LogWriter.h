@@ -16,6 +16,10 @@ class LogWriter {
   /// Writes lines of `level` and of graver severities to the file at `path`, which is made anew; to standard
   /// error when `path` is empty. Throws UserError when the file cannot be written.
   LogWriter(const std::string& path, NKESTA20::ILogger::EQSVLogSeverity level, LogFormat format);
+  LogWriter(const LogWriter&) = delete;
+  LogWriter& operator=(const LogWriter&) = delete;
+  /// Writes what is still held back, so that the log of a run that fails is whole.
+  ~LogWriter() { Flush(); }
 
   /// Never throws for a failed write: Finish tells.
   void Write(NKESTA20::ILogger::EQSVLogSeverity severity, const std::string& text);
@@ -23,7 +27,7 @@ class LogWriter {
   void Finish();
 
  private:
-  void Flush();
+  void Flush() noexcept;
 
   std::string fPath;
   NKESTA20::ILogger::EQSVLogSeverity fLevel;

@@ -8,9 +8,8 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
+#include <filesystem>
 #include <system_error>
 
 #include "cli/UserError.h"
@@ -32,10 +31,15 @@ void Check(int result) {
   if (result != 0) ThrowError(errno);
 }
 
-/// The file that `path` leads to through links; `path` itself when there is none yet.
+/// The file that `path` leads to through links, whether or not it is there yet.
 std::string FollowLinks(const std::string& path) {
-  const std::unique_ptr<char, decltype(&std::free)> followed(::realpath(path.c_str(), nullptr), &std::free);
-  return followed ? followed.get() : path;
+  namespace fs = std::filesystem;
+  constexpr int kMaxLinks = 40;  // as the kernel counts before it gives up
+  fs::path target = path;
+  for (int links = 0; links < kMaxLinks && fs::is_symlink(target); ++links) {
+    target = target.parent_path() / fs::read_symlink(target);
+  }
+  return target;
 }
 
 /// A new file beside the one to be written, removed unless it takes that one's place.
@@ -91,7 +95,8 @@ void WriteStandardOutput(const std::string& text) {
   try {
     standin::WriteAll(STDOUT_FILENO, text);
   } catch (const std::system_error& error) {
-    throw UserError(fmt::format("cannot write standard output: {}", error.code().message()));
+    throw UserError(fmt::format("cannot write standard output: {}; is the disk full, or the reader gone?",
+                                error.code().message()));
   }
 }
 
@@ -99,7 +104,8 @@ void WriteFile(const std::string& path, const std::string& text) {
   try {
     Replace(path, text);
   } catch (const std::system_error& error) {
-    throw UserError(fmt::format("cannot write {}: {}", path, error.code().message()));
+    throw UserError(
+        fmt::format("cannot write {}: {}; name a writable file with --output", path, error.code().message()));
   }
 }
 

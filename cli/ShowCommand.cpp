@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -55,16 +54,20 @@ ILogger::EQSVLogSeverity SeverityOf(const std::string& name) {
   return static_cast<ILogger::EQSVLogSeverity>(number);
 }
 
+/// How a device list is called in messages.
+std::string NameOf(const std::string& path) {
+  return path == "-" ? "standard input" : path;
+}
+
 std::string ReadDeviceList(const std::string& path) {
-  standin::FileDescriptor file;
-  if (path != "-") file = standin::FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (path != "-" && !file.IsOpen()) {
-    throw UserError(fmt::format("cannot read {}: {}", path, std::strerror(errno)));
-  }
+  const bool isStandardInput = path == "-";
+  const standin::FileDescriptor file(isStandardInput ? -1 : ::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   try {
-    return standin::ReadAll(file.IsOpen() ? file.Get() : STDIN_FILENO);
+    if (!isStandardInput && !file.IsOpen()) throw std::system_error(errno, std::generic_category());
+    return standin::ReadAll(isStandardInput ? STDIN_FILENO : file.Get());
   } catch (const std::system_error& error) {
-    throw UserError(fmt::format("cannot read {}: {}", path, error.code().message()));
+    throw UserError(fmt::format("cannot read {}: {}; name a file that holds a device list with --devices",
+                                NameOf(path), error.code().message()));
   }
 }
 
@@ -101,16 +104,22 @@ void Collect(const ShowOptions& options) {
     try {
       module.Collect(RequestedClasses(options.request));
     } catch (const std::exception& error) {
-      throw UserError(fmt::format("the plug-in {} failed: {}", path, error.what()));
+      throw UserError(
+          fmt::format("the plug-in {} failed: {}; name another with --plugin FILE", path, error.what()));
+    } catch (...) {
+      throw UserError(fmt::format("the plug-in {} failed; name another with --plugin FILE", path));
     }
   } catch (const standin::PluginError& error) {
-    throw UserError(fmt::format("cannot use the plug-in: {}", error.what()));
+    throw UserError(
+        fmt::format("cannot use the plug-in: {}; name the module with --plugin FILE", error.what()));
   }
 }
 
+/// For people, nothing is printed where there is nothing; programs get their empty document.
 void Print(const ShowOptions& options, const Inventory& inventory) {
-  const OutputPlace place{options.output.empty()};
-  const std::string text = FindOutputFormat(options.format).render(inventory, place);
+  const OutputFormat& format = FindOutputFormat(options.format);
+  if (inventory.IsEmpty() && !format.isMachineReadable) return;
+  const std::string text = format.render(inventory, OutputPlace{options.output.empty()});
   if (options.output.empty()) {
     WriteStandardOutput(text);
   } else {
@@ -127,7 +136,7 @@ std::string AdviseOnEmpty(const ShowOptions& options) {
   return fmt::format(
       "no USB device found: {} holds no device list; expected is what /sys/kernel/debug/usb/devices or "
       "usb-devices prints",
-      options.devices == "-" ? "standard input" : options.devices);
+      NameOf(options.devices));
 }
 
 std::string CheckRequest(const std::string& request) {

@@ -55,12 +55,18 @@ std::string EscapeCharacter(std::string_view character) {
   return std::string(character);
 }
 
-/// How much of `text` from `at` on is one character of valid UTF-8; 0 when its first byte is no part of one.
-std::size_t ValidLength(const std::string& text, std::size_t at) {
-  const std::size_t length = CharacterLength(text[at]);
-  if (length == 1) return 1;
-  const std::string character = text.substr(at, length);
-  return ReplaceInvalidUtf8(character) == character ? length : 0;
+/// A character of UTF-8, or a single byte that is no part of one.
+struct Character {
+  std::string_view bytes;
+  bool isValid;
+};
+
+Character CharacterAt(std::string_view text, std::size_t at) {
+  const std::string_view bytes = text.substr(at, CharacterLength(text[at]));
+  if (bytes.size() == 1 && static_cast<unsigned char>(bytes.front()) < 0x80) return {bytes, true};
+  const std::string character(bytes);
+  if (ReplaceInvalidUtf8(character) == character) return {bytes, true};
+  return {bytes.substr(0, 1), false};
 }
 
 }  // namespace
@@ -74,10 +80,9 @@ std::string ReplaceInvalidUtf8(const std::string& text) {
 std::string EscapeForTerminal(const std::string& text) {
   std::string escaped;
   for (std::size_t at = 0; at < text.size();) {
-    const std::size_t length = ValidLength(text, at);
-    const std::string_view character(text.data() + at, length == 0 ? 1 : length);
-    escaped += length == 0 ? EscapeBytes(character) : EscapeCharacter(character);
-    at += character.size();
+    const Character character = CharacterAt(text, at);
+    escaped += character.isValid ? EscapeCharacter(character.bytes) : EscapeBytes(character.bytes);
+    at += character.bytes.size();
   }
   return escaped;
 }
@@ -85,7 +90,7 @@ std::string EscapeForTerminal(const std::string& text) {
 std::string ReplaceDirectionMarks(const std::string& text) {
   std::string replaced;
   for (std::size_t at = 0; at < text.size();) {
-    const std::string_view character = std::string_view(text).substr(at, CharacterLength(text[at]));
+    const std::string_view character = CharacterAt(text, at).bytes;
     replaced += IsDirectionMark(character) ? kReplacement : character;
     at += character.size();
   }

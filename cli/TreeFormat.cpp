@@ -106,18 +106,22 @@ class TreeRows {
   std::string Place(const UsbTreeNode& node, bool isTop) const {
     const std::string identifier = node.item->Text("DeviceID");
     if (node.kind == Kind::kController) return "Bus " + BusOf(identifier);
-    if (isTop) return fmt::format("Bus {}, {}", BusOf(identifier), TopPlace(node, identifier));
+    if (isTop) return fmt::format("Bus {}, {}", BusOf(identifier), PlaceOnBus(node, identifier));
     switch (node.kind) {
       case Kind::kPort:
         return "Port " + Behind(identifier, " Port ");
       case Kind::kHub:
-        return node.depth == 1 ? "Root hub" : "Hub";
+        return node.isRootHub ? "Root hub" : "Hub";
       default:
         return "Device " + Behind(identifier, " Device ");
     }
   }
 
-  static std::string TopPlace(const UsbTreeNode& node, const std::string& identifier) {
+  static std::string PlaceOnBus(const UsbTreeNode& node, const std::string& identifier) {
+    if (node.kind == Kind::kPort) {
+      const std::string hub = identifier.substr(0, identifier.rfind(" Port "));
+      return fmt::format("hub {}, port {}", Behind(hub, " Device "), Behind(identifier, " Port "));
+    }
     const char* const noun = node.kind == Kind::kHub ? "hub" : "device";
     return fmt::format("{} {}", noun, Behind(identifier, " Device "));
   }
@@ -126,7 +130,7 @@ class TreeRows {
     switch (node.kind) {
       case Kind::kHub: {
         const std::string ports = Count(node.item->Number("NumberOfPorts"), "port");
-        return node.depth == 1 ? ports : NameOf(*node.item) + ", " + ports;
+        return node.isRootHub ? ports : NameOf(*node.item) + ", " + ports;
       }
       case Kind::kPort:
         return node.item->Text("StatusDescriptions") == "{No device connected}" ? "free" : "in use";
@@ -178,15 +182,18 @@ Table NewTable(const OutputPlace& place) {
   return table;
 }
 
-/// Adds a row per node, parents ahead of their children; what a port shows in its own row gets none.
+/// Adds a row per node, parents ahead of their children; what a port shows in its own row gets none. A list
+/// may claim any number of tiers; below the last one that is drawn, rows stay at its depth.
 void AddRows(libscols_table* table, const UsbTree& tree) {
+  constexpr std::size_t kMaxDepth = 32;
   struct Waiting {
     std::size_t node;
     libscols_line* parent;
+    std::size_t depth;
   };
   const TreeRows rows(tree);
   std::vector<Waiting> waiting;
-  for (auto top = tree.Top().rbegin(); top != tree.Top().rend(); ++top) waiting.push_back({*top, nullptr});
+  for (auto top = tree.Top().rbegin(); top != tree.Top().rend(); ++top) waiting.push_back({*top, nullptr, 0});
   while (!waiting.empty()) {
     const Waiting next = waiting.back();
     waiting.pop_back();
@@ -198,7 +205,12 @@ void AddRows(libscols_table* table, const UsbTree& tree) {
       Check(scols_line_set_data(line, column, cell.c_str()));
     }
     const auto& children = rows.Shown(node).children;
-    for (auto child = children.rbegin(); child != children.rend(); ++child) waiting.push_back({*child, line});
+    const bool isDeepest = next.depth == kMaxDepth;
+    libscols_line* const parent = isDeepest ? next.parent : line;
+    const std::size_t depth = isDeepest ? kMaxDepth : next.depth + 1;
+    for (auto child = children.rbegin(); child != children.rend(); ++child) {
+      waiting.push_back({*child, parent, depth});
+    }
   }
 }
 
@@ -230,7 +242,6 @@ std::string Heading(const Inventory& inventory) {
 }  // namespace
 
 std::string RenderTree(const Inventory& inventory, const OutputPlace& place) {
-  if (inventory.IsEmpty()) return std::string();
   const Table table = NewTable(place);
   AddRows(table.get(), UsbTree(inventory));
   return Heading(inventory) + Print(table.get());

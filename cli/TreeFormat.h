@@ -8,7 +8,7 @@
 
 namespace cli {
 
-/// Empty for an empty inventory. Fits a terminal's width, and draws with ASCII where the locale has no UTF-8.
+/// Fits a terminal's width, and draws with ASCII where the locale has no UTF-8.
 std::string RenderTree(const Inventory& inventory, const OutputPlace& place);
 
 }  // namespace cli

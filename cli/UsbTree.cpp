@@ -27,7 +27,9 @@ class Linker {
     for (std::size_t index = 0; index < fNodes.size(); ++index) {
       if (fNodes[index].kind != Kind::kController) continue;
       const auto hub = fHubByDeviceId.find(fNodes[index].item->Text("DeviceID"));
-      if (hub != fHubByDeviceId.end()) Link(index, hub->second);
+      if (hub == fHubByDeviceId.end()) continue;
+      fNodes[hub->second].isRootHub = true;
+      Link(index, hub->second);
     }
   }
 
@@ -61,19 +63,7 @@ class Linker {
 };
 
 void AddNodes(std::vector<UsbTreeNode>& nodes, Kind kind, const std::vector<InstanceView>& instances) {
-  for (const InstanceView& instance : instances) nodes.push_back({kind, &instance, 0, {}});
-}
-
-void SetDepths(std::vector<UsbTreeNode>& nodes, const std::vector<std::size_t>& top) {
-  std::vector<std::size_t> waiting = top;
-  while (!waiting.empty()) {
-    const UsbTreeNode& node = nodes[waiting.back()];
-    waiting.pop_back();
-    for (const std::size_t child : node.children) {
-      nodes[child].depth = node.depth + 1;
-      waiting.push_back(child);
-    }
-  }
+  for (const InstanceView& instance : instances) nodes.push_back({kind, &instance, false, {}});
 }
 
 }  // namespace
@@ -88,7 +78,6 @@ UsbTree::UsbTree(const Inventory& inventory) {
   linker.LinkAssociations(inventory.InstancesOf("KALDO_USBPortOnHub"));
   linker.LinkAssociations(inventory.InstancesOf("KALDO_USBConnection"));
   fTop = linker.Unlinked();
-  SetDepths(fNodes, fTop);
 }
 
 }  // namespace cli

@@ -17,8 +17,8 @@ struct UsbTreeNode {
   Kind kind;
   /// Owned by the inventory.
   const InstanceView* item;
-  /// Depth below the top, 0 for the top.
-  std::size_t depth = 0;
+  /// A hub right below its controller.
+  bool isRootHub = false;
   /// Indices of the nodes right below.
   std::vector<std::size_t> children;
 };

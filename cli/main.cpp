@@ -1,5 +1,8 @@
 // The usbinfo command: parses the arguments, runs a subcommand, and turns what goes wrong into one line on
 // standard error and an exit status.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <clocale>
 #include <csignal>
@@ -23,6 +26,14 @@ int Fail(const std::string& message) {
 
 constexpr std::size_t kHelpColumn = 24;
 
+/// Where the command is started without one of the standard streams, its number must not go to a file of
+/// ours. What takes the place can be opened but neither gives nor takes data.
+void OccupyStandardStreams() {
+  int fd = STDIN_FILENO;
+  while (fd <= STDERR_FILENO) fd = ::open("/dev/null", O_PATH | O_CLOEXEC);
+  ::close(fd);
+}
+
 int Run(int argc, char** argv) {
   CLI::App app("Shows a machine's USB inventory: controllers, hubs, ports and devices.", "usbinfo");
   app.set_help_flag("-h,--help", "Print this help");
@@ -30,14 +41,17 @@ int Run(int argc, char** argv) {
   app.get_formatter()->column_width(kHelpColumn);
   cli::ShowOptions options;
   cli::AddShowOptions(app, options);
+  // The default subcommand: its options are the command's own, on either side of its name.
   CLI::App* const show = app.add_subcommand("show", "Print the inventory; what usbinfo does on its own");
-  cli::AddShowOptions(*show, options);
+  show->set_help_flag();
+  show->fallthrough();
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {
-    std::ostringstream text;
-    app.exit(request, text, text);
-    cli::WriteStandardOutput(text.str());
+    const bool isHelp = dynamic_cast<const CLI::CallForHelp*>(&request) != nullptr;
+    cli::WriteStandardOutput(isHelp
+                                 ? app.get_formatter()->make_help(&app, "usbinfo", CLI::AppFormatMode::Normal)
+                                 : app.version() + "\n");
     return cli::kPrinted;
   } catch (const CLI::ParseError& error) {
     return Fail(std::string(error.what()) + "; see usbinfo --help");
@@ -48,6 +62,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  OccupyStandardStreams();
   // The character set of the terminal; numbers keep the form that programs expect.
   static_cast<void>(std::setlocale(LC_CTYPE, ""));
   // A closed pipe shows in the write that fails, which is told like any failed output.
@@ -60,5 +75,7 @@ int main(int argc, char** argv) {
     return Fail("out of memory");
   } catch (const std::exception& error) {
     return Fail(error.what());
+  } catch (...) {
+    return Fail("unexpected failure");
   }
 }

@@ -120,9 +120,15 @@ std::string ChildProcess::Collect(std::chrono::milliseconds limit, std::size_t m
 
 void ChildProcess::AwaitEnd(Clock::time_point deadline) {
   const FileDescriptor process(::pidfd_open(fPid, 0));
-  if (!process.IsOpen()) ThrowError(errno);
-  AwaitReadable(process.Get(), deadline);
-  fReaped = ::waitpid(fPid, nullptr, 0) == fPid;
+  if (process.IsOpen()) {
+    AwaitReadable(process.Get(), deadline);
+    fReaped = ::waitpid(fPid, nullptr, 0) == fPid;
+  } else if (errno == ESRCH) {
+    // Where the caller ignores its children's end, the system has reaped it already.
+    fReaped = true;
+  } else {
+    ThrowError(errno);
+  }
 }
 
 }  // namespace standin

@@ -1,6 +1,6 @@
 // A shell command running in a process group of its own, its standard output caught in a pipe. Its owner
-// collects the output; the destructor kills what still runs of the group and reaps the child, so no process,
-// no zombie and no descriptor stays behind.
+// collects the output; a command that has not ended by then is killed by the destructor with its whole group,
+// and reaped. What a command that has ended leaves running on purpose is left alone.
 #pragma once
 
 #include <sys/types.h>

@@ -29,7 +29,7 @@ void Host::Reset() {
 
 std::string Host::SystemName() const {
   if (!fSystemName.empty()) return fSystemName;
-  std::array<char, HOST_NAME_MAX + 1> name{};
+  std::array<char, HOST_NAME_MAX + 2> name{};
   return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "localhost";
 }
 

@@ -58,12 +58,11 @@ struct ContentText {
   std::string operator()(const std::string& text) const { return text; }
   std::string operator()(const TCIMReference& path) const { return TextOf(path); }
   std::string operator()(const std::vector<std::string>& elements) const {
-    std::string text = "{";
+    std::string text;
     for (const std::string& element : elements) {
-      if (text.size() > 1) text += ", ";
-      text += element;
+      text += (&element == &elements.front() ? "" : ", ") + element;
     }
-    return text + "}";
+    return "{" + text + "}";
   }
 };
 
