@@ -20,7 +20,7 @@ class USBINFO_HOST_API TQSVException : public std::exception {
   /// The status code's text; empty when memory for it is lacking. Valid as long as the exception.
   const char* what() const noexcept override {
     try {
-      fText = fStatus.TranslateStatusCode();
+      if (fText.empty()) fText = fStatus.TranslateStatusCode();
     } catch (...) {
       return "";
     }

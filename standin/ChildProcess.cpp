@@ -95,7 +95,7 @@ ChildProcess::ChildProcess(const std::string& command) {
 }
 
 ChildProcess::~ChildProcess() {
-  if (fReaped) return;
+  if (fGone) return;
   ::kill(-fPid, SIGKILL);
   while (::waitpid(fPid, nullptr, 0) < 0 && errno == EINTR) {
   }
@@ -122,10 +122,9 @@ void ChildProcess::AwaitEnd(Clock::time_point deadline) {
   const FileDescriptor process(::pidfd_open(fPid, 0));
   if (process.IsOpen()) {
     AwaitReadable(process.Get(), deadline);
-    fReaped = ::waitpid(fPid, nullptr, 0) == fPid;
   } else if (errno == ESRCH) {
-    // Where the caller ignores its children's end, the system has reaped it already.
-    fReaped = true;
+    // So it is where the process ignores the end of its children.
+    fGone = true;
   } else {
     ThrowError(errno);
   }

@@ -1,6 +1,6 @@
 // A shell command running in a process group of its own, its standard output caught in a pipe. Its owner
-// collects the output; a command that has not ended by then is killed by the destructor with its whole group,
-// and reaped. What a command that has ended leaves running on purpose is left alone.
+// collects the output; the destructor kills what still runs of the group and reaps the child, so no process,
+// no zombie and no descriptor stays behind.
 #pragma once
 
 #include <sys/types.h>
@@ -30,7 +30,8 @@ class ChildProcess {
 
   pid_t fPid = -1;
   FileDescriptor fOutput;
-  bool fReaped = false;
+  /// The system has reaped the child by itself; its number may be another's by now.
+  bool fGone = false;
 };
 
 }  // namespace standin

@@ -3,34 +3,52 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
+
 #include "standin/Host.h"
 
 using NKESTA20::ICIMClass;
 using NKESTA20::IPluginBasicQueryCallbacks;
+using NKESTA20::IPluginCallbacks;
 
 namespace standin {
 
 PluginModule::PluginModule(const std::string& path) {
   const std::size_t before = Host::Instance().Plugins().size();
-  fHandle = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (fHandle == nullptr) throw PluginError(::dlerror());
-  const auto& plugins = Host::Instance().Plugins();
-  if (plugins.size() > before) fLifecycle = plugins.back();
-  fQueries = dynamic_cast<IPluginBasicQueryCallbacks*>(fLifecycle);
-  if (fQueries == nullptr) {
-    Unload();
-    throw PluginError(path + ": the module registers no plug-in that answers queries");
+  try {
+    Load(path);
+  } catch (...) {
+    // A module whose initialization throws stays mapped, but what it registered is gone.
+    const std::vector<IPluginCallbacks*> registered = Host::Instance().Plugins();
+    std::for_each(registered.begin() + static_cast<std::ptrdiff_t>(before), registered.end(),
+                  [](IPluginCallbacks* plugin) { Host::Instance().Forget(plugin); });
+    throw;
   }
+  const auto& plugins = Host::Instance().Plugins();
+  fPlugins.assign(plugins.begin() + static_cast<std::ptrdiff_t>(before), plugins.end());
+  for (IPluginCallbacks* const plugin : fPlugins) {
+    if (fQueries != nullptr) break;
+    fLifecycle = plugin;
+    fQueries = dynamic_cast<IPluginBasicQueryCallbacks*>(plugin);
+  }
+  if (fQueries != nullptr) return;
+  Unload();
+  throw PluginError(path + ": the module registers no plug-in that answers queries");
 }
 
 PluginModule::~PluginModule() {
   Unload();
 }
 
+void PluginModule::Load(const std::string& path) {
+  fHandle = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (fHandle == nullptr) throw PluginError(::dlerror());
+}
+
 void PluginModule::Unload() {
-  if (fLifecycle != nullptr) {
-    Host::Instance().Forget(fLifecycle);
-    fLifecycle->PrepareForUnload();
+  for (IPluginCallbacks* const plugin : fPlugins) {
+    Host::Instance().Forget(plugin);
+    plugin->PrepareForUnload();
   }
   ::dlclose(fHandle);
 }

@@ -1,5 +1,5 @@
 // A plug-in module loaded into the process, and the plug-in that registered with the host while it loaded.
-// Owns the loading: the destructor has the plug-in delete itself and unloads the module.
+// Owns the loading: the destructor has what registered delete itself and unloads the module.
 #pragma once
 
 #include <stdexcept>
@@ -34,9 +34,12 @@ class PluginModule {
   void Collect(const std::vector<std::string>& classNames);
 
  private:
+  void Load(const std::string& path);
   void Unload();
 
   void* fHandle = nullptr;
+  /// What registered while the module was loaded; the first that answers queries is driven.
+  std::vector<NKESTA20::IPluginCallbacks*> fPlugins;
   NKESTA20::IPluginCallbacks* fLifecycle = nullptr;
   NKESTA20::IPluginBasicQueryCallbacks* fQueries = nullptr;
 };

@@ -39,7 +39,8 @@ std::string Quote(const std::string& text) {
 }
 
 std::string KeyText(const TCIMValue& value) {
-  const bool isNumber = std::holds_alternative<std::uint64_t>(HostData::Of(value)->content);
+  const ValueData* const data = HostData::Of(value);
+  const bool isNumber = data != nullptr && std::holds_alternative<std::uint64_t>(data->content);
   return isNumber ? TextOf(value) : Quote(TextOf(value));
 }
 
