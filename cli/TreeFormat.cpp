@@ -182,6 +182,13 @@ Table NewTable(const OutputPlace& place) {
   return table;
 }
 
+/// `text` as a cell takes it: a zero byte would end it.
+std::string FitForCell(const std::string& text) {
+  std::string cell;
+  for (const char c : ReplaceDirectionMarks(text)) cell += c == '\0' ? "\\x00" : std::string(1, c);
+  return cell;
+}
+
 /// Adds a row per node, parents ahead of their children; what a port shows in its own row gets none. A list
 /// may claim any number of tiers; below the last one that is drawn, rows stay at its depth.
 void AddRows(libscols_table* table, const UsbTree& tree) {
@@ -201,7 +208,7 @@ void AddRows(libscols_table* table, const UsbTree& tree) {
     libscols_line* const line = scols_table_new_line(table, next.parent);
     if (line == nullptr) throw std::bad_alloc();
     for (const Column column : {kPlace, kDevice, kId, kSpeed}) {
-      const std::string cell = ReplaceDirectionMarks(rows.Cell(node, next.parent == nullptr, column));
+      const std::string cell = FitForCell(rows.Cell(node, next.parent == nullptr, column));
       Check(scols_line_set_data(line, column, cell.c_str()));
     }
     const auto& children = rows.Shown(node).children;

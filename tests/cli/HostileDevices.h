@@ -1,0 +1,32 @@
+// Device lists whose devices try to break out of the text that they are printed in, and what each string has
+// to look like in the formats that other programs read back.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace usbinfo_test {
+
+struct HostileString {
+  const char* name;
+  /// As the device sends it.
+  std::string bytes;
+  /// The same with U+FFFD for bytes that are no UTF-8.
+  std::string asUtf8;
+  /// The same with U+FFFD for what XML has no character for as well.
+  std::string asXml;
+};
+
+const std::vector<HostileString>& HostileStrings();
+
+/// A root hub with a port for each string, and on each port a device that has it for every string it can
+/// send.
+std::string HostileDeviceList();
+
+/// The same machine with harmless devices.
+std::string HarmlessDeviceList();
+
+/// A root hub with one port and this one device on it.
+std::string DeviceListWith(const std::string& deviceString);
+
+}  // namespace usbinfo_test

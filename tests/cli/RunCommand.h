@@ -1,0 +1,60 @@
+// Runs the built usbinfo as a user's shell does, with standard output, standard error and the exit status
+// kept apart. Unlike `system`, which no test program has, this starts nothing but the command itself.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace usbinfo_test {
+
+struct CommandResult {
+  /// The exit status; a signal that ended the command as its negative number.
+  int status = 0;
+  std::string output;
+  std::string errors;
+};
+
+class Command {
+ public:
+  explicit Command(std::vector<std::string> arguments) : fArguments(std::move(arguments)) {}
+
+  /// Another program than the built one, or the same one elsewhere.
+  Command& Program(const std::string& path);
+  /// A variable of the environment. The rest is the test's own, with the locale C.UTF-8 and a search path
+  /// that leads to no command of this machine.
+  Command& Set(const std::string& name, const std::string& value);
+  /// Standard input is a pipe that holds `text`; else it is at its end.
+  Command& Input(const std::string& text);
+  /// Standard input is the file or folder at `path`.
+  Command& InputFrom(const std::string& path);
+  /// Standard output is the file at `path`; else it is captured.
+  Command& OutputTo(const std::string& path);
+  /// Standard output is a pipe that nobody reads any more.
+  Command& OutputToClosedPipe();
+  Command& CloseOutput();
+  /// Standard output is a terminal of that many columns, captured as it is written.
+  Command& OutputToTerminal(unsigned short columns);
+
+  CommandResult Run() const;
+
+ private:
+  enum class Target { kCapture, kFile, kClosedPipe, kClosed, kTerminal };
+
+  std::vector<std::string> EnvironmentList() const;
+
+  std::string fProgram = COMMAND_PATH;
+  std::vector<std::string> fArguments;
+  std::map<std::string, std::string> fEnvironment = {{"LC_ALL", "C.UTF-8"}, {"PATH", "/nonexistent"}};
+  bool fHasInput = false;
+  std::string fInput;
+  std::string fInputPath = "/dev/null";
+  Target fTarget = Target::kCapture;
+  std::string fOutputPath;
+  unsigned short fColumns = 0;
+};
+
+/// The command with these arguments and nothing special around it.
+CommandResult RunUsbinfo(std::vector<std::string> arguments);
+
+}  // namespace usbinfo_test

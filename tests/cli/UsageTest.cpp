@@ -1,0 +1,111 @@
+// What the command takes and what it refuses: each wrong use is one line on standard error and exit status 2,
+// and nothing is printed.
+#include <gmock/gmock.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/cli/CliTest.h"
+#include "tests/cli/RunCommand.h"
+
+using testing::HasSubstr;
+
+namespace usbinfo_test {
+namespace {
+
+struct WrongUse {
+  const char* name;
+  std::vector<std::string> arguments;
+  const char* message;
+};
+
+const WrongUse kWrongUses[] = {
+    {"UnknownOption", {"--bogus"}, "The following argument was not expected: --bogus"},
+    {"UnknownShortOption", {"-x"}, "The following argument was not expected: -x"},
+    {"UnknownSubcommand", {"extra"}, "The following argument was not expected: extra"},
+    {"UnknownOptionOfShow", {"show", "--bogus"}, "The following argument was not expected: --bogus"},
+    {"OperandOfShow", {"show", "extra"}, "The following argument was not expected: extra"},
+    {"AbbreviatedOption", {"--form=json"}, "The following argument was not expected: --form=json"},
+    {"NoDevices", {"--devices"}, "--devices: 1 required FILE missing"},
+    {"NoFormat", {"--format"}, "--format: 1 required FORMAT missing"},
+    {"NoRequest", {"--request"}, "--request: 1 required A,B,... missing"},
+    {"NoSystemName", {"--system-name"}, "--system-name: 1 required NAME missing"},
+    {"NoOutput", {"--output"}, "--output: 1 required FILE missing"},
+    {"NoPlugin", {"--plugin"}, "--plugin: 1 required FILE missing"},
+    {"NoLog", {"--log"}, "--log: 1 required FILE missing"},
+    {"NoLogLevel", {"--log-level"}, "--log-level: 1 required LEVEL missing"},
+    {"NoLogFormat", {"--log-format"}, "--log-format: 1 required FORMAT missing"},
+    {"EmptyDevices", {"--devices", ""}, "--devices: must not be empty"},
+    {"EmptySystemName", {"--system-name", ""}, "--system-name: must not be empty"},
+    {"EmptyOutput", {"--output", ""}, "--output: must not be empty"},
+    {"EmptyPlugin", {"--plugin", ""}, "--plugin: must not be empty"},
+    {"EmptyLog", {"--log", ""}, "--log: must not be empty"},
+    {"EmptyFormat", {"--format", ""}, "--format:  not in {tree,json,cimxml}"},
+    {"EmptyRequest", {"--request", ""}, "--request: needs class names separated by commas"},
+    {"RequestBeginsWithComma", {"--request", ",A"}, "--request: needs class names separated by commas"},
+    {"RequestEndsWithComma", {"--request", "A,"}, "--request: needs class names separated by commas"},
+    {"RequestWithEmptyName", {"--request", "A,,B"}, "--request: needs class names separated by commas"},
+    {"WrongFormat", {"--format", "yaml"}, "--format: yaml not in {tree,json,cimxml}"},
+    {"FormatInCapitals", {"--format", "JSON"}, "--format: JSON not in {tree,json,cimxml}"},
+    {"WrongFormatOfShow", {"show", "--format", "yaml"}, "--format: yaml not in {tree,json,cimxml}"},
+    {"WrongLogLevel",
+     {"--log-level", "loud"},
+     "--log-level: loud not in {error,warning,status,debug,verbose}"},
+    {"NumberAsLogLevel", {"--log-level", "3"}, "--log-level: 3 not in {error,warning,status,debug,verbose}"},
+    {"WrongLogFormat", {"--log-format", "xml"}, "--log-format: xml not in {text,json}"},
+    {"DevicesTwice", {"--devices", "a", "--devices", "b"}, "--devices: At Most 1 required but received 2"},
+    {"OutputTwice", {"--output", "a", "--output", "b"}, "--output: At Most 1 required but received 2"},
+};
+
+class UsageTest : public testing::TestWithParam<WrongUse> {};
+
+TEST_P(UsageTest, IsRefusedInOneLine) {
+  const CommandResult result = RunUsbinfo(GetParam().arguments);
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, std::string("usbinfo: ") + GetParam().message + "; see usbinfo --help\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(WrongUses, UsageTest, testing::ValuesIn(kWrongUses),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(Usage, RefusesAWrongOptionBeforeItTouchesAFile) {
+  const TemporaryFolder folder;
+  const std::string path = folder.File("out", "old");
+  EXPECT_EQ(RunUsbinfo({"--output", path, "--log", folder.File("log"), "--bogus"}).status, 2);
+  EXPECT_EQ(ReadFile(path), "old");
+  EXPECT_THAT(folder.Names(), testing::ElementsAre("out"));
+}
+
+TEST(Usage, PrintsTheVersion) {
+  for (const char* option : {"-V", "--version"}) {
+    const CommandResult result = RunUsbinfo({option});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "usbinfo " USBINFO_VERSION "\n");
+    EXPECT_EQ(result.errors, "");
+  }
+}
+
+TEST(Usage, PrintsHelpThatNamesEveryOptionWithinEightyColumns) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"-h"}, {"--help"}, {"show", "-h"}, {"show", "--help"}}) {
+    const CommandResult result = RunUsbinfo(arguments);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.errors, "");
+    for (const char* option :
+         {"-h", "--devices", "--format", "--request", "--system-name", "--output", "--plugin", "--log ",
+          "--log-level", "--log-format", "tree", "json", "cimxml"}) {
+      EXPECT_THAT(result.output, HasSubstr(option));
+    }
+    for (const std::string& line : Lines(result.output)) EXPECT_LE(line.size(), 80U) << line;
+  }
+}
+
+TEST(Usage, PrintsHelpThatNamesTheSubcommandAndTheVersionOption) {
+  const CommandResult result = RunUsbinfo({"--help"});
+  EXPECT_THAT(result.output, HasSubstr("  show "));
+  EXPECT_THAT(result.output, HasSubstr("-V,--version"));
+}
+
+}  // namespace
+}  // namespace usbinfo_test

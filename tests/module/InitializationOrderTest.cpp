@@ -1,0 +1,71 @@
+// The plug-in object comes into being ahead of every constant of the module, whatever the order in which the
+// module's files were linked. Shown twice over: by the list of initializers in the file, and by what has been
+// allocated when the object registers, since constants longer than a short string allocate.
+#include <algorithm>
+
+#include "tests/module/BinaryTools.h"
+#include "tests/module/ModuleTest.h"
+#include "tests/plugin/Allocations.h"
+
+namespace usbinfo_test {
+namespace {
+
+/// A module and what to call it in a test's name.
+struct LinkedModule {
+  std::string order;
+  std::string path;
+};
+
+void PrintTo(const LinkedModule& module, std::ostream* out) {
+  *out << module.order;
+}
+
+class InitializationOrder : public ModuleTest, public ::testing::WithParamInterface<LinkedModule> {};
+
+INSTANTIATE_TEST_SUITE_P(BothLinkOrders, InitializationOrder,
+                         ::testing::Values(LinkedModule{"AsBuilt", MODULE_PATH},
+                                           LinkedModule{"Reversed", REVERSED_MODULE_PATH}),
+                         [](const auto& testInfo) { return testInfo.param.order; });
+
+/// The sanitizers tell their runtime about the module's globals first of all.
+bool IsSanitizers(const std::string& initializer) {
+  return SANITIZED && initializer.rfind("_sub_I_00099", 0) == 0;
+}
+
+TEST_P(InitializationOrder, CreationIsTheFirstInitializerOfMany) {
+  std::vector<std::string> initializers = InitializersInOrder(GetParam().path);
+  const auto own = std::find_if_not(initializers.begin(), initializers.end(), IsSanitizers);
+  ASSERT_GT(initializers.end() - own, 3) << "the constants of several files";
+  EXPECT_EQ(*own, "NKESTA20::(anonymous namespace)::CreatePluginObject()");
+  EXPECT_EQ(std::count(initializers.begin(), initializers.end(), *own), 1);
+}
+
+TEST_P(InitializationOrder, OnlyTheObjectIsAllocatedWhenItRegisters) {
+  std::size_t madeAtRegistration = 0;
+  standin::HostSeam::SetObserver([&](const standin::HostCall& call) {
+    if (call.operation == standin::HostOperation::kRegisterPlugin) madeAtRegistration = Allocations::Made();
+  });
+  const std::string path = GetParam().path;
+  const std::size_t madeBefore = Allocations::Made();
+  const standin::PluginModule module(path);
+  EXPECT_EQ(madeAtRegistration, madeBefore + 1);
+  EXPECT_GT(Allocations::Made(), madeAtRegistration + 50) << "the constants, built afterwards";
+}
+
+TEST_P(InitializationOrder, TheModuleServesAndUnloads) {
+  GiveDeviceList(kRootHubWithMouse);
+  {
+    standin::PluginModule module(GetParam().path);
+    module.Collect(kAllClasses);
+  }
+  for (const std::string& name : kAllClasses) EXPECT_EQ(InstanceCount(name), 1U) << name;
+  EXPECT_FALSE(IsMapped(GetParam().path));
+}
+
+TEST(LinkOrders, Differ) {
+  std::vector<std::string> reversed = InitializersInOrder(REVERSED_MODULE_PATH);
+  EXPECT_NE(reversed, InitializersInOrder(MODULE_PATH));
+}
+
+}  // namespace
+}  // namespace usbinfo_test

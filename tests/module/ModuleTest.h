@@ -1,0 +1,86 @@
+// The fixture for the module as a host gets it: a fresh host, the built module, and ways to load it with and
+// without the stand-in's help. Nothing of the plug-in's code is linked in.
+#pragma once
+
+#include <boost/make_shared.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "standin/GivenDeviceList.h"
+#include "standin/HostSeam.h"
+#include "standin/PluginModule.h"
+#include "tests/plugin/DeviceLists.h"
+#include "tests/support/HostMocks.h"
+#include "tests/support/HostTest.h"
+
+namespace usbinfo_test {
+
+/// The six classes in the order in which a host asks for them.
+extern const std::vector<std::string> kAllClasses;
+
+extern const LogLine kUnknownException;
+extern const LogLine kRetrieved;
+extern const LogLine kNoInstances;
+extern const LogLine kNormalExit;
+extern const LogLine kInit;
+extern const LogLine kDeInit;
+LogLine Received(const std::string& className);
+
+/// A module opened by hand; closed with the object. Whatever the module created is the test's to end.
+class OpenModule {
+ public:
+  explicit OpenModule(const char* path);
+  OpenModule(const OpenModule&) = delete;
+  OpenModule& operator=(const OpenModule&) = delete;
+  ~OpenModule();
+
+  /// The exported symbol of that name; null when there is none.
+  void* Symbol(const char* name) const;
+
+ private:
+  void* fHandle;
+};
+
+/// The module opened by hand, with the plug-in object that a host without a manager never gets to know. The
+/// destructor has the object delete itself and closes the module.
+class UnrecordedPlugin {
+ public:
+  UnrecordedPlugin();
+  UnrecordedPlugin(const UnrecordedPlugin&) = delete;
+  UnrecordedPlugin& operator=(const UnrecordedPlugin&) = delete;
+  ~UnrecordedPlugin();
+
+  NKESTA20::IPluginCallbacks& Lifecycle() { return *fLifecycle; }
+  NKESTA20::IPluginBasicQueryCallbacks& Queries();
+
+ private:
+  std::optional<OpenModule> fModule;
+  NKESTA20::IPluginCallbacks* fLifecycle = nullptr;
+};
+
+/// True while the file is mapped into this process.
+bool IsMapped(const std::string& path);
+
+/// The module's libraries are there before the module: what they allocate as they load is not the module's.
+class ModuleTest : public HostTest {
+ protected:
+  ModuleTest();
+
+  void GiveDeviceList(const std::string& text) {
+    host.SetOperatingSystem(std::make_unique<standin::GivenDeviceList>(text));
+  }
+
+  std::size_t InstanceCount(const std::string& className) {
+    return host.Cimv2()->ClassForRequest(className)->Instances().size();
+  }
+
+  /// The host's class objects of these names.
+  std::vector<boost::shared_ptr<NKESTA20::ICIMClass>> Classes(const std::vector<std::string>& names);
+
+  /// The log without what the providers write.
+  std::vector<LogLine> DispatchLog() const;
+};
+
+}  // namespace usbinfo_test

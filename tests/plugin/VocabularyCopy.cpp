@@ -1,0 +1,16 @@
+// A second file that holds the vocabulary, to be compared with the test's own copies.
+#include "tests/plugin/VocabularyCopy.h"
+
+#include "plugin/Vocabulary.h"
+
+namespace usbinfo_test {
+
+const std::string& NameInAnotherFile() {
+  return kName;
+}
+
+const std::string& ClassUsbPortInAnotherFile() {
+  return kClassUsbPort;
+}
+
+}  // namespace usbinfo_test

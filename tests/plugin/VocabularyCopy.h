@@ -1,0 +1,11 @@
+// Two constants of the vocabulary as another source file holds them.
+#pragma once
+
+#include <string>
+
+namespace usbinfo_test {
+
+const std::string& NameInAnotherFile();
+const std::string& ClassUsbPortInAnotherFile();
+
+}  // namespace usbinfo_test
