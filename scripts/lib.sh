@@ -1,6 +1,7 @@
 # Shared by the scripts: what the project needs installed, and how it is built. Sourced with the project's top
 # folder as the current one.
 # shellcheck shell=bash
+# shellcheck disable=SC2034  # the lists are used by the scripts that source this
 
 # What building the product and its tests takes on Debian 12.
 BUILD_PACKAGES=(
