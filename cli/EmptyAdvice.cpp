@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
 
 namespace cli {
@@ -21,9 +22,11 @@ MachineFacts::DebugfsList LookAtDebugfs() {
 bool IsInPath(const std::string& command) {
   const char* const path = std::getenv("PATH");
   std::istringstream folders(path == nullptr ? "/usr/bin:/bin" : path);
+  std::error_code error;
   for (std::string folder; std::getline(folders, folder, ':');) {
+    if (folder.empty()) folder = ".";
     folder.append("/").append(command);
-    if (::access(folder.c_str(), X_OK) == 0) return true;
+    if (std::filesystem::is_regular_file(folder, error) && ::access(folder.c_str(), X_OK) == 0) return true;
   }
   return false;
 }

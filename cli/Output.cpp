@@ -39,6 +39,7 @@ std::string FollowLinks(const std::string& path) {
   for (int links = 0; links < kMaxLinks && fs::is_symlink(target); ++links) {
     target = target.parent_path() / fs::read_symlink(target);
   }
+  if (fs::is_symlink(target)) ThrowError(ELOOP);
   return target;
 }
 
@@ -46,7 +47,8 @@ std::string FollowLinks(const std::string& path) {
 class NewFile {
  public:
   explicit NewFile(const std::string& target)
-      : fTarget(target), fPath(fmt::format("{}.{}.new", target, ::getpid())) {
+      : fTarget(target),
+        fPath(std::filesystem::path(target).parent_path() / fmt::format(".usbinfo-{}.new", ::getpid())) {
     fFile = FileDescriptor(::open(fPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadableByAll));
     if (!fFile.IsOpen()) ThrowError(errno);
   }

@@ -129,8 +129,9 @@ void Print(const ShowOptions& options, const Inventory& inventory) {
 
 std::string AdviseOnEmpty(const ShowOptions& options) {
   if (!options.request.empty()) {
-    return "nothing to show: no instance of the requested classes; ask for hubs, ports and devices ahead of "
-           "the associations, or leave --request out";
+    return "nothing to show: the requested classes have no instance; ask for hubs, ports and devices ahead "
+           "of "
+           "the associations, or leave --request out to see whether there is any USB device";
   }
   if (options.devices.empty()) return AdviseOnEmptyMachine(MachineFacts::OfThisMachine());
   return fmt::format(

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/architecture/FileForm.h"
-#include "tests/architecture/TemporaryTree.h"
+#include "tests/support/TemporaryFolder.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -12,9 +12,9 @@ namespace usbinfo_test {
 namespace {
 
 std::vector<std::string> Check(const std::string& file, const std::string& text) {
-  TemporaryTree tree;
-  tree.Write(file, text);
-  return BadlyFormedFiles(tree.Root(), "host");
+  TemporaryFolder tree;
+  tree.File(file, text);
+  return BadlyFormedFiles(tree.Path(), "host");
 }
 
 TEST(FileForm, AcceptsACommentAndThePragma) {
@@ -41,11 +41,11 @@ TEST(FileForm, RefusesAHeaderWithoutThePragma) {
 }
 
 TEST(FileForm, ReportsEveryFileOfTheFolderAlone) {
-  TemporaryTree tree;
-  tree.Write("host/B.h", "int b;\n");
-  tree.Write("host/deeper/A.cpp", "int a;\n");
-  tree.Write("cli/A.cpp", "int a;\n");
-  EXPECT_THAT(BadlyFormedFiles(tree.Root(), "host"),
+  TemporaryFolder tree;
+  tree.File("host/B.h", "int b;\n");
+  tree.File("host/deeper/A.cpp", "int a;\n");
+  tree.File("cli/A.cpp", "int a;\n");
+  EXPECT_THAT(BadlyFormedFiles(tree.Path(), "host"),
               ElementsAre("host/B.h: does not open with a comment", "host/B.h: lacks #pragma once",
                           "host/deeper/A.cpp: does not open with a comment"));
 }

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/architecture/IncludeRules.h"
-#include "tests/architecture/TemporaryTree.h"
+#include "tests/support/TemporaryFolder.h"
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -13,9 +13,9 @@ namespace {
 
 /// What the rules say about one file of a tree that holds nothing else.
 std::vector<std::string> Check(const std::string& file, const std::string& text) {
-  TemporaryTree tree;
-  tree.Write(file, text);
-  return IncludeRules(tree.Root()).Violations();
+  TemporaryFolder tree;
+  tree.File(file, text);
+  return IncludeRules(tree.Path()).Violations();
 }
 
 std::string Include(const std::string& name) {
@@ -56,12 +56,12 @@ TEST(IncludeRules, SayWhereAndWhat) {
 }
 
 TEST(IncludeRules, ReportEveryBadIncludeOfATree) {
-  TemporaryTree tree;
-  tree.Write("usbfs/B.cpp",
-             Include("cli/Text.h") + Include("host/ILogger.h") + Include("inventory/TUsbData.h"));
-  tree.Write("usbfs/deeper/A.h", Include("standin/Host.h"));
-  tree.Write("host/A.h", Include("provider/TUsb.h"));
-  EXPECT_THAT(IncludeRules(tree.Root()).Violations(),
+  TemporaryFolder tree;
+  tree.File("usbfs/B.cpp",
+            Include("cli/Text.h") + Include("host/ILogger.h") + Include("inventory/TUsbData.h"));
+  tree.File("usbfs/deeper/A.h", Include("standin/Host.h"));
+  tree.File("host/A.h", Include("provider/TUsb.h"));
+  EXPECT_THAT(IncludeRules(tree.Path()).Violations(),
               ElementsAre("host/A.h:1: host may not include provider/TUsb.h",
                           "usbfs/B.cpp:1: usbfs may not include cli/Text.h",
                           "usbfs/B.cpp:3: usbfs may not include inventory/TUsbData.h",

@@ -1,4 +1,5 @@
-// The rules over the tree that the products are built from.
+// The rules over the tree that the products are built from: who may include whom, and how a file begins. The
+// checkers themselves have tests of their own.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

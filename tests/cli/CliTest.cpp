@@ -23,35 +23,6 @@ namespace usbinfo_test {
 
 namespace fs = std::filesystem;
 
-TemporaryFolder::TemporaryFolder() {
-  std::string name = fs::temp_directory_path() / "usbinfo-cli-XXXXXX";
-  EXPECT_NE(::mkdtemp(name.data()), nullptr);
-  fPath = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  fs::remove_all(fPath, ignored);
-}
-
-std::string TemporaryFolder::File(const std::string& name, const std::string& text) const {
-  std::ofstream(File(name), std::ios::binary) << text;
-  return File(name);
-}
-
-std::string TemporaryFolder::Script(const std::string& name, const std::string& body) const {
-  const std::string path = File(name, "#!/bin/sh\n" + body + "\n");
-  fs::permissions(path, fs::perms::owner_all);
-  return path;
-}
-
-std::vector<std::string> TemporaryFolder::Names() const {
-  std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(fPath)) names.push_back(entry.path().filename());
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 CharacterSet::CharacterSet(const char* locale) : fBefore(std::setlocale(LC_CTYPE, nullptr)) {
   EXPECT_NE(std::setlocale(LC_CTYPE, locale), nullptr) << locale;
 }

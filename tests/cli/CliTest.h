@@ -1,4 +1,4 @@
-// What the command's tests share: folders of their own, captures by name, texts cut into lines, locales for a
+// What the command's tests share: captures by name, texts cut into lines, locales for a
 // while, and small inventories put into the stand-in host by hand.
 #pragma once
 
@@ -16,30 +16,9 @@
 #include "host/TCIMReference.h"
 #include "host/TCIMValue.h"
 #include "tests/support/HostTest.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace usbinfo_test {
-
-/// A new folder that goes with the object.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  ~TemporaryFolder();
-
-  const std::filesystem::path& Path() const { return fPath; }
-  /// The path of a file in it.
-  std::string File(const std::string& name) const { return fPath / name; }
-  /// The same, with that content.
-  std::string File(const std::string& name, const std::string& text) const;
-  /// A shell script of that name that can be run.
-  std::string Script(const std::string& name, const std::string& body) const;
-  /// What is in it, in order.
-  std::vector<std::string> Names() const;
-
- private:
-  std::filesystem::path fPath;
-};
 
 /// The locale of character sets, until the object goes.
 class CharacterSet {

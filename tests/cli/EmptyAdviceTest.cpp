@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <ostream>
+#include <string>
 
 #include "cli/EmptyAdvice.h"
 #include "tests/cli/CliTest.h"
@@ -19,6 +21,10 @@ struct AdviceRow {
   MachineFacts facts;
   const char* advice;
 };
+
+std::ostream& operator<<(std::ostream& out, const AdviceRow& row) {
+  return out << row.name;
+}
 
 constexpr const char* kNoUsb =
     "no USB device found: this machine has no USB (/sys/bus/usb is missing); show a saved list with "
@@ -93,6 +99,23 @@ TEST(MachineFacts, PassOverAFileThatCannotBeRun) {
   folder.File("usb-devices", "text");
   const SearchPath path(folder.Path().c_str());
   EXPECT_FALSE(MachineFacts::OfThisMachine().hasListCommand);
+}
+
+TEST(MachineFacts, PassOverAFolderOfTheCommandsName) {
+  const TemporaryFolder folder;
+  std::filesystem::create_directory(folder.File("usb-devices"));
+  const SearchPath path(folder.Path().c_str());
+  EXPECT_FALSE(MachineFacts::OfThisMachine().hasListCommand);
+}
+
+TEST(MachineFacts, TakeAnEmptyFolderOfTheSearchPathForTheCurrentOne) {
+  const TemporaryFolder folder;
+  folder.Script("usb-devices", "exit 0");
+  const SearchPath path(":/nowhere");
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.Path());
+  EXPECT_TRUE(MachineFacts::OfThisMachine().hasListCommand);
+  std::filesystem::current_path(before);
 }
 
 TEST(MachineFacts, TellWhetherTheKernelHasUsb) {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,10 @@ struct Failure {
   std::vector<std::string> arguments;
   std::string message;
 };
+
+std::ostream& operator<<(std::ostream& out, const Failure& failure) {
+  return out << failure.name;
+}
 
 const Failure kFailures[] = {
     {"MissingDeviceList", {"--devices", "@/missing"}, "cannot read @/missing: No such file or directory"},

@@ -99,6 +99,24 @@ TEST(WriteFile, MakesTheFileThatALinkMeans) {
   EXPECT_THAT(elsewhere.Names(), ElementsAre("target"));
 }
 
+TEST(WriteFile, LeavesALinkToItselfAlone) {
+  const TemporaryFolder folder;
+  fs::create_symlink("link", folder.File("link"));
+  EXPECT_EQ(ErrorOfWriting(folder.File("link")),
+            "cannot write " + folder.File("link") +
+                ": Too many levels of symbolic links; name a writable file with --output");
+  EXPECT_TRUE(fs::is_symlink(folder.File("link")));
+  EXPECT_THAT(folder.Names(), ElementsAre("link"));
+}
+
+TEST(WriteFile, MakesAFileOfTheLongestName) {
+  const TemporaryFolder folder;
+  const std::string name(255, 'n');
+  WriteFile(folder.File(name), "text");
+  EXPECT_EQ(ReadFile(folder.File(name)), "text");
+  EXPECT_THAT(folder.Names(), ElementsAre(name));
+}
+
 TEST(WriteFile, FindsAFileNamedWithoutItsFolder) {
   const TemporaryFolder folder;
   const fs::path before = fs::current_path();

@@ -17,9 +17,8 @@ namespace usbinfo_test {
 namespace {
 
 constexpr const char* kNothingRequested =
-    "usbinfo: nothing to show: no instance of the requested classes; ask for hubs, ports and devices ahead "
-    "of "
-    "the associations, or leave --request out\n";
+    "usbinfo: nothing to show: the requested classes have no instance; ask for hubs, ports and devices ahead "
+    "of the associations, or leave --request out to see whether there is any USB device\n";
 
 CommandResult Request(const std::string& names, std::vector<std::string> options = {}) {
   for (const std::string& option :

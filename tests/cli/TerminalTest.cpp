@@ -88,6 +88,14 @@ TEST(Terminal, OfEightyColumnsShowsTheWholeDesktopMachine) {
       Command({"--devices", CapturePath(name), "--system-name", "testhost"}).Set("LC_ALL", "C").Run().output);
 }
 
+TEST(Terminal, GetsTheLinesThatItsLocaleHas) {
+  const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
+  EXPECT_EQ(Lines(OnTerminal(list, 80, "C")).at(5),
+            "  |-Port 00   free                            480 Mbit/s");
+  EXPECT_EQ(Lines(OnTerminal(list, 80, "C.UTF-8")).at(5),
+            "  ├─Port 00   free                            480 Mbit/s");
+}
+
 TEST(Terminal, OfFiftyColumnsCutsNamesOnly) {
   const std::string text = OnTerminal(ReadFile(CapturePath("vm-desktop-debugfs")), 50, "C");
   const std::size_t heading = text.find("\n\n");

@@ -2,6 +2,7 @@
 // and nothing is printed.
 #include <gmock/gmock.h>
 
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,10 @@ struct WrongUse {
   std::vector<std::string> arguments;
   const char* message;
 };
+
+std::ostream& operator<<(std::ostream& out, const WrongUse& use) {
+  return out << use.name;
+}
 
 const WrongUse kWrongUses[] = {
     {"UnknownOption", {"--bogus"}, "The following argument was not expected: --bogus"},

@@ -1,7 +1,6 @@
 // Loading the module: it has no entry function, so all that a host sees is the plug-in that registers itself.
 #include "tests/module/ModuleTest.h"
 
-using NKESTA20::IPluginBasicQueryCallbacks;
 using NKESTA20::IPluginCallbacks;
 using standin::HostOperation;
 using ::testing::ElementsAre;

@@ -11,22 +11,6 @@
 
 namespace usbinfo_test {
 
-const std::vector<std::string> kAllClasses = {"KALDO_USBController", "KALDO_USBHub",
-                                              "KALDO_USBPort",       "KALDO_USBDevice",
-                                              "KALDO_USBPortOnHub",  "KALDO_USBConnection"};
-
-const LogLine kUnknownException{kStatus, "USBInfo plugin threw unknown exception"};
-const LogLine kRetrieved{kDebug, "TUSBInfoCallbacks::retrieveDataForClass - Data successfully retrieved."};
-const LogLine kNoInstances{
-    kDebug, "TUSBInfoCallbacks::retrieveDataForClass - No instances of the requested class were created."};
-const LogLine kNormalExit{kDebug, "TUSBInfoCallbacks::GetData - Normal exit from plugin."};
-const LogLine kInit{kDebug, "TUSBInfoCallbacks::Init - Initializing the plugin."};
-const LogLine kDeInit{kDebug, "TUSBInfoCallbacks::DeInit - De-initializing the plugin."};
-
-LogLine Received(const std::string& className) {
-  return {kDebug, "TUSBInfoCallbacks::GetData - Received request for class " + className + "."};
-}
-
 OpenModule::OpenModule(const char* path) : fHandle(::dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
   EXPECT_NE(fHandle, nullptr) << ::dlerror();
 }
@@ -77,14 +61,6 @@ std::vector<boost::shared_ptr<NKESTA20::ICIMClass>> ModuleTest::Classes(
   std::vector<boost::shared_ptr<NKESTA20::ICIMClass>> classes;
   for (const std::string& name : names) classes.push_back(host.Cimv2()->ClassForRequest(name));
   return classes;
-}
-
-std::vector<LogLine> ModuleTest::DispatchLog() const {
-  std::vector<LogLine> lines;
-  for (const LogLine& line : log) {
-    if (line.text.rfind("TUSBInfoCallbacks::", 0) == 0 || line == kUnknownException) lines.push_back(line);
-  }
-  return lines;
 }
 
 }  // namespace usbinfo_test

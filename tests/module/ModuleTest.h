@@ -12,21 +12,11 @@
 #include "standin/HostSeam.h"
 #include "standin/PluginModule.h"
 #include "tests/plugin/DeviceLists.h"
+#include "tests/plugin/RequestLog.h"
 #include "tests/support/HostMocks.h"
 #include "tests/support/HostTest.h"
 
 namespace usbinfo_test {
-
-/// The six classes in the order in which a host asks for them.
-extern const std::vector<std::string> kAllClasses;
-
-extern const LogLine kUnknownException;
-extern const LogLine kRetrieved;
-extern const LogLine kNoInstances;
-extern const LogLine kNormalExit;
-extern const LogLine kInit;
-extern const LogLine kDeInit;
-LogLine Received(const std::string& className);
 
 /// A module opened by hand; closed with the object. Whatever the module created is the test's to end.
 class OpenModule {
@@ -79,8 +69,7 @@ class ModuleTest : public HostTest {
   /// The host's class objects of these names.
   std::vector<boost::shared_ptr<NKESTA20::ICIMClass>> Classes(const std::vector<std::string>& names);
 
-  /// The log without what the providers write.
-  std::vector<LogLine> DispatchLog() const;
+  std::vector<LogLine> DispatchLog() const { return WithoutProviders(log); }
 };
 
 }  // namespace usbinfo_test

@@ -1,4 +1,5 @@
-// Small device lists for tests that need an inventory but not a real machine's.
+// Small device lists for tests that need an inventory but not a real machine's. Each is as short as it may be
+// and still make what its comment says.
 #pragma once
 
 #include <string>

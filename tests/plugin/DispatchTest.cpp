@@ -1,10 +1,11 @@
 // Data requests that go well: which class names are served, by which provider, in which order, with which
 // lines and with which logging of the provider's own.
+#include <cctype>
+
 #include "host/IPluginBasicQueryCallbacks.h"
 #include "tests/plugin/Allocations.h"
 #include "tests/plugin/PluginTest.h"
 
-using NKESTA20::ICIMClass;
 using NKESTA20::IPluginBasicQueryCallbacks;
 using NKESTA20::IPluginCallbacks;
 using NKESTA20::TUSBInfoCallbacks;
@@ -17,10 +18,6 @@ using ::testing::StrictMock;
 
 namespace usbinfo_test {
 namespace {
-
-const std::vector<std::string> kAllClasses = {"KALDO_USBController", "KALDO_USBHub",
-                                              "KALDO_USBPort",       "KALDO_USBDevice",
-                                              "KALDO_USBPortOnHub",  "KALDO_USBConnection"};
 
 class Dispatch : public PluginTest {};
 

@@ -1,5 +1,7 @@
 // What the host calls on the plug-in object besides data requests: who it is, its start and end, and its own
 // deletion. Compiled so that a call through a null object reaches the operation.
+#include <type_traits>
+
 #include "tests/plugin/Allocations.h"
 #include "tests/plugin/PluginTest.h"
 
@@ -10,9 +12,6 @@ using ::testing::IsEmpty;
 
 namespace usbinfo_test {
 namespace {
-
-const LogLine kInit{kDebug, "TUSBInfoCallbacks::Init - Initializing the plugin."};
-const LogLine kDeInit{kDebug, "TUSBInfoCallbacks::DeInit - De-initializing the plugin."};
 
 class Lifecycle : public PluginTest {
  protected:

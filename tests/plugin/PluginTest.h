@@ -3,6 +3,7 @@
 #pragma once
 
 #include <boost/make_shared.hpp>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,7 @@
 #include "plugin/TUSBInfoCallbacks.h"
 #include "standin/HostSeam.h"
 #include "tests/plugin/DeviceLists.h"
+#include "tests/plugin/RequestLog.h"
 #include "tests/support/HostMocks.h"
 #include "tests/support/HostTest.h"
 
@@ -28,18 +30,6 @@ class InventoryReset : private TUsbData {
     fDataAlreadyCollected = false;
   }
 };
-
-// The lines of a request.
-inline const LogLine kUnknownException{kStatus, "USBInfo plugin threw unknown exception"};
-inline const LogLine kRetrieved{kDebug,
-                                "TUSBInfoCallbacks::retrieveDataForClass - Data successfully retrieved."};
-inline const LogLine kNoInstances{
-    kDebug, "TUSBInfoCallbacks::retrieveDataForClass - No instances of the requested class were created."};
-inline const LogLine kNormalExit{kDebug, "TUSBInfoCallbacks::GetData - Normal exit from plugin."};
-
-inline LogLine Received(const std::string& className) {
-  return {kDebug, "TUSBInfoCallbacks::GetData - Received request for class " + className + "."};
-}
 
 class PluginTest : public HostTest {
  protected:
@@ -63,14 +53,7 @@ class PluginTest : public HostTest {
     return host.Cimv2()->ClassForRequest(className)->Instances().size();
   }
 
-  /// The log without what the providers write.
-  std::vector<LogLine> DispatchLog() const {
-    std::vector<LogLine> lines;
-    for (const LogLine& line : log) {
-      if (line.text.rfind("TUSBInfoCallbacks::", 0) == 0 || line == kUnknownException) lines.push_back(line);
-    }
-    return lines;
-  }
+  std::vector<LogLine> DispatchLog() const { return WithoutProviders(log); }
 
   NKESTA20::TUSBInfoCallbacks plugin;
 };

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <regex>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@
 namespace usbinfo_test {
 namespace {
 
+/// What the schema demands.
 const std::vector<std::string> kTexts = {"plugin",
                                          "cmpi",
                                          "nspID",
@@ -63,6 +65,56 @@ const std::vector<std::string> kTexts = {"plugin",
                                          "Antecedent",
                                          "Dependent"};
 
+/// The constants as the code sees them, in the same order.
+const std::vector<std::string> kConstants = {kReservedPlugin,
+                                             kReservedCmpi,
+                                             kReservedNspId,
+                                             kNoDeviceConnected,
+                                             kDeviceConnected,
+                                             kUsbDeviceFile,
+                                             kDeviceStarted,
+                                             kDeviceNotStarted,
+                                             kClassUsbController,
+                                             kClassUsbPort,
+                                             kClassUsbHub,
+                                             kClassUsbDevice,
+                                             kClassUsbPortOnHub,
+                                             kClassUsbConnection,
+                                             kClassUsbControllerHasHub,
+                                             kOutOfMemory,
+                                             kPciPrefix,
+                                             kOhci,
+                                             kUhci,
+                                             kEhci,
+                                             kName,
+                                             kDescription,
+                                             kDeviceID,
+                                             kOperationalStatus,
+                                             kStatusDescriptions,
+                                             kCreationClassName,
+                                             kSystemCreationClassName,
+                                             kSystemName,
+                                             kUSBVersion,
+                                             kHostControllerNumber,
+                                             kNumberOfPorts,
+                                             kHubName,
+                                             kHubDepth,
+                                             kPortNumber,
+                                             kSpeed,
+                                             kPortSpeed,
+                                             kCurrentConfigValue,
+                                             kClassCode,
+                                             kSubclassCode,
+                                             kProtocolCode,
+                                             kVendorID,
+                                             kUSBDeviceID,
+                                             kManufacturer,
+                                             kSerialNumber,
+                                             kNumberOfConfigs,
+                                             kInterfaceType,
+                                             kAntecedent,
+                                             kDependent};
+
 /// The header's definitions, comments taken off.
 std::string HeaderWithoutComments() {
   return std::regex_replace(ReadFile(SOURCE_DIR "/plugin/Vocabulary.h"), std::regex("//[^\n]*"), "");
@@ -95,55 +147,7 @@ TEST(Vocabulary, HeaderDefinesNothingElse) {
 }
 
 TEST(Vocabulary, ConstantsHoldTheSchemasTexts) {
-  const std::vector<std::string> constants = {kReservedPlugin,
-                                              kReservedCmpi,
-                                              kReservedNspId,
-                                              kNoDeviceConnected,
-                                              kDeviceConnected,
-                                              kUsbDeviceFile,
-                                              kDeviceStarted,
-                                              kDeviceNotStarted,
-                                              kClassUsbController,
-                                              kClassUsbPort,
-                                              kClassUsbHub,
-                                              kClassUsbDevice,
-                                              kClassUsbPortOnHub,
-                                              kClassUsbConnection,
-                                              kClassUsbControllerHasHub,
-                                              kOutOfMemory,
-                                              kPciPrefix,
-                                              kOhci,
-                                              kUhci,
-                                              kEhci,
-                                              kName,
-                                              kDescription,
-                                              kDeviceID,
-                                              kOperationalStatus,
-                                              kStatusDescriptions,
-                                              kCreationClassName,
-                                              kSystemCreationClassName,
-                                              kSystemName,
-                                              kUSBVersion,
-                                              kHostControllerNumber,
-                                              kNumberOfPorts,
-                                              kHubName,
-                                              kHubDepth,
-                                              kPortNumber,
-                                              kSpeed,
-                                              kPortSpeed,
-                                              kCurrentConfigValue,
-                                              kClassCode,
-                                              kSubclassCode,
-                                              kProtocolCode,
-                                              kVendorID,
-                                              kUSBDeviceID,
-                                              kManufacturer,
-                                              kSerialNumber,
-                                              kNumberOfConfigs,
-                                              kInterfaceType,
-                                              kAntecedent,
-                                              kDependent};
-  EXPECT_EQ(constants, kTexts);
+  EXPECT_EQ(kConstants, kTexts);
 }
 
 TEST(Vocabulary, BusPrefixEndsInOneBackslash) {

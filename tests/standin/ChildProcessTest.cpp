@@ -11,6 +11,7 @@
 #include "standin/Machine.h"
 #include "tests/standin/Processes.h"
 #include "tests/standin/StandinTest.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
@@ -37,8 +38,8 @@ class ChildProcessTest : public usbinfo_test::ProcessTest {
   /// The process id that a command writes to `fifo`; waits for it.
   pid_t ReadPid() { return std::stoi(standin::Machine().CaptureFile(fifo)); }
 
-  usbinfo_test::TempDirectory directory;
-  const std::string fifo = directory.Path("fifo");
+  usbinfo_test::TemporaryFolder directory;
+  const std::string fifo = directory.File("fifo");
 };
 
 TEST_F(ChildProcessTest, CollectsWhatTheCommandWrites) {
@@ -46,7 +47,7 @@ TEST_F(ChildProcessTest, CollectsWhatTheCommandWrites) {
 }
 
 TEST_F(ChildProcessTest, WaitsForACommandThatHasClosedItsOutput) {
-  const std::string trace = directory.Path("trace");
+  const std::string trace = directory.File("trace");
   EXPECT_EQ(ChildProcess("exec >&-; cat /proc/filesystems > " + trace).Collect(kAmple, kEnough), "");
   EXPECT_EQ(standin::Machine().CaptureFile(trace), standin::Machine().CaptureFile("/proc/filesystems"));
 }

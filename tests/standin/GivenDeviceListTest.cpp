@@ -9,6 +9,7 @@
 #include "tests/standin/Processes.h"
 #include "tests/standin/StandinTest.h"
 #include "tests/support/HostTest.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
@@ -28,8 +29,8 @@ TEST(GivenDeviceList, SaysThatEveryFileExistsAndHoldsTheList) {
 
 TEST(GivenDeviceList, RunsNoCommand) {
   GivenDeviceList list(kText);
-  const usbinfo_test::TempDirectory directory;
-  const std::string trace = directory.Path("trace");
+  const usbinfo_test::TemporaryFolder directory;
+  const std::string trace = directory.File("trace");
   EXPECT_EQ(list.SpawnProcess("echo ran; touch " + trace, 300), "");
   EXPECT_NE(::access(trace.c_str(), F_OK), 0);
 }

@@ -14,6 +14,7 @@
 #include "tests/standin/Processes.h"
 #include "tests/standin/StandinTest.h"
 #include "tests/support/HostTest.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
@@ -31,40 +32,40 @@ class MachineFileTest : public usbinfo_test::ProcessTest {
   }
 
   Machine machine;
-  usbinfo_test::TempDirectory directory;
+  usbinfo_test::TemporaryFolder directory;
 };
 
 TEST_F(MachineFileTest, SeesFilesAndDirectories) {
-  EXPECT_TRUE(machine.FileExists(directory.WriteFile("file", "")));
-  EXPECT_TRUE(machine.FileExists(directory.Path("")));
+  EXPECT_TRUE(machine.FileExists(directory.File("file", "")));
+  EXPECT_TRUE(machine.FileExists(directory.Path()));
   EXPECT_TRUE(machine.FileExists("/proc/self/status"));
 }
 
 TEST_F(MachineFileTest, MissesWhatIsNotThere) {
-  const std::string file = directory.WriteFile("file", "");
+  const std::string file = directory.File("file", "");
   EXPECT_FALSE(machine.FileExists(""));
-  EXPECT_FALSE(machine.FileExists(directory.Path("missing")));
+  EXPECT_FALSE(machine.FileExists(directory.File("missing")));
   EXPECT_FALSE(machine.FileExists(file + "/below"));
-  std::filesystem::create_symlink(directory.Path("missing"), directory.Path("dangling"));
-  EXPECT_FALSE(machine.FileExists(directory.Path("dangling")));
+  std::filesystem::create_symlink(directory.File("missing"), directory.File("dangling"));
+  EXPECT_FALSE(machine.FileExists(directory.File("dangling")));
 }
 
 TEST_F(MachineFileTest, DoesNotSeeBehindAForbiddenDirectory) {
-  std::filesystem::create_directory(directory.Path("closed"));
-  const std::string file = directory.WriteFile("closed/file", "text");
+  std::filesystem::create_directory(directory.File("closed"));
+  const std::string file = directory.File("closed/file", "text");
   EXPECT_TRUE(machine.FileExists(file));
-  std::filesystem::permissions(directory.Path("closed"), std::filesystem::perms::none);
+  std::filesystem::permissions(directory.File("closed"), std::filesystem::perms::none);
   const int exitCode = ExitOfUnprivileged([&] {
     if (machine.FileExists(file)) return 1;
     return StatusOfCapture(file) == "CIM_ERR_ACCESS_DENIED" ? 0 : 2;
   });
-  std::filesystem::permissions(directory.Path("closed"), std::filesystem::perms::owner_all);
+  std::filesystem::permissions(directory.File("closed"), std::filesystem::perms::owner_all);
   if (exitCode == kStillPrivileged) GTEST_SKIP() << "cannot become an unprivileged user";
   EXPECT_EQ(exitCode, 0);
 }
 
 TEST_F(MachineFileTest, SeesAFileThatItMayNotRead) {
-  const std::string file = directory.WriteFile("file", "text");
+  const std::string file = directory.File("file", "text");
   std::filesystem::permissions(file, std::filesystem::perms::none);
   const int exitCode = ExitOfUnprivileged([&] {
     if (!machine.FileExists(file)) return 1;
@@ -77,14 +78,14 @@ TEST_F(MachineFileTest, SeesAFileThatItMayNotRead) {
 TEST_F(MachineFileTest, CapturesEveryByte) {
   std::string bytes;
   for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
-  EXPECT_EQ(machine.CaptureFile(directory.WriteFile("bytes", bytes)), bytes);
-  EXPECT_EQ(machine.CaptureFile(directory.WriteFile("empty", "")), "");
+  EXPECT_EQ(machine.CaptureFile(directory.File("bytes", bytes)), bytes);
+  EXPECT_EQ(machine.CaptureFile(directory.File("empty", "")), "");
 }
 
 TEST_F(MachineFileTest, CapturesLargeFilesWhole) {
   std::string text;
   while (text.size() < 5000000) text += "line " + std::to_string(text.size()) + "\n";
-  EXPECT_EQ(machine.CaptureFile(directory.WriteFile("large", text)), text);
+  EXPECT_EQ(machine.CaptureFile(directory.File("large", text)), text);
 }
 
 TEST_F(MachineFileTest, CapturesKernelFilesThatSayTheyAreEmpty) {
@@ -102,7 +103,7 @@ TEST_F(MachineFileTest, CapturesAKernelFileThatComesInPieces) {
 }
 
 TEST_F(MachineFileTest, CapturesAPipeToItsEnd) {
-  const std::string fifo = directory.Path("fifo");
+  const std::string fifo = directory.File("fifo");
   ASSERT_EQ(::mkfifo(fifo.c_str(), S_IRUSR | S_IWUSR), 0);
   std::string expected;
   for (int piece = 0; piece < 500; ++piece) expected += std::to_string(piece);
@@ -115,14 +116,14 @@ TEST_F(MachineFileTest, CapturesAPipeToItsEnd) {
 }
 
 TEST_F(MachineFileTest, SaysThatAFileIsMissing) {
-  const std::string file = directory.WriteFile("file", "text");
-  EXPECT_EQ(StatusOfCapture(directory.Path("missing")), "CIM_ERR_NOT_FOUND");
+  const std::string file = directory.File("file", "text");
+  EXPECT_EQ(StatusOfCapture(directory.File("missing")), "CIM_ERR_NOT_FOUND");
   EXPECT_EQ(StatusOfCapture(file + "/below"), "CIM_ERR_NOT_FOUND");
   EXPECT_EQ(StatusOfCapture(""), "CIM_ERR_NOT_FOUND");
 }
 
 TEST_F(MachineFileTest, FailsToCaptureADirectory) {
-  EXPECT_EQ(StatusOfCapture(directory.Path("")), "CIM_ERR_FAILED");
+  EXPECT_EQ(StatusOfCapture(directory.Path()), "CIM_ERR_FAILED");
 }
 
 }  // namespace

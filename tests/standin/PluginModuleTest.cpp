@@ -12,6 +12,7 @@
 #include "tests/standin/Processes.h"
 #include "tests/standin/StandinTest.h"
 #include "tests/support/HostTest.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
@@ -141,9 +142,9 @@ TEST_F(PluginModuleTest, SaysWhichFileIsMissing) {
 }
 
 TEST_F(PluginModuleTest, SaysWhichFileIsNoModule) {
-  const usbinfo_test::TempDirectory directory;
+  const usbinfo_test::TemporaryFolder directory;
   for (const char* text : {"", "#!/bin/sh\necho no module\n", "\177ELF"}) {
-    const std::string path = directory.WriteFile("module.so", text);
+    const std::string path = directory.File("module.so", text);
     EXPECT_THAT(ErrorOfLoading(path), AllOf(HasSubstr(path), Not(HasSubstr("\n"))));
   }
   EXPECT_THAT(host.Plugins(), IsEmpty());

@@ -74,19 +74,4 @@ TCIMValue MakeArray(const std::vector<std::string>& texts) {
   return TCIMValue(TCIMValue::TCIMType::kStringArray, static_cast<unsigned int>(elements.size()), elements);
 }
 
-TempDirectory::TempDirectory() : fPath(::testing::TempDir() + "standin-XXXXXX") {
-  EXPECT_NE(::mkdtemp(fPath.data()), nullptr);
-  constexpr mode_t kSearchable = 0755;
-  EXPECT_EQ(::chmod(fPath.c_str(), kSearchable), 0);
-}
-
-TempDirectory::~TempDirectory() {
-  std::filesystem::remove_all(fPath);
-}
-
-std::string TempDirectory::WriteFile(const std::string& name, const std::string& text) const {
-  std::ofstream(Path(name), std::ios::binary) << text;
-  return Path(name);
-}
-
 }  // namespace usbinfo_test

@@ -50,20 +50,4 @@ class IdlePlugin : public NKESTA20::IPluginCallbacks {
   void DeInit() override {}
 };
 
-/// A fresh directory that anyone may search; removed with all that it holds.
-class TempDirectory {
- public:
-  TempDirectory();
-  TempDirectory(const TempDirectory&) = delete;
-  TempDirectory& operator=(const TempDirectory&) = delete;
-  ~TempDirectory();
-
-  std::string Path(const std::string& name) const { return fPath + "/" + name; }
-  /// Makes a file of that name and returns its path.
-  std::string WriteFile(const std::string& name, const std::string& text) const;
-
- private:
-  std::string fPath;
-};
-
 }  // namespace usbinfo_test
