@@ -1,5 +1,5 @@
-// A new folder for one test's files; it goes with the object. Everybody may search it, so that tests which give up
-// root's rights still find their files.
+// A new folder for one test's files; it goes with the object. Everybody may search it, so that tests which
+// give up root's rights still find their files.
 #pragma once
 
 #include <filesystem>
