@@ -189,6 +189,17 @@ std::string FitForCell(const std::string& text) {
   return cell;
 }
 
+libscols_line* AddRow(libscols_table* table, libscols_line* parent, const TreeRows& rows,
+                      const UsbTreeNode& node) {
+  libscols_line* const line = scols_table_new_line(table, parent);
+  if (line == nullptr) throw std::bad_alloc();
+  for (const Column column : {kPlace, kDevice, kId, kSpeed}) {
+    const std::string cell = FitForCell(rows.Cell(node, parent == nullptr, column));
+    Check(scols_line_set_data(line, column, cell.c_str()));
+  }
+  return line;
+}
+
 /// Adds a row per node, parents ahead of their children; what a port shows in its own row gets none. A list
 /// may claim any number of tiers; below the last one that is drawn, rows stay at its depth.
 void AddRows(libscols_table* table, const UsbTree& tree) {
@@ -205,12 +216,7 @@ void AddRows(libscols_table* table, const UsbTree& tree) {
     const Waiting next = waiting.back();
     waiting.pop_back();
     const UsbTreeNode& node = tree.Nodes()[next.node];
-    libscols_line* const line = scols_table_new_line(table, next.parent);
-    if (line == nullptr) throw std::bad_alloc();
-    for (const Column column : {kPlace, kDevice, kId, kSpeed}) {
-      const std::string cell = FitForCell(rows.Cell(node, next.parent == nullptr, column));
-      Check(scols_line_set_data(line, column, cell.c_str()));
-    }
+    libscols_line* const line = AddRow(table, next.parent, rows, node);
     const auto& children = rows.Shown(node).children;
     const bool isDeepest = next.depth == kMaxDepth;
     libscols_line* const parent = isDeepest ? next.parent : line;
