@@ -1,4 +1,4 @@
-// Helpers over committed instances; see the header.
+// Reading and linking committed instances; see the header.
 #include "association/HostInstances.h"
 
 #include "host/ICIMClass.h"

@@ -31,15 +31,21 @@ void Check(int result) {
   if (result != 0) ThrowError(errno);
 }
 
+/// The kernel's links to what is open, such as /proc/self/fd/1 behind /dev/stdout: these are written to, not
+/// replaced.
+bool IsOpenAlready(const std::filesystem::path& path) {
+  return path.string().rfind("/proc/", 0) == 0;
+}
+
 /// The file that `path` leads to through links, whether or not it is there yet.
 std::string FollowLinks(const std::string& path) {
   namespace fs = std::filesystem;
   constexpr int kMaxLinks = 40;  // as the kernel counts before it gives up
   fs::path target = path;
-  for (int links = 0; links < kMaxLinks && fs::is_symlink(target); ++links) {
+  for (int links = 0; links < kMaxLinks && fs::is_symlink(target) && !IsOpenAlready(target); ++links) {
     target = target.parent_path() / fs::read_symlink(target);
   }
-  if (fs::is_symlink(target)) ThrowError(ELOOP);
+  if (fs::is_symlink(target) && !IsOpenAlready(target)) ThrowError(ELOOP);
   return target;
 }
 
@@ -78,15 +84,17 @@ class NewFile {
 };
 
 void WriteInPlace(const std::string& path, const std::string& text) {
-  const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+  const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
   if (!file.IsOpen()) ThrowError(errno);
   standin::WriteAll(file.Get(), text);
 }
 
 void Replace(const std::string& path, const std::string& text) {
+  const std::string target = FollowLinks(path);
   struct stat status;
-  if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) return WriteInPlace(path, text);
-  NewFile file(FollowLinks(path));
+  const bool isThere = ::stat(target.c_str(), &status) == 0;
+  if (isThere && (!S_ISREG(status.st_mode) || IsOpenAlready(target))) return WriteInPlace(target, text);
+  NewFile file(target);
   file.Write(text);
   file.TakePlace();
 }

@@ -9,8 +9,9 @@ namespace cli {
 void WriteStandardOutput(const std::string& text);
 
 /// Makes `text` the content of the file at `path`, by way of a file beside it, so that the old content stays
-/// until the new one is complete. What is no regular file (a device, a pipe) is written to directly. Throws
-/// UserError, and leaves nothing behind, when it cannot be written.
+/// until the new one is complete. What is no regular file (a device, a pipe), or is open already
+/// (/dev/stdout), is written to directly. Throws UserError, and leaves nothing behind, when it cannot be
+/// written.
 void WriteFile(const std::string& path, const std::string& text);
 
 }  // namespace cli

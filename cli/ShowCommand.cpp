@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <sstream>
 #include <system_error>
 
@@ -103,6 +104,8 @@ void Collect(const ShowOptions& options) {
     standin::PluginModule module(path);
     try {
       module.Collect(RequestedClasses(options.request));
+    } catch (const std::bad_alloc&) {
+      throw;
     } catch (const std::exception& error) {
       throw UserError(
           fmt::format("the plug-in {} failed: {}; name another with --plugin FILE", path, error.what()));
@@ -130,8 +133,7 @@ void Print(const ShowOptions& options, const Inventory& inventory) {
 std::string AdviseOnEmpty(const ShowOptions& options) {
   if (!options.request.empty()) {
     return "nothing to show: the requested classes have no instance; ask for hubs, ports and devices ahead "
-           "of "
-           "the associations, or leave --request out to see whether there is any USB device";
+           "of the associations, or leave --request out to see whether there is any USB device";
   }
   if (options.devices.empty()) return AdviseOnEmptyMachine(MachineFacts::OfThisMachine());
   return fmt::format(

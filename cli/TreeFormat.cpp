@@ -182,10 +182,10 @@ Table NewTable(const OutputPlace& place) {
   return table;
 }
 
-/// `text` as a cell takes it: a zero byte would end it.
+/// `text` as a cell takes it: a zero byte, which would end it, becomes U+FFFD.
 std::string FitForCell(const std::string& text) {
   std::string cell;
-  for (const char c : ReplaceDirectionMarks(text)) cell += c == '\0' ? "\\x00" : std::string(1, c);
+  for (const char c : ReplaceDirectionMarks(text)) cell += c == '\0' ? "\xEF\xBF\xBD" : std::string(1, c);
   return cell;
 }
 

@@ -27,11 +27,13 @@ int Fail(const std::string& message) {
 constexpr std::size_t kHelpColumn = 24;
 
 /// Where the command is started without one of the standard streams, its number must not go to a file of
-/// ours. What takes the place can be opened but neither gives nor takes data.
+/// ours. Something that cannot be read or written takes it, so that the stream still fails when it is used.
 void OccupyStandardStreams() {
-  int fd = STDIN_FILENO;
-  while (fd <= STDERR_FILENO) fd = ::open("/dev/null", O_PATH | O_CLOEXEC);
-  ::close(fd);
+  int fd = -1;
+  do {
+    fd = ::open("/", O_PATH | O_CLOEXEC);
+  } while (fd >= 0 && fd <= STDERR_FILENO);
+  if (fd >= 0) ::close(fd);
 }
 
 int Run(int argc, char** argv) {
@@ -45,6 +47,7 @@ int Run(int argc, char** argv) {
   CLI::App* const show = app.add_subcommand("show", "Print the inventory; what usbinfo does on its own");
   show->set_help_flag();
   show->fallthrough();
+  app.require_subcommand(0, 1);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {

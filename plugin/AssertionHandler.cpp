@@ -1,5 +1,6 @@
 // What becomes of a null pointer from the host: the pointer library's assertion, which would otherwise end
-// the host's process, turns into an exception that the plug-in's own catch-all deals with.
+// the host's process, turns into an exception. While a provider runs, the dispatcher's catch-all deals with
+// it.
 #include <boost/assert.hpp>
 #include <stdexcept>
 #include <string>

@@ -122,12 +122,12 @@ void ChildProcess::AwaitEnd(Clock::time_point deadline) {
   const FileDescriptor process(::pidfd_open(fPid, 0));
   if (process.IsOpen()) {
     AwaitReadable(process.Get(), deadline);
-  } else if (errno == ESRCH) {
-    // So it is where the process ignores the end of its children.
-    fGone = true;
-  } else {
+  } else if (errno != ESRCH) {
     ThrowError(errno);
   }
+  // Where this process ignores the end of its children, there is none to wait for any more.
+  siginfo_t end;
+  fGone = ::waitid(P_PID, static_cast<id_t>(fPid), &end, WEXITED | WNOHANG | WNOWAIT) != 0;
 }
 
 }  // namespace standin

@@ -1,4 +1,4 @@
-// The shared helpers; see the header.
+// What the command's tests share; see the header.
 #include "tests/cli/CliTest.h"
 
 #include <unistd.h>

@@ -111,10 +111,12 @@ TEST(MachineFacts, PassOverAFolderOfTheCommandsName) {
 TEST(MachineFacts, TakeAnEmptyFolderOfTheSearchPathForTheCurrentOne) {
   const TemporaryFolder folder;
   folder.Script("usb-devices", "exit 0");
-  const SearchPath path(":/nowhere");
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(folder.Path());
-  EXPECT_TRUE(MachineFacts::OfThisMachine().hasListCommand);
+  for (const char* value : {"", ":/nowhere", "/nowhere:", "/nowhere::/nowhere"}) {
+    const SearchPath path(value);
+    EXPECT_TRUE(MachineFacts::OfThisMachine().hasListCommand) << value;
+  }
   std::filesystem::current_path(before);
 }
 

@@ -109,6 +109,15 @@ TEST(WriteFile, LeavesALinkToItselfAlone) {
   EXPECT_THAT(folder.Names(), ElementsAre("link"));
 }
 
+TEST(WriteFile, AppendsToWhatIsOpenAlready) {
+  const TemporaryFolder folder;
+  const standin::FileDescriptor log(
+      ::open(folder.File("log", "first\n").c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+  WriteFile("/proc/self/fd/" + std::to_string(log.Get()), "second\n");
+  EXPECT_EQ(ReadFile(folder.File("log")), "first\nsecond\n");
+  EXPECT_THAT(folder.Names(), ElementsAre("log"));
+}
+
 TEST(WriteFile, MakesAFileOfTheLongestName) {
   const TemporaryFolder folder;
   const std::string name(255, 'n');

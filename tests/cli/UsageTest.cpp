@@ -60,6 +60,7 @@ const WrongUse kWrongUses[] = {
     {"WrongLogFormat", {"--log-format", "xml"}, "--log-format: xml not in {text,json}"},
     {"DevicesTwice", {"--devices", "a", "--devices", "b"}, "--devices: At Most 1 required but received 2"},
     {"OutputTwice", {"--output", "a", "--output", "b"}, "--output: At Most 1 required but received 2"},
+    {"ShowTwice", {"show", "show"}, "The following argument was not expected: show"},
 };
 
 class UsageTest : public testing::TestWithParam<WrongUse> {};

@@ -1,4 +1,4 @@
-// Process helpers of the stand-in's tests; see the header.
+// Processes for the stand-in's tests; see the header.
 #include "tests/standin/Processes.h"
 
 #include <grp.h>

@@ -1,4 +1,4 @@
-// Shared helpers of the stand-in's tests; see the header.
+// What the stand-in's tests share; see the header.
 #include "tests/standin/StandinTest.h"
 
 #include <gtest/gtest.h>
