@@ -5,8 +5,6 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <array>
-#include <cerrno>
 #include <cstring>
 #include <nlohmann/json.hpp>
 #include <system_error>
@@ -21,8 +19,7 @@ namespace cli {
 namespace {
 
 std::string FormatText(ILogger::EQSVLogSeverity severity, const std::string& text) {
-  static constexpr std::array<const char*, 5> kNames = {"error", "warning", "status", "debug", "verbose"};
-  return fmt::format("{}: {}\n", kNames.at(severity), EscapeForTerminal(text));
+  return fmt::format("{}: {}\n", SeverityNames().at(severity), EscapeForTerminal(text));
 }
 
 std::string FormatJson(ILogger::EQSVLogSeverity severity, const std::string& text) {
@@ -40,13 +37,19 @@ std::string Complaint(const std::string& path, int error) {
 
 }  // namespace
 
+const std::vector<std::string>& SeverityNames() {
+  static const std::vector<std::string> names = {"error", "warning", "status", "debug", "verbose"};
+  return names;
+}
+
 LogWriter::LogWriter(const std::string& path, ILogger::EQSVLogSeverity level, LogFormat format)
     : fPath(path), fLevel(level), fFormat(format) {
-  constexpr mode_t kReadableByAll = 0666;
   if (path.empty()) return;
-  fFile =
-      standin::FileDescriptor(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kReadableByAll));
-  if (!fFile.IsOpen()) throw UserError(Complaint(path, errno));
+  try {
+    fFile = standin::OpenFile(path, O_WRONLY | O_CREAT | O_TRUNC);
+  } catch (const std::system_error& error) {
+    throw UserError(Complaint(path, error.code().value()));
+  }
 }
 
 void LogWriter::Write(ILogger::EQSVLogSeverity severity, const std::string& text) {

@@ -3,11 +3,15 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "host/ILogger.h"
 #include "standin/FileDescriptor.h"
 
 namespace cli {
+
+/// The host's severities by name, each at its number.
+const std::vector<std::string>& SeverityNames();
 
 enum class LogFormat { kText, kJson };
 

@@ -8,7 +8,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -21,14 +20,8 @@ namespace cli {
 
 namespace {
 
-constexpr mode_t kReadableByAll = 0666;
-
-[[noreturn]] void ThrowError(int error) {
-  throw std::system_error(error, std::generic_category());
-}
-
 void Check(int result) {
-  if (result != 0) ThrowError(errno);
+  if (result != 0) standin::ThrowSystemError(errno);
 }
 
 /// The kernel's links to what is open, such as /proc/self/fd/1 behind /dev/stdout: these are written to, not
@@ -45,7 +38,7 @@ std::string FollowLinks(const std::string& path) {
   for (int links = 0; links < kMaxLinks && fs::is_symlink(target) && !IsOpenAlready(target); ++links) {
     target = target.parent_path() / fs::read_symlink(target);
   }
-  if (fs::is_symlink(target) && !IsOpenAlready(target)) ThrowError(ELOOP);
+  if (fs::is_symlink(target) && !IsOpenAlready(target)) standin::ThrowSystemError(ELOOP);
   return target;
 }
 
@@ -54,10 +47,8 @@ class NewFile {
  public:
   explicit NewFile(const std::string& target)
       : fTarget(target),
-        fPath(std::filesystem::path(target).parent_path() / fmt::format(".usbinfo-{}.new", ::getpid())) {
-    fFile = FileDescriptor(::open(fPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadableByAll));
-    if (!fFile.IsOpen()) ThrowError(errno);
-  }
+        fPath(std::filesystem::path(target).parent_path() / fmt::format(".usbinfo-{}.new", ::getpid())),
+        fFile(standin::OpenFile(fPath, O_WRONLY | O_CREAT | O_EXCL)) {}
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
   ~NewFile() {
@@ -84,9 +75,7 @@ class NewFile {
 };
 
 void WriteInPlace(const std::string& path, const std::string& text) {
-  const FileDescriptor file(::open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
-  if (!file.IsOpen()) ThrowError(errno);
-  standin::WriteAll(file.Get(), text);
+  standin::WriteAll(standin::OpenFile(path, O_WRONLY | O_APPEND).Get(), text);
 }
 
 void Replace(const std::string& path, const std::string& text) {

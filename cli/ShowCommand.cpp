@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -43,12 +42,6 @@ std::vector<std::string> FormatNames() {
   return names;
 }
 
-/// The host's severities by name, each at its number.
-const std::vector<std::string>& SeverityNames() {
-  static const std::vector<std::string> names = {"error", "warning", "status", "debug", "verbose"};
-  return names;
-}
-
 ILogger::EQSVLogSeverity SeverityOf(const std::string& name) {
   const auto& names = SeverityNames();
   const auto number = std::find(names.begin(), names.end(), name) - names.begin();
@@ -61,11 +54,9 @@ std::string NameOf(const std::string& path) {
 }
 
 std::string ReadDeviceList(const std::string& path) {
-  const bool isStandardInput = path == "-";
-  const standin::FileDescriptor file(isStandardInput ? -1 : ::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   try {
-    if (!isStandardInput && !file.IsOpen()) throw std::system_error(errno, std::generic_category());
-    return standin::ReadAll(isStandardInput ? STDIN_FILENO : file.Get());
+    if (path == "-") return standin::ReadAll(STDIN_FILENO);
+    return standin::ReadAll(standin::OpenFile(path, O_RDONLY).Get());
   } catch (const std::system_error& error) {
     throw UserError(fmt::format("cannot read {}: {}; name a file that holds a device list with --devices",
                                 NameOf(path), error.code().message()));

@@ -78,6 +78,10 @@ std::string NameOf(const InstanceView& item) {
   return name.empty() || name == "Not Available" ? "(no name)" : name;
 }
 
+bool IsFree(const InstanceView& port) {
+  return port.Text("StatusDescriptions") == "{No device connected}";
+}
+
 /// Builds the rows from the nodes.
 class TreeRows {
  public:
@@ -133,7 +137,7 @@ class TreeRows {
         return node.isRootHub ? ports : NameOf(*node.item) + ", " + ports;
       }
       case Kind::kPort:
-        return node.item->Text("StatusDescriptions") == "{No device connected}" ? "free" : "in use";
+        return IsFree(*node.item) ? "free" : "in use";
       default:
         return NameOf(*node.item);
     }
@@ -244,7 +248,7 @@ std::string Heading(const Inventory& inventory) {
   std::size_t freePorts = 0;
   const auto& ports = inventory.InstancesOf("KALDO_USBPort");
   for (const InstanceView& port : ports) {
-    if (port.Text("StatusDescriptions") == "{No device connected}") ++freePorts;
+    if (IsFree(port)) ++freePorts;
   }
   return fmt::format("{}: {}, {}, {} ({} free), {}\n\n", EscapeForTerminal(inventory.SystemName()),
                      Count(inventory.InstancesOf("KALDO_USBController").size(), "controller"),

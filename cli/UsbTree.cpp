@@ -3,8 +3,6 @@
 
 #include <unordered_map>
 
-#include "standin/ValueView.h"
-
 namespace cli {
 
 namespace {

@@ -24,12 +24,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-[[noreturn]] void ThrowError(int error) {
-  throw std::system_error(error, std::generic_category());
-}
-
 void Check(int error) {
-  if (error != 0) ThrowError(error);
+  if (error != 0) ThrowSystemError(error);
 }
 
 /// The spawn settings: nothing to read, output to `output`, errors dropped, a group and signals of its own.
@@ -70,12 +66,12 @@ class SpawnSettings {
 void AwaitReadable(int fd, Clock::time_point deadline) {
   for (;;) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-    if (left <= 0) ThrowError(ETIMEDOUT);
+    if (left <= 0) ThrowSystemError(ETIMEDOUT);
     pollfd watched = {fd, POLLIN, 0};
     const auto wait = std::min<long long>(left, std::numeric_limits<int>::max());
     const int ready = ::poll(&watched, 1, static_cast<int>(wait));
     if (ready > 0) return;
-    if (ready < 0 && errno != EINTR) ThrowError(errno);
+    if (ready < 0 && errno != EINTR) ThrowSystemError(errno);
   }
 }
 
@@ -83,7 +79,7 @@ void AwaitReadable(int fd, Clock::time_point deadline) {
 
 ChildProcess::ChildProcess(const std::string& command) {
   std::array<int, 2> ends{};
-  if (::pipe2(ends.data(), O_CLOEXEC) != 0) ThrowError(errno);
+  if (::pipe2(ends.data(), O_CLOEXEC) != 0) ThrowSystemError(errno);
   fOutput = FileDescriptor(ends[0]);
   const FileDescriptor input(ends[1]);
   const SpawnSettings settings(input.Get());
@@ -110,9 +106,9 @@ std::string ChildProcess::Collect(std::chrono::milliseconds limit, std::size_t m
     AwaitReadable(fOutput.Get(), deadline);
     const ssize_t got = ::read(fOutput.Get(), chunk.data(), chunk.size());
     if (got == 0) break;
-    if (got < 0 && errno != EINTR) ThrowError(errno);
+    if (got < 0 && errno != EINTR) ThrowSystemError(errno);
     if (got > 0) text.append(chunk.data(), static_cast<std::size_t>(got));
-    if (text.size() > maxBytes) ThrowError(EFBIG);
+    if (text.size() > maxBytes) ThrowSystemError(EFBIG);
   }
   AwaitEnd(deadline);
   return text;
@@ -123,7 +119,7 @@ void ChildProcess::AwaitEnd(Clock::time_point deadline) {
   if (process.IsOpen()) {
     AwaitReadable(process.Get(), deadline);
   } else if (errno != ESRCH) {
-    ThrowError(errno);
+    ThrowSystemError(errno);
   }
   // Where this process ignores the end of its children, there is none to wait for any more.
   siginfo_t end;

@@ -1,6 +1,8 @@
 // Owned descriptors, whole reads and writes; see the header.
 #include "standin/FileDescriptor.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -26,6 +28,17 @@ void FileDescriptor::Close() {
   if (IsOpen()) ::close(Take());
 }
 
+void ThrowSystemError(int error) {
+  throw std::system_error(error, std::generic_category());
+}
+
+FileDescriptor OpenFile(const std::string& path, int flags) {
+  constexpr mode_t kForAll = 0666;
+  FileDescriptor file(::open(path.c_str(), flags | O_CLOEXEC, kForAll));
+  if (!file.IsOpen()) ThrowSystemError(errno);
+  return file;
+}
+
 std::string ReadAll(int fd) {
   constexpr std::size_t kChunk = 65536;
   std::string text;
@@ -36,7 +49,7 @@ std::string ReadAll(int fd) {
     if (got > 0) {
       text.append(chunk.data(), static_cast<std::size_t>(got));
     } else if (errno != EINTR) {
-      throw std::system_error(errno, std::generic_category());
+      ThrowSystemError(errno);
     }
   }
 }
@@ -48,7 +61,7 @@ void WriteAll(int fd, const std::string& text) {
     if (put >= 0) {
       written += static_cast<std::size_t>(put);
     } else if (errno != EINTR) {
-      throw std::system_error(errno, std::generic_category());
+      ThrowSystemError(errno);
     }
   }
 }

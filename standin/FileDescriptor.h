@@ -1,4 +1,4 @@
-// An owned file descriptor and the reading and writing of whole contents through one.
+// An owned file descriptor, how to get one, and the reading and writing of whole contents through it.
 #pragma once
 
 #include <string>
@@ -24,6 +24,13 @@ class FileDescriptor {
  private:
   int fFd = -1;
 };
+
+/// Throws std::system_error with the error number `error`.
+[[noreturn]] void ThrowSystemError(int error);
+
+/// Opens the file at `path` with the flags of open(2), not to be inherited by commands; a new file may be
+/// read and written as far as the user's mask allows. Throws std::system_error.
+FileDescriptor OpenFile(const std::string& path, int flags);
 
 /// All that can be read from `fd` up to its end, whatever size it is said to have. Throws std::system_error.
 std::string ReadAll(int fd);

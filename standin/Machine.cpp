@@ -36,10 +36,8 @@ bool Machine::FileExists(const std::string& path) {
 }
 
 std::string Machine::CaptureFile(const std::string& path) {
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (!file.IsOpen()) Throw(StatusOf(errno));
   try {
-    return ReadAll(file.Get());
+    return ReadAll(OpenFile(path, O_RDONLY).Get());
   } catch (const std::system_error& error) {
     Throw(StatusOf(error.code().value()));
   }

@@ -3,8 +3,6 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
-
 #include "standin/Host.h"
 
 using NKESTA20::ICIMClass;
@@ -13,19 +11,26 @@ using NKESTA20::IPluginCallbacks;
 
 namespace standin {
 
+namespace {
+
+/// The plug-ins that came after the first `count`.
+std::vector<IPluginCallbacks*> RegisteredSince(std::size_t count) {
+  const auto& plugins = Host::Instance().Plugins();
+  return {plugins.begin() + static_cast<std::ptrdiff_t>(count), plugins.end()};
+}
+
+}  // namespace
+
 PluginModule::PluginModule(const std::string& path) {
   const std::size_t before = Host::Instance().Plugins().size();
   try {
     Load(path);
   } catch (...) {
     // A module whose initialization throws stays mapped, but what it registered is gone.
-    const std::vector<IPluginCallbacks*> registered = Host::Instance().Plugins();
-    std::for_each(registered.begin() + static_cast<std::ptrdiff_t>(before), registered.end(),
-                  [](IPluginCallbacks* plugin) { Host::Instance().Forget(plugin); });
+    for (IPluginCallbacks* const plugin : RegisteredSince(before)) Host::Instance().Forget(plugin);
     throw;
   }
-  const auto& plugins = Host::Instance().Plugins();
-  fPlugins.assign(plugins.begin() + static_cast<std::ptrdiff_t>(before), plugins.end());
+  fPlugins = RegisteredSince(before);
   for (IPluginCallbacks* const plugin : fPlugins) {
     if (fQueries != nullptr) break;
     fLifecycle = plugin;
