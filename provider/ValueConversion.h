@@ -10,10 +10,12 @@
 
 namespace conversion_detail {
 
-/// A stream for one conversion, with the default formatting.
+/// A stream for one conversion, with the default formatting. Lack of memory leaves it as std::bad_alloc: a
+/// stream keeps it to itself otherwise, and a shorter text would pass for the whole.
 inline std::stringstream NewStream() {
   std::stringstream stream(std::ios_base::in | std::ios_base::out);
   stream.imbue(std::locale::classic());
+  stream.exceptions(std::ios_base::badbit);
   return stream;
 }
 

@@ -16,11 +16,19 @@ std::uint64_t Hex(const std::string& digits) {
   return std::stoull(digits, nullptr, 16);
 }
 
-std::string ShortenStrings(std::string name) {
-  const std::string kLong = "std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >";
-  for (std::size_t at = name.find(kLong); at != std::string::npos; at = name.find(kLong, at)) {
-    name.replace(at, kLong.size(), "std::string");
+void ReplaceAll(std::string& text, const std::string& what, const std::string& with) {
+  for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size())) {
+    text.replace(at, what.size(), with);
   }
+}
+
+std::string WithShortTypes(std::string name) {
+  ReplaceAll(name, "std::__cxx11::basic_string<char, std::char_traits<char>, std::allocator<char> >",
+             "std::string");
+  ReplaceAll(name,
+             "std::map<std::string, NKESTA20::TCIMValue, std::less<std::string >, "
+             "std::allocator<std::pair<std::string const, NKESTA20::TCIMValue> > >",
+             "NKESTA20::PropertyMap");
   return name;
 }
 
@@ -31,7 +39,7 @@ std::vector<Symbol> Symbols(const std::string& options, const std::string& path)
     std::smatch parts;
     if (!std::regex_match(line, parts, entry)) continue;
     const std::uint64_t address = parts[1].matched ? Hex(parts[1]) : 0;
-    symbols.push_back({address, parts[2].str()[0], ShortenStrings(parts[3])});
+    symbols.push_back({address, parts[2].str()[0], WithShortTypes(parts[3])});
   }
   EXPECT_FALSE(symbols.empty()) << path;
   return symbols;
@@ -52,17 +60,45 @@ Section FindSection(const std::string& path, const std::string& name) {
   return {};
 }
 
-/// What the loader writes into each place of the section: the place and the address of what it points to.
-std::map<std::uint64_t, std::uint64_t> RelocatedPointers(const std::string& path, const Section& section) {
-  const std::regex entry("([0-9a-f]{16}) +[0-9a-f]+ R_X86_64_RELATIVE +([0-9a-f]+)");
-  std::map<std::uint64_t, std::uint64_t> pointers;
+/// What the loader writes into each place of the section: the place and the name or, in hexadecimal digits,
+/// the address of what it points to.
+std::map<std::uint64_t, std::string> RelocatedPointers(const std::string& path, const Section& section) {
+  const std::regex entry(
+      "([0-9a-f]{16}) +[0-9a-f]+ R_X86_64_(RELATIVE|64) +(?:[0-9a-f]{16} )?([^ @]+)(?:@.*| \\+ 0)?");
+  std::map<std::uint64_t, std::string> pointers;
   for (const std::string& line : LinesOf("readelf -rW '" + path + "'")) {
     std::smatch parts;
     if (!std::regex_match(line, parts, entry)) continue;
     const std::uint64_t place = Hex(parts[1]);
-    if (place >= section.address && place < section.address + section.size) pointers[place] = Hex(parts[2]);
+    if (place >= section.address && place < section.address + section.size) pointers[place] = parts[3];
   }
   return pointers;
+}
+
+Section FindVirtualTable(const std::string& path, const std::string& className) {
+  const std::regex entry("([0-9a-f]{16}) ([0-9a-f]{16}) [A-Za-z] vtable for (.*)");
+  for (const std::string& line : LinesOf("nm -C -S '" + path + "'")) {
+    std::smatch parts;
+    if (std::regex_match(line, parts, entry) && parts[3] == className) return {Hex(parts[1]), Hex(parts[2])};
+  }
+  ADD_FAILURE() << path << " has no virtual table of " << className;
+  return {};
+}
+
+/// The names that each address has; a name in its raw form stands for itself.
+std::map<std::string, std::set<std::string>> NamesByPointer(const std::string& path) {
+  std::map<std::string, std::set<std::string>> names;
+  const std::vector<std::string> raw = LinesOf("nm --without-symbol-versions '" + path + "'");
+  const std::vector<std::string> readable = LinesOf("nm -C --without-symbol-versions '" + path + "'");
+  EXPECT_EQ(raw.size(), readable.size()) << path;
+  constexpr std::size_t kNameAt = 19;  // behind the address, the kind and two blanks
+  for (std::size_t line = 0; line < raw.size(); ++line) {
+    const std::string name = WithShortTypes(readable[line].substr(kNameAt));
+    names[raw[line].substr(kNameAt)].insert(name);
+    const std::string address = raw[line].substr(0, raw[line].find(' '));
+    if (!address.empty()) names[address.substr(address.find_first_not_of('0'))].insert(name);
+  }
+  return names;
 }
 
 }  // namespace
@@ -100,6 +136,40 @@ std::vector<std::string> NeededLibraries(const std::string& path) {
   return libraries;
 }
 
+std::vector<std::string> NeededFiles(const std::string& path) {
+  const std::regex entry("\\s*(?:\\S+ => )?(/\\S+) \\(0x[0-9a-f]+\\)");
+  std::vector<std::string> files;
+  for (const std::string& line : LinesOf("ldd '" + path + "'")) {
+    std::smatch parts;
+    if (std::regex_match(line, parts, entry)) files.push_back(parts[1]);
+  }
+  return files;
+}
+
+std::vector<std::set<std::string>> VirtualTable(const std::string& path, const std::string& className) {
+  const Section table = FindVirtualTable(path, className);
+  const auto pointers = RelocatedPointers(path, table);
+  auto names = NamesByPointer(path);
+  std::vector<std::set<std::string>> entries;
+  constexpr std::uint64_t kTypesOwn = 2 * sizeof(void*);
+  for (std::uint64_t place = table.address + kTypesOwn; place < table.address + table.size;
+       place += sizeof(void*)) {
+    const auto pointer = pointers.find(place);
+    entries.push_back(pointer == pointers.end() ? std::set<std::string>() : names[pointer->second]);
+  }
+  return entries;
+}
+
+std::vector<int> InitializerPriorities(const std::string& objectPath) {
+  const std::regex entry(".* \\.init_array\\.(\\d+) .*");
+  std::vector<int> priorities;
+  for (const std::string& line : LinesOf("readelf -SW '" + objectPath + "'")) {
+    std::smatch parts;
+    if (std::regex_match(line, parts, entry)) priorities.push_back(std::stoi(parts[1]));
+  }
+  return priorities;
+}
+
 std::vector<std::string> InitializersInOrder(const std::string& path) {
   std::map<std::uint64_t, std::string> names;
   for (const Symbol& symbol : AllSymbols(path)) {
@@ -108,7 +178,7 @@ std::vector<std::string> InitializersInOrder(const std::string& path) {
   const Section section = FindSection(path, ".init_array");
   std::vector<std::string> initializers;
   for (const auto& [place, function] : RelocatedPointers(path, section)) {
-    initializers.push_back(names[function]);
+    initializers.push_back(names[Hex(function)]);
   }
   EXPECT_EQ(initializers.size(), section.size / sizeof(void*)) << "entries that were not understood";
   return initializers;

@@ -5,7 +5,7 @@
 
 #include "tests/module/BinaryTools.h"
 #include "tests/module/ModuleTest.h"
-#include "tests/plugin/Allocations.h"
+#include "tests/support/Allocations.h"
 
 namespace usbinfo_test {
 namespace {

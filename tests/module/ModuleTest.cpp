@@ -7,7 +7,7 @@
 #include <fstream>
 
 #include "tests/module/BinaryTools.h"
-#include "tests/plugin/Allocations.h"
+#include "tests/support/Allocations.h"
 
 namespace usbinfo_test {
 

@@ -2,13 +2,16 @@
 // the object that could not register is freed. The dynamic linker does not expect that: it takes the module
 // for initialized from then on. Each test therefore spends a process of its own.
 #include <dlfcn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdlib>
+#include <new>
 
 #include "host/TQSVException.h"
 #include "standin/StatusCode.h"
 #include "tests/module/ModuleTest.h"
-#include "tests/plugin/Allocations.h"
+#include "tests/support/Allocations.h"
 
 using NKESTA20::TQSVException;
 using standin::HostOperation;
@@ -20,6 +23,7 @@ namespace {
 // How a child process reports.
 constexpr int kAsExpected = 17;
 constexpr int kOtherwise = 18;
+constexpr int kNothingLeftToFail = 19;
 
 [[noreturn]] void Report(bool asExpected) {
   std::_Exit(asExpected ? kAsExpected : kOtherwise);
@@ -69,6 +73,29 @@ class ThrowingLoadDeathTest : public ModuleTest {
   }
 };
 
+/// How a child process that does `work` ends.
+template <typename Work>
+int ExitCodeOf(Work work) {
+  const pid_t child = ::fork();
+  if (child == 0) work();
+  int status = 0;
+  EXPECT_EQ(::waitpid(child, &status, 0), child);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/// Loads while the allocation of that number fails. As expected: std::bad_alloc comes out. The last
+/// allocation was tried when the load goes through.
+[[noreturn]] void LoadShortOfMemory(std::size_t allocation) {
+  bool isTried = false;
+  const Allocations::Failure failure(allocation, [&isTried] { isTried = true; });
+  try {
+    Load();
+  } catch (const std::bad_alloc&) {
+    Report(isTried);
+  }
+  std::_Exit(isTried ? kOtherwise : kNothingLeftToFail);
+}
+
 /// True when loading through the stand-in fails with `Exception`.
 template <typename Exception>
 bool PluginModuleThrows() {
@@ -101,6 +128,18 @@ TEST_F(ThrowingLoadDeathTest, AFurtherLoadCreatesNoPlugin) {
 TEST_F(ThrowingLoadDeathTest, AFurtherLoadThroughTheStandInIsRefused) {
   EXPECT_EXIT(LoadWhileRegisteringThrows(PluginModuleThrows<standin::PluginError>),
               ExitedWithCode(kAsExpected), "");
+}
+
+TEST_F(ThrowingLoadDeathTest, AnyAllocationThatFailsReachesTheLoader) {
+  // Each constant of each of the module's files takes its own memory.
+  constexpr std::size_t kMoreThanThereAre = 10000;
+  std::size_t allocation = 0;
+  int exitCode = kAsExpected;
+  for (; exitCode == kAsExpected && allocation < kMoreThanThereAre; ++allocation) {
+    exitCode = ExitCodeOf([allocation] { LoadShortOfMemory(allocation); });
+  }
+  EXPECT_EQ(exitCode, kNothingLeftToFail) << "allocation " << allocation - 1;
+  EXPECT_GT(allocation, 40U);
 }
 
 TEST_F(ThrowingLoadDeathTest, TheStandInPassesTheExceptionOn) {

@@ -2,7 +2,7 @@
 // old.
 #include "standin/ValueView.h"
 #include "tests/module/ModuleTest.h"
-#include "tests/plugin/Allocations.h"
+#include "tests/support/Allocations.h"
 
 using ::testing::ElementsAre;
 using ::testing::Not;

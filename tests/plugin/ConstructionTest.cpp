@@ -4,7 +4,7 @@
 #include "host/TQSVException.h"
 #include "standin/PluginManager.h"
 #include "standin/StatusCode.h"
-#include "tests/plugin/Allocations.h"
+#include "tests/support/Allocations.h"
 #include "tests/plugin/PluginTest.h"
 
 using NKESTA20::ICIMNamespace;

@@ -3,7 +3,7 @@
 // too.
 #include "host/TQSVException.h"
 #include "standin/StatusCode.h"
-#include "tests/plugin/Allocations.h"
+#include "tests/support/Allocations.h"
 #include "tests/plugin/PluginTest.h"
 
 using NKESTA20::ICIMInstance;

@@ -3,7 +3,7 @@
 #include <cctype>
 
 #include "host/IPluginBasicQueryCallbacks.h"
-#include "tests/plugin/Allocations.h"
+#include "tests/support/Allocations.h"
 #include "tests/plugin/PluginTest.h"
 
 using NKESTA20::IPluginBasicQueryCallbacks;

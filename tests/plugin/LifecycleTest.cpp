@@ -2,7 +2,7 @@
 // deletion. Compiled so that a call through a null object reaches the operation.
 #include <type_traits>
 
-#include "tests/plugin/Allocations.h"
+#include "tests/support/Allocations.h"
 #include "tests/plugin/PluginTest.h"
 
 using NKESTA20::IPluginCallbacks;

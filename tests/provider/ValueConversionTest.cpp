@@ -2,15 +2,19 @@
 // those of the standard library's formatted extraction in the classic locale, whatever the host has set.
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <limits>
+#include <new>
 #include <sstream>
 #include <string>
 
 #include "provider/ValueConversion.h"
 #include "tests/provider/ForeignLocale.h"
+#include "tests/support/Allocations.h"
 
 namespace {
 
+using usbinfo_test::Allocations;
 using usbinfo_test::ForeignCLocale;
 using usbinfo_test::ForeignGlobalLocale;
 
@@ -256,6 +260,33 @@ TEST(ConversionUnderAForeignCLocale, GivesTheSameResults) {
   EXPECT_EQ(ToLong(" 1.234"), 1U);
   EXPECT_EQ(FromHex("12AB"), 4779);
   EXPECT_EQ(ToChar(" \xDD"), 0xDD);
+}
+
+/// Has each allocation of `convert` fail once; how many there are. Fails the test when the failure does not
+/// come out.
+template <typename Convert>
+int AllocationsThatAreHeardOf(Convert convert) {
+  for (int number = 0;; ++number) {
+    bool isTried = false;
+    bool isHeard = false;
+    try {
+      const Allocations::Failure failure(static_cast<std::size_t>(number), [&isTried] { isTried = true; });
+      static_cast<void>(convert());
+    } catch (const std::bad_alloc&) {
+      isHeard = true;
+    }
+    EXPECT_EQ(isHeard, isTried) << "allocation " << number;
+    if (!isTried) return number;
+  }
+}
+
+TEST(ConversionWithoutMemory, NeverPassesAPieceForTheWhole) {
+  const std::string digits = "1" + std::string(100, '0') + " and text behind";
+  EXPECT_GE(AllocationsThatAreHeardOf([&] { return dataToString<std::string>(digits); }), 2);
+  EXPECT_GE(AllocationsThatAreHeardOf([&] { return dataToString<const char*>(digits.c_str()); }), 2);
+  EXPECT_GE(AllocationsThatAreHeardOf([&] { return stringToDataType<unsigned short>(digits); }), 2);
+  EXPECT_GE(AllocationsThatAreHeardOf([&] { return stringToDataType<unsigned char>(digits); }), 2);
+  EXPECT_GE(AllocationsThatAreHeardOf([&] { return ExtractDecimalDataToHex<unsigned short>(digits); }), 2);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 
 namespace usbinfo_test {
 
@@ -20,6 +21,28 @@ class Allocations {
 
   /// The next allocation throws std::bad_alloc; the ones after it work again.
   static void FailNext();
+
+  /// While it lives, the allocation of that number, counted from 0 at its start, throws std::bad_alloc, once,
+  /// after `onFailure` was called.
+  class Failure {
+   public:
+    Failure(std::size_t number, std::function<void()> onFailure);
+    Failure(const Failure&) = delete;
+    Failure& operator=(const Failure&) = delete;
+    ~Failure();
+
+   private:
+    std::function<void()> fOnFailure;
+  };
+
+  /// While it lives, allocations are neither counted for a Failure nor do they fail: they are the test's own.
+  class Pause {
+   public:
+    Pause();
+    Pause(const Pause&) = delete;
+    Pause& operator=(const Pause&) = delete;
+    ~Pause();
+  };
 };
 
 }  // namespace usbinfo_test

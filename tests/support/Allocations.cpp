@@ -1,9 +1,10 @@
 // The counting operators; see the header. All forms of `new` and `delete` for ordinary alignment are replaced
 // together, since a sanitizer's own would not match.
-#include "tests/plugin/Allocations.h"
+#include "tests/support/Allocations.h"
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -11,13 +12,21 @@ std::size_t gMade = 0;
 std::size_t gFreed = 0;
 bool gWatching = false;
 void* gFirst = nullptr;
-bool gFailNext = false;
+/// The allocations to go before one fails, and what to call then; null while none is to fail.
+std::size_t gToGo = 0;
+const std::function<void()>* gOnFailure = nullptr;
+int gPauses = 0;
+
+bool IsToFail() noexcept {
+  if (gOnFailure == nullptr || gPauses > 0) return false;
+  if (gToGo-- > 0) return false;
+  const auto* const onFailure = std::exchange(gOnFailure, nullptr);
+  (*onFailure)();
+  return true;
+}
 
 void* TryAllocate(std::size_t size) noexcept {
-  if (gFailNext) {
-    gFailNext = false;
-    return nullptr;
-  }
+  if (IsToFail()) return nullptr;
   void* const block = std::malloc(size == 0 ? 1 : size);
   if (block == nullptr) return nullptr;
   ++gMade;
@@ -62,7 +71,27 @@ void* Allocations::First() {
 }
 
 void Allocations::FailNext() {
-  gFailNext = true;
+  static const std::function<void()> kNothing = [] {};
+  gToGo = 0;
+  gOnFailure = &kNothing;
+}
+
+Allocations::Failure::Failure(std::size_t number, std::function<void()> onFailure)
+    : fOnFailure(std::move(onFailure)) {
+  gToGo = number;
+  gOnFailure = &fOnFailure;
+}
+
+Allocations::Failure::~Failure() {
+  gOnFailure = nullptr;
+}
+
+Allocations::Pause::Pause() {
+  ++gPauses;
+}
+
+Allocations::Pause::~Pause() {
+  --gPauses;
 }
 
 }  // namespace usbinfo_test
