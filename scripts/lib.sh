@@ -9,7 +9,9 @@ BUILD_PACKAGES=(
   libxml2-dev libxml2-utils locales ninja-build nlohmann-json3-dev pkgconf python3
 )
 # What the slower checks take on top.
-CHECK_PACKAGES=(clang-format clang-tidy shellcheck)
+CHECK_PACKAGES=(clang clang-format clang-tidy pyflakes3 shellcheck)
+# What the test on a real kernel takes on top of the first ones.
+VM_PACKAGES=(busybox-static cpio kmod qemu-system-x86 usbutils)
 
 say() { printf '%s\n' "$*" >&2; }
 
@@ -20,9 +22,20 @@ is_installed() {
   ! grep --quiet --invert-match '^ii' <<< "$states"
 }
 
+can_be_root() { [ "$(id -u)" -eq 0 ] || command -v sudo > /dev/null; }
+
+# as_root COMMAND...: runs it as root, through sudo for others.
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  else
+    sudo "$@"
+  fi
+}
+
 # install_packages PACKAGE...: installs what is missing; does nothing, quickly, when nothing is.
 install_packages() {
-  local package missing=() as_root=()
+  local package missing=()
   command -v dpkg-query > /dev/null || {
     say "This is no Debian system: install the equivalents of: $*"
     return 1
@@ -31,17 +44,14 @@ install_packages() {
   for package in "$@"; do
     is_installed "$package" || missing+=("$package")
   done
-  if [ "$(id -u)" -ne 0 ]; then
-    command -v sudo > /dev/null || {
-      say "Missing packages, and neither root nor sudo to install them. As root, run:"
-      say "  apt-get install ${missing[*]}"
-      return 1
-    }
-    as_root=(sudo)
-  fi
+  can_be_root || {
+    say "Missing packages, and neither root nor sudo to install them. As root, run:"
+    say "  apt-get install ${missing[*]}"
+    return 1
+  }
   say "Installing ${missing[*]}"
-  "${as_root[@]}" apt-get update --quiet=2 >&2
-  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+  as_root apt-get update --quiet=2 >&2
+  as_root env DEBIAN_FRONTEND=noninteractive \
     apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" >&2
 }
 

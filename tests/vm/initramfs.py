@@ -1,0 +1,91 @@
+"""The guest's file system: kernel modules, busybox and a shell, the command, and the real usb-devices.
+
+Everything, libraries included, is copied from this machine and packed into one archive, which the kernel
+unpacks into memory.
+"""
+
+import pathlib
+import re
+import shutil
+import subprocess
+
+import gadgets
+
+HERE = pathlib.Path(__file__).resolve().parent
+MODULE_LISTS = {
+    "usb": ("xhci-pci", "ehci-pci", "ohci-pci", "uhci-hcd", "usbhid", "usb-storage"),
+    "gadget": ("configfs", "libcomposite", "usb_f_acm", "usb_f_ecm", "dummy_hcd"),
+}
+FOLDERS = ("bin", "dev", "etc", "guest/modules", "opt/usbinfo", "proc", "root", "sys", "tmp", "usr/bin")
+USERS = "root:x:0:0::/root:/bin/sh\nuser:x:1000:1000::/tmp:/bin/sh\n"
+
+
+def pack(build, kernel, archive, work):
+    """Pack the archive for the products in the folder build, with the modules of the unpacked kernel."""
+    root = pathlib.Path(work, "root")
+    for folder in FOLDERS:
+        (root / folder).mkdir(parents=True)
+    (root / "etc/passwd").write_text(USERS, encoding="ascii")
+    _add_busybox(root)
+    _add_programs(root, pathlib.Path(build))
+    _add_modules(root, pathlib.Path(kernel))
+    shutil.copy("/usr/bin/usb-devices", root / "usr/bin")
+    _add_guest(root)
+    gadgets.write_folders(root / "guest/gadgets")
+    _write_archive(root, archive)
+
+
+def _output(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def _add_busybox(root):
+    shutil.copy("/bin/busybox", root / "bin/busybox")
+    for applet in _output("/bin/busybox", "--list").split():
+        if applet not in ("busybox", "sh"):
+            (root / "bin" / applet).symlink_to("busybox")
+
+
+def _add_programs(root, build):
+    """The products go next to each other; libraries from elsewhere keep their places.
+
+    Debian's own shell comes along: busybox's would run its own mount without looking for one in the path.
+    """
+    programs = [*(build / name for name in ("usbinfo", "usbinfo-plugin.so")), pathlib.Path("/bin/dash")]
+    libraries = set(re.findall(r"(?:=> |^\t)(/\S+) \(", _output("ldd", *map(str, programs)), re.MULTILINE))
+    for file in [*programs, *map(pathlib.Path, libraries)]:
+        if file.parent.resolve() == build.resolve():
+            target = root / "opt/usbinfo"
+        else:
+            target = root / str(file.parent).lstrip("/")
+        target.mkdir(parents=True, exist_ok=True)
+        shutil.copy(file, target / file.name)
+    (root / "bin/sh").symlink_to("dash")
+
+
+def _add_modules(root, kernel):
+    """Copy the modules of each list and write the list, everything ahead of what needs it, nothing twice."""
+    release, = (kernel / "lib/modules").iterdir()
+    loaded = set()
+    for name, modules in MODULE_LISTS.items():
+        found = _output("/sbin/modprobe", "--dirname", str(kernel), "--set-version", release.name, "--config",
+                        "/dev/null", "--show-depends", "--all", *modules)
+        files = list(dict.fromkeys(re.findall(r"^insmod (\S+)", found, re.MULTILINE)))
+        new = [pathlib.Path(file) for file in files if file not in loaded]
+        for file in new:
+            shutil.copy(file, root / "guest/modules")
+        loaded.update(files)
+        names = "".join(f"{file.name}\n" for file in new)
+        (root / f"guest/modules/{name}.list").write_text(names, encoding="ascii")
+
+
+def _add_guest(root):
+    shutil.copytree(HERE / "guest", root / "guest", dirs_exist_ok=True)
+    (root / "init").symlink_to("guest/init")
+
+
+def _write_archive(root, archive):
+    names = "".join(f"{path.relative_to(root)}\n" for path in sorted(root.rglob("*")))
+    with open(archive, "wb") as output:
+        subprocess.run(["cpio", "--create", "--format=newc", "--owner=+0:+0", "--quiet"], cwd=root,
+                       check=True, input=names.encode(), stdout=output)
