@@ -39,9 +39,11 @@ TEST_P(EveryAllocation, FailingHasAComputedOutcome) {
   const std::size_t live = Allocations::Live();
   std::optional<std::size_t> callsBefore;
   std::vector<Outcome> fitting;
+  int faults = 0;
   for (std::size_t allocation = 0;; allocation += kStride) {
     const AllocationRun run = RunPluginShortOfMemory(scenario, allocation);
     if (!run.callsBefore) break;
+    ++faults;
     if (run.callsBefore != callsBefore) fitting = FittingOutcomes(*run.callsBefore);
     callsBefore = run.callsBefore;
     if (std::find(fitting.begin(), fitting.end(), run.outcome) == fitting.end()) {
@@ -53,6 +55,7 @@ TEST_P(EveryAllocation, FailingHasAComputedOutcome) {
   fitting.clear();
   fitting.shrink_to_fit();
   EXPECT_EQ(Allocations::Live(), live) << "memory is left behind";
+  RecordProperty("faults", faults);
 }
 
 INSTANTIATE_TEST_SUITE_P(Runs, EveryAllocation, ::testing::ValuesIn(AllScenarios()),

@@ -21,6 +21,7 @@ class EveryCall : public ::testing::TestWithParam<Scenario> {
   void FailEachCall(FaultKind kind) {
     RunPlugin(scenario, Fault{0, kind});  // what a first failure allocates for good
     const std::size_t live = Allocations::Live();
+    int faults = 0;
     for (std::size_t call = 0; call < undisturbed.trace.Count(); call += kStride) {
       const Fault fault{call, kind};
       if (RunPlugin(scenario, fault) != RunModel(scenario, list, fault)) {
@@ -29,7 +30,9 @@ class EveryCall : public ::testing::TestWithParam<Scenario> {
                << "): " << Difference(actual, RunModel(scenario, list, fault, true));
       }
       ASSERT_EQ(Allocations::Live(), live) << NameOf(kind) << " in call " << call << " leaves memory behind";
+      ++faults;
     }
+    RecordProperty("faults", faults);
   }
 };
 

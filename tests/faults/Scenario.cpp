@@ -31,23 +31,22 @@ void Furnish(FakeOperatingSystem& machine, const Scenario& scenario) {
 
 namespace {
 
-/// A hub and a device at the root, which the host refuses to tell a hub name of; texts too long for a string
-/// to hold without memory of its own.
+/// A hub, a device and a hub below it, and a device at the root, which the host refuses to tell a hub name
+/// of; with texts too long for a string to hold without memory of its own.
 std::string ListOfLongTexts() {
-  const std::string longBus = "01 of the many that a machine of this size may have";
+  const std::string start = "T:  Bus=01 of the many that a machine of this size may have Lev=";
   const std::string identity =
-      "D:  Ver= 2.00 Cls=ef(miscellaneous) Sub=02 Prot=01 MxPS=64 #Cfgs=  1 and no more than that\n";
-  return "T:  Bus=" + longBus +
-         " Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 of a row Spd=480 Mbit each second MxCh= 2 sockets\n" +
-         identity +
-         "S:  Product=A hub whose name is longer than most\nI:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 "
-         "Prot=00 Driver=hub\n\n" +
-         "T:  Bus=" + longBus +
-         " Lev=01 and below Prnt=01 of the whole row Port=01 to the left Cnt=01 Dev#=  2 of a row Spd=12 "
-         "Mbit each second MxCh= 0\n" +
-         identity + "P:  Vendor=046d of some place ProdID=c077 of some place Rev=72.00\n\n" +
-         "T:  Bus=" + longBus +
-         " Lev=00 and above Prnt=00 Port=00 Cnt=00 Dev#=  3 of a row Spd=480 Mbit each second MxCh= 0\n" +
+      "D:  Ver= 2.00 Cls=ef(miscellaneous) Sub=02 Prot=01 MxPS=64 #Cfgs=  1 and no more than that\n"
+      "P:  Vendor=046d of some place ProdID=c077 of some place Rev=72.00\n";
+  const std::string hub = "I:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 Prot=00 Driver=hub\n";
+  const std::string below =
+      " and well below the root Prnt=01 of the whole row Port=01 to the left Cnt=01 Dev#=  ";
+  const std::string speed = " of a row Spd=12 Mbit each second MxCh= ";
+  std::string list = start + "00 Prnt=00 Port=00 Cnt=00 Dev#=  1" + speed + "2 sockets\n" + identity;
+  list += "S:  Product=A hub whose name is longer than most\n" + hub + "\n";
+  list += start + "01" + below + "2" + speed + "0\n" + identity + "\n";
+  list += start + "01" + below + "3" + speed + "1 socket\n" + identity + hub + "\n";
+  return list + start + "00 and well above the others Prnt=00 Port=00 Cnt=00 Dev#=  4" + speed + "0\n" +
          identity;
 }
 
