@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <nlohmann/json.hpp>
 #include <string_view>
@@ -72,6 +73,8 @@ Character CharacterAt(std::string_view text, std::size_t at) {
 }  // namespace
 
 std::string ReplaceInvalidUtf8(const std::string& text) {
+  // The way through JSON takes long, and most texts are plain.
+  if (std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; })) return text;
   using nlohmann::json;
   const std::string valid = json(text).dump(-1, ' ', false, json::error_handler_t::replace);
   return json::parse(valid).get<std::string>();

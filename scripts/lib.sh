@@ -10,6 +10,10 @@ BUILD_PACKAGES=(
 )
 # What the slower checks take on top.
 CHECK_PACKAGES=(clang clang-format clang-tidy pyflakes3 shellcheck)
+# What telling the coverage takes on top of the first ones.
+COVERAGE_PACKAGES=(gcovr)
+# What the fuzzers take on top of the first ones.
+FUZZ_PACKAGES=(clang libclang-rt-14-dev)
 # What the test on a real kernel takes on top of the first ones.
 VM_PACKAGES=(busybox-static cpio kmod qemu-system-x86 usbutils)
 

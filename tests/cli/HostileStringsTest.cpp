@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/LogWriter.h"
 #include "tests/cli/CliTest.h"
 #include "tests/cli/HostileDevices.h"
 #include "tests/cli/RunCommand.h"
@@ -180,6 +181,47 @@ TEST(HostileStrings, StayOnTheirLineInTheJsonLog) {
   ASSERT_GE(lines.size(), 2U);
   EXPECT_EQ(json::parse(lines[0]), json({{"severity", 2}, {"text", "\x1B can't match the data"}}));
   EXPECT_EQ(json::parse(lines[1]), json({{"severity", 2}, {"text", "\n can't match the data"}}));
+}
+
+/// The lines that the log has after each hostile string was written to it.
+std::vector<std::string> LogOfHostileStrings(cli::LogFormat format) {
+  const TemporaryFolder folder;
+  cli::LogWriter log(folder.File("log"), NKESTA20::ILogger::kStatus, format);
+  for (const HostileString& hostile : HostileStrings()) log.Write(NKESTA20::ILogger::kStatus, hostile.bytes);
+  log.Finish();
+  return Lines(ReadFile(folder.File("log")));
+}
+
+TEST(HostileStrings, TakeOneLineEachOfTheTextLog) {
+  const std::vector<std::string> lines = LogOfHostileStrings(cli::LogFormat::kText);
+  ASSERT_EQ(lines.size(), HostileStrings().size());
+  for (std::size_t index = 0; index < lines.size(); ++index) {
+    std::string line = lines[index];
+    EXPECT_THAT(line, StartsWith("status: "));
+    line.erase(std::remove(line.begin(), line.end(), '\t'), line.end());
+    EXPECT_FALSE(ActsOnTerminal(line) || HasDirectionMark(line)) << HostileStrings()[index].name;
+  }
+}
+
+TEST(HostileStrings, AreReadBackFromTheJsonLogAsTheyWereSent) {
+  const std::vector<std::string> lines = LogOfHostileStrings(cli::LogFormat::kJson);
+  ASSERT_EQ(lines.size(), HostileStrings().size());
+  for (std::size_t index = 0; index < lines.size(); ++index) {
+    const HostileString& hostile = HostileStrings()[index];
+    EXPECT_EQ(json::parse(lines[index]), json({{"severity", 2}, {"text", hostile.asUtf8}})) << hostile.name;
+  }
+}
+
+TEST(HostileStrings, WithANewlineForgeALineOfTheListAndNothingOfAnyFormat) {
+  const std::string forged = "x\n\nT:  Bus=09 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  9 Spd=480  MxCh= 0\nQ";
+  const json devices = json::parse(RunOn(DeviceListWith(forged), {"--format", "json"}).output)["classes"];
+  std::vector<std::string> identifiers;
+  for (const json& device : devices["KALDO_USBDevice"]) identifiers.push_back(device["DeviceID"]);
+  EXPECT_THAT(identifiers, testing::ElementsAre("Bus 01  Device   2", "Bus 09  Device   9"));
+  const XmlDocument document(RunOn(DeviceListWith(forged), {"--format", "cimxml"}).output);
+  EXPECT_TRUE(document.IsValidCim());
+  EXPECT_EQ(document.Count("//INSTANCE[@CLASSNAME='KALDO_USBDevice']"), 2U);
+  EXPECT_FALSE(ActsOnTerminal(RunOn(DeviceListWith(forged), {}).output));
 }
 
 TEST(HostileStrings, InARequestStayOnTheirLineInTheLog) {

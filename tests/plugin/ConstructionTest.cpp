@@ -4,8 +4,8 @@
 #include "host/TQSVException.h"
 #include "standin/PluginManager.h"
 #include "standin/StatusCode.h"
-#include "tests/support/Allocations.h"
 #include "tests/plugin/PluginTest.h"
+#include "tests/support/Allocations.h"
 
 using NKESTA20::ICIMNamespace;
 using NKESTA20::IPluginCallbacks;

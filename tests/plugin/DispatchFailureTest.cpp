@@ -3,8 +3,8 @@
 // too.
 #include "host/TQSVException.h"
 #include "standin/StatusCode.h"
-#include "tests/support/Allocations.h"
 #include "tests/plugin/PluginTest.h"
+#include "tests/support/Allocations.h"
 
 using NKESTA20::ICIMInstance;
 using NKESTA20::ICIMNamespace;

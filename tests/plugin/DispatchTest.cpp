@@ -3,8 +3,8 @@
 #include <cctype>
 
 #include "host/IPluginBasicQueryCallbacks.h"
-#include "tests/support/Allocations.h"
 #include "tests/plugin/PluginTest.h"
+#include "tests/support/Allocations.h"
 
 using NKESTA20::IPluginBasicQueryCallbacks;
 using NKESTA20::IPluginCallbacks;

@@ -2,8 +2,8 @@
 // deletion. Compiled so that a call through a null object reaches the operation.
 #include <type_traits>
 
-#include "tests/support/Allocations.h"
 #include "tests/plugin/PluginTest.h"
+#include "tests/support/Allocations.h"
 
 using NKESTA20::IPluginCallbacks;
 using NKESTA20::TUSBInfoCallbacks;

@@ -1,0 +1,133 @@
+// The checks themselves: each reader takes what its format makes, and refuses the same with one thing
+// changed. Every format of the command has a reader.
+#include <gmock/gmock.h>
+
+#include <clocale>
+#include <string>
+#include <vector>
+
+#include "cli/OutputFormat.h"
+#include "tests/fuzz/BrokenInvariant.h"
+#include "tests/fuzz/CimXmlReader.h"
+#include "tests/fuzz/PluginTarget.h"
+#include "tests/fuzz/ReadBack.h"
+#include "tests/fuzz/Utf8.h"
+#include "tests/support/HostTest.h"
+
+namespace usbinfo_test {
+namespace {
+
+const std::string kList =
+    "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 2\n"
+    "S:  Product=Root & <hub>\n"
+    "I:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 Prot=00 Driver=hub\n\n"
+    "T:  Bus=01 Lev=01 Prnt=01 Port=01 Cnt=01 Dev#=  2 Spd=12   MxCh= 0\n"
+    "S:  Product=a\xFFz\n\n";
+
+std::string Changed(std::string text, const std::string& part, const std::string& replacement) {
+  const std::size_t at = text.find(part);
+  EXPECT_NE(at, std::string::npos) << part;
+  return at == std::string::npos ? text : text.replace(at, part.size(), replacement);
+}
+
+class ReadBackTest : public testing::Test {
+ protected:
+  ReadBackTest() { static_cast<void>(std::setlocale(LC_CTYPE, "C.UTF-8")); }
+  ~ReadBackTest() override { static_cast<void>(std::setlocale(LC_CTYPE, "C")); }
+
+  std::string Render(const std::string& format) const {
+    return cli::FindOutputFormat(format).render(run.Result(), cli::OutputPlace{false});
+  }
+  /// True when the reader takes `document` for the inventory in that format.
+  bool Takes(const std::string& format, const std::string& document) const {
+    try {
+      FindFormatReader(format).check(document, run.Result());
+    } catch (const std::exception&) {
+      return false;
+    }
+    return true;
+  }
+  bool TakesWith(const std::string& format, const std::string& part, const std::string& replacement) const {
+    return Takes(format, Changed(Render(format), part, replacement));
+  }
+
+  const PluginRun run{kList};
+};
+
+TEST_F(ReadBackTest, HasAReaderForEveryFormat) {
+  for (const cli::OutputFormat& format : cli::OutputFormats()) {
+    EXPECT_NO_THROW(FindFormatReader(format.name)) << format.name;
+    EXPECT_TRUE(Takes(format.name, Render(format.name))) << format.name;
+  }
+}
+
+TEST_F(ReadBackTest, RefusesAFormatThatNothingReads) {
+  EXPECT_THROW(FindFormatReader("parchment"), BrokenInvariant);
+}
+
+TEST_F(ReadBackTest, OfJsonRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("json", "Root & <hub>", "Root"));
+  EXPECT_FALSE(TakesWith("json", "\\ufffd", ""));
+  EXPECT_FALSE(TakesWith("json", "Root & <hub>", "Root & <hub>\x7F"));
+  EXPECT_FALSE(TakesWith("json", "\"HubDepth\": 0", "\"HubDepth\": 1"));
+  EXPECT_FALSE(TakesWith("json", "\"HubDepth\": 0", "\"HubDepth\": \"0\""));
+  EXPECT_FALSE(TakesWith("json", "\"HubDepth\"", "\"Hubdepth\""));
+  EXPECT_FALSE(TakesWith("json", "No device connected", "Device connected"));
+  EXPECT_FALSE(TakesWith("json", "usbinfo.inventory/1", "usbinfo.inventory/2"));
+  EXPECT_FALSE(Takes("json", Render("json") + "}"));
+}
+
+TEST_F(ReadBackTest, OfXmlRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("cimxml", "Root &amp; &lt;hub&gt;", "Root"));
+  EXPECT_FALSE(TakesWith("cimxml", "Root &amp;", "Root &"));
+  EXPECT_FALSE(TakesWith("cimxml", "Root &amp;", "Root \xC2\x85&amp;"));
+  EXPECT_FALSE(TakesWith("cimxml", "TYPE=\"uint16\"", "TYPE=\"uint8\""));
+  EXPECT_FALSE(TakesWith("cimxml", "NAME=\"HubDepth\"", "NAME=\"HubHeight\""));
+  EXPECT_FALSE(TakesWith("cimxml", "<KEYVALUE VALUETYPE=\"string\"", "<KEYVALUE VALUETYPE=\"numeric\""));
+  EXPECT_FALSE(TakesWith("cimxml", "<VALUE>No device connected</VALUE>", ""));
+  EXPECT_FALSE(TakesWith("cimxml", "<DECLARATION>", "<DECLARATION VERSION=\"1\">"));
+  EXPECT_FALSE(Takes("cimxml", "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\"/>"));
+}
+
+TEST_F(ReadBackTest, OfTheTreeRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("tree", "1 controller", "2 controllers"));
+  EXPECT_FALSE(TakesWith("tree", "(1 free)", "(2 free)"));
+  EXPECT_FALSE(TakesWith("tree", "Port 00", "Port 00\n"));
+  for (const char* mark : {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xE2\x80\xA8", "\xFF"}) {
+    EXPECT_FALSE(TakesWith("tree", "Port 00", std::string(mark) + "Port 00")) << testing::PrintToString(mark);
+  }
+  EXPECT_TRUE(TakesWith("tree", "Port 00", "P\xC3\xB6rt 00"));
+  static_cast<void>(std::setlocale(LC_CTYPE, "C"));
+  EXPECT_FALSE(TakesWith("tree", "Port 00", "P\xC3\xB6rt 00"));
+}
+
+TEST(SecondReading, RefusesTheInventoryOfAnotherList) {
+  const PluginRun run(kList);
+  EXPECT_NO_THROW(CheckInventory(run, kList));
+  EXPECT_THROW(CheckInventory(run, Changed(kList, "MxCh= 2", "MxCh= 3")), BrokenInvariant);
+  EXPECT_THROW(CheckInventory(run, Changed(kList, "Port=01", "Port=00")), BrokenInvariant);
+  EXPECT_THROW(CheckInventory(run, Changed(kList, "Dev#=  2", "Dev#=  3")), BrokenInvariant);
+  EXPECT_THROW(CheckInventory(run, kList + "Q\n"), BrokenInvariant);
+}
+
+TEST(Utf8Model, ReplacesTheLongestPiecesOfBrokenCharacters) {
+  const std::string bad = "\xEF\xBF\xBD";
+  EXPECT_EQ(ReplaceBrokenUtf8("\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80"),
+            "\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80");
+  EXPECT_EQ(ReplaceBrokenUtf8("a\xF0\x9F\x98z"), "a" + bad + "z");
+  EXPECT_EQ(ReplaceBrokenUtf8("\xED\xA0\x80"), bad + bad + bad);
+  EXPECT_EQ(ReplaceBrokenUtf8("\xC0\x80\xF5\xE0\x9F"), bad + bad + bad + bad + bad);
+  EXPECT_EQ(ReplaceBrokenUtf8("\xF4\x90\xE2\x82"), bad + bad + bad);
+  std::vector<std::uint32_t> characters;
+  const auto take = [&characters](std::uint32_t character) { characters.push_back(character); };
+  ForEachCharacter("z\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80", take);
+  EXPECT_THAT(characters, testing::ElementsAre(0x7A, 0xE4, 0x20AC, 0x1F600));
+  EXPECT_THROW(ForEachCharacter("\xC3", take), BrokenInvariant);
+}
+
+TEST(XmlModel, ReplacesWhatXmlCannotHold) {
+  EXPECT_EQ(AsXmlHoldsIt("a\t\r\x1B\x7F\xEF\xBF\xBEz"), "a\t\r\xEF\xBF\xBD\x7F\xEF\xBF\xBDz");
+}
+
+}  // namespace
+}  // namespace usbinfo_test
