@@ -2,6 +2,8 @@
 // in the order of the calls, and what the associations between them must look like.
 #pragma once
 
+#include <boost/make_shared.hpp>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -9,9 +11,39 @@
 #include "tests/inventory/HostFailure.h"
 #include "tests/inventory/LogLines.h"
 #include "tests/inventory/PropertyView.h"
+#include "tests/support/HostMocks.h"
 #include "tests/support/HostTest.h"
 
 namespace usbinfo_test {
+
+/// A class that hands out only its first instance when it is enumerated, and the others later through the
+/// callback that it kept, as a host may.
+class LateClass : public NKESTA20::ICIMClass {
+ public:
+  explicit LateClass(const boost::shared_ptr<standin::CimClass>& cls) : fClass(cls) {}
+
+  const std::string& GetClassName(NKESTA20::PropertyMap) override { return fClass->Name(); }
+  boost::shared_ptr<NKESTA20::ICIMNamespace> GetNamespace(NKESTA20::PropertyMap context) override {
+    return fClass->GetNamespace(context);
+  }
+  boost::shared_ptr<NKESTA20::ICIMInstance> CreateInstance(NKESTA20::PropertyMap context) override {
+    return fClass->CreateInstance(context);
+  }
+  void EnumerateInstances(InstanceCallback callback, int, NKESTA20::PropertyMap) override {
+    fCallback = callback;
+    fCallback(fClass->Instances().front());
+  }
+
+  void HandOutTheRest() {
+    for (std::size_t index = 1; index < fClass->Instances().size(); ++index) {
+      fCallback(fClass->Instances()[index]);
+    }
+  }
+
+ private:
+  boost::shared_ptr<standin::CimClass> fClass;
+  InstanceCallback fCallback;
+};
 
 class AssociationTest : public HostTest {
  protected:
@@ -54,7 +86,32 @@ class AssociationTest : public HostTest {
             Debug("Setting property : Antecedent"), Debug("Setting property : Dependent")};
   }
 
+  /// A provider whose class leads to a namespace with these two classes, the first of which is late.
+  template <typename Provider>
+  std::unique_ptr<Provider> MakeProvider(const boost::shared_ptr<LateClass>& late,
+                                         const boost::shared_ptr<standin::CimClass>& other) {
+    const auto ns = boost::make_shared<testing::NiceMock<MockNamespace>>();
+    ON_CALL(*ns, GetClass(late->GetClassName(PropertyMap()), testing::_))
+        .WillByDefault(testing::Return(late));
+    ON_CALL(*ns, GetClass(other->Name(), testing::_)).WillByDefault(testing::Return(other));
+    fAssociation = boost::make_shared<testing::NiceMock<MockClass>>();
+    ON_CALL(*fAssociation, GetNamespace).WillByDefault(testing::Return(ns));
+    return std::make_unique<Provider>(fAssociation, &handle);
+  }
+
+  /// Has `late` hand out the rest when a property of this name is read for the `turn`-th time.
+  static void HandOutTheRestAt(const std::string& property, int turn,
+                               const boost::shared_ptr<LateClass>& late) {
+    standin::HostSeam::SetObserver([=, seen = 0](const standin::HostCall& call) mutable {
+      if (call.operation != standin::HostOperation::kGetPropertyText || call.subject != property) return;
+      if (++seen == turn) late->HandOutTheRest();
+    });
+  }
+
   NKESTA20::TPluginManagerProvider handle;
+
+ private:
+  boost::shared_ptr<testing::NiceMock<MockClass>> fAssociation;
 };
 
 }  // namespace usbinfo_test

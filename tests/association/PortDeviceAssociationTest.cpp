@@ -191,6 +191,32 @@ TEST_F(PortDeviceAssociation, ReadsInOrderAndStopsAtTheFirstMatch) {
                                       "KALDO_USBPort", "KALDO_USBHub", "StatusDescriptions"}));
 }
 
+TEST_F(PortDeviceAssociation, SeesAPortThatComesWhileThePortsAreWalked) {
+  CommitPort("0", 1, "A", "0");
+  const std::string port = CommitPort("1", 1, "A", "1");
+  const std::string device = CommitDevice("device", 1, "A", "1");
+  const auto ports = boost::make_shared<LateClass>(ClassNamed("KALDO_USBPort"));
+  const auto late = MakeProvider<TUsbPortDeviceAsso>(ports, ClassNamed("KALDO_USBDevice"));
+  HandOutTheRestAt("HubName", 2, ports);
+  EXPECT_EQ(DescribeAll(late->MakePortAssociation("KALDO_USBDevice")), Links{Link(port, device)});
+}
+
+TEST_F(PortDeviceAssociation, SeesADeviceThatComesWhileTheDevicesAreWalked) {
+  const std::string port = CommitPort("port", 1, "A", "0");
+  const std::string first = CommitDevice("1", 1, "A", "0");
+  const std::string second = CommitDevice("2", 1, "A", "0");
+  const auto devices = boost::make_shared<LateClass>(ClassNamed("KALDO_USBDevice"));
+  const auto late = MakeProvider<TUsbPortDeviceAsso>(devices, ClassNamed("KALDO_USBPort"));
+  HandOutTheRestAt("HubName", 1, devices);
+  EXPECT_EQ(DescribeAll(late->MakePortAssociation("KALDO_USBDevice")),
+            (Links{Link(port, first), Link(port, second)}));
+}
+
+TEST_F(PortDeviceAssociation, TakesTheDepthOfAllButHubsUnchanged) {
+  const std::string port = CommitPort("port", 1, "A", "0");
+  EXPECT_EQ(MakeLinks("KALDO_USBPort"), Links{Link(port, port)});
+}
+
 TEST_F(PortDeviceAssociation, KeepsNothingBetweenCalls) {
   const std::string port = CommitPort("port", 1, "A", "0");
   const std::string device = CommitDevice("device", 1, "A", "0");

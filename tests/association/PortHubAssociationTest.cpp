@@ -342,6 +342,26 @@ TEST_F(PortHubAssociation, LetsErrorsOfOtherTypesLeaveTheMakingOfInstances) {
   EXPECT_EQ(log.back(), MakingOf(kAssociation).front());
 }
 
+TEST_F(PortHubAssociation, SeesAHubThatComesWhileTheHubsAreWalked) {
+  CommitHub("1", "B", 1);
+  const std::string hub = CommitHub("2", "A", 1);
+  const std::string port = CommitPort("port", "A", 1);
+  const auto hubs = boost::make_shared<LateClass>(ClassNamed("KALDO_USBHub"));
+  const auto late = MakeProvider<TUsbPortHubAsso>(hubs, ClassNamed("KALDO_USBPort"));
+  HandOutTheRestAt("Name", 1, hubs);
+  EXPECT_EQ(DescribeAll(late->MakePortHubAssociation()), Links{Link(hub, port)});
+}
+
+TEST_F(PortHubAssociation, SeesAPortThatComesWhileThePortsAreWalked) {
+  const std::string hub = CommitHub("hub", "A", 1);
+  const std::string first = CommitPort("1", "A", 1);
+  const std::string second = CommitPort("2", "A", 1);
+  const auto ports = boost::make_shared<LateClass>(ClassNamed("KALDO_USBPort"));
+  const auto late = MakeProvider<TUsbPortHubAsso>(ports, ClassNamed("KALDO_USBHub"));
+  HandOutTheRestAt("HubName", 1, ports);
+  EXPECT_EQ(DescribeAll(late->MakePortHubAssociation()), (Links{Link(hub, first), Link(hub, second)}));
+}
+
 TEST_F(PortHubAssociation, KeepsNothingBetweenCalls) {
   const std::string hub = CommitHub("hub", "A", 1);
   const std::string port1 = CommitPort("1", "A", 1);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/CimXmlFormat.h"
+#include "cli/XmlWriter.h"
 #include "tests/cli/CliTest.h"
 #include "tests/cli/XmlDocument.h"
 
@@ -246,6 +247,32 @@ TEST_F(CimXmlFormatTest, ReplacesWhatXmlForbidsAndKeepsTheRest) {
   const std::string fit =
       "<&>\"']]>\t\n\r|" + bad + bad + bad + bad + "|\x7F\xC2\x9B|" + bad + "|" + bad + bad + "|\xC3\xA9";
   EXPECT_THAT(Parse().Select("//PROPERTY[@NAME='Description']/VALUE"), ElementsAre(fit));
+}
+
+TEST_F(CimXmlFormatTest, WritesControlCharactersAsReferences) {
+  AddDevice("device", "\x7F\xC2\x80\xC2\x9F\xC2\xA0", 1);
+  EXPECT_THAT(Render(), HasSubstr("<VALUE>&#x7F;&#x80;&#x9F;\xC2\xA0</VALUE>"));
+}
+
+TEST_F(CimXmlFormatTest, IndentsWhatIsNested) {
+  EXPECT_EQ(Render(),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+            "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\">\n"
+            " <DECLARATION>\n"
+            "  <DECLGROUP.WITHNAME>\n"
+            "   <LOCALNAMESPACEPATH>\n"
+            "    <NAMESPACE NAME=\"root\"></NAMESPACE>\n"
+            "    <NAMESPACE NAME=\"cimv2\"></NAMESPACE>\n"
+            "   </LOCALNAMESPACEPATH>\n"
+            "  </DECLGROUP.WITHNAME>\n"
+            " </DECLARATION>\n"
+            "</CIM>\n");
+}
+
+TEST(XmlWriter, MakesAnyTextFitForAnAttribute) {
+  cli::XmlWriter xml;
+  xml.Element("A", [&xml] { xml.Attribute("B", "a\xFF<\x01\"\xC3\xA9"); });
+  EXPECT_THAT(XmlDocument(xml.Finish()).Select("/A/@B"), ElementsAre("a\xEF\xBF\xBD<\xEF\xBF\xBD\"\xC3\xA9"));
 }
 
 }  // namespace

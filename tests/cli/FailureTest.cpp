@@ -102,6 +102,25 @@ TEST_P(FailureTest, LeavesNothingBehind) {
 INSTANTIATE_TEST_SUITE_P(Failures, FailureTest, testing::ValuesIn(kFailures),
                          [](const auto& row) { return std::string(row.param.name); });
 
+/// What the command says when the plug-in throws what `request` names.
+std::string ErrorsOfThrowingPlugin(const std::string& request) {
+  const CommandResult result = RunUsbinfo({"--plugin", THROWING_MODULE, "--request", request});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "");
+  return result.errors;
+}
+
+TEST(FailingPlugin, IsNamedWithWhatItThrows) {
+  EXPECT_EQ(ErrorsOfThrowingPlugin("exception"),
+            "usbinfo: the plug-in " THROWING_MODULE " failed: no luck; name another with --plugin FILE\n");
+  EXPECT_EQ(ErrorsOfThrowingPlugin("number"),
+            "usbinfo: the plug-in " THROWING_MODULE " failed; name another with --plugin FILE\n");
+}
+
+TEST(FailingPlugin, IsNotBlamedForALackOfMemory) {
+  EXPECT_EQ(ErrorsOfThrowingPlugin("lack of memory"), "usbinfo: out of memory\n");
+}
+
 CommandResult RunInto(const std::function<void(Command&)>& place, std::vector<std::string> arguments) {
   Command command(std::move(arguments));
   place(command);
@@ -152,6 +171,16 @@ TEST(FailedOutput, NeverGoesIntoTheLogInsteadOfAClosedStandardOutput) {
   EXPECT_EQ(ReadFile(folder.File("log")), "");
 }
 
+TEST(FailedOutput, NeverPutsAMessageIntoTheLogInsteadOfAClosedStandardError) {
+  const TemporaryFolder folder;
+  const CommandResult result =
+      Command({"--devices", "/dev/null", "--log", folder.File("log"), "--log-level", "error"})
+          .CloseErrors()
+          .Run();
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(ReadFile(folder.File("log")), "");
+}
+
 TEST(FailedOutput, IsToldForALogThatLostLines) {
   const TemporaryFolder folder;
   const std::string log = folder.File("log");
@@ -161,6 +190,7 @@ TEST(FailedOutput, IsToldForALogThatLostLines) {
     result = RunUsbinfo({"--devices", Capture(), "--log", log, "--log-level", "verbose"});
   }
   EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, RunUsbinfo({"--devices", Capture()}).output);
   EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot write the log " + log + ": File too large; "));
   EXPECT_EQ(Lines(result.errors).size(), 1U) << result.errors;
 }

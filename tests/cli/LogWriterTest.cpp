@@ -1,11 +1,14 @@
 // The log's lines: which severities pass, how they are spelled, and that a file holds every one or the user
 // is told.
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "cli/LogWriter.h"
+#include "standin/FileDescriptor.h"
 #include "tests/cli/CliTest.h"
 
 using cli::LogFormat;
@@ -111,6 +114,36 @@ TEST(LogWriter, TellsOfLostLinesAtTheEndOnly) {
   EXPECT_NO_THROW(log.Write(Severity(0), "short"));
   EXPECT_THAT(UserErrorOf([&log] { log.Finish(); }),
               testing::StartsWith("cannot write the log " + path + ": File too large; "));
+}
+
+/// Standard error is the file at `path`, until the object goes.
+class StandardErrorTo {
+ public:
+  explicit StandardErrorTo(const std::string& path) : fBefore(::dup(STDERR_FILENO)) {
+    const standin::FileDescriptor file = standin::OpenFile(path, O_WRONLY | O_CREAT);
+    ::dup2(file.Get(), STDERR_FILENO);
+  }
+  StandardErrorTo(const StandardErrorTo&) = delete;
+  StandardErrorTo& operator=(const StandardErrorTo&) = delete;
+  ~StandardErrorTo() { ::dup2(fBefore.Get(), STDERR_FILENO); }
+
+ private:
+  standin::FileDescriptor fBefore;
+};
+
+TEST(LogWriter, WritesALineToStandardErrorAtOnce) {
+  const TemporaryFolder folder;
+  const StandardErrorTo file(folder.File("errors"));
+  LogWriter log("", Severity(4), LogFormat::kText);
+  log.Write(Severity(0), "first");
+  EXPECT_EQ(ReadFile(folder.File("errors")), "error: first\n");
+}
+
+TEST(LogWriter, TellsNothingOfLinesThatStandardErrorLost) {
+  const StandardErrorTo full("/dev/full");
+  LogWriter log("", Severity(4), LogFormat::kText);
+  log.Write(Severity(0), "lost");
+  EXPECT_EQ(UserErrorOf([&log] { log.Finish(); }), "");
 }
 
 TEST(LogWriter, IsContentWithALogThatWasWritten) {

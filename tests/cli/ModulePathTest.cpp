@@ -50,6 +50,15 @@ TEST_F(ModulePathTest, FindsTheModuleOfAnInstallation) {
   EXPECT_EQ(result.errors, "");
 }
 
+TEST_F(ModulePathTest, TakesTheModuleBesideTheCommandWhereAnInstallationHasOneToo) {
+  fs::copy_file(MODULE_PATH, Folder() / "usbinfo-plugin.so");
+  fs::create_directories(Installed());
+  fs::copy_file(STANDIN_PATH, Installed() / "usbinfo-plugin.so");
+  const CommandResult result = RunCopy();
+  EXPECT_EQ(result.output, Expected("vm-desktop-debugfs.json"));
+  EXPECT_EQ(result.errors, "");
+}
+
 TEST_F(ModulePathTest, FindsTheModuleForACommandCalledThroughALink) {
   fs::copy_file(MODULE_PATH, Folder() / "usbinfo-plugin.so");
   fs::create_symlink(Folder() / "usbinfo", fFolder.Path() / "link");

@@ -68,7 +68,7 @@ TEST(WriteFile, LeavesTheOldTextToThoseWhoAreReadingIt) {
 TEST(WriteFile, KeepsTheModeOfTheFileThatItReplaces) {
   const TemporaryFolder folder;
   const std::string path = folder.File("out", "old");
-  for (const mode_t mode : {0600U, 0444U, 0755U, 0666U}) {
+  for (const mode_t mode : {0600U, 0444U, 0755U, 0666U, 02640U}) {
     ASSERT_EQ(::chmod(path.c_str(), mode), 0);
     WriteFile(path, "new");
     EXPECT_EQ(ModeOf(path), mode);
@@ -116,6 +116,26 @@ TEST(WriteFile, AppendsToWhatIsOpenAlready) {
   WriteFile("/proc/self/fd/" + std::to_string(log.Get()), "second\n");
   EXPECT_EQ(ReadFile(folder.File("log")), "first\nsecond\n");
   EXPECT_THAT(folder.Names(), ElementsAre("log"));
+}
+
+TEST(WriteFile, AppendsToWhatAnotherProcessCallsOpen) {
+  const TemporaryFolder folder;
+  const standin::FileDescriptor log(
+      ::open(folder.File("log", "first\n").c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+  WriteFile("/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(log.Get()), "second\n");
+  EXPECT_EQ(ReadFile(folder.File("log")), "first\nsecond\n");
+  EXPECT_THAT(folder.Names(), ElementsAre("log"));
+}
+
+TEST(WriteFile, WritesIntoNoFileThatIsThereInPlaceOfItsOwn) {
+  const TemporaryFolder folder;
+  const std::string victim = folder.File("victim", "old");
+  const std::string own = ".usbinfo-" + std::to_string(::getpid()) + ".new";
+  fs::create_symlink("victim", folder.File(own));
+  EXPECT_EQ(ErrorOfWriting(folder.File("out")),
+            "cannot write " + folder.File("out") + ": File exists; name a writable file with --output");
+  EXPECT_EQ(ReadFile(victim), "old");
+  EXPECT_THAT(folder.Names(), ElementsAre(own, "victim"));
 }
 
 TEST(WriteFile, MakesAFileOfTheLongestName) {

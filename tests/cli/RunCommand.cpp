@@ -199,6 +199,11 @@ Command& Command::CloseOutput() {
   return *this;
 }
 
+Command& Command::CloseErrors() {
+  fHasErrors = false;
+  return *this;
+}
+
 Command& Command::OutputToTerminal(unsigned short columns) {
   fTarget = Target::kTerminal;
   fColumns = columns;
@@ -231,7 +236,8 @@ CommandResult Command::Run() const {
   std::vector<std::string> words = fArguments;
   words.insert(words.begin(), fProgram);
   const int outputNumber = fTarget == Target::kCapture ? captured.Get() : output.Get();
-  const pid_t pid = Spawn(words, EnvironmentList(), {input.Get(), outputNumber, errors.Get()});
+  const pid_t pid =
+      Spawn(words, EnvironmentList(), {input.Get(), outputNumber, fHasErrors ? errors.Get() : -1});
   output.Close();
   std::string text;
   if (fTarget == Target::kTerminal) text = ReadTerminal(terminal.master);

@@ -33,6 +33,8 @@ class Command {
   /// Standard output is a pipe that nobody reads any more.
   Command& OutputToClosedPipe();
   Command& CloseOutput();
+  /// Standard error is closed; else it is captured.
+  Command& CloseErrors();
   /// Standard output is a terminal of that many columns, captured as it is written.
   Command& OutputToTerminal(unsigned short columns);
 
@@ -52,6 +54,7 @@ class Command {
   Target fTarget = Target::kCapture;
   std::string fOutputPath;
   unsigned short fColumns = 0;
+  bool fHasErrors = true;
 };
 
 /// The command with these arguments and nothing special around it.

@@ -185,6 +185,24 @@ TEST_F(TreeFormatTest, NamesTheSpeedClassOfADevice) {
             "Bus 01, device 4 d      0000:0000  5+ Gbit/s\n");
 }
 
+TEST_F(TreeFormatTest, TellsTheSpeedOfAPortInWholeUnits) {
+  AddPort("Bus 01  Device   1 Port 00", 1000000, kFree);
+  AddPort("Bus 01  Device   1 Port 01", 2500000000, kFree);
+  AddPort("Bus 01  Device   1 Port 02", 20000000000, kFree);
+  EXPECT_EQ(Rows(),
+            "Bus 01, hub 1, port 00 free         1 Mbit/s\n"
+            "Bus 01, hub 1, port 01 free      2500 Mbit/s\n"
+            "Bus 01, hub 1, port 02 free        20 Gbit/s\n");
+}
+
+TEST_F(TreeFormatTest, TakesTheBusFromBeforeTheFirstDevice) {
+  AddController("Bus 01 Device 7  Device   1", "c");
+  AddDevice("Bus 02 Device 7  Device   2", "d", 3);
+  EXPECT_EQ(Rows(),
+            "Bus 01           c\n"
+            "Bus 02, device 2 d      0000:0000 480 Mbit/s\n");
+}
+
 TEST_F(TreeFormatTest, PrintsVendorAndProductAsTheUsualToolsDo) {
   CommitEntity("KALDO_USBDevice", "Bus 01  Device   2",
                {{"Description", TCIMValue("a device")},

@@ -145,6 +145,17 @@ TEST_F(DeviceProperties, ParentNumberIsReadAsADecimalNumber) {
   EXPECT_EQ(HubNameBelow("x"), "Bus 01  Device   0");
 }
 
+TEST_F(DeviceProperties, NumbersBeyondSixteenBitsBecomeTheGreatest) {
+  const Properties entry = DeviceEntry({With(kDeviceLine, "Lev=02", "Lev=65538"),
+                                        With(kDescriptorLine, "Ver= 1.10", "Ver= 655.37"),
+                                        "P:  Vendor=10001 ProdID=12345 Rev= 2.06"});
+  EXPECT_EQ(entry.at("HubDepth"), Uint16(65534));
+  EXPECT_EQ(entry.at("USBVersion"), Uint16(65535));
+  EXPECT_EQ(entry.at("VendorID"), Uint16(65535));
+  EXPECT_EQ(entry.at("USBDeviceID"), Uint16(65535));
+  EXPECT_EQ(HubNameBelow("65537"), "Bus 01  Device 65535");
+}
+
 TEST_F(DeviceProperties, PortNumberTakesTheOwnPortTextAsItStands) {
   for (const char* port : {"2", "002", " 2", "", "x"}) {
     const Properties entry = DeviceEntry({With(kDeviceLine, "Port=01", "Port=" + std::string(port))});
@@ -248,8 +259,8 @@ TEST_F(DeviceProperties, DescriptionIsStoredEvenWhenEmpty) {
 }
 
 TEST_F(DeviceProperties, NumberOfPortsIsTheLowEightBitsOfTheCount) {
-  const std::vector<std::pair<std::string, unsigned int>> counts = {{" 0", 0},   {" 7", 7},    {" 255", 255},
-                                                                    {" 256", 0}, {" 300", 44}, {"", 0}};
+  const std::vector<std::pair<std::string, unsigned int>> counts = {
+      {" 0", 0}, {" 7", 7}, {" 255", 255}, {" 256", 0}, {" 300", 44}, {" 65792", 255}, {"", 0}};
   for (const auto& [text, number] : counts) {
     const Properties entry = HubEntry({With(kHubLine, "MxCh= 2", "MxCh=" + text)});
     EXPECT_EQ(entry.at("NumberOfPorts"), Uint8(number)) << text;

@@ -142,6 +142,8 @@ TEST_F(PortProperties, SpeedIsAbsentWhenItConvertsToZero) {
 TEST_F(PortProperties, DepthIsTheHubsLevel) {
   FillPorts(With(kRootHubLine, "Lev=00", "Lev=06"));
   EXPECT_EQ(TextsOf(Inventory::fUsbPortData, "HubDepth"), std::vector<std::string>(4, "6"));
+  FillPorts(With(kRootHubLine, "Lev=00", "Lev=65538"));
+  EXPECT_EQ(TextsOf(Inventory::fUsbPortData, "HubDepth").back(), "65535");
 }
 
 TEST_F(PortProperties, DepthOfARootHubsPortsIsStoredAsZero) {

@@ -1,4 +1,6 @@
 // Loading the module: it has no entry function, so all that a host sees is the plug-in that registers itself.
+#include <dlfcn.h>
+
 #include "tests/module/ModuleTest.h"
 
 using NKESTA20::IPluginCallbacks;
@@ -91,6 +93,11 @@ TEST_F(Load, TheExportedIntegerIsZeroAndStaysSo) {
   EXPECT_EQ(*started, 0);
   module.Collect(kAllClasses);
   EXPECT_EQ(*started, 0);
+}
+
+TEST_F(Load, OffersItsSymbolsToNoOtherModule) {
+  const standin::PluginModule module(MODULE_PATH);
+  EXPECT_EQ(::dlsym(RTLD_DEFAULT, "_ZN8NKESTA208gStartedE"), nullptr);
 }
 
 }  // namespace

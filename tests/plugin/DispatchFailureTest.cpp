@@ -186,6 +186,16 @@ TEST_F(DispatchFailure, ANullClassIsAnExceptionAfterTheClassesBeforeIt) {
   EXPECT_THAT(DispatchLog(), ElementsAre(Received("KALDO_USBPortOnHub"), kNoInstances));
 }
 
+TEST(AssertionHandler, TellsWhatFailedAndWhere) {
+  try {
+    boost::assertion_failed("pointer != 0", "Operate()", "File.h", 7);
+  } catch (const std::logic_error& error) {
+    EXPECT_STREQ(error.what(), "assertion failed: pointer != 0 in Operate()");
+    return;
+  }
+  FAIL() << "no std::logic_error";
+}
+
 TEST_F(DispatchFailure, ANullInstanceFromTheHostEndsInTheUnknownExceptionLine) {
   GiveDeviceList(kRootHubWithMouse);
   const auto cls = MakeClass("KALDO_USBController");

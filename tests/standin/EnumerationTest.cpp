@@ -3,14 +3,17 @@
 #include <gmock/gmock.h>
 
 #include <boost/shared_ptr.hpp>
+#include <new>
 #include <string>
 #include <vector>
 
 #include "host/ICIMClass.h"
 #include "host/ICIMInstance.h"
 #include "host/TAddToVectorCallback.h"
+#include "standin/Host.h"
 #include "standin/PluginManager.h"
 #include "tests/standin/StandinTest.h"
+#include "tests/support/Allocations.h"
 #include "tests/support/HostTest.h"
 
 namespace {
@@ -174,6 +177,29 @@ TEST_F(EnumerationTest, KeepsKeysApartThatImitateOneAnother) {
   EXPECT_THAT(All(), ElementsAre(first, second));
 }
 
+/// Commits a hub to an empty class while the allocation of that number fails, then again if it failed. True
+/// if it failed.
+bool CommitsInTheEndAfterFailureAt(std::size_t number) {
+  standin::Host::Instance().Reset();
+  const InstancePtr hub = MakeEntity("KALDO_USBHub", "hub");
+  try {
+    const usbinfo_test::Allocations::Failure failure(number, [] {});
+    hub->Commit({});
+    return false;
+  } catch (const std::bad_alloc&) {
+    EXPECT_THAT(DeviceIds("KALDO_USBHub"), IsEmpty()) << number;
+  }
+  hub->Commit({});
+  EXPECT_THAT(DeviceIds("KALDO_USBHub"), ElementsAre("hub")) << number;
+  return true;
+}
+
+TEST_F(EnumerationTest, ForgetsACommitThatLackedMemory) {
+  std::size_t failures = 0;
+  while (CommitsInTheEndAfterFailureAt(failures)) ++failures;
+  EXPECT_GT(failures, 0U);
+}
+
 TEST_F(EnumerationTest, CollectingCallbackAppendsAndGoesOn) {
   std::vector<InstancePtr> list = {MakeEntity("KALDO_USBHub", "before")};
   NKESTA20::TAddToVectorCallback<ICIMInstance> collect(list);
@@ -181,9 +207,11 @@ TEST_F(EnumerationTest, CollectingCallbackAppendsAndGoesOn) {
   EXPECT_TRUE(collect(item));
   auto copy = collect;
   EXPECT_TRUE(copy(item));
-  ASSERT_EQ(list.size(), 3U);
+  EXPECT_TRUE(collect(nullptr));
+  ASSERT_EQ(list.size(), 4U);
   EXPECT_EQ(list[1], item);
   EXPECT_EQ(list[2], item);
+  EXPECT_EQ(list[3], nullptr);
 }
 
 }  // namespace

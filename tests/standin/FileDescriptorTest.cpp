@@ -127,6 +127,11 @@ TEST_F(FileDescriptorTest, ClosesOnlyOnce) {
   EXPECT_TRUE(IsOpenInProcess(fd));
 }
 
+TEST_F(FileDescriptorTest, OpensFilesThatNoCommandInherits) {
+  const FileDescriptor file = standin::OpenFile("/dev/null", O_RDONLY);
+  EXPECT_EQ(::fcntl(file.Get(), F_GETFD), FD_CLOEXEC);
+}
+
 TEST_F(FileDescriptorTest, CarriesWholeContentsThroughAPipe) {
   const std::string text = NumberedLines(100000) + std::string("\0\xFF", 2);
   Pipe pipe = MakePipe();

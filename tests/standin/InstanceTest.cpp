@@ -147,6 +147,11 @@ TEST_F(InstanceTest, KeepsItsKeysOnceItIsCommitted) {
   });
 }
 
+TEST_F(InstanceTest, TellsAWrongTypeAheadOfAKeyThatStays) {
+  const InstancePtr hub = CommitEntity("KALDO_USBHub", "hub");
+  EXPECT_EQ(StatusOf([&] { hub->SetProperty("DeviceID", TCIMValue(1UL), {}); }), "CIM_ERR_TYPE_MISMATCH");
+}
+
 TEST_F(InstanceTest, IsNotCommittedByBeingMade) {
   MakeEntity("KALDO_USBHub", "made");
   EXPECT_TRUE(DeviceIds("KALDO_USBHub").empty());

@@ -1,5 +1,6 @@
 // The machine's commands: what of their output comes back, what they find when they start, and the time
 // limit.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
@@ -7,6 +8,7 @@
 #include <chrono>
 #include <string>
 
+#include "standin/FileDescriptor.h"
 #include "standin/Machine.h"
 #include "tests/standin/Processes.h"
 #include "tests/standin/StandinTest.h"
@@ -56,6 +58,15 @@ TEST_F(MachineProcessTest, ReturnsNothingForAMissingCommand) {
 TEST_F(MachineProcessTest, GivesTheCommandNothingToReadAndDropsItsErrors) {
   EXPECT_EQ(Run("wc -c"), "0\n");
   EXPECT_EQ(Run("readlink /proc/self/fd/0; readlink /proc/self/fd/2"), "/dev/null\n/dev/null\n");
+}
+
+TEST_F(MachineProcessTest, KeepsItsOwnInputToItself) {
+  const int exitCode = ExitOfChild([this] {
+    const standin::FileDescriptor input = standin::OpenFile("/proc/filesystems", O_RDONLY);
+    ::dup2(input.Get(), STDIN_FILENO);
+    return Run("cat; echo end") == "end\n" ? 0 : 1;
+  });
+  EXPECT_EQ(exitCode, 0);
 }
 
 TEST_F(MachineProcessTest, GivesTheCommandAGroupOfItsOwn) {

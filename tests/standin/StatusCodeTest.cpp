@@ -112,4 +112,10 @@ TEST_F(StatusCodeTest, ExceptionHasNoTextWhenTheTranslationFails) {
   EXPECT_STREQ(error.what(), "");
 }
 
+TEST_F(StatusCodeTest, ExceptionHasNoTextWhateverTheTranslationThrows) {
+  const TQSVException error(TQSVStatusCode(5));
+  HostSeam::SetObserver([](const HostCall&) { throw 7; });
+  EXPECT_STREQ(error.what(), "");
+}
+
 }  // namespace

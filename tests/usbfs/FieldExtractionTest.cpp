@@ -60,6 +60,10 @@ TYPED_TEST(FieldExtraction, KeepsBlanksAndCarriageReturnsAtTheEndOfTheLine) {
   EXPECT_EQ(this->Cut("S:  Product= Hub \t\r", "product=", "\n"), " Hub \t\r");
 }
 
+TYPED_TEST(FieldExtraction, NewlineWithinTheLineIsPartOfTheValue) {
+  EXPECT_EQ(this->Cut("S:  Product=one\ntwo", "product=", "\n"), "one\ntwo");
+}
+
 TYPED_TEST(FieldExtraction, MissingKeyGivesTheEmptyTextWhateverTheTerminator) {
   EXPECT_EQ(this->Cut("S:  Product=Hub", "serialnumber=", "\n"), "");
   EXPECT_EQ(this->Cut("S:  Product=Hub", "serialnumber=", "hub"), "");
@@ -92,6 +96,10 @@ TYPED_TEST(FieldExtraction, FirstOccurrenceOfTheTerminatorWins) {
 
 TYPED_TEST(FieldExtraction, TheTerminatorNeedNotStandNextToTheKey) {
   EXPECT_EQ(this->Cut("Prot=01 x Prot=02 Driver=hub", "prot=", "driver"), "01 x Prot=02 ");
+}
+
+TYPED_TEST(FieldExtraction, TerminatorWithinTheKeyGivesTheRestOfTheLine) {
+  EXPECT_EQ(this->Cut("Sub=01 Sub=02", "sub=", "s"), "01 Sub=02");
 }
 
 TYPED_TEST(FieldExtraction, KeyIsFoundAnywhereInTheLine) {
