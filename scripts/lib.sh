@@ -59,11 +59,12 @@ install_packages() {
     apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" >&2
 }
 
-# build PRESET [TARGET...]: configures once and builds.
+# build PRESET [TARGET...]: configures once, with the options in CONFIGURE_OPTIONS if there are any, and builds.
 build() {
-  local preset=$1
+  local preset=$1 options
   shift
-  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >&2
+  read -ra options <<< "${CONFIGURE_OPTIONS:-}"
+  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" "${options[@]}" >&2
   if [ $# -gt 0 ]; then
     cmake --build --preset "$preset" --target "$@" >&2
   else
