@@ -39,7 +39,8 @@ std::vector<std::set<std::string>> VirtualTable(const std::string& path, const s
 /// The priorities of the initializers in an object file that ask for one.
 std::vector<int> InitializerPriorities(const std::string& objectPath);
 
-/// The names of the functions that run when the module is loaded, in the order in which they run.
+/// The names of the functions that run when the module is loaded, in the order in which they run; not the
+/// one that the sanitizers put there.
 std::vector<std::string> InitializersInOrder(const std::string& path);
 
 }  // namespace usbinfo_test
