@@ -114,7 +114,7 @@ void WriteGroup(XmlWriter& xml, const Inventory& inventory) {
 
 }  // namespace
 
-std::string RenderCimXml(const Inventory& inventory, const OutputPlace&) {
+std::string RenderCimXml(const Inventory& inventory, const RenderOptions&) {
   XmlWriter xml;
   xml.Element("CIM", [&] {
     xml.Attribute("CIMVERSION", "2.0");

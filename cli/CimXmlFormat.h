@@ -9,6 +9,6 @@
 namespace cli {
 
 /// One CIM document with every instance as a VALUE.NAMEDOBJECT of the namespace.
-std::string RenderCimXml(const Inventory& inventory, const OutputPlace& place);
+std::string RenderCimXml(const Inventory& inventory, const RenderOptions& options);
 
 }  // namespace cli

@@ -1,46 +1,24 @@
 // The JSON export; see the header.
 #include "cli/JsonFormat.h"
 
-#include <nlohmann/json.hpp>
-
+#include "cli/JsonValues.h"
 #include "standin/Host.h"
-#include "standin/ValueView.h"
 
 using nlohmann::ordered_json;
-using Type = NKESTA20::TCIMValue::TCIMType;
 
 namespace cli {
 
 namespace {
 
-ordered_json ToJson(const NKESTA20::TCIMValue& value) {
-  switch (standin::TypeOf(value)) {
-    case Type::kUint8:
-    case Type::kUint16:
-    case Type::kUint64:
-      return standin::NumberOf(value);
-    case Type::kStringArray:
-      return standin::StringsOf(value);
-    default:
-      return standin::TextOf(value);
-  }
-}
-
-ordered_json ToJson(const InstanceView& instance) {
-  ordered_json properties = ordered_json::object();
-  for (const auto& [name, property] : instance.Properties()) properties[name] = ToJson(property->Value());
-  return properties;
-}
-
 ordered_json ToJson(const std::vector<InstanceView>& instances) {
   ordered_json list = ordered_json::array();
-  for (const InstanceView& instance : instances) list.push_back(ToJson(instance));
+  for (const InstanceView& instance : instances) list.push_back(PropertiesAsJson(instance));
   return list;
 }
 
 }  // namespace
 
-std::string RenderJson(const Inventory& inventory, const OutputPlace&) {
+std::string RenderJson(const Inventory& inventory, const RenderOptions&) {
   constexpr int kIndent = 2;
   ordered_json document;
   document["schema"] = "usbinfo.inventory/1";

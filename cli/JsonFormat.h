@@ -10,6 +10,6 @@ namespace cli {
 
 /// ASCII only, so that no string of a device reaches a terminal as it is. Bytes that are no UTF-8 become
 /// U+FFFD, references their object path text.
-std::string RenderJson(const Inventory& inventory, const OutputPlace& place);
+std::string RenderJson(const Inventory& inventory, const RenderOptions& options);
 
 }  // namespace cli

@@ -108,4 +108,12 @@ void WriteFile(const std::string& path, const std::string& text) {
   }
 }
 
+void WriteOutput(const std::string& path, const std::string& text) {
+  if (path.empty()) {
+    WriteStandardOutput(text);
+  } else {
+    WriteFile(path, text);
+  }
+}
+
 }  // namespace cli

@@ -14,4 +14,7 @@ void WriteStandardOutput(const std::string& text);
 /// written.
 void WriteFile(const std::string& path, const std::string& text);
 
+/// To the file at `path`, or to standard output when `path` is empty.
+void WriteOutput(const std::string& path, const std::string& text);
+
 }  // namespace cli

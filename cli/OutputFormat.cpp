@@ -5,15 +5,16 @@
 
 #include "cli/CimXmlFormat.h"
 #include "cli/JsonFormat.h"
+#include "cli/JsonLinesFormat.h"
+#include "cli/MofFormat.h"
 #include "cli/TreeFormat.h"
 
 namespace cli {
 
 const std::vector<OutputFormat>& OutputFormats() {
   static const std::vector<OutputFormat> formats = {
-      {"tree", false, RenderTree},
-      {"json", true, RenderJson},
-      {"cimxml", true, RenderCimXml},
+      {"tree", false, RenderTree},    {"json", true, RenderJson}, {"jsonl", true, RenderJsonLines},
+      {"cimxml", true, RenderCimXml}, {"mof", true, RenderMof},
   };
   return formats;
 }

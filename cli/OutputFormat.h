@@ -10,7 +10,7 @@
 namespace cli {
 
 /// What a format may know of the place its text goes to.
-struct OutputPlace {
+struct RenderOptions {
   /// Standard output rather than a file: fit the width if it is a terminal.
   bool isStandardOutput = true;
 };
@@ -19,7 +19,7 @@ struct OutputFormat {
   std::string name;
   /// For programs rather than people: an empty inventory is still a document.
   bool isMachineReadable;
-  std::string (*render)(const Inventory& inventory, const OutputPlace& place);
+  std::string (*render)(const Inventory& inventory, const RenderOptions& options);
 };
 
 /// All formats; the first is the default.

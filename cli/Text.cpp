@@ -56,6 +56,25 @@ std::string EscapeCharacter(std::string_view character) {
   return std::string(character);
 }
 
+/// The number of a valid character of up to three bytes; those that are escaped have no more.
+unsigned int CodePoint(std::string_view character) {
+  constexpr unsigned int kLeadBits[] = {0x7F, 0x1F, 0x0F};
+  constexpr unsigned int kFurtherBits = 6;
+  unsigned int code = static_cast<unsigned char>(character.front()) & kLeadBits[character.size() - 1];
+  for (const char c : character.substr(1)) {
+    code = (code << kFurtherBits) | (static_cast<unsigned char>(c) & 0x3FU);
+  }
+  return code;
+}
+
+std::string EscapeCharacterForMof(std::string_view character) {
+  if (character == "\\" || character == "\"") return "\\" + std::string(character);
+  if (character == "\n") return "\\n";
+  if (character == "\t") return "\\t";
+  if (!IsControl(character) && !IsDirectionMark(character)) return std::string(character);
+  return fmt::format("\\x{:04x}", CodePoint(character));
+}
+
 /// A character of UTF-8, or a single byte that is no part of one.
 struct Character {
   std::string_view bytes;
@@ -86,6 +105,17 @@ std::string EscapeForTerminal(const std::string& text) {
     const Character character = CharacterAt(text, at);
     escaped += character.isValid ? EscapeCharacter(character.bytes) : EscapeBytes(character.bytes);
     at += character.bytes.size();
+  }
+  return escaped;
+}
+
+std::string EscapeForMof(const std::string& text) {
+  const std::string valid = ReplaceInvalidUtf8(text);
+  std::string escaped;
+  for (std::size_t at = 0; at < valid.size();) {
+    const std::string_view character = CharacterAt(valid, at).bytes;
+    escaped += EscapeCharacterForMof(character);
+    at += character.size();
   }
   return escaped;
 }

@@ -13,6 +13,12 @@ std::string ReplaceInvalidUtf8(const std::string& text);
 /// direction mark and byte that is no UTF-8 as `\xHH`. Tabs and letters stay.
 std::string EscapeForTerminal(const std::string& text);
 
+/// `text` as the inside of a string of MOF: quotes and backslashes with a backslash before them, tabs and
+/// newlines as
+/// `\t` and `\n`, every other control character and direction mark as `\x` with four digits, bytes that are
+/// no UTF-8 as U+FFFD.
+std::string EscapeForMof(const std::string& text);
+
 /// `text` with the marks that turn the reading direction replaced by U+FFFD, so that a name cannot rearrange
 /// the line it stands in.
 std::string ReplaceDirectionMarks(const std::string& text);

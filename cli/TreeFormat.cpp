@@ -11,6 +11,7 @@
 
 #include "cli/Text.h"
 #include "cli/UsbTree.h"
+#include "cli/Wording.h"
 
 namespace cli {
 
@@ -27,59 +28,6 @@ enum Column : std::size_t { kPlace, kDevice, kId, kSpeed };
 
 void Check(int result) {
   if (result != 0) throw std::bad_alloc();
-}
-
-/// "480 Mbit/s", "5 Gbit/s"; empty when it is not known.
-std::string FormatSpeed(std::uint64_t bitsPerSecond) {
-  constexpr std::uint64_t kMega = 1000000;
-  constexpr std::uint64_t kGiga = 1000 * kMega;
-  if (bitsPerSecond == 0) return std::string();
-  if (bitsPerSecond % kGiga == 0) return fmt::format("{} Gbit/s", bitsPerSecond / kGiga);
-  return fmt::format("{} Mbit/s", bitsPerSecond / kMega);
-}
-
-/// A device tells only its speed class.
-std::string FormatSpeedClass(std::uint64_t speedClass) {
-  switch (speedClass) {
-    case 1:
-      return "1.5 Mbit/s";
-    case 2:
-      return "12 Mbit/s";
-    case 3:
-      return "480 Mbit/s";
-    case 4:
-      return "5+ Gbit/s";
-    default:
-      return std::string();
-  }
-}
-
-std::string Count(std::uint64_t number, const std::string& noun) {
-  return fmt::format("{} {}{}", number, noun, number == 1 ? "" : "s");
-}
-
-/// What follows the last `marker` of an identifier, blanks cut: the number in "Bus 01  Device   3".
-std::string Behind(const std::string& identifier, const std::string& marker) {
-  const std::size_t found = identifier.rfind(marker);
-  const std::size_t at = found == std::string::npos ? 0 : found + marker.size();
-  const std::size_t first = identifier.find_first_not_of(' ', at);
-  if (first == std::string::npos) return std::string();
-  return identifier.substr(first, identifier.find_last_not_of(' ') - first + 1);
-}
-
-/// The bus in "Bus 01  Device   1".
-std::string BusOf(const std::string& identifier) {
-  return Behind(identifier.substr(0, identifier.find(" Device ")), "Bus ");
-}
-
-/// The product string, or that there is none.
-std::string NameOf(const InstanceView& item) {
-  const std::string name = item.Text("Description");
-  return name.empty() || name == "Not Available" ? "(no name)" : name;
-}
-
-bool IsFree(const InstanceView& port) {
-  return port.Text("StatusDescriptions") == "{No device connected}";
 }
 
 /// Builds the rows from the nodes.
@@ -165,10 +113,10 @@ class TreeRows {
   const std::vector<UsbTreeNode>& fNodes;
 };
 
-Table NewTable(const OutputPlace& place) {
+Table NewTable(const RenderOptions& options) {
   Table table(scols_new_table());
   if (!table) throw std::bad_alloc();
-  if (!place.isStandardOutput) Check(scols_table_set_termforce(table.get(), SCOLS_TERMFORCE_NEVER));
+  if (!options.isStandardOutput) Check(scols_table_set_termforce(table.get(), SCOLS_TERMFORCE_NEVER));
   struct Heading {
     const char* name;
     double width;
@@ -258,8 +206,8 @@ std::string Heading(const Inventory& inventory) {
 
 }  // namespace
 
-std::string RenderTree(const Inventory& inventory, const OutputPlace& place) {
-  const Table table = NewTable(place);
+std::string RenderTree(const Inventory& inventory, const RenderOptions& options) {
+  const Table table = NewTable(options);
   AddRows(table.get(), UsbTree(inventory));
   return Heading(inventory) + Print(table.get());
 }

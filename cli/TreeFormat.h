@@ -9,6 +9,6 @@
 namespace cli {
 
 /// Fits a terminal's width, and draws with ASCII where the locale has no UTF-8.
-std::string RenderTree(const Inventory& inventory, const OutputPlace& place);
+std::string RenderTree(const Inventory& inventory, const RenderOptions& options);
 
 }  // namespace cli

@@ -13,7 +13,9 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/Output.h"
+#include "cli/SchemaCommand.h"
 #include "cli/ShowCommand.h"
+#include "cli/ShowOptions.h"
 #include "cli/Text.h"
 #include "cli/UserError.h"
 
@@ -36,30 +38,59 @@ void OccupyStandardStreams() {
   if (fd >= 0) ::close(fd);
 }
 
+void PrintHelp(const CLI::App& app, const std::string& name) {
+  cli::WriteStandardOutput(app.get_formatter()->make_help(&app, name, CLI::AppFormatMode::Normal));
+}
+
+/// The first of the command's own options that was given; null when there is none.
+const CLI::Option* GivenOption(const CLI::App& app) {
+  for (const CLI::Option* const option : app.get_options()) {
+    if (option->count() > 0) return option;
+  }
+  return nullptr;
+}
+
+/// The command line: the inventory's options, which are also those of its subcommand, and the other
+/// subcommands.
+struct CommandLine {
+  CLI::App app{"Shows a machine's USB inventory: controllers, hubs, ports and devices.", "usbinfo"};
+  cli::ShowOptions showOptions;
+  cli::SchemaOptions schemaOptions;
+  CLI::App* schema = nullptr;
+
+  CommandLine() {
+    app.set_help_flag("-h,--help", "Print this help");
+    app.set_version_flag("-V,--version", "usbinfo " USBINFO_VERSION, "Print the version");
+    app.get_formatter()->column_width(kHelpColumn);
+    cli::AddShowOptions(app, showOptions);
+    // The default subcommand: its options are the command's own, on either side of its name.
+    CLI::App* const show = app.add_subcommand("show", "Print the inventory; what usbinfo does on its own");
+    show->set_help_flag();
+    show->fallthrough();
+    schema = app.add_subcommand("schema", "Print the definitions of the inventory's classes");
+    cli::AddSchemaOptions(*schema, schemaOptions);
+    app.require_subcommand(0, 1);
+  }
+};
+
 int Run(int argc, char** argv) {
-  CLI::App app("Shows a machine's USB inventory: controllers, hubs, ports and devices.", "usbinfo");
-  app.set_help_flag("-h,--help", "Print this help");
-  app.set_version_flag("-V,--version", "usbinfo " USBINFO_VERSION, "Print the version");
-  app.get_formatter()->column_width(kHelpColumn);
-  cli::ShowOptions options;
-  cli::AddShowOptions(app, options);
-  // The default subcommand: its options are the command's own, on either side of its name.
-  CLI::App* const show = app.add_subcommand("show", "Print the inventory; what usbinfo does on its own");
-  show->set_help_flag();
-  show->fallthrough();
-  app.require_subcommand(0, 1);
+  CommandLine line;
   try {
-    app.parse(argc, argv);
-  } catch (const CLI::Success& request) {
-    const bool isHelp = dynamic_cast<const CLI::CallForHelp*>(&request) != nullptr;
-    cli::WriteStandardOutput(isHelp
-                                 ? app.get_formatter()->make_help(&app, "usbinfo", CLI::AppFormatMode::Normal)
-                                 : app.version() + "\n");
+    line.app.parse(argc, argv);
+  } catch (const CLI::CallForHelp&) {
+    line.schema->parsed() ? PrintHelp(*line.schema, "usbinfo schema") : PrintHelp(line.app, "usbinfo");
+    return cli::kPrinted;
+  } catch (const CLI::Success&) {
+    cli::WriteStandardOutput(line.app.version() + "\n");
     return cli::kPrinted;
   } catch (const CLI::ParseError& error) {
     return Fail(std::string(error.what()) + "; see usbinfo --help");
   }
-  return cli::RunShow(options);
+  if (!line.schema->parsed()) return cli::RunShow(line.showOptions);
+  if (const CLI::Option* const option = GivenOption(line.app)) {
+    return Fail(option->get_name() + " is no option of the schema; see usbinfo schema --help");
+  }
+  return cli::RunSchema(line.schemaOptions);
 }
 
 }  // namespace

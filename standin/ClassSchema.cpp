@@ -26,10 +26,12 @@ ClassSchema Entity(const std::string& name, std::vector<PropertySchema> own) {
   return {name, ClassSchema::Kind::kEntity, std::move(own)};
 }
 
-ClassSchema Association(const std::string& name) {
-  return {name,
-          ClassSchema::Kind::kAssociation,
-          {{"Antecedent", Type::kReference, true}, {"Dependent", Type::kReference, true}}};
+ClassSchema Association(const std::string& name, const std::string& antecedent,
+                        const std::string& dependent) {
+  return {
+      name,
+      ClassSchema::Kind::kAssociation,
+      {{"Antecedent", Type::kReference, true, antecedent}, {"Dependent", Type::kReference, true, dependent}}};
 }
 
 /// What a hub and a device have in common, and one number that tells them apart.
@@ -52,8 +54,8 @@ std::vector<ClassSchema> MakeServedClasses() {
                                {"Speed", Type::kUint64},
                                {"StatusDescriptions", Type::kStringArray}}),
       Entity("KALDO_USBDevice", DeviceProperties("Speed")),
-      Association("KALDO_USBPortOnHub"),
-      Association("KALDO_USBConnection"),
+      Association("KALDO_USBPortOnHub", "KALDO_USBHub", "KALDO_USBPort"),
+      Association("KALDO_USBConnection", "KALDO_USBPort", kEntityBaseClass),
   };
 }
 

@@ -9,10 +9,15 @@
 
 namespace standin {
 
+/// What all entity classes are kinds of: CIM's own class of that name, whose keys they have.
+inline constexpr const char* kEntityBaseClass = "CIM_LogicalDevice";
+
 struct PropertySchema {
   std::string name;
   NKESTA20::TCIMValue::TCIMType::ECIMType type;
   bool isKey = false;
+  /// Of a reference: the class that it leads to, kEntityBaseClass where that may be several.
+  std::string referenceClass = {};
 };
 
 struct ClassSchema {

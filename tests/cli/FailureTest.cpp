@@ -146,7 +146,7 @@ TEST(FailedOutput, IsToldForAFullDevice) {
 }
 
 TEST(FailedOutput, IsToldForAPipeThatNobodyReads) {
-  for (const char* format : {"tree", "json", "cimxml"}) {
+  for (const char* format : {"tree", "json", "jsonl", "cimxml", "mof"}) {
     const CommandResult result = RunInto([](Command& command) { command.OutputToClosedPipe(); },
                                          {"--devices", Capture(), "--format", format});
     EXPECT_EQ(result.status, 2);

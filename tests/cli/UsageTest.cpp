@@ -45,14 +45,14 @@ const WrongUse kWrongUses[] = {
     {"EmptyOutput", {"--output", ""}, "--output: must not be empty"},
     {"EmptyPlugin", {"--plugin", ""}, "--plugin: must not be empty"},
     {"EmptyLog", {"--log", ""}, "--log: must not be empty"},
-    {"EmptyFormat", {"--format", ""}, "--format:  not in {tree,json,cimxml}"},
+    {"EmptyFormat", {"--format", ""}, "--format:  not in {tree,json,jsonl,cimxml,mof}"},
     {"EmptyRequest", {"--request", ""}, "--request: needs class names separated by commas"},
     {"RequestBeginsWithComma", {"--request", ",A"}, "--request: needs class names separated by commas"},
     {"RequestEndsWithComma", {"--request", "A,"}, "--request: needs class names separated by commas"},
     {"RequestWithEmptyName", {"--request", "A,,B"}, "--request: needs class names separated by commas"},
-    {"WrongFormat", {"--format", "yaml"}, "--format: yaml not in {tree,json,cimxml}"},
-    {"FormatInCapitals", {"--format", "JSON"}, "--format: JSON not in {tree,json,cimxml}"},
-    {"WrongFormatOfShow", {"show", "--format", "yaml"}, "--format: yaml not in {tree,json,cimxml}"},
+    {"WrongFormat", {"--format", "yaml"}, "--format: yaml not in {tree,json,jsonl,cimxml,mof}"},
+    {"FormatInCapitals", {"--format", "JSON"}, "--format: JSON not in {tree,json,jsonl,cimxml,mof}"},
+    {"WrongFormatOfShow", {"show", "--format", "yaml"}, "--format: yaml not in {tree,json,jsonl,cimxml,mof}"},
     {"WrongLogLevel",
      {"--log-level", "loud"},
      "--log-level: loud not in {error,warning,status,debug,verbose}"},
@@ -100,7 +100,7 @@ TEST(Usage, PrintsHelpThatNamesEveryOptionWithinEightyColumns) {
     EXPECT_EQ(result.errors, "");
     for (const char* option :
          {"-h", "--devices", "--format", "--request", "--system-name", "--output", "--plugin", "--log ",
-          "--log-level", "--log-format", "tree", "json", "cimxml"}) {
+          "--log-level", "--log-format", "tree", "json", "jsonl", "cimxml", "mof"}) {
       EXPECT_THAT(result.output, HasSubstr(option));
     }
     for (const std::string& line : Lines(result.output)) EXPECT_LE(line.size(), 80U) << line;

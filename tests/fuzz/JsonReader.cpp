@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "standin/ValueView.h"
 #include "tests/fuzz/BrokenInvariant.h"
@@ -77,13 +78,42 @@ void CheckClass(const ordered_json& found, const cli::ClassView& view) {
   }
 }
 
-}  // namespace
-
-void CheckJson(const std::string& document, const cli::Inventory& inventory) {
+/// A document that any program can take: ASCII, without control characters but newlines, of which one ends
+/// it.
+void CheckPlainText(const std::string& document) {
   const bool isPlain = std::all_of(document.begin(), document.end(),
                                    [](char c) { return c == '\n' || (c >= ' ' && c < '\x7F'); });
   Require(isPlain, "the JSON document is ASCII without control characters");
   Require(!document.empty() && document.back() == '\n', "the JSON document ends with a newline");
+}
+
+void CheckLine(const std::string& line, const std::string& system, const std::string& className,
+               const cli::InstanceView& instance) {
+  const ordered_json object = ordered_json::parse(line);
+  RequireCount(object.size(), 4, "members of a JSON line");
+  RequireEqual(object.at("host"), ReplaceBrokenUtf8(system), "the host of a JSON line");
+  RequireEqual(object.at("class"), className, "the class of a JSON line");
+  CheckText(object.at("path"), PathText(instance.Path()));
+  CheckInstance(object.at("properties"), instance);
+}
+
+}  // namespace
+
+void CheckJsonLines(const std::string& document, const cli::Inventory& inventory) {
+  if (!document.empty()) CheckPlainText(document);
+  std::istringstream lines(document);
+  std::string line;
+  for (const cli::ClassView& view : inventory.Classes()) {
+    for (const cli::InstanceView& instance : view.instances) {
+      Require(static_cast<bool>(std::getline(lines, line)), "a JSON line for each instance");
+      CheckLine(line, inventory.SystemName(), view.schema.name, instance);
+    }
+  }
+  Require(!std::getline(lines, line), "no JSON line without an instance");
+}
+
+void CheckJson(const std::string& document, const cli::Inventory& inventory) {
+  CheckPlainText(document);
   const ordered_json root = ordered_json::parse(document);
   RequireCount(root.size(), 3, "members of the JSON document");
   RequireEqual(root.at("schema"), "usbinfo.inventory/1", "the schema of the JSON document");

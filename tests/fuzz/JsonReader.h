@@ -1,4 +1,4 @@
-// Reads the JSON export back.
+// Reads the JSON exports back: the document and the lines.
 #pragma once
 
 #include <string>
@@ -11,5 +11,8 @@ namespace usbinfo_test {
 /// holds every class, instance and property of `inventory` in order, with broken UTF-8 replaced and nothing
 /// more.
 void CheckJson(const std::string& document, const cli::Inventory& inventory);
+
+/// The same for JSON Lines: a line for every instance, in order, and no other.
+void CheckJsonLines(const std::string& document, const cli::Inventory& inventory);
 
 }  // namespace usbinfo_test

@@ -36,7 +36,7 @@ class ReadBackTest : public testing::Test {
   ~ReadBackTest() override { static_cast<void>(std::setlocale(LC_CTYPE, "C")); }
 
   std::string Render(const std::string& format) const {
-    return cli::FindOutputFormat(format).render(run.Result(), cli::OutputPlace{false});
+    return cli::FindOutputFormat(format).render(run.Result(), cli::RenderOptions{false});
   }
   /// True when the reader takes `document` for the inventory in that format.
   bool Takes(const std::string& format, const std::string& document) const {
@@ -87,6 +87,27 @@ TEST_F(ReadBackTest, OfXmlRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("cimxml", "<VALUE>No device connected</VALUE>", ""));
   EXPECT_FALSE(TakesWith("cimxml", "<DECLARATION>", "<DECLARATION VERSION=\"1\">"));
   EXPECT_FALSE(Takes("cimxml", "<CIM CIMVERSION=\"2.0\" DTDVERSION=\"2.4\"/>"));
+}
+
+TEST_F(ReadBackTest, OfJsonLinesRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("jsonl", "\"HubDepth\":0", "\"HubDepth\":1"));
+  EXPECT_FALSE(TakesWith("jsonl", "\"class\":\"KALDO_USBPort\"", "\"class\":\"KALDO_USBHub\""));
+  EXPECT_FALSE(TakesWith("jsonl", "KALDO_USBController.", "KALDO_USBHub."));
+  EXPECT_FALSE(TakesWith("jsonl", "\"host\":\"", "\"host\":\"x"));
+  EXPECT_FALSE(TakesWith("jsonl", "}\n", "}"));
+  EXPECT_FALSE(Takes("jsonl", Render("jsonl") + "{}\n"));
+}
+
+TEST_F(ReadBackTest, OfMofRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("mof", "Root & <hub>", "Root"));
+  EXPECT_FALSE(TakesWith("mof", "Root & <hub>\"", "Root & <hub>"));
+  EXPECT_FALSE(TakesWith("mof", "Root & <hub>", "Root \x1B& <hub>"));
+  EXPECT_FALSE(TakesWith("mof", "HubDepth = 0", "HubDepth = 1"));
+  EXPECT_FALSE(TakesWith("mof", "HubDepth = 0", "HubDepth = \"0\""));
+  EXPECT_FALSE(TakesWith("mof", "{\"No device connected\"}", "\"No device connected\""));
+  EXPECT_FALSE(TakesWith("mof", "/root/cimv2:", ""));
+  EXPECT_FALSE(TakesWith("mof", "instance of KALDO_USBHub", "instance of KALDO_USBPort"));
+  EXPECT_FALSE(Takes("mof", Render("mof") + "instance of KALDO_USBHub {};"));
 }
 
 TEST_F(ReadBackTest, OfTheTreeRefusesWhatDiffers) {

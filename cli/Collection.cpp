@@ -1,0 +1,91 @@
+// Drives the plug-in through the stand-in host; see the header.
+#include "cli/Collection.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <memory>
+#include <new>
+#include <system_error>
+
+#include "cli/ModulePath.h"
+#include "cli/UserError.h"
+#include "host/ILogger.h"
+#include "standin/ClassSchema.h"
+#include "standin/FileDescriptor.h"
+#include "standin/GivenDeviceList.h"
+#include "standin/Host.h"
+#include "standin/PluginModule.h"
+
+using NKESTA20::ILogger;
+using standin::Host;
+
+namespace cli {
+
+namespace {
+
+std::string ReadDeviceList(const std::string& path) {
+  try {
+    if (path == "-") return standin::ReadAll(STDIN_FILENO);
+    return standin::ReadAll(standin::OpenFile(path, O_RDONLY).Get());
+  } catch (const std::system_error& error) {
+    throw UserError(fmt::format("cannot read {}: {}; name a file that holds a device list with --devices",
+                                NameOfList(path), error.code().message()));
+  }
+}
+
+void ConfigureHost(const Source& source, LogWriter& log) {
+  Host& host = Host::Instance();
+  host.Reset();
+  if (!source.systemName.empty()) host.SetSystemName(source.systemName);
+  if (!source.devices.empty()) {
+    host.SetOperatingSystem(std::make_unique<standin::GivenDeviceList>(ReadDeviceList(source.devices)));
+  }
+  host.CoreLogger().SetSink(
+      [&log](ILogger::EQSVLogSeverity severity, const std::string& text) { log.Write(severity, text); });
+}
+
+/// Drives the plug-in as a host does. An exception's type may live in the module, so it is told while the
+/// module is still loaded.
+void DrivePlugin(const std::string& pluginPath, const std::vector<std::string>& classNames) {
+  namespace fs = std::filesystem;
+  const std::string path = pluginPath.empty() ? FindPluginModule() : fs::absolute(pluginPath).string();
+  try {
+    standin::PluginModule module(path);
+    try {
+      module.Collect(classNames);
+    } catch (const std::bad_alloc&) {
+      throw;
+    } catch (const std::exception& error) {
+      throw UserError(
+          fmt::format("the plug-in {} failed: {}; name another with --plugin FILE", path, error.what()));
+    } catch (...) {
+      throw UserError(fmt::format("the plug-in {} failed; name another with --plugin FILE", path));
+    }
+  } catch (const standin::PluginError& error) {
+    throw UserError(
+        fmt::format("cannot use the plug-in: {}; name the module with --plugin FILE", error.what()));
+  }
+}
+
+}  // namespace
+
+std::string NameOfList(const std::string& path) {
+  return path == "-" ? "standard input" : path;
+}
+
+std::vector<std::string> AllClasses() {
+  std::vector<std::string> names;
+  for (const standin::ClassSchema& schema : standin::ServedClasses()) names.push_back(schema.name);
+  return names;
+}
+
+Inventory Collect(const Source& source, const std::vector<std::string>& classNames, LogWriter& log) {
+  ConfigureHost(source, log);
+  DrivePlugin(source.plugin, classNames);
+  return Inventory(Host::Instance());
+}
+
+}  // namespace cli

@@ -1,0 +1,26 @@
+// `usbinfo schema`: the definitions of the classes that an inventory is made of. Reads the schema alone; no
+// plug-in is loaded.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace cli {
+
+struct SchemaOptions {
+  std::string format = "mof";
+  std::string output;
+};
+
+/// Adds the options to the subcommand.
+void AddSchemaOptions(CLI::App& command, SchemaOptions& options);
+
+/// Prints the definitions; gives the exit status. Throws UserError when they cannot be written.
+int RunSchema(const SchemaOptions& options);
+
+/// The classes as JSON, their properties ascending by name: `{"schema": "usbinfo.classes/1", "namespace":
+/// NAME, "classes": {CLASS: {"kind": "entity" or "association", "properties": {NAME: {"type": TYPE,
+/// "isArray": BOOL, "isKey": BOOL}}}}}`; a reference also has its "class".
+std::string RenderJsonSchema();
+
+}  // namespace cli

@@ -1,0 +1,65 @@
+// The options of `usbinfo show`; see the header.
+#include "cli/ShowOptions.h"
+
+#include <fmt/format.h>
+
+#include <vector>
+
+#include "cli/LogWriter.h"
+#include "cli/OutputFormat.h"
+
+namespace cli {
+
+namespace {
+
+std::vector<std::string> FormatNames() {
+  std::vector<std::string> names;
+  for (const OutputFormat& format : OutputFormats()) names.push_back(format.name);
+  return names;
+}
+
+std::string CheckRequest(const std::string& request) {
+  const bool hasEmptyName = request.empty() || request.front() == ',' || request.back() == ',' ||
+                            request.find(",,") != std::string::npos;
+  return hasEmptyName ? "needs class names separated by commas" : std::string();
+}
+
+/// An empty name is most often an unset variable; taking it for "not given" would do something else.
+std::string CheckNotEmpty(const std::string& text) {
+  return text.empty() ? "must not be empty" : "";
+}
+
+}  // namespace
+
+void AddShowOptions(CLI::App& app, ShowOptions& options) {
+  const std::vector<std::string> formats = FormatNames();
+  const auto addText = [&app](const char* name, std::string& value, const char* type, const char* help) {
+    app.add_option(name, value, help)->type_name(type)->check(CheckNotEmpty);
+  };
+  const auto addChoice = [&app](const char* name, std::string& value, const char* type,
+                                const std::vector<std::string>& choices, const char* help) {
+    const std::string list = fmt::format("{}", fmt::join(choices, ", "));
+    app.add_option(name, value, fmt::format("{} [{}]:\n{}", help, value, list))
+        ->type_name(type)
+        ->check(CLI::IsMember(choices).description(""));
+  };
+  options.format = formats.front();
+  addText("--devices", options.source.devices, "FILE",
+          "Use this device list instead of the machine's: a saved\n"
+          "/sys/kernel/debug/usb/devices or usb-devices output;\n"
+          "- is standard input");
+  addChoice("--format", options.format, "FORMAT", formats, "How to print");
+  app.add_option("--request", options.request,
+                 "Ask the plug-in for exactly these classes, in this\n"
+                 "order, in one request")
+      ->type_name("A,B,...")
+      ->check(CheckRequest);
+  addText("--system-name", options.source.systemName, "NAME", "The system name in the keys [the host name]");
+  addText("--output", options.output, "FILE", "Write there, whole or not at all [standard output]");
+  addText("--plugin", options.source.plugin, "FILE", "The plug-in module to load [the one that came along]");
+  addText("--log", options.log, "FILE", "Where the log goes [standard error]");
+  addChoice("--log-level", options.logLevel, "LEVEL", SeverityNames(), "Log from this severity on");
+  addChoice("--log-format", options.logFormat, "FORMAT", {"text", "json"}, "How to log");
+}
+
+}  // namespace cli

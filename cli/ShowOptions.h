@@ -1,0 +1,27 @@
+// The options of `usbinfo show`: what the command line may say, checked as it is parsed.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "cli/Collection.h"
+
+namespace cli {
+
+struct ShowOptions {
+  Source source;
+  std::string format;
+  /// Class names to ask for, separated by commas; empty for all.
+  std::string request;
+  /// Empty for standard output.
+  std::string output;
+  /// Empty for standard error.
+  std::string log;
+  std::string logLevel = "warning";
+  std::string logFormat = "text";
+};
+
+/// Declares the options on `app`, to be parsed into `options`.
+void AddShowOptions(CLI::App& app, ShowOptions& options);
+
+}  // namespace cli

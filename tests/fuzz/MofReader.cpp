@@ -1,0 +1,170 @@
+// The MOF export, read back; see the header.
+#include "tests/fuzz/MofReader.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include "standin/ValueView.h"
+#include "tests/fuzz/BrokenInvariant.h"
+#include "tests/fuzz/Utf8.h"
+
+using NKESTA20::TCIMReference;
+using NKESTA20::TCIMValue;
+using Type = TCIMValue::TCIMType;
+
+namespace usbinfo_test {
+
+namespace {
+
+std::string EncodeUtf8(std::uint32_t character) {
+  std::string bytes;
+  if (character < 0x80) return {static_cast<char>(character)};
+  if (character < 0x800) {
+    bytes += static_cast<char>(0xC0U | (character >> 6U));
+  } else {
+    bytes += static_cast<char>(0xE0U | (character >> 12U));
+    bytes += static_cast<char>(0x80U | ((character >> 6U) & 0x3FU));
+  }
+  return bytes + static_cast<char>(0x80U | (character & 0x3FU));
+}
+
+/// Takes MOF apart, token by token.
+class Scanner {
+ public:
+  explicit Scanner(std::string_view text) : fText(text) {}
+
+  bool IsAtEnd() {
+    SkipBlanks();
+    return fText.empty();
+  }
+
+  /// True, and past it, when `token` comes next.
+  bool Takes(std::string_view token) {
+    SkipBlanks();
+    if (fText.substr(0, token.size()) != token) return false;
+    fText.remove_prefix(token.size());
+    return true;
+  }
+  void Expect(std::string_view token) { Require(Takes(token), "the next token of the MOF document"); }
+
+  /// A name or a number.
+  std::string Word() {
+    SkipBlanks();
+    const std::size_t end =
+        fText.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_");
+    return Advance(end);
+  }
+
+  /// All up to the next `end`.
+  std::string Upto(std::string_view end) { return Advance(fText.find(end)); }
+
+  /// A string, with its escapes undone.
+  std::string String() {
+    Expect("\"");
+    std::string text;
+    while (fText.front() != '"') {
+      text += fText.front() == '\\' ? Escaped() : Advance(1);
+      Require(!fText.empty(), "a string of the MOF document ends");
+    }
+    fText.remove_prefix(1);
+    return text;
+  }
+
+ private:
+  void SkipBlanks() { fText.remove_prefix(std::min(fText.find_first_not_of(" \n"), fText.size())); }
+
+  std::string Advance(std::size_t length) {
+    Require(length != 0 && length <= fText.size(), "the MOF document goes on");
+    const std::string piece(fText.substr(0, length));
+    fText.remove_prefix(length);
+    return piece;
+  }
+
+  std::string Escaped() {
+    constexpr std::size_t kDigits = 4;
+    constexpr int kHexadecimal = 16;
+    const char kind = Advance(2).back();
+    if (kind == 'n') return "\n";
+    if (kind == 't') return "\t";
+    if (kind == 'x')
+      return EncodeUtf8(static_cast<std::uint32_t>(std::stoul(Advance(kDigits), nullptr, kHexadecimal)));
+    Require(kind == '"' || kind == '\\', "an escape of the MOF document");
+    return {kind};
+  }
+
+  std::string_view fText;
+};
+
+std::string ReferenceText(const TCIMReference& path) {
+  std::string text = "/root/cimv2:" + standin::ClassNameOf(path);
+  char separator = '.';
+  for (const auto& [name, value] : standin::KeysOf(path)) {
+    text += separator + name + "=\"";
+    for (const char c : standin::StringOf(value))
+      text += (c == '"' || c == '\\' ? "\\" : "") + std::string(1, c);
+    text += '"';
+    separator = ',';
+  }
+  return text;
+}
+
+void CheckValue(Scanner& scanner, const TCIMValue& value) {
+  switch (standin::TypeOf(value)) {
+    case Type::kString:
+      return RequireEqual(scanner.String(), ReplaceBrokenUtf8(standin::StringOf(value)),
+                          "a string of the MOF document");
+    case Type::kReference:
+      return RequireEqual(scanner.String(), ReplaceBrokenUtf8(ReferenceText(standin::ReferenceOf(value))),
+                          "a reference of the MOF document");
+    case Type::kStringArray:
+      scanner.Expect("{");
+      for (const std::string& element : standin::StringsOf(value)) {
+        if (&element != &standin::StringsOf(value).front()) scanner.Expect(",");
+        RequireEqual(scanner.String(), ReplaceBrokenUtf8(element), "an element of the MOF document");
+      }
+      return scanner.Expect("}");
+    default:
+      RequireEqual(scanner.Word(), std::to_string(standin::NumberOf(value)), "a number of the MOF document");
+  }
+}
+
+void CheckInstance(Scanner& scanner, const std::string& className, const cli::InstanceView& instance) {
+  scanner.Expect("instance of ");
+  RequireEqual(scanner.Word(), className, "the class of an instance of the MOF document");
+  scanner.Expect("{");
+  for (const auto& [name, property] : instance.Properties()) {
+    RequireEqual(scanner.Word(), name, "a property of the MOF document");
+    scanner.Expect("=");
+    CheckValue(scanner, property->Value());
+    scanner.Expect(";");
+  }
+  scanner.Expect("};");
+}
+
+/// Goes past the declarations of qualifiers and classes.
+void SkipDeclarations(Scanner& scanner) {
+  while (scanner.Takes("Qualifier ")) {
+    scanner.Upto(";");
+    scanner.Expect(";");
+  }
+  while (scanner.Takes("[") || scanner.Takes("class ")) {
+    scanner.Upto("};");
+    scanner.Expect("};");
+  }
+}
+
+}  // namespace
+
+void CheckMof(const std::string& document, const cli::Inventory& inventory) {
+  RequireFitForTerminal(document, false);
+  Scanner scanner(document);
+  SkipDeclarations(scanner);
+  for (const cli::ClassView& view : inventory.Classes()) {
+    for (const cli::InstanceView& instance : view.instances)
+      CheckInstance(scanner, view.schema.name, instance);
+  }
+  Require(scanner.IsAtEnd(), "nothing follows the instances of the MOF document");
+}
+
+}  // namespace usbinfo_test
