@@ -27,12 +27,14 @@ std::string Quoted(const std::string& text) {
   return '"' + quoted + '"';
 }
 
-/// A path as text.
+/// A path as text; an association's keys are paths themselves.
 std::string PathText(const TCIMReference& path) {
   std::string text = standin::ClassNameOf(path);
   char separator = '.';
   for (const auto& [name, value] : standin::KeysOf(path)) {
-    text += separator + name + "=" + Quoted(standin::StringOf(value));
+    const bool isPath = standin::TypeOf(value) == Type::kReference;
+    text += separator + name + "=" +
+            Quoted(isPath ? PathText(standin::ReferenceOf(value)) : standin::StringOf(value));
     separator = ',';
   }
   return text;
