@@ -18,7 +18,7 @@ namespace cli {
 namespace {
 
 constexpr const char* kQualifiers =
-    "Qualifier Abstract : boolean = false, Scope(class, association), Flavor(Restricted);\n"
+    "Qualifier Abstract : boolean = false, Scope(class, association, indication), Flavor(Restricted);\n"
     "Qualifier Association : boolean = false, Scope(association), Flavor(DisableOverride);\n"
     "Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride);\n";
 

@@ -9,8 +9,9 @@
 
 namespace standin {
 
-/// What all entity classes are kinds of: CIM's own class of that name, whose keys they have.
-inline constexpr const char* kEntityBaseClass = "CIM_LogicalDevice";
+/// What all entity classes are kinds of, and where their keys come from. A class of this system's own, so
+/// that no repository's standard classes are declared anew when the definitions are compiled into it.
+inline constexpr const char* kEntityBaseClass = "KALDO_USBElement";
 
 struct PropertySchema {
   std::string name;

@@ -29,26 +29,27 @@ TEST_F(MofFormatTest, PrintsTheDeclarationsForAnEmptyInventory) {
 TEST_F(MofFormatTest, DeclaresQualifiersThenTheKeysThatAllEntitiesShare) {
   EXPECT_THAT(
       Render(),
-      StartsWith("Qualifier Abstract : boolean = false, Scope(class, association), Flavor(Restricted);\n"
-                 "Qualifier Association : boolean = false, Scope(association), Flavor(DisableOverride);\n"
-                 "Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride);\n"
-                 "\n"
-                 "[Abstract]\n"
-                 "class CIM_LogicalDevice {\n"
-                 "  [Key] string CreationClassName;\n"
-                 "  [Key] string DeviceID;\n"
-                 "  [Key] string SystemCreationClassName;\n"
-                 "  [Key] string SystemName;\n"
-                 "};\n"
-                 "\n"
-                 "class KALDO_USBController : CIM_LogicalDevice {\n"
-                 "  string Description;\n"
-                 "  uint16 InterfaceType;\n"
-                 "};\n"));
+      StartsWith(
+          "Qualifier Abstract : boolean = false, Scope(class, association, indication), Flavor(Restricted);\n"
+          "Qualifier Association : boolean = false, Scope(association), Flavor(DisableOverride);\n"
+          "Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride);\n"
+          "\n"
+          "[Abstract]\n"
+          "class KALDO_USBElement {\n"
+          "  [Key] string CreationClassName;\n"
+          "  [Key] string DeviceID;\n"
+          "  [Key] string SystemCreationClassName;\n"
+          "  [Key] string SystemName;\n"
+          "};\n"
+          "\n"
+          "class KALDO_USBController : KALDO_USBElement {\n"
+          "  string Description;\n"
+          "  uint16 InterfaceType;\n"
+          "};\n"));
 }
 
 TEST_F(MofFormatTest, DeclaresTypesArraysAndReferences) {
-  EXPECT_THAT(Render(), HasSubstr("class KALDO_USBPort : CIM_LogicalDevice {\n"
+  EXPECT_THAT(Render(), HasSubstr("class KALDO_USBPort : KALDO_USBElement {\n"
                                   "  uint16 HubDepth;\n"
                                   "  string HubName;\n"
                                   "  string Name;\n"
@@ -65,7 +66,7 @@ TEST_F(MofFormatTest, DeclaresTypesArraysAndReferences) {
                                   "[Association]\n"
                                   "class KALDO_USBConnection {\n"
                                   "  [Key] KALDO_USBPort REF Antecedent;\n"
-                                  "  [Key] CIM_LogicalDevice REF Dependent;\n"
+                                  "  [Key] KALDO_USBElement REF Dependent;\n"
                                   "};\n"));
 }
 

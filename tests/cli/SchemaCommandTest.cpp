@@ -50,7 +50,7 @@ TEST(Schema, TellsTypeArrayKeyAndTargetOfAProperty) {
             R"({"type":"string","isArray":false,"isKey":true})");
   EXPECT_EQ(classes["KALDO_USBConnection"]["kind"], "association");
   EXPECT_EQ(classes["KALDO_USBConnection"]["properties"]["Dependent"].dump(),
-            R"({"type":"reference","isArray":false,"isKey":true,"class":"CIM_LogicalDevice"})");
+            R"({"type":"reference","isArray":false,"isKey":true,"class":"KALDO_USBElement"})");
 }
 
 TEST(Schema, WritesAFileInstead) {
