@@ -1,6 +1,7 @@
 // From flat classes to a tree; see the header.
 #include "cli/UsbTree.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace cli {
@@ -76,6 +77,27 @@ UsbTree::UsbTree(const Inventory& inventory) {
   linker.LinkAssociations(inventory.InstancesOf("KALDO_USBPortOnHub"));
   linker.LinkAssociations(inventory.InstancesOf("KALDO_USBConnection"));
   fTop = linker.Unlinked();
+}
+
+const UsbTreeNode& UsbTree::Shown(const UsbTreeNode& node) const {
+  return node.kind == Kind::kPort && node.children.size() == 1 ? fNodes[node.children.front()] : node;
+}
+
+std::vector<UsbTreeRow> UsbTree::Rows() const {
+  std::vector<UsbTreeRow> rows;
+  std::vector<UsbTreeRow> waiting;
+  for (auto top = fTop.rbegin(); top != fTop.rend(); ++top) waiting.push_back({*top, 0});
+  while (!waiting.empty()) {
+    const UsbTreeRow row = waiting.back();
+    waiting.pop_back();
+    rows.push_back(row);
+    const auto& children = Shown(fNodes[row.node]).children;
+    const std::size_t depth = std::min(row.depth + 1, kMaxDepth);
+    for (auto child = children.rbegin(); child != children.rend(); ++child) {
+      waiting.push_back({*child, depth});
+    }
+  }
+  return rows;
 }
 
 }  // namespace cli

@@ -23,14 +23,29 @@ struct UsbTreeNode {
   std::vector<std::size_t> children;
 };
 
+/// A node in the order in which a tree is drawn.
+struct UsbTreeRow {
+  /// Index of the node.
+  std::size_t node;
+  /// 0 at the top, at most UsbTree::kMaxDepth.
+  std::size_t depth;
+};
+
 class UsbTree {
  public:
+  /// A list may claim any number of tiers; rows below this one stay at its depth.
+  static constexpr std::size_t kMaxDepth = 32;
+
   /// `inventory` must outlive the tree.
   explicit UsbTree(const Inventory& inventory);
 
   const std::vector<UsbTreeNode>& Nodes() const { return fNodes; }
   /// Indices of the nodes at the top: controllers first, then what is not linked to one.
   const std::vector<std::size_t>& Top() const { return fTop; }
+  /// The node whose description stands for `node`: a port shows the one thing that is plugged in.
+  const UsbTreeNode& Shown(const UsbTreeNode& node) const;
+  /// A row per node, parents ahead of their children; what a port shows has none of its own.
+  std::vector<UsbTreeRow> Rows() const;
 
  private:
   std::vector<UsbTreeNode> fNodes;

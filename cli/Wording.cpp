@@ -3,7 +3,24 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace cli {
+
+namespace {
+
+using Kind = UsbTreeNode::Kind;
+
+std::string PlaceOnBus(const UsbTreeNode& node, const std::string& identifier) {
+  if (node.kind == Kind::kPort) {
+    const std::string hub = identifier.substr(0, identifier.rfind(" Port "));
+    return fmt::format("hub {}, port {}", Behind(hub, " Device "), Behind(identifier, " Port "));
+  }
+  const char* const noun = node.kind == Kind::kHub ? "hub" : "device";
+  return fmt::format("{} {}", noun, Behind(identifier, " Device "));
+}
+
+}  // namespace
 
 std::string FormatSpeed(std::uint64_t bitsPerSecond) {
   constexpr std::uint64_t kMega = 1000000;
@@ -51,6 +68,47 @@ std::string NameOf(const InstanceView& item) {
 
 bool IsFree(const InstanceView& port) {
   return port.Text("StatusDescriptions") == "{No device connected}";
+}
+
+std::string PlaceOf(const UsbTreeNode& node, bool isTop) {
+  const std::string identifier = node.item->Text("DeviceID");
+  if (node.kind == Kind::kController) return "Bus " + BusOf(identifier);
+  if (isTop) return fmt::format("Bus {}, {}", BusOf(identifier), PlaceOnBus(node, identifier));
+  switch (node.kind) {
+    case Kind::kPort:
+      return "Port " + Behind(identifier, " Port ");
+    case Kind::kHub:
+      return node.isRootHub ? "Root hub" : "Hub";
+    default:
+      return "Device " + Behind(identifier, " Device ");
+  }
+}
+
+std::string IdOf(const UsbTreeNode& node) {
+  if (node.kind == Kind::kController || node.kind == Kind::kPort) return std::string();
+  return fmt::format("{:04x}:{:04x}", node.item->Number("VendorID"), node.item->Number("USBDeviceID"));
+}
+
+std::string SpeedOf(const UsbTree& tree, const UsbTreeNode& node) {
+  switch (node.kind) {
+    case Kind::kDevice:
+      return FormatSpeedClass(node.item->Number("Speed"));
+    case Kind::kPort:
+      return FormatSpeed(node.item->Number("Speed"));
+    case Kind::kHub:
+      return node.children.empty() ? std::string() : SpeedOf(tree, tree.Nodes()[node.children.front()]);
+    default:
+      return std::string();
+  }
+}
+
+std::string Summary(const Inventory& inventory) {
+  const auto& ports = inventory.InstancesOf("KALDO_USBPort");
+  return fmt::format("{}: {}, {}, {} ({} free), {}", inventory.SystemName(),
+                     Count(inventory.InstancesOf("KALDO_USBController").size(), "controller"),
+                     Count(inventory.InstancesOf("KALDO_USBHub").size(), "hub"), Count(ports.size(), "port"),
+                     std::count_if(ports.begin(), ports.end(), IsFree),
+                     Count(inventory.InstancesOf("KALDO_USBDevice").size(), "device"));
 }
 
 }  // namespace cli

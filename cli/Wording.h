@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/Inventory.h"
+#include "cli/UsbTree.h"
 
 namespace cli {
 
@@ -27,5 +28,18 @@ std::string BusOf(const std::string& identifier);
 std::string NameOf(const InstanceView& item);
 
 bool IsFree(const InstanceView& port);
+
+/// Where a node is: "Bus 01", "Root hub", "Port 00". At the top of a tree nothing else tells its bus, so it
+/// says that too: "Bus 01, hub 5, port 00".
+std::string PlaceOf(const UsbTreeNode& node, bool isTop);
+
+/// Vendor and product of a hub or a device, as four hexadecimal digits each; empty for others.
+std::string IdOf(const UsbTreeNode& node);
+
+/// The speed of a node; a hub's is that of its ports, a controller has none.
+std::string SpeedOf(const UsbTree& tree, const UsbTreeNode& node);
+
+/// "testhost: 1 controller, 2 hubs, 8 ports (3 free), 4 devices".
+std::string Summary(const Inventory& inventory);
 
 }  // namespace cli
