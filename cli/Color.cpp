@@ -1,0 +1,28 @@
+// The decision about colour, from the option, the environment and where the text goes; see the header.
+#include "cli/Color.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+
+namespace cli {
+
+namespace {
+
+/// Empty when it is not set.
+std::string Variable(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+}  // namespace
+
+bool UsesColor(Color color, bool isStandardOutput) {
+  if (color != Color::kAuto) return color == Color::kAlways;
+  if (!isStandardOutput || ::isatty(STDOUT_FILENO) == 0) return false;
+  const std::string terminal = Variable("TERM");
+  return !terminal.empty() && terminal != "dumb" && Variable("NO_COLOR").empty();
+}
+
+}  // namespace cli

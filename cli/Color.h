@@ -1,0 +1,13 @@
+// Whether a text for people is coloured: one decision for all subcommands.
+#pragma once
+
+namespace cli {
+
+enum class Color { kAuto, kAlways, kNever };
+
+/// True when the text is to be coloured. `isStandardOutput` tells that it goes there rather than to a file.
+/// kAuto colours on a terminal only, unless NO_COLOR is set and not empty or TERM is missing, empty or
+/// "dumb".
+bool UsesColor(Color color, bool isStandardOutput);
+
+}  // namespace cli
