@@ -5,7 +5,7 @@
 
 # What building the product and its tests takes on Debian 12.
 BUILD_PACKAGES=(
-  cmake g++ libboost-dev libboost-thread-dev libcli11-dev libfmt-dev libgmock-dev libgtest-dev libsmartcols-dev
+  cmake g++ jq libboost-dev libboost-thread-dev libcli11-dev libfmt-dev libgmock-dev libgtest-dev libsmartcols-dev
   libxml2-dev libxml2-utils locales ninja-build nlohmann-json3-dev pkgconf python3
 )
 # What the slower checks take on top.

@@ -1,0 +1,77 @@
+#!/usr/bin/env python3
+"""Holds the documents to what the command does: every command line of theirs that calls it is run, as written but for
+the build that is tested. Where a line begins with "$ ", what stands below it is what it must print, "..." for any lines.
+
+Usage: check_documents.py COMMAND SOURCE
+"""
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+COMMAND = "build/release/usbinfo"
+# Not the tests' machine but the one in the document is shown, whatever it has; the names file is none.
+ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8", "USBINFO_IDS": "", "COLUMNS": "80"}
+
+
+def blocks(text):
+    """The content of the fenced blocks."""
+    return re.findall(r"^```\w*\n(.*?)^```$", text, re.MULTILINE | re.DOTALL)
+
+
+def calls(block):
+    """The command lines with what they print, None where the document does not tell; those that a pipe or a backslash
+    carries on are joined."""
+    lines = re.sub(r"(\||\\)\n\s+", lambda end: end.group(1).strip("\\") + " ", block).splitlines(keepends=True)
+    if not block.startswith("$ "):
+        return [(line.strip(), None) for line in lines if line.lstrip().startswith((COMMAND, "cat "))]
+    found = []
+    for line in lines:
+        if line.startswith("$ "):
+            found.append((line[2:].strip(), ""))
+        else:
+            found[-1] = (found[-1][0], found[-1][1] + line)
+    return found
+
+
+def matches(expected, printed):
+    """Whether the text is the expected one."""
+    pattern = "".join("(.*\n)*?" if line == "...\n" else re.escape(line) for line in expected.splitlines(keepends=True))
+    return re.fullmatch(pattern, printed) is not None
+
+
+def run(line, expected, command, folder):
+    """Runs the line by a shell; gives what went wrong."""
+    result = subprocess.run(["bash", "-o", "pipefail", "-c", line.replace(COMMAND, command)], cwd=folder,
+                            capture_output=True, text=True, timeout=60, check=False, env=ENVIRONMENT)
+    # On a machine without USB there is nothing to show; two inventories may differ.
+    if result.returncode > 1:
+        return f"exit status {result.returncode}: {result.stderr}"
+    if expected is not None and not matches(expected, result.stdout + result.stderr):
+        return f"prints\n{result.stdout}{result.stderr}"
+    return None
+
+
+def main():
+    command, source = os.path.abspath(sys.argv[1]), pathlib.Path(sys.argv[2]).resolve()
+    count, failures = 0, []
+    with tempfile.TemporaryDirectory() as folder:
+        # What the commands read, without what they may write.
+        for name in os.listdir(source):
+            if name != "build":
+                os.symlink(source / name, os.path.join(folder, name))
+        for document in [source / "README.md", *sorted(source.glob("docs/*.md"))]:
+            for block in blocks(document.read_text(encoding="utf-8")):
+                for line, expected in calls(block):
+                    count += 1
+                    failure = run(line, expected, command, folder)
+                    if failure:
+                        failures.append(f"{document.name}: {line}\n{failure}")
+    print("\n".join(failures) or f"{count} commands run")
+    sys.exit(bool(failures) or count < 10)
+
+
+if __name__ == "__main__":
+    main()
