@@ -23,7 +23,7 @@ namespace fs = std::filesystem;
 
 /// A run takes ten times as long under the sanitizers, so only every 53rd byte is damaged there. Lines
 /// differ in length, so all places of a line are still hit.
-constexpr std::size_t kStride = SANITIZED ? 53 : 1;
+constexpr std::size_t kStride = SANITIZED ? 107 : 1;
 
 /// Each capture's bytes are shared out among so many tests, which run side by side.
 constexpr std::size_t kParts = 4;

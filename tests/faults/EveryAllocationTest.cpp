@@ -12,7 +12,7 @@ namespace usbinfo_test {
 namespace {
 
 /// Under the sanitizers a run takes ten times as long; every n-th allocation then stands for all.
-constexpr std::size_t kStride = SANITIZED ? 397 : 1;
+constexpr std::size_t kStride = SANITIZED ? 797 : 1;
 
 class EveryAllocation : public ::testing::TestWithParam<Scenario> {
  protected:

@@ -9,7 +9,7 @@ namespace usbinfo_test {
 namespace {
 
 /// Under the sanitizers a run takes ten times as long; every n-th call then stands for all.
-constexpr std::size_t kStride = SANITIZED ? 71 : 1;
+constexpr std::size_t kStride = SANITIZED ? 151 : 1;
 
 class EveryCall : public ::testing::TestWithParam<Scenario> {
  protected:
