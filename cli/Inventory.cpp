@@ -32,20 +32,28 @@ Inventory::Inventory(const standin::Host& host) : fSystemName(host.SystemName())
     for (const auto& instance : host.Cimv2()->ClassForRequest(schema.name)->Instances()) {
       view.instances.emplace_back(instance);
     }
+    view.total = view.instances.size();
     fClasses.push_back(std::move(view));
   }
 }
 
-const std::vector<InstanceView>& Inventory::InstancesOf(const std::string& className) const {
-  const auto found = std::find_if(fClasses.begin(), fClasses.end(), [&className](const ClassView& view) {
-    return view.schema.name == className;
-  });
-  return found->instances;
+const ClassView& Inventory::ClassOf(const std::string& className) const {
+  return *std::find_if(fClasses.begin(), fClasses.end(),
+                       [&className](const ClassView& view) { return view.schema.name == className; });
 }
 
 bool Inventory::IsEmpty() const {
   return std::all_of(fClasses.begin(), fClasses.end(),
                      [](const ClassView& view) { return view.instances.empty(); });
+}
+
+Inventory Inventory::Only(const std::function<bool(const InstanceView&)>& keep) const {
+  Inventory part(*this);
+  for (ClassView& view : part.fClasses) {
+    auto& instances = view.instances;
+    instances.erase(std::remove_if(instances.begin(), instances.end(), std::not_fn(keep)), instances.end());
+  }
+  return part;
 }
 
 }  // namespace cli

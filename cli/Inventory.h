@@ -4,7 +4,9 @@
 #pragma once
 
 #include <boost/shared_ptr.hpp>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -40,6 +42,8 @@ class InstanceView {
 struct ClassView {
   const standin::ClassSchema& schema;
   std::vector<InstanceView> instances;
+  /// How many instances the host has, whatever part of them is viewed.
+  std::size_t total = 0;
 };
 
 class Inventory {
@@ -50,10 +54,15 @@ class Inventory {
   const std::string& SystemName() const { return fSystemName; }
   /// All six classes, in the order in which a host asks for them.
   const std::vector<ClassView>& Classes() const { return fClasses; }
-  /// The instances of a class of the schema.
-  const std::vector<InstanceView>& InstancesOf(const std::string& className) const;
+  /// A class of the schema, and its instances.
+  const ClassView& ClassOf(const std::string& className) const;
+  const std::vector<InstanceView>& InstancesOf(const std::string& className) const {
+    return ClassOf(className).instances;
+  }
   /// True when no class has an instance.
   bool IsEmpty() const;
+  /// The part whose instances `keep` is true for, in the same order; the totals stay.
+  Inventory Only(const std::function<bool(const InstanceView&)>& keep) const;
 
  private:
   std::string fSystemName;

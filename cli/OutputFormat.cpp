@@ -13,8 +13,8 @@ namespace cli {
 
 const std::vector<OutputFormat>& OutputFormats() {
   static const std::vector<OutputFormat> formats = {
-      {"tree", false, RenderTree},    {"json", true, RenderJson}, {"jsonl", true, RenderJsonLines},
-      {"cimxml", true, RenderCimXml}, {"mof", true, RenderMof},
+      {"tree", false, RenderTree, true}, {"json", true, RenderJson}, {"jsonl", true, RenderJsonLines},
+      {"cimxml", true, RenderCimXml},    {"mof", true, RenderMof},
   };
   return formats;
 }

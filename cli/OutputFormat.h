@@ -20,6 +20,8 @@ struct OutputFormat {
   /// For programs rather than people: an empty inventory is still a document.
   bool isMachineReadable;
   std::string (*render)(const Inventory& inventory, const RenderOptions& options);
+  /// Draws how the items hang together: what is selected comes with the way that leads to it.
+  bool keepsWay = false;
 };
 
 /// All formats; the first is the default.

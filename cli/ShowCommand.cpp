@@ -55,16 +55,23 @@ std::string AdviseOnEmpty(const ShowOptions& options) {
       NameOfList(options.source.devices));
 }
 
+std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& inventory) {
+  if (inventory.IsEmpty()) return AdviseOnEmpty(options);
+  return fmt::format("nothing matches \"{}\"; leave that out to see what there is",
+                     Describe(options.selection));
+}
+
 }  // namespace
 
 int RunShow(const ShowOptions& options) {
   LogWriter log(options.log, SeverityOf(options.logLevel),
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);
-  Print(options, inventory);
+  const Inventory shown = Select(inventory, options.selection, FindOutputFormat(options.format).keepsWay);
+  Print(options, shown);
   log.Finish();
-  if (!inventory.IsEmpty()) return kPrinted;
-  std::cerr << "usbinfo: " << EscapeForTerminal(AdviseOnEmpty(options)) << "\n";
+  if (!shown.IsEmpty()) return kPrinted;
+  std::cerr << "usbinfo: " << EscapeForTerminal(AdviseOnNothingShown(options, inventory)) << "\n";
   return kNothingFound;
 }
 

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <functional>
 #include <vector>
 
 #include "cli/LogWriter.h"
@@ -27,6 +28,32 @@ std::string CheckRequest(const std::string& request) {
 /// An empty name is most often an unset variable; taking it for "not given" would do something else.
 std::string CheckNotEmpty(const std::string& text) {
   return text.empty() ? "must not be empty" : "";
+}
+
+/// What an option parses its text into; refused with the `form` it must have.
+template <typename Parsed>
+std::function<void(const std::string&)> ParseInto(Parsed& parsed, Parsed (*parse)(const std::string&),
+                                                  const char* option, const char* form) {
+  return [&parsed, parse, option, form](const std::string& text) {
+    parsed = parse(text);
+    if (!parsed) throw CLI::ValidationError(option, form);
+  };
+}
+
+void AddSelectionOptions(CLI::App& app, Selection& selection) {
+  app.add_option_function("-d",
+                          ParseInto(selection.ids, ParseUsbIds, "-d",
+                                    "must be VID:[PID], hexadecimal numbers of up to four digits"),
+                          "Print only the devices and hubs of this vendor and\nproduct, in hexadecimal")
+      ->type_name("VID:[PID]");
+  app.add_option_function(
+         "-s", ParseInto(selection.place, ParseUsbPlace, "-s", "must be [BUS]:[DEV] or DEV, decimal numbers"),
+         "Print only the devices and hubs of this bus and\nnumber, in decimal")
+      ->type_name("[BUS]:[DEV]");
+  app.add_option("--class", selection.classes, "Print only this class; may be repeated")
+      ->type_name("NAME")
+      ->allow_extra_args(false)
+      ->check(CLI::IsMember(AllClasses()).description(""));
 }
 
 }  // namespace
@@ -55,6 +82,7 @@ void AddShowOptions(CLI::App& app, ShowOptions& options) {
       ->type_name("A,B,...")
       ->check(CheckRequest);
   addText("--system-name", options.source.systemName, "NAME", "The system name in the keys [the host name]");
+  AddSelectionOptions(app, options.selection);
   addText("--output", options.output, "FILE", "Write there, whole or not at all [standard output]");
   addText("--plugin", options.source.plugin, "FILE", "The plug-in module to load [the one that came along]");
   addText("--log", options.log, "FILE", "Where the log goes [standard error]");

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/Collection.h"
+#include "cli/Selection.h"
 
 namespace cli {
 
@@ -13,6 +14,8 @@ struct ShowOptions {
   std::string format;
   /// Class names to ask for, separated by commas; empty for all.
   std::string request;
+  /// The part of the inventory to print.
+  Selection selection;
   /// Empty for standard output.
   std::string output;
   /// Empty for standard error.

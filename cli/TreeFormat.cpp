@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <libsmartcols/libsmartcols.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <new>
@@ -123,9 +124,12 @@ std::string Print(libscols_table* table) {
 }  // namespace
 
 std::string RenderTree(const Inventory& inventory, const RenderOptions& options) {
+  const UsbTree tree(inventory);
+  const std::string heading = EscapeForTerminal(Summary(inventory)) + "\n\n";
+  if (tree.Nodes().empty()) return heading + "Associations alone have no rows in a tree.\n";
   const Table table = NewTable(options);
-  AddRows(table.get(), UsbTree(inventory));
-  return EscapeForTerminal(Summary(inventory)) + "\n\n" + Print(table.get());
+  AddRows(table.get(), tree);
+  return heading + Print(table.get());
 }
 
 }  // namespace cli

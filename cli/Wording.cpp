@@ -20,6 +20,20 @@ std::string PlaceOnBus(const UsbTreeNode& node, const std::string& identifier) {
   return fmt::format("{} {}", noun, Behind(identifier, " Device "));
 }
 
+/// "26 ports"; "2 of 26 ports" where the others are left out.
+std::string CountShown(const Inventory& inventory, const std::string& className, const std::string& noun) {
+  const ClassView& view = inventory.ClassOf(className);
+  const std::string all = Count(view.total, noun);
+  return view.instances.size() == view.total ? all : fmt::format("{} of {}", view.instances.size(), all);
+}
+
+/// How many of the ports are free, in so far as all of them are there to be counted.
+std::string FreePorts(const Inventory& inventory) {
+  const ClassView& ports = inventory.ClassOf("KALDO_USBPort");
+  if (ports.instances.size() != ports.total) return std::string();
+  return fmt::format(" ({} free)", std::count_if(ports.instances.begin(), ports.instances.end(), IsFree));
+}
+
 }  // namespace
 
 std::string FormatSpeed(std::uint64_t bitsPerSecond) {
@@ -103,12 +117,11 @@ std::string SpeedOf(const UsbTree& tree, const UsbTreeNode& node) {
 }
 
 std::string Summary(const Inventory& inventory) {
-  const auto& ports = inventory.InstancesOf("KALDO_USBPort");
-  return fmt::format("{}: {}, {}, {} ({} free), {}", inventory.SystemName(),
-                     Count(inventory.InstancesOf("KALDO_USBController").size(), "controller"),
-                     Count(inventory.InstancesOf("KALDO_USBHub").size(), "hub"), Count(ports.size(), "port"),
-                     std::count_if(ports.begin(), ports.end(), IsFree),
-                     Count(inventory.InstancesOf("KALDO_USBDevice").size(), "device"));
+  return fmt::format("{}: {}, {}, {}{}, {}", inventory.SystemName(),
+                     CountShown(inventory, "KALDO_USBController", "controller"),
+                     CountShown(inventory, "KALDO_USBHub", "hub"),
+                     CountShown(inventory, "KALDO_USBPort", "port"), FreePorts(inventory),
+                     CountShown(inventory, "KALDO_USBDevice", "device"));
 }
 
 }  // namespace cli
