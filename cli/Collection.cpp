@@ -9,18 +9,23 @@
 #include <memory>
 #include <new>
 #include <system_error>
+#include <utility>
 
+#include "cli/MaskingSystem.h"
 #include "cli/ModulePath.h"
+#include "cli/SerialMask.h"
 #include "cli/UserError.h"
 #include "host/ILogger.h"
 #include "standin/ClassSchema.h"
 #include "standin/FileDescriptor.h"
 #include "standin/GivenDeviceList.h"
 #include "standin/Host.h"
+#include "standin/Machine.h"
 #include "standin/PluginModule.h"
 
 using NKESTA20::ILogger;
 using standin::Host;
+using standin::OperatingSystem;
 
 namespace cli {
 
@@ -36,13 +41,30 @@ std::string ReadDeviceList(const std::string& path) {
   }
 }
 
+SerialMask MaskOf(const Source& source) {
+  if (source.maskKey.empty()) return SerialMask::OfThisRun();
+  if (source.maskKey == "-" && source.devices == "-") {
+    throw UserError("--devices and --mask-key cannot both be standard input; name a file for one of them");
+  }
+  return SerialMask::OfKeyFile(source.maskKey);
+}
+
+std::unique_ptr<OperatingSystem> SystemOf(const Source& source) {
+  if (source.devices.empty()) return std::make_unique<standin::Machine>();
+  return std::make_unique<standin::GivenDeviceList>(ReadDeviceList(source.devices));
+}
+
+std::unique_ptr<OperatingSystem> MaskedSystemOf(const Source& source) {
+  if (!source.maskSerials) return SystemOf(source);
+  SerialMask mask = MaskOf(source);
+  return std::make_unique<MaskingSystem>(SystemOf(source), std::move(mask));
+}
+
 void ConfigureHost(const Source& source, LogWriter& log) {
   Host& host = Host::Instance();
   host.Reset();
   if (!source.systemName.empty()) host.SetSystemName(source.systemName);
-  if (!source.devices.empty()) {
-    host.SetOperatingSystem(std::make_unique<standin::GivenDeviceList>(ReadDeviceList(source.devices)));
-  }
+  host.SetOperatingSystem(MaskedSystemOf(source));
   host.CoreLogger().SetSink(
       [&log](ILogger::EQSVLogSeverity severity, const std::string& text) { log.Write(severity, text); });
 }

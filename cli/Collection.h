@@ -18,6 +18,10 @@ struct Source {
   std::string systemName;
   /// The plug-in module; empty for the one that came along.
   std::string plugin;
+  /// Hashes stand in place of the serial numbers.
+  bool maskSerials = false;
+  /// The file with the key to hash with, "-" for standard input; empty for one drawn for this run.
+  std::string maskKey;
 };
 
 /// How a device list is called in messages.

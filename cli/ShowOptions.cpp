@@ -56,6 +56,16 @@ void AddSelectionOptions(CLI::App& app, Selection& selection) {
       ->check(CLI::IsMember(AllClasses()).description(""));
 }
 
+void AddMaskOptions(CLI::App& app, Source& source) {
+  CLI::Option* const mask =
+      app.add_flag("--mask-serials", source.maskSerials, "Print and log hashes in place of serial numbers");
+  app.add_option("--mask-key", source.maskKey,
+                 "The key to hash with; inventories of one key\ncompare. - is standard input [a new one]")
+      ->type_name("FILE")
+      ->check(CheckNotEmpty)
+      ->needs(mask);
+}
+
 }  // namespace
 
 void AddShowOptions(CLI::App& app, ShowOptions& options) {
@@ -83,6 +93,7 @@ void AddShowOptions(CLI::App& app, ShowOptions& options) {
       ->check(CheckRequest);
   addText("--system-name", options.source.systemName, "NAME", "The system name in the keys [the host name]");
   AddSelectionOptions(app, options.selection);
+  AddMaskOptions(app, options.source);
   addText("--output", options.output, "FILE", "Write there, whole or not at all [standard output]");
   addText("--plugin", options.source.plugin, "FILE", "The plug-in module to load [the one that came along]");
   addText("--log", options.log, "FILE", "Where the log goes [standard error]");

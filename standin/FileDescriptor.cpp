@@ -39,7 +39,7 @@ FileDescriptor OpenFile(const std::string& path, int flags) {
   return file;
 }
 
-std::string ReadAll(int fd) {
+std::string ReadAll(int fd, std::size_t most) {
   constexpr std::size_t kChunk = 65536;
   std::string text;
   std::array<char, kChunk> chunk;
@@ -51,6 +51,7 @@ std::string ReadAll(int fd) {
     } else if (errno != EINTR) {
       ThrowSystemError(errno);
     }
+    if (text.size() > most) ThrowSystemError(EFBIG);
   }
 }
 

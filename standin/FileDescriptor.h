@@ -1,6 +1,7 @@
 // An owned file descriptor, how to get one, and the reading and writing of whole contents through it.
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace standin {
@@ -32,8 +33,9 @@ class FileDescriptor {
 /// read and written as far as the user's mask allows. Throws std::system_error.
 FileDescriptor OpenFile(const std::string& path, int flags);
 
-/// All that can be read from `fd` up to its end, whatever size it is said to have. Throws std::system_error.
-std::string ReadAll(int fd);
+/// All that can be read from `fd` up to its end, whatever size it is said to have. Throws std::system_error,
+/// with EFBIG beyond `most` bytes.
+std::string ReadAll(int fd, std::size_t most = std::string::npos);
 
 /// Writes the whole of `text`. Throws std::system_error.
 void WriteAll(int fd, const std::string& text);

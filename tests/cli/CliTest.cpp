@@ -134,6 +134,10 @@ TCIMReference CliTest::AddDevice(const std::string& deviceId, const std::string&
 
 void CliTest::Collect(const std::string& deviceList) {
   host.SetOperatingSystem(std::make_unique<standin::GivenDeviceList>(deviceList));
+  CollectThroughModule();
+}
+
+void CliTest::CollectThroughModule() {
   std::vector<std::string> names;
   for (const standin::ClassSchema& schema : standin::ServedClasses()) names.push_back(schema.name);
   standin::PluginModule(MODULE_PATH).Collect(names);

@@ -94,6 +94,8 @@ class CliTest : public HostTest {
 
   /// Has the built module fill the host from a device list.
   void Collect(const std::string& deviceList);
+  /// Has the built module fill the host from the services that the host has.
+  static void CollectThroughModule();
 };
 
 }  // namespace usbinfo_test

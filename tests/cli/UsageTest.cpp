@@ -14,6 +14,12 @@ using testing::HasSubstr;
 namespace usbinfo_test {
 namespace {
 
+constexpr const char* kWrongIds = "-d: must be VID:[PID], hexadecimal numbers of up to four digits";
+constexpr const char* kWrongPlace = "-s: must be [BUS]:[DEV] or DEV, decimal numbers";
+#define USBINFO_TEST_CLASSES                                                            \
+  "{KALDO_USBController,KALDO_USBHub,KALDO_USBPort,KALDO_USBDevice,KALDO_USBPortOnHub," \
+  "KALDO_USBConnection}"
+
 struct WrongUse {
   const char* name;
   std::vector<std::string> arguments;
@@ -60,6 +66,45 @@ const WrongUse kWrongUses[] = {
     {"WrongLogFormat", {"--log-format", "xml"}, "--log-format: xml not in {text,json}"},
     {"DevicesTwice", {"--devices", "a", "--devices", "b"}, "--devices: At Most 1 required but received 2"},
     {"OutputTwice", {"--output", "a", "--output", "b"}, "--output: At Most 1 required but received 2"},
+    {"IdsTwice", {"-d", "1:", "-d", "2:"}, "-d: At Most 1 required but received 2"},
+    {"NoIds", {"-d"}, "-d: 1 required VID:[PID] missing"},
+    {"EmptyIds", {"-d", ""}, kWrongIds},
+    {"IdsWithoutColon", {"-d", "1d6b"}, kWrongIds},
+    {"IdsWithoutVendor", {"-d", ":0002"}, kWrongIds},
+    {"IdsOfColonAlone", {"-d", ":"}, kWrongIds},
+    {"LongVendor", {"-d", "01d6b:"}, kWrongIds},
+    {"LongProduct", {"-d", "1d6b:00002"}, kWrongIds},
+    {"VendorThatIsNoNumber", {"-d", "1d6g:"}, kWrongIds},
+    {"VendorOfAPrefixAlone", {"-d", "0x:"}, kWrongIds},
+    {"VendorWithSign", {"-d", "-1:"}, kWrongIds},
+    {"VendorWithBlank", {"-d", " 1:"}, kWrongIds},
+    {"ThreeIds", {"-d", "1:2:3"}, kWrongIds},
+    {"PlaceTwice", {"-s", "1", "-s", "2"}, "-s: At Most 1 required but received 2"},
+    {"NoPlace", {"-s"}, "-s: 1 required [BUS]:[DEV] missing"},
+    {"EmptyPlace", {"-s", ""}, kWrongPlace},
+    {"BusThatIsNoNumber", {"-s", "a:"}, kWrongPlace},
+    {"DeviceThatIsNoNumber", {"-s", ":a"}, kWrongPlace},
+    {"DeviceWithFraction", {"-s", "1.5"}, kWrongPlace},
+    {"DeviceWithSign", {"-s", "-1"}, kWrongPlace},
+    {"BusWithPlus", {"-s", "+1:"}, kWrongPlace},
+    {"DeviceWithBlank", {"-s", "1 "}, kWrongPlace},
+    {"DeviceTooBig", {"-s", "4294967296"}, kWrongPlace},
+    {"ThreePlaces", {"-s", "1:2:3"}, kWrongPlace},
+    {"NoClass", {"--class"}, "--class: 1 required NAME missing"},
+    {"UnknownClass", {"--class", "KALDO_USB"}, "--class: KALDO_USB not in " USBINFO_TEST_CLASSES},
+    {"ClassInSmallLetters",
+     {"--class", "kaldo_usbhub"},
+     "--class: kaldo_usbhub not in " USBINFO_TEST_CLASSES},
+    {"EmptyClass", {"--class", ""}, "--class:  not in " USBINFO_TEST_CLASSES},
+    {"UnknownClassBehindAKnownOne",
+     {"--class", "KALDO_USBHub", "--class", "x"},
+     "--class: x not in " USBINFO_TEST_CLASSES},
+    {"TwoClassesBehindOneOption",
+     {"--class", "KALDO_USBHub", "KALDO_USBPort"},
+     "The following argument was not expected: KALDO_USBPort"},
+    {"KeyWithoutMask", {"--mask-key", "key"}, "--mask-key requires --mask-serials"},
+    {"NoKey", {"--mask-serials", "--mask-key"}, "--mask-key: 1 required FILE missing"},
+    {"EmptyKeyName", {"--mask-serials", "--mask-key", ""}, "--mask-key: must not be empty"},
     {"ShowTwice", {"show", "show"}, "The following argument was not expected: show"},
 };
 
@@ -98,9 +143,10 @@ TEST(Usage, PrintsHelpThatNamesEveryOptionWithinEightyColumns) {
     const CommandResult result = RunUsbinfo(arguments);
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.errors, "");
-    for (const char* option :
-         {"-h", "--devices", "--format", "--request", "--system-name", "--output", "--plugin", "--log ",
-          "--log-level", "--log-format", "tree", "json", "jsonl", "cimxml", "mof"}) {
+    for (const char* option : {"-h",       "--devices", "--format", "--request",      "--system-name",
+                               "-d ",      "-s ",       "--class",  "--mask-serials", "--mask-key",
+                               "--output", "--plugin",  "--log ",   "--log-level",    "--log-format",
+                               "tree",     "json",      "jsonl",    "cimxml",         "mof"}) {
       EXPECT_THAT(result.output, HasSubstr(option));
     }
     for (const std::string& line : Lines(result.output)) EXPECT_LE(line.size(), 80U) << line;

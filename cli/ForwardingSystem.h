@@ -1,0 +1,27 @@
+// An operating system in front of another one, which it owns: it hands every question on and every answer
+// back. What changes some of them derives from it and overrides only those.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "standin/OperatingSystem.h"
+
+namespace cli {
+
+class ForwardingSystem : public standin::OperatingSystem {
+ public:
+  explicit ForwardingSystem(std::unique_ptr<standin::OperatingSystem> behind) : fBehind(std::move(behind)) {}
+
+  bool FileExists(const std::string& path) override { return fBehind->FileExists(path); }
+  std::string CaptureFile(const std::string& path) override { return fBehind->CaptureFile(path); }
+  std::string SpawnProcess(const std::string& command, int seconds) override {
+    return fBehind->SpawnProcess(command, seconds);
+  }
+
+ private:
+  std::unique_ptr<standin::OperatingSystem> fBehind;
+};
+
+}  // namespace cli
