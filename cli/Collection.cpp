@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <new>
@@ -15,6 +16,7 @@
 #include "cli/ModulePath.h"
 #include "cli/SerialMask.h"
 #include "cli/UserError.h"
+#include "cli/WaitingNotice.h"
 #include "host/ILogger.h"
 #include "standin/ClassSchema.h"
 #include "standin/FileDescriptor.h"
@@ -49,8 +51,17 @@ SerialMask MaskOf(const Source& source) {
   return SerialMask::OfKeyFile(source.maskKey);
 }
 
+/// The machine, which may take its time; a terminal is told.
+std::unique_ptr<OperatingSystem> MachineForUser() {
+  auto machine = std::make_unique<standin::Machine>();
+  if (::isatty(STDERR_FILENO) == 0) return machine;
+  return std::make_unique<WaitingNotice>(
+      std::move(machine), std::chrono::seconds(1),
+      [](const std::string& line) { standin::WriteAll(STDERR_FILENO, line); });
+}
+
 std::unique_ptr<OperatingSystem> SystemOf(const Source& source) {
-  if (source.devices.empty()) return std::make_unique<standin::Machine>();
+  if (source.devices.empty()) return MachineForUser();
   return std::make_unique<standin::GivenDeviceList>(ReadDeviceList(source.devices));
 }
 

@@ -80,14 +80,17 @@ Terminal NewTerminal(unsigned short columns) {
   return terminal;
 }
 
-/// Everything up to the moment when no process has the terminal open any more, which shows as an error.
-std::string ReadTerminal(const FileDescriptor& master) {
+/// Everything up to the moment when no process has the terminal open any more, which shows as an error;
+/// `onText` may watch it come.
+std::string ReadTerminal(const FileDescriptor& master,
+                         const std::function<void(const std::string& text)>& onText) {
   std::string text;
   char chunk[4096];
   for (;;) {
     const ssize_t got = ::read(master.Get(), chunk, sizeof chunk);
     if (got <= 0) return text;
     text.append(chunk, static_cast<std::size_t>(got));
+    if (onText) onText(text);
   }
 }
 
@@ -210,6 +213,11 @@ Command& Command::OutputToTerminal(unsigned short columns) {
   return *this;
 }
 
+Command& Command::ErrorsToTerminal(std::function<void(const std::string& text)> onText) {
+  fOnErrors = std::move(onText);
+  return *this;
+}
+
 std::vector<std::string> Command::EnvironmentList() const {
   std::vector<std::string> list;
   for (char** entry = environ; *entry != nullptr; ++entry) {
@@ -224,26 +232,27 @@ CommandResult Command::Run() const {
   const FileDescriptor input =
       fHasInput ? PipeHolding(fInput) : FileDescriptor(::open(fInputPath.c_str(), O_RDONLY | O_CLOEXEC));
   const FileDescriptor captured = NewMemoryFile();
-  const FileDescriptor errors = NewMemoryFile();
+  const FileDescriptor capturedErrors = NewMemoryFile();
+  const bool hasTerminal = fTarget == Target::kTerminal || fOnErrors;
   Terminal terminal;
   FileDescriptor output;
   if (fTarget == Target::kClosedPipe) output = NewPipe().writer;
   if (fTarget == Target::kFile) output = FileDescriptor(::open(fOutputPath.c_str(), O_WRONLY | O_CLOEXEC));
-  if (fTarget == Target::kTerminal) {
-    terminal = NewTerminal(fColumns);
-    output = std::move(terminal.slave);
-  }
+  if (hasTerminal) terminal = NewTerminal(fColumns);
   std::vector<std::string> words = fArguments;
   words.insert(words.begin(), fProgram);
-  const int outputNumber = fTarget == Target::kCapture ? captured.Get() : output.Get();
-  const pid_t pid =
-      Spawn(words, EnvironmentList(), {input.Get(), outputNumber, fHasErrors ? errors.Get() : -1});
+  StandardFiles files = {input.Get(), output.Get(), fHasErrors ? capturedErrors.Get() : -1};
+  if (fTarget == Target::kCapture) files.output = captured.Get();
+  if (fTarget == Target::kTerminal) files.output = terminal.slave.Get();
+  if (fOnErrors) files.errors = terminal.slave.Get();
+  const pid_t pid = Spawn(words, EnvironmentList(), files);
   output.Close();
+  terminal.slave.Close();
   std::string text;
-  if (fTarget == Target::kTerminal) text = ReadTerminal(terminal.master);
+  if (hasTerminal) text = ReadTerminal(terminal.master, fOnErrors);
   const int status = Wait(pid);
-  if (fTarget != Target::kTerminal) text = Content(captured);
-  return {status, text, Content(errors)};
+  return {status, fTarget == Target::kTerminal ? text : Content(captured),
+          fOnErrors ? text : Content(capturedErrors)};
 }
 
 CommandResult RunUsbinfo(std::vector<std::string> arguments) {

@@ -2,6 +2,7 @@
 // kept apart. Unlike `system`, which no test program has, this starts nothing but the command itself.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -37,6 +38,8 @@ class Command {
   Command& CloseErrors();
   /// Standard output is a terminal of that many columns, captured as it is written.
   Command& OutputToTerminal(unsigned short columns);
+  /// Standard error is a terminal; `onText` is called with what stands there each time that more comes.
+  Command& ErrorsToTerminal(std::function<void(const std::string& text)> onText);
 
   CommandResult Run() const;
 
@@ -55,6 +58,8 @@ class Command {
   std::string fOutputPath;
   unsigned short fColumns = 0;
   bool fHasErrors = true;
+  /// Empty unless standard error is a terminal.
+  std::function<void(const std::string& text)> fOnErrors;
 };
 
 /// The command with these arguments and nothing special around it.
