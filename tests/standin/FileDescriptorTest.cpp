@@ -147,6 +147,23 @@ TEST_F(FileDescriptorTest, ReadsNothingFromAnEmptyFile) {
   EXPECT_EQ(ReadAll(OpenNull().Get()), "");
 }
 
+TEST_F(FileDescriptorTest, ReadsUpToTheMostBytesAllowed) {
+  const auto readOf = [](const std::string& text, std::size_t most) {
+    Pipe pipe = MakePipe();
+    WriteAll(pipe.input.Get(), text);
+    pipe.input.Close();
+    return ReadAll(pipe.output.Get(), most);
+  };
+  EXPECT_EQ(readOf("four", 4), "four");
+  EXPECT_EQ(readOf("", 0), "");
+  EXPECT_EQ(ErrorOf([&] { readOf("fours", 4); }), EFBIG);
+}
+
+TEST_F(FileDescriptorTest, StopsReadingWhatNeverEnds) {
+  const FileDescriptor zeros = standin::OpenFile("/dev/zero", O_RDONLY);
+  EXPECT_EQ(ErrorOf([&] { ReadAll(zeros.Get(), 1000000); }), EFBIG);
+}
+
 TEST_F(FileDescriptorTest, WritesNothingWithoutTouchingTheFile) {
   EXPECT_EQ(ErrorOf([] { WriteAll(-1, ""); }), 0);
 }
