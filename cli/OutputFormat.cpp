@@ -4,6 +4,8 @@
 #include <algorithm>
 
 #include "cli/CimXmlFormat.h"
+#include "cli/DotFormat.h"
+#include "cli/HtmlFormat.h"
 #include "cli/JsonFormat.h"
 #include "cli/JsonLinesFormat.h"
 #include "cli/MofFormat.h"
@@ -14,7 +16,8 @@ namespace cli {
 const std::vector<OutputFormat>& OutputFormats() {
   static const std::vector<OutputFormat> formats = {
       {"tree", false, RenderTree, true}, {"json", true, RenderJson}, {"jsonl", true, RenderJsonLines},
-      {"cimxml", true, RenderCimXml},    {"mof", true, RenderMof},
+      {"cimxml", true, RenderCimXml},    {"mof", true, RenderMof},   {"dot", true, RenderDot, true},
+      {"html", true, RenderHtml, true},
   };
   return formats;
 }

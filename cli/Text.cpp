@@ -42,6 +42,11 @@ bool IsControl(std::string_view character) {
   return character == "\xE2\x80\xA8" || character == "\xE2\x80\xA9";
 }
 
+/// U+FFFE and U+FFFF, which XML forbids.
+bool IsNoCharacter(std::string_view character) {
+  return character == "\xEF\xBF\xBE" || character == "\xEF\xBF\xBF";
+}
+
 std::string EscapeBytes(std::string_view bytes) {
   std::string escaped;
   for (const char c : bytes) escaped += fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
@@ -125,6 +130,18 @@ std::string ReplaceDirectionMarks(const std::string& text) {
   for (std::size_t at = 0; at < text.size();) {
     const std::string_view character = CharacterAt(text, at).bytes;
     replaced += IsDirectionMark(character) ? kReplacement : character;
+    at += character.size();
+  }
+  return replaced;
+}
+
+std::string ReplaceUnprintable(const std::string& text) {
+  const std::string valid = ReplaceInvalidUtf8(text);
+  std::string replaced;
+  for (std::size_t at = 0; at < valid.size();) {
+    const std::string_view character = std::string_view(valid).substr(at, CharacterLength(valid[at]));
+    const bool isBad = IsControl(character) || IsDirectionMark(character) || IsNoCharacter(character);
+    replaced += isBad ? kReplacement : character;
     at += character.size();
   }
   return replaced;

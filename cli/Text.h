@@ -23,4 +23,8 @@ std::string EscapeForMof(const std::string& text);
 /// the line it stands in.
 std::string ReplaceDirectionMarks(const std::string& text);
 
+/// `text` on one line for documents that a person looks at: control characters, direction marks and what no
+/// XML document may hold, bytes that are no UTF-8 among it, replaced by U+FFFD each.
+std::string ReplaceUnprintable(const std::string& text);
+
 }  // namespace cli

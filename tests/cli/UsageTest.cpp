@@ -51,14 +51,16 @@ const WrongUse kWrongUses[] = {
     {"EmptyOutput", {"--output", ""}, "--output: must not be empty"},
     {"EmptyPlugin", {"--plugin", ""}, "--plugin: must not be empty"},
     {"EmptyLog", {"--log", ""}, "--log: must not be empty"},
-    {"EmptyFormat", {"--format", ""}, "--format:  not in {tree,json,jsonl,cimxml,mof}"},
+    {"EmptyFormat", {"--format", ""}, "--format:  not in {tree,json,jsonl,cimxml,mof,dot,html}"},
     {"EmptyRequest", {"--request", ""}, "--request: needs class names separated by commas"},
     {"RequestBeginsWithComma", {"--request", ",A"}, "--request: needs class names separated by commas"},
     {"RequestEndsWithComma", {"--request", "A,"}, "--request: needs class names separated by commas"},
     {"RequestWithEmptyName", {"--request", "A,,B"}, "--request: needs class names separated by commas"},
-    {"WrongFormat", {"--format", "yaml"}, "--format: yaml not in {tree,json,jsonl,cimxml,mof}"},
-    {"FormatInCapitals", {"--format", "JSON"}, "--format: JSON not in {tree,json,jsonl,cimxml,mof}"},
-    {"WrongFormatOfShow", {"show", "--format", "yaml"}, "--format: yaml not in {tree,json,jsonl,cimxml,mof}"},
+    {"WrongFormat", {"--format", "yaml"}, "--format: yaml not in {tree,json,jsonl,cimxml,mof,dot,html}"},
+    {"FormatInCapitals", {"--format", "JSON"}, "--format: JSON not in {tree,json,jsonl,cimxml,mof,dot,html}"},
+    {"WrongFormatOfShow",
+     {"show", "--format", "yaml"},
+     "--format: yaml not in {tree,json,jsonl,cimxml,mof,dot,html}"},
     {"WrongLogLevel",
      {"--log-level", "loud"},
      "--log-level: loud not in {error,warning,status,debug,verbose}"},
@@ -146,7 +148,8 @@ TEST(Usage, PrintsHelpThatNamesEveryOptionWithinEightyColumns) {
     for (const char* option : {"-h",       "--devices", "--format", "--request",      "--system-name",
                                "-d ",      "-s ",       "--class",  "--mask-serials", "--mask-key",
                                "--output", "--plugin",  "--log ",   "--log-level",    "--log-format",
-                               "tree",     "json",      "jsonl",    "cimxml",         "mof"}) {
+                               "tree",     "json",      "jsonl",    "cimxml",         "mof",
+                               "dot",      "html"}) {
       EXPECT_THAT(result.output, HasSubstr(option));
     }
     for (const std::string& line : Lines(result.output)) EXPECT_LE(line.size(), 80U) << line;

@@ -7,6 +7,8 @@
 #include "cli/OutputFormat.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/CimXmlReader.h"
+#include "tests/fuzz/DotReader.h"
+#include "tests/fuzz/HtmlReader.h"
 #include "tests/fuzz/JsonReader.h"
 #include "tests/fuzz/MofReader.h"
 #include "tests/fuzz/TreeReader.h"
@@ -17,7 +19,8 @@ const FormatReader& FindFormatReader(const std::string& format) {
   static const std::vector<FormatReader> readers = {
       {"tree", {"C", "C.UTF-8"}, CheckTree},  {"json", {"C.UTF-8"}, CheckJson},
       {"jsonl", {"C.UTF-8"}, CheckJsonLines}, {"cimxml", {"C.UTF-8"}, CheckCimXml},
-      {"mof", {"C.UTF-8"}, CheckMof},
+      {"mof", {"C.UTF-8"}, CheckMof},         {"dot", {"C.UTF-8"}, CheckDot},
+      {"html", {"C.UTF-8"}, CheckHtml},
   };
   const auto found = std::find_if(readers.begin(), readers.end(),
                                   [&format](const FormatReader& reader) { return reader.format == format; });

@@ -110,6 +110,37 @@ TEST_F(ReadBackTest, OfMofRefusesWhatDiffers) {
   EXPECT_FALSE(Takes("mof", Render("mof") + "instance of KALDO_USBHub {};"));
 }
 
+TEST_F(ReadBackTest, OfTheGraphRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("dot", "Root &amp; <hub>", "Root"));
+  EXPECT_FALSE(TakesWith("dot", "Root &amp; <hub>", "Root & <hub>"));
+  EXPECT_FALSE(TakesWith("dot", "Root &amp; <hub>", "Root &amp; <hub>\\N"));
+  EXPECT_FALSE(TakesWith("dot", "Root &amp; <hub>", "Root &amp; <hub>\x1B"));
+  EXPECT_FALSE(TakesWith("dot", "Root &amp; <hub>\"", "Root &amp; <hub>\", label=\"\""));
+  EXPECT_FALSE(TakesWith("dot", "0000:0000", "0000:0001"));
+  EXPECT_FALSE(TakesWith("dot", "port free", "port used"));
+  EXPECT_FALSE(TakesWith("dot", "  n0 -> n1;\n", ""));
+  EXPECT_FALSE(TakesWith("dot", "  n0 -> n1;\n", "  n0 -> n1;\n  n0 -> n1;\n"));
+  EXPECT_FALSE(TakesWith("dot", "  n0 -> n1;", "  n0 -> n2;"));
+  EXPECT_FALSE(Takes("dot", Render("dot") + "}\n"));
+}
+
+TEST_F(ReadBackTest, OfThePageRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("html", "<span data-find=\"\">Root &amp; &lt;hub&gt;", "<span data-find=\"\">Root"));
+  EXPECT_FALSE(TakesWith("html", "Root &amp; &lt;hub&gt;", "Root & &lt;hub&gt;"));
+  EXPECT_FALSE(TakesWith("html", "Root &amp; &lt;hub&gt;", "Root &amp; <hub/>"));
+  EXPECT_FALSE(TakesWith("html", "Root &amp; &lt;hub&gt;", "Root &amp; &lt;hub&gt;\xE2\x80\xAE"));
+  EXPECT_FALSE(TakesWith("html", "0000:0000", "0000:0001"));
+  EXPECT_FALSE(TakesWith("html", ">Bus 01  Device   2<", ">Bus 01  Device   3<"));
+  EXPECT_FALSE(TakesWith("html", "class=\"item device\"", "class=\"item hub\""));
+  EXPECT_FALSE(TakesWith("html", "socket high free", "socket high used"));
+  EXPECT_FALSE(TakesWith("html", "id=\"i0\"", "id=\"i9\""));
+  EXPECT_FALSE(TakesWith("html", "<h1>", "<h1 onclick=\"x()\">"));
+  EXPECT_FALSE(TakesWith("html", "href=\"#i", "href=\"//i"));
+  EXPECT_FALSE(TakesWith("html", "</h1>", "</h1><img/>"));
+  EXPECT_FALSE(TakesWith("html", "</h1>", "</h1><script></script>"));
+  EXPECT_FALSE(Takes("html", Changed(Render("html"), "<!DOCTYPE html>", "")));
+}
+
 TEST_F(ReadBackTest, OfTheTreeRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("tree", "1 controller", "2 controllers"));
   EXPECT_FALSE(TakesWith("tree", "(1 free)", "(2 free)"));
@@ -144,6 +175,12 @@ TEST(Utf8Model, ReplacesTheLongestPiecesOfBrokenCharacters) {
   ForEachCharacter("z\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80", take);
   EXPECT_THAT(characters, testing::ElementsAre(0x7A, 0xE4, 0x20AC, 0x1F600));
   EXPECT_THROW(ForEachCharacter("\xC3", take), BrokenInvariant);
+}
+
+TEST(Utf8Model, ReplacesWhatIsNotShown) {
+  const std::string bad = "\xEF\xBF\xBD";
+  EXPECT_EQ(AsShown("a\tb\x7F\xC2\x9B\xE2\x80\xAE\xE2\x80\xA9\xEF\xBF\xBF\xFFz\xC3\xA4"),
+            "a" + bad + "b" + bad + bad + bad + bad + bad + bad + "z\xC3\xA4");
 }
 
 TEST(XmlModel, ReplacesWhatXmlCannotHold) {

@@ -73,6 +73,19 @@ std::string ReplaceBrokenUtf8(const std::string& text) {
   return replaced;
 }
 
+std::string AsShown(const std::string& text) {
+  const std::string decoded = ReplaceBrokenUtf8(text);
+  std::string shown;
+  for (std::size_t at = 0; at < decoded.size();) {
+    const Piece piece = PieceAt(decoded, at);
+    const std::uint32_t character = piece.character;
+    const bool isBad = IsControl(character) || TurnsDirection(character) || (character | 1U) == 0xFFFF;
+    shown += isBad ? "\xEF\xBF\xBD" : decoded.substr(at, piece.length);
+    at += piece.length;
+  }
+  return shown;
+}
+
 void ForEachCharacter(const std::string& text, const std::function<void(std::uint32_t character)>& take) {
   for (std::size_t at = 0; at < text.size();) {
     const Piece piece = PieceAt(text, at);

@@ -12,6 +12,10 @@ namespace usbinfo_test {
 /// that begins none.
 std::string ReplaceBrokenUtf8(const std::string& text);
 
+/// `text` as documents for people show it: in addition U+FFFD for each control character, each mark that
+/// turns the reading direction, and what XML has no character for.
+std::string AsShown(const std::string& text);
+
 /// Calls `take` with each character of `text`; throws BrokenInvariant when it is no UTF-8.
 void ForEachCharacter(const std::string& text, const std::function<void(std::uint32_t character)>& take);
 

@@ -1,0 +1,118 @@
+// The page around the picture of the machine; see the header.
+#include "cli/HtmlFormat.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "cli/HtmlTree.h"
+#include "cli/HtmlWriter.h"
+#include "cli/PageAssets.h"
+#include "cli/UsbTree.h"
+#include "cli/Wording.h"
+
+namespace cli {
+
+namespace {
+
+/// Nothing is loaded or sent, and only the page's own style and script are taken.
+std::string SecurityPolicy() {
+  return fmt::format("default-src 'none'; style-src {}; script-src {}; base-uri 'none'; form-action 'none'",
+                     kPageStyle.source, kPageScript.source);
+}
+
+void WriteHead(HtmlWriter& writer, const Inventory& inventory) {
+  writer.Open("head");
+  writer.Void("meta", {{"charset", "utf-8"}});
+  writer.Void("meta", {{"http-equiv", "Content-Security-Policy"}, {"content", SecurityPolicy()}});
+  writer.Void("meta", {{"name", "viewport"}, {"content", "width=device-width, initial-scale=1"}});
+  writer.Void("meta", {{"name", "color-scheme"}, {"content", "light dark"}});
+  writer.Element("title", {}, inventory.SystemName() + ": USB");
+  writer.Asset("style", kPageStyle.text);
+  writer.Close();
+}
+
+void WriteFigure(HtmlWriter& writer, std::size_t number, const char* noun, const std::string& note = {}) {
+  writer.Open("div");
+  writer.Element("dt", {}, fmt::format("{}{}", noun, number == 1 ? "" : "s"));
+  writer.Element("dd", {}, std::to_string(number));
+  if (!note.empty()) writer.Element("dd", {{"class", "note"}}, note);
+  writer.Close();
+}
+
+void WriteHeader(HtmlWriter& writer, const Inventory& inventory) {
+  writer.Open("header");
+  writer.Open("div", {{"class", "title"}});
+  writer.Element("p", {}, "USB inventory");
+  writer.Element("h1", {}, inventory.SystemName());
+  writer.Close();
+  const auto& ports = inventory.InstancesOf("KALDO_USBPort");
+  const auto free = std::count_if(ports.begin(), ports.end(), IsFree);
+  const auto used = static_cast<std::ptrdiff_t>(ports.size()) - free;
+  writer.Open("dl", {{"class", "figures"}});
+  WriteFigure(writer, inventory.InstancesOf("KALDO_USBController").size(), "Controller");
+  WriteFigure(writer, inventory.InstancesOf("KALDO_USBHub").size(), "Hub");
+  WriteFigure(writer, ports.size(), "Port", fmt::format("{} used, {} free", used, free));
+  WriteFigure(writer, inventory.InstancesOf("KALDO_USBDevice").size(), "Device");
+  writer.Close();
+  writer.Close();
+}
+
+/// The filter does nothing without the script, which therefore is to show it.
+void WriteFilter(HtmlWriter& writer) {
+  writer.Open("div", {{"id", "filter"}, {"role", "search"}, {"hidden", ""}});
+  writer.Element("label", {{"for", "words"}}, "Filter");
+  writer.Void("input", {{"id", "words"},
+                        {"type", "search"},
+                        {"autocomplete", "off"},
+                        {"spellcheck", "false"},
+                        {"placeholder", "Name, ID, serial number, manufacturer"}});
+  writer.Element("button", {{"id", "unfold"}, {"type", "button"}, {"aria-pressed", "false"}}, "All details");
+  writer.Element("p", {{"id", "count"}, {"role", "status"}, {"aria-live", "polite"}}, "");
+  writer.Close();
+}
+
+void WriteLegend(HtmlWriter& writer) {
+  constexpr std::pair<const char*, const char*> kClasses[] = {
+      {"low", "1.5 Mbit/s"}, {"full", "12 Mbit/s"}, {"high", "480 Mbit/s"}, {"super", "5 Gbit/s and above"}};
+  writer.Open("ul", {{"class", "legend"}, {"aria-label", "Colours of the ports"}});
+  for (const auto& [name, text] : kClasses) writer.Element("li", {{"class", name}}, text);
+  writer.Element("li", {{"class", "used"}}, "used");
+  writer.Element("li", {{"class", "free"}}, "free");
+  writer.Close();
+}
+
+void WriteMain(HtmlWriter& writer, const Inventory& inventory) {
+  writer.Open("main");
+  const UsbTree tree(inventory);
+  if (tree.Nodes().empty()) {
+    writer.Element("p", {{"class", "nothing"}}, "No USB device found.");
+  } else {
+    writer.Open("div", {{"class", "tools"}});
+    WriteFilter(writer);
+    WriteLegend(writer);
+    writer.Close();
+    writer.Open("div", {{"class", "buses"}});
+    HtmlTree(writer, tree).Write();
+    writer.Close();
+  }
+  writer.Close();
+}
+
+}  // namespace
+
+std::string RenderHtml(const Inventory& inventory, const RenderOptions&) {
+  HtmlWriter writer;
+  writer.Open("html", {{"lang", "en"}});
+  WriteHead(writer, inventory);
+  writer.Open("body");
+  WriteHeader(writer, inventory);
+  WriteMain(writer, inventory);
+  writer.Element("footer", {}, "Made by usbinfo " USBINFO_VERSION);
+  writer.Asset("script", kPageScript.text);
+  writer.Close();
+  writer.Close();
+  return writer.Document() + "\n";
+}
+
+}  // namespace cli

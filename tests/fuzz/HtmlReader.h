@@ -1,0 +1,15 @@
+// Reads the page for a browser back, by an XML parser.
+#pragma once
+
+#include <string>
+
+#include "cli/Inventory.h"
+
+namespace usbinfo_test {
+
+/// Throws BrokenInvariant unless `document` is well-formed, holds nothing that a terminal acts on, no script,
+/// style, link or handler but its own, every controller, hub, device and port where the links put it, and
+/// says of each what it is called, its id, manufacturer, serial number and identifier.
+void CheckHtml(const std::string& document, const cli::Inventory& inventory);
+
+}  // namespace usbinfo_test

@@ -1,0 +1,36 @@
+// A second reading of how the items of an inventory hang together, for the readers of the formats that draw
+// it, and of what a text becomes in them.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "cli/Inventory.h"
+
+namespace usbinfo_test {
+
+/// A controller, a hub, a port or a device.
+struct LinkedItem {
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+  /// "controller", "hub", "port" or "device".
+  std::string kind;
+  const cli::InstanceView* instance;
+  /// Index of the item that it hangs on, or kNone.
+  std::size_t parent = kNone;
+  bool isRootHub = false;
+
+  /// True for a port that says that nothing is connected.
+  bool IsFree() const;
+  /// What it is called: its own string made fit to be shown, or that it has none.
+  std::string Name() const;
+  /// Vendor and product of a hub or a device, in hexadecimal.
+  std::string Id() const;
+};
+
+/// All items, in the order of the classes; `inventory` must outlive them. An item hangs on the first one that
+/// a link names, root hubs on their controllers ahead of all.
+std::vector<LinkedItem> LinkItems(const cli::Inventory& inventory);
+
+}  // namespace usbinfo_test
