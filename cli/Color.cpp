@@ -3,8 +3,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <string>
 
 namespace cli {
 
@@ -17,6 +17,16 @@ std::string Variable(const char* name) {
 }
 
 }  // namespace
+
+const std::vector<std::string>& ColorNames() {
+  static const std::vector<std::string> names = {"auto", "always", "never"};
+  return names;
+}
+
+Color ColorOf(const std::string& name) {
+  const auto& names = ColorNames();
+  return static_cast<Color>(std::find(names.begin(), names.end(), name) - names.begin());
+}
 
 bool UsesColor(Color color, bool isStandardOutput) {
   if (color != Color::kAuto) return color == Color::kAlways;

@@ -9,15 +9,21 @@
 #include "cli/JsonFormat.h"
 #include "cli/JsonLinesFormat.h"
 #include "cli/MofFormat.h"
+#include "cli/TableFormat.h"
 #include "cli/TreeFormat.h"
 
 namespace cli {
 
 const std::vector<OutputFormat>& OutputFormats() {
   static const std::vector<OutputFormat> formats = {
-      {"tree", false, RenderTree, true}, {"json", true, RenderJson}, {"jsonl", true, RenderJsonLines},
-      {"cimxml", true, RenderCimXml},    {"mof", true, RenderMof},   {"dot", true, RenderDot, true},
-      {"html", true, RenderHtml, true},
+      {"tree", false, RenderTree, true, true},
+      {"table", false, RenderTable, false, true},
+      {"json", true, RenderJson},
+      {"jsonl", true, RenderJsonLines},
+      {"cimxml", true, RenderCimXml},
+      {"mof", true, RenderMof},
+      {"dot", true, RenderDot, true},
+      {"html", true, RenderHtml, true, true},
   };
   return formats;
 }

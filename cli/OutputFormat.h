@@ -6,14 +6,9 @@
 #include <vector>
 
 #include "cli/Inventory.h"
+#include "cli/RenderOptions.h"
 
 namespace cli {
-
-/// What a format may know of the place its text goes to.
-struct RenderOptions {
-  /// Standard output rather than a file: fit the width if it is a terminal.
-  bool isStandardOutput = true;
-};
 
 struct OutputFormat {
   std::string name;
@@ -22,6 +17,8 @@ struct OutputFormat {
   std::string (*render)(const Inventory& inventory, const RenderOptions& options);
   /// Draws how the items hang together: what is selected comes with the way that leads to it.
   bool keepsWay = false;
+  /// Shows the names that vendors and products are known by.
+  bool showsNames = false;
 };
 
 /// All formats; the first is the default.

@@ -49,12 +49,12 @@ bool IsNumber(const InstanceView& item, const char* property, std::uint16_t numb
   return item.Find(property) != nullptr && item.Number(property) == number;
 }
 
-bool HasIds(const InstanceView& item, const UsbIds& ids) {
+bool HasIds(const InstanceView& item, const VendorProduct& ids) {
   return IsNumber(item, "VendorID", ids.vendor) &&
          (!ids.product || IsNumber(item, "USBDeviceID", *ids.product));
 }
 
-bool HasPlace(const InstanceView& item, const UsbPlace& place) {
+bool HasPlace(const InstanceView& item, const BusDevice& place) {
   const std::string identifier = item.Text("DeviceID");
   const auto isThat = [](const std::optional<unsigned>& wanted, const std::string& digits) {
     return !wanted || ParseNumber(digits, 10) == wanted;
@@ -119,27 +119,27 @@ std::string OrNothing(const std::optional<unsigned>& number) {
 
 }  // namespace
 
-std::optional<UsbIds> ParseUsbIds(const std::string& text) {
+std::optional<VendorProduct> ParseVendorProduct(const std::string& text) {
   const std::size_t colon = text.find(':');
   if (colon == std::string::npos) return std::nullopt;
   const std::string_view both = text;
   const std::optional<std::uint16_t> vendor = ParseId(both.substr(0, colon));
   if (!vendor) return std::nullopt;
-  UsbIds ids{*vendor, std::nullopt};
+  VendorProduct ids{*vendor, std::nullopt};
   if (colon + 1 == text.size()) return ids;
   ids.product = ParseId(both.substr(colon + 1));
-  return ids.product ? std::optional<UsbIds>(ids) : std::nullopt;
+  return ids.product ? std::optional<VendorProduct>(ids) : std::nullopt;
 }
 
-std::optional<UsbPlace> ParseUsbPlace(const std::string& text) {
+std::optional<BusDevice> ParseBusDevice(const std::string& text) {
   if (text.empty()) return std::nullopt;
   const std::string_view both = text;
   const std::size_t colon = text.find(':');
   const bool hasBus = colon != std::string::npos;
-  UsbPlace place;
+  BusDevice place;
   const bool isPlace = ParseOptionalNumber(hasBus ? both.substr(0, colon) : std::string_view(), place.bus) &&
                        ParseOptionalNumber(hasBus ? both.substr(colon + 1) : both, place.device);
-  return isPlace ? std::optional<UsbPlace>(place) : std::nullopt;
+  return isPlace ? std::optional<BusDevice>(place) : std::nullopt;
 }
 
 Inventory Select(const Inventory& inventory, const Selection& selection, bool keepsWay) {

@@ -12,21 +12,21 @@
 namespace cli {
 
 /// VID:[PID], as the vendor and the product have them.
-struct UsbIds {
+struct VendorProduct {
   std::uint16_t vendor = 0;
   std::optional<std::uint16_t> product;
 };
 
 /// [BUS]:[DEV]; what is not given may be any.
-struct UsbPlace {
+struct BusDevice {
   std::optional<unsigned> bus;
   std::optional<unsigned> device;
 };
 
 /// Everything that is given must hold; nothing given selects all.
 struct Selection {
-  std::optional<UsbIds> ids;
-  std::optional<UsbPlace> place;
+  std::optional<VendorProduct> ids;
+  std::optional<BusDevice> place;
   std::vector<std::string> classes;
 
   bool IsGiven() const { return ids || place || !classes.empty(); }
@@ -34,10 +34,10 @@ struct Selection {
 
 /// "1d6b:", "1d6b:0002": one to four hexadecimal digits each, 0x before them or not; nothing for any other
 /// form.
-std::optional<UsbIds> ParseUsbIds(const std::string& text);
+std::optional<VendorProduct> ParseVendorProduct(const std::string& text);
 
 /// "1:3", "1:", ":3", ":" and "3", which is a device's number too: decimal; nothing for any other form.
-std::optional<UsbPlace> ParseUsbPlace(const std::string& text);
+std::optional<BusDevice> ParseBusDevice(const std::string& text);
 
 /// What of `inventory` is selected, in the same order. Ids and places select hubs and devices alone; with
 /// `keepsWay` these come with the controllers, hubs and ports that lead to them and the associations among

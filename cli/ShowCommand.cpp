@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <iostream>
-#include <sstream>
+#include <optional>
 
 #include "cli/EmptyAdvice.h"
 #include "cli/ExitStatus.h"
@@ -13,6 +13,7 @@
 #include "cli/Output.h"
 #include "cli/OutputFormat.h"
 #include "cli/Text.h"
+#include "cli/UsbIds.h"
 #include "host/ILogger.h"
 
 using NKESTA20::ILogger;
@@ -29,18 +30,27 @@ ILogger::EQSVLogSeverity SeverityOf(const std::string& name) {
 
 /// The classes to ask for: those named, else all in the order in which they build on each other.
 std::vector<std::string> RequestedClasses(const std::string& request) {
-  if (request.empty()) return AllClasses();
-  std::vector<std::string> names;
-  std::istringstream list(request);
-  for (std::string name; std::getline(list, name, ',');) names.push_back(name);
-  return names;
+  return request.empty() ? AllClasses() : SplitAtCommas(request);
 }
 
-/// For people, nothing is printed where there is nothing; programs get their empty document.
-void Print(const ShowOptions& options, const Inventory& inventory) {
-  const OutputFormat& format = FindOutputFormat(options.format);
-  if (inventory.IsEmpty() && !format.isMachineReadable) return;
-  WriteOutput(options.output, format.render(inventory, RenderOptions{options.output.empty()}));
+std::string Render(const ShowOptions& options, const OutputFormat& format, const Inventory& inventory) {
+  const std::optional<UsbIds> names = format.showsNames ? UsbIds::OfThisMachine() : std::nullopt;
+  RenderOptions rendering;
+  rendering.isStandardOutput = options.output.empty();
+  rendering.color = ColorOf(options.color);
+  rendering.isVerbose = options.isVerbose;
+  rendering.columns = SplitAtCommas(options.columns);
+  rendering.names = names ? &*names : nullptr;
+  return format.render(inventory, rendering);
+}
+
+/// For people, nothing is printed where there is nothing; programs get their empty document. Tells whether
+/// there was something.
+bool Print(const ShowOptions& options, const OutputFormat& format, const Inventory& inventory) {
+  if (inventory.IsEmpty() && !format.isMachineReadable) return false;
+  const std::string text = Render(options, format, inventory);
+  if (!text.empty()) WriteOutput(options.output, text);
+  return !inventory.IsEmpty() && !text.empty();
 }
 
 std::string AdviseOnEmpty(const ShowOptions& options) {
@@ -55,10 +65,16 @@ std::string AdviseOnEmpty(const ShowOptions& options) {
       NameOfList(options.source.devices));
 }
 
-std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& inventory) {
+/// `inventory` is what was collected, `shown` the part that was asked for.
+std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& inventory,
+                                 const Inventory& shown) {
   if (inventory.IsEmpty()) return AdviseOnEmpty(options);
-  return fmt::format("nothing matches \"{}\"; leave that out to see what there is",
-                     Describe(options.selection));
+  if (shown.IsEmpty()) {
+    return fmt::format("nothing matches \"{}\"; leave that out to see what there is",
+                       Describe(options.selection));
+  }
+  return fmt::format("nothing to show: no class that has instances has {}; see usbinfo schema",
+                     options.columns);
 }
 
 }  // namespace
@@ -67,11 +83,12 @@ int RunShow(const ShowOptions& options) {
   LogWriter log(options.log, SeverityOf(options.logLevel),
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);
-  const Inventory shown = Select(inventory, options.selection, FindOutputFormat(options.format).keepsWay);
-  Print(options, shown);
+  const OutputFormat& format = FindOutputFormat(options.format);
+  const Inventory shown = Select(inventory, options.selection, format.keepsWay);
+  const bool isPrinted = Print(options, format, shown);
   log.Finish();
-  if (!shown.IsEmpty()) return kPrinted;
-  std::cerr << "usbinfo: " << EscapeForTerminal(AdviseOnNothingShown(options, inventory)) << "\n";
+  if (isPrinted) return kPrinted;
+  std::cerr << "usbinfo: " << EscapeForTerminal(AdviseOnNothingShown(options, inventory, shown)) << "\n";
   return kNothingFound;
 }
 

@@ -3,11 +3,15 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <functional>
 #include <vector>
 
+#include "cli/Color.h"
 #include "cli/LogWriter.h"
 #include "cli/OutputFormat.h"
+#include "cli/TableFormat.h"
+#include "cli/Text.h"
 
 namespace cli {
 
@@ -19,10 +23,22 @@ std::vector<std::string> FormatNames() {
   return names;
 }
 
+bool HasEmptyName(const std::string& list) {
+  return list.empty() || list.front() == ',' || list.back() == ',' || list.find(",,") != std::string::npos;
+}
+
 std::string CheckRequest(const std::string& request) {
-  const bool hasEmptyName = request.empty() || request.front() == ',' || request.back() == ',' ||
-                            request.find(",,") != std::string::npos;
-  return hasEmptyName ? "needs class names separated by commas" : std::string();
+  return HasEmptyName(request) ? "needs class names separated by commas" : std::string();
+}
+
+std::string CheckColumns(const std::string& columns) {
+  if (HasEmptyName(columns)) return "needs property names separated by commas";
+  const std::vector<std::string> known = TableColumnNames();
+  for (const std::string& name : SplitAtCommas(columns)) {
+    if (std::binary_search(known.begin(), known.end(), name)) continue;
+    return fmt::format("{} not in {{{}}}", name, fmt::join(known, ","));
+  }
+  return std::string();
 }
 
 /// An empty name is most often an unset variable; taking it for "not given" would do something else.
@@ -42,12 +58,13 @@ std::function<void(const std::string&)> ParseInto(Parsed& parsed, Parsed (*parse
 
 void AddSelectionOptions(CLI::App& app, Selection& selection) {
   app.add_option_function("-d",
-                          ParseInto(selection.ids, ParseUsbIds, "-d",
+                          ParseInto(selection.ids, ParseVendorProduct, "-d",
                                     "must be VID:[PID], hexadecimal numbers of up to four digits"),
                           "Print only the devices and hubs of this vendor and\nproduct, in hexadecimal")
       ->type_name("VID:[PID]");
   app.add_option_function(
-         "-s", ParseInto(selection.place, ParseUsbPlace, "-s", "must be [BUS]:[DEV] or DEV, decimal numbers"),
+         "-s",
+         ParseInto(selection.place, ParseBusDevice, "-s", "must be [BUS]:[DEV] or DEV, decimal numbers"),
          "Print only the devices and hubs of this bus and\nnumber, in decimal")
       ->type_name("[BUS]:[DEV]");
   app.add_option("--class", selection.classes, "Print only this class; may be repeated")
@@ -66,6 +83,18 @@ void AddMaskOptions(CLI::App& app, Source& source) {
       ->needs(mask);
 }
 
+/// -t and -j, which are short for a format, and what the formats for people take.
+void AddDisplayOptions(CLI::App& app, ShowOptions& options) {
+  app.add_flag_callback(
+      "-t", [&options] { options.askedFormats.emplace_back("tree"); }, "Like --format tree");
+  app.add_flag_callback(
+      "-j", [&options] { options.askedFormats.emplace_back("json"); }, "Like --format json");
+  app.add_flag("-v,--verbose", options.isVerbose, "In the tree: strings, versions and classes, too");
+  app.add_option("--columns", options.columns, "In the table: show these properties, where a class\nhas them")
+      ->type_name("A,B,...")
+      ->check(CheckColumns);
+}
+
 }  // namespace
 
 void AddShowOptions(CLI::App& app, ShowOptions& options) {
@@ -76,7 +105,7 @@ void AddShowOptions(CLI::App& app, ShowOptions& options) {
   const auto addChoice = [&app](const char* name, std::string& value, const char* type,
                                 const std::vector<std::string>& choices, const char* help) {
     const std::string list = fmt::format("{}", fmt::join(choices, ", "));
-    app.add_option(name, value, fmt::format("{} [{}]:\n{}", help, value, list))
+    return app.add_option(name, value, fmt::format("{} [{}]:\n{}", help, value, list))
         ->type_name(type)
         ->check(CLI::IsMember(choices).description(""));
   };
@@ -85,7 +114,10 @@ void AddShowOptions(CLI::App& app, ShowOptions& options) {
           "Use this device list instead of the machine's: a saved\n"
           "/sys/kernel/debug/usb/devices or usb-devices output;\n"
           "- is standard input");
-  addChoice("--format", options.format, "FORMAT", formats, "How to print");
+  addChoice("--format", options.format, "FORMAT", formats, "How to print")
+      ->each([&options](const std::string& format) { options.askedFormats.push_back(format); });
+  AddDisplayOptions(app, options);
+  addChoice("--color", options.color, "WHEN", ColorNames(), "Colour the tree and the table");
   app.add_option("--request", options.request,
                  "Ask the plug-in for exactly these classes, in this\n"
                  "order, in one request")
@@ -99,6 +131,21 @@ void AddShowOptions(CLI::App& app, ShowOptions& options) {
   addText("--log", options.log, "FILE", "Where the log goes [standard error]");
   addChoice("--log-level", options.logLevel, "LEVEL", SeverityNames(), "Log from this severity on");
   addChoice("--log-format", options.logFormat, "FORMAT", {"text", "json"}, "How to log");
+}
+
+void CompleteShowOptions(ShowOptions& options) {
+  for (const std::string& format : options.askedFormats) {
+    if (format == options.askedFormats.front()) continue;
+    throw CLI::ValidationError(fmt::format("the formats {} and {} contradict each other: ask for one of them",
+                                           options.askedFormats.front(), format));
+  }
+  if (!options.askedFormats.empty()) options.format = options.askedFormats.front();
+  if (options.isVerbose && options.format != "tree") {
+    throw CLI::ValidationError("-v is for the tree: leave it out, or use --format tree");
+  }
+  if (!options.columns.empty() && options.format != "table") {
+    throw CLI::ValidationError("--columns is for the table: leave it out, or use --format table");
+  }
 }
 
 }  // namespace cli

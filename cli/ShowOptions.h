@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
 
 #include "cli/Collection.h"
 #include "cli/Selection.h"
@@ -12,6 +13,12 @@ namespace cli {
 struct ShowOptions {
   Source source;
   std::string format;
+  /// The formats that were asked for, one way or the other.
+  std::vector<std::string> askedFormats;
+  bool isVerbose = false;
+  /// Property names to show, separated by commas; empty for what the format chooses.
+  std::string columns;
+  std::string color = "auto";
   /// Class names to ask for, separated by commas; empty for all.
   std::string request;
   /// The part of the inventory to print.
@@ -26,5 +33,9 @@ struct ShowOptions {
 
 /// Declares the options on `app`, to be parsed into `options`.
 void AddShowOptions(CLI::App& app, ShowOptions& options);
+
+/// To be called once the command line is parsed: settles the format. Throws CLI::ValidationError for options
+/// that contradict each other.
+void CompleteShowOptions(ShowOptions& options);
 
 }  // namespace cli

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <string_view>
 
 namespace cli {
@@ -145,6 +146,13 @@ std::string ReplaceUnprintable(const std::string& text) {
     at += character.size();
   }
   return replaced;
+}
+
+std::vector<std::string> SplitAtCommas(const std::string& text) {
+  std::vector<std::string> parts;
+  std::istringstream stream(text);
+  for (std::string part; std::getline(stream, part, ',');) parts.push_back(part);
+  return parts;
 }
 
 }  // namespace cli

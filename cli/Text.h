@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace cli {
 
@@ -26,5 +27,8 @@ std::string ReplaceDirectionMarks(const std::string& text);
 /// `text` on one line for documents that a person looks at: control characters, direction marks and what no
 /// XML document may hold, bytes that are no UTF-8 among it, replaced by U+FFFD each.
 std::string ReplaceUnprintable(const std::string& text);
+
+/// The parts of `text` between its commas; none of an empty text.
+std::vector<std::string> SplitAtCommas(const std::string& text);
 
 }  // namespace cli

@@ -1,16 +1,10 @@
 // The tree for people; see the header.
 #include "cli/TreeFormat.h"
 
-#include <fmt/format.h>
-#include <libsmartcols/libsmartcols.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <memory>
-#include <new>
-#include <sstream>
+#include <utility>
 
 #include "cli/Text.h"
+#include "cli/TextTable.h"
 #include "cli/UsbTree.h"
 #include "cli/Wording.h"
 
@@ -20,16 +14,7 @@ namespace {
 
 using Kind = UsbTreeNode::Kind;
 
-struct TableDeleter {
-  void operator()(libscols_table* table) const { scols_unref_table(table); }
-};
-using Table = std::unique_ptr<libscols_table, TableDeleter>;
-
-enum Column : std::size_t { kPlace, kDevice, kId, kSpeed };
-
-void Check(int result) {
-  if (result != 0) throw std::bad_alloc();
-}
+enum Column : std::size_t { kPlace, kDevice, kId, kSpeed, kKnownAs };
 
 std::string Device(const UsbTreeNode& node) {
   switch (node.kind) {
@@ -44,82 +29,80 @@ std::string Device(const UsbTreeNode& node) {
   }
 }
 
-/// What stands in `column` for the node; for an occupied port, of what is plugged in.
-std::string Cell(const UsbTree& tree, const UsbTreeNode& node, bool isTop, Column column) {
-  const UsbTreeNode& shown = tree.Shown(node);
-  switch (column) {
-    case kPlace:
-      return PlaceOf(node, isTop);
-    case kDevice:
-      return Device(shown);
-    case kId:
-      return IdOf(shown);
+/// Hubs and devices tell of themselves; controllers and ports do not.
+bool IsDescribed(const UsbTreeNode& node) {
+  return node.kind == Kind::kHub || node.kind == Kind::kDevice;
+}
+
+Tone ToneOf(const UsbTreeNode& node) {
+  switch (node.kind) {
+    case Kind::kController:
+      return Tone::kHeading;
+    case Kind::kHub:
+      return Tone::kHub;
+    case Kind::kPort:
+      return IsFree(*node.item) ? Tone::kFree : Tone::kPlain;
     default:
-      return SpeedOf(tree, shown);
+      return Tone::kPlain;
   }
 }
 
-Table NewTable(const RenderOptions& options) {
-  Table table(scols_new_table());
-  if (!table) throw std::bad_alloc();
-  if (!options.isStandardOutput) Check(scols_table_set_termforce(table.get(), SCOLS_TERMFORCE_NEVER));
-  struct Heading {
-    const char* name;
-    double width;
-    int flags;
-  };
-  constexpr Heading kHeadings[] = {{"USB", 0.2, SCOLS_FL_TREE},
-                                   {"DEVICE", 0.5, SCOLS_FL_TRUNC},
-                                   {"ID", 9, 0},
-                                   {"SPEED", 10, SCOLS_FL_RIGHT}};
-  for (const Heading& heading : kHeadings) {
-    if (scols_table_new_column(table.get(), heading.name, heading.width, heading.flags) == nullptr) {
-      throw std::bad_alloc();
+/// The tree's columns and rows.
+class TreeTable {
+ public:
+  TreeTable(const UsbTree& tree, const RenderOptions& options)
+      : fTree(tree),
+        fOptions(options),
+        fTable(options),
+        fHasNamesColumn(options.names != nullptr && !options.isVerbose && fTable.HasRoomForNames()) {
+    using Cells = TextTable::Kind;
+    fTable.AddColumn({"USB", Cells::kTree, 0.2});
+    fTable.AddColumn({"DEVICE", options.isVerbose ? Cells::kLines : Cells::kCut, 0.5});
+    fTable.AddColumn({"ID", Cells::kText, 9});
+    fTable.AddColumn({"SPEED", Cells::kRight, 10});
+    if (fHasNamesColumn) fTable.AddColumn({"KNOWN AS", Cells::kCut, 0.2});
+    AddRows();
+  }
+
+  std::string Print() const { return fTable.Print(); }
+
+ private:
+  void AddRows() {
+    // The last row at each depth.
+    std::vector<TextTable::Row> rows;
+    for (const UsbTreeRow& row : fTree.Rows()) {
+      const TextTable::Row parent = row.depth == 0 ? nullptr : rows[row.depth - 1];
+      rows.resize(row.depth);
+      rows.push_back(AddRow(parent, fTree.Nodes()[row.node]));
     }
   }
-  return table;
-}
 
-/// `text` as a cell takes it: a zero byte, which would end it, becomes U+FFFD.
-std::string FitForCell(const std::string& text) {
-  std::string cell;
-  for (const char c : ReplaceDirectionMarks(text)) cell += c == '\0' ? "\xEF\xBF\xBD" : std::string(1, c);
-  return cell;
-}
-
-libscols_line* AddRow(libscols_table* table, libscols_line* parent, const UsbTree& tree,
-                      const UsbTreeNode& node) {
-  libscols_line* const line = scols_table_new_line(table, parent);
-  if (line == nullptr) throw std::bad_alloc();
-  for (const Column column : {kPlace, kDevice, kId, kSpeed}) {
-    const std::string cell = FitForCell(Cell(tree, node, parent == nullptr, column));
-    Check(scols_line_set_data(line, column, cell.c_str()));
+  TextTable::Row AddRow(TextTable::Row parent, const UsbTreeNode& node) {
+    const UsbTreeNode& shown = fTree.Shown(node);
+    const TextTable::Row row = fTable.AddRow(parent);
+    fTable.SetCell(row, kPlace, PlaceOf(node, parent == nullptr));
+    fTable.SetLines(row, kDevice, Lines(shown));
+    fTable.SetCell(row, kId, IdOf(shown));
+    fTable.SetCell(row, kSpeed, SpeedOf(fTree, shown));
+    if (fHasNamesColumn && IsDescribed(shown)) {
+      fTable.SetCell(row, kKnownAs, KnownAs(*shown.item, fOptions.names));
+    }
+    fTable.SetTone(row, ToneOf(shown));
+    return row;
   }
-  return line;
-}
 
-void AddRows(libscols_table* table, const UsbTree& tree) {
-  // The last line at each depth.
-  std::vector<libscols_line*> lines;
-  for (const UsbTreeRow& row : tree.Rows()) {
-    libscols_line* const parent = row.depth == 0 ? nullptr : lines[row.depth - 1];
-    lines.resize(row.depth);
-    lines.push_back(AddRow(table, parent, tree, tree.Nodes()[row.node]));
+  std::vector<std::string> Lines(const UsbTreeNode& node) const {
+    std::vector<std::string> lines = {Device(node)};
+    if (!IsDescribed(node) || !fOptions.isVerbose) return lines;
+    for (std::string& detail : DetailsOf(*node.item, fOptions.names)) lines.push_back(std::move(detail));
+    return lines;
   }
-}
 
-/// The table as text, without the blanks that pad a row's empty cells.
-std::string Print(libscols_table* table) {
-  char* text = nullptr;
-  Check(scols_print_table_to_string(table, &text));
-  const std::unique_ptr<char, decltype(&std::free)> owned(text, &std::free);
-  std::string trimmed;
-  std::istringstream lines(text);
-  for (std::string line; std::getline(lines, line);) {
-    trimmed += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
-  }
-  return trimmed;
-}
+  const UsbTree& fTree;
+  const RenderOptions& fOptions;
+  TextTable fTable;
+  bool fHasNamesColumn;
+};
 
 }  // namespace
 
@@ -127,9 +110,7 @@ std::string RenderTree(const Inventory& inventory, const RenderOptions& options)
   const UsbTree tree(inventory);
   const std::string heading = EscapeForTerminal(Summary(inventory)) + "\n\n";
   if (tree.Nodes().empty()) return heading + "Associations alone have no rows in a tree.\n";
-  const Table table = NewTable(options);
-  AddRows(table.get(), tree);
-  return heading + Print(table.get());
+  return heading + TreeTable(tree, options).Print();
 }
 
 }  // namespace cli

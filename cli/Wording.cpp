@@ -4,12 +4,30 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cctype>
+
+#include "cli/UsbIds.h"
 
 namespace cli {
 
 namespace {
 
 using Kind = UsbTreeNode::Kind;
+
+/// 110 is USB 1.10.
+std::string FormatVersion(std::uint64_t version) {
+  constexpr std::uint64_t kHundred = 100;
+  return version == 0 ? "version unknown" : fmt::format("{}.{:02}", version / kHundred, version % kHundred);
+}
+
+/// The number of configurations is told by one digit; where the list has none, by what is beyond.
+constexpr std::uint64_t kLargestDigit = 9;
+
+/// Of a code in two hexadecimal digits the first one is known, as its distance from the digit 0.
+std::string FormatCode(std::uint64_t code) {
+  const auto digit = static_cast<unsigned char>(code + '0');
+  return std::isxdigit(digit) != 0 ? fmt::format("{:c}*", digit) : "?";
+}
 
 std::string PlaceOnBus(const UsbTreeNode& node, const std::string& identifier) {
   if (node.kind == Kind::kPort) {
@@ -75,9 +93,46 @@ std::string BusOf(const std::string& identifier) {
   return Behind(identifier.substr(0, identifier.find(" Device ")), "Bus ");
 }
 
+std::string Given(const InstanceView& item, const std::string& property) {
+  const std::string text = item.Text(property);
+  return text == "Not Available" ? std::string() : text;
+}
+
 std::string NameOf(const InstanceView& item) {
-  const std::string name = item.Text("Description");
-  return name.empty() || name == "Not Available" ? "(no name)" : name;
+  const std::string name = Given(item, "Description");
+  return name.empty() ? "(no name)" : name;
+}
+
+std::string FormatId(const InstanceView& item) {
+  return fmt::format("{:04x}:{:04x}", item.Number("VendorID"), item.Number("USBDeviceID"));
+}
+
+std::string KnownAs(const InstanceView& item, const UsbIds* names) {
+  if (names == nullptr) return std::string();
+  const auto vendor = static_cast<std::uint16_t>(item.Number("VendorID"));
+  const auto product = static_cast<std::uint16_t>(item.Number("USBDeviceID"));
+  const std::string vendorName = names->Vendor(vendor);
+  const std::string productName = names->Product(vendor, product);
+  if (vendorName.empty()) return productName;
+  return productName.empty() ? "(" + vendorName + ")" : productName + " (" + vendorName + ")";
+}
+
+std::vector<std::string> DetailsOf(const InstanceView& item, const UsbIds* names) {
+  std::vector<std::string> lines;
+  const auto add = [&lines](const char* label, const std::string& text) {
+    if (!text.empty()) lines.push_back(label + text);
+  };
+  add("manufacturer ", Given(item, "Manufacturer"));
+  add("serial number ", Given(item, "SerialNumber"));
+  add("known as ", KnownAs(item, names));
+  const std::uint64_t configurations = item.Number("NumberOfConfigs");
+  const bool isCounted = configurations <= kLargestDigit;
+  lines.push_back("USB " + FormatVersion(item.Number("USBVersion")) +
+                  (isCounted ? ", " + Count(configurations, "configuration") : ""));
+  lines.push_back(fmt::format("class {}, subclass {}, protocol {}", FormatCode(item.Number("ClassCode")),
+                              FormatCode(item.Number("SubclassCode")),
+                              FormatCode(item.Number("ProtocolCode"))));
+  return lines;
 }
 
 bool IsFree(const InstanceView& port) {
@@ -100,7 +155,7 @@ std::string PlaceOf(const UsbTreeNode& node, bool isTop) {
 
 std::string IdOf(const UsbTreeNode& node) {
   if (node.kind == Kind::kController || node.kind == Kind::kPort) return std::string();
-  return fmt::format("{:04x}:{:04x}", node.item->Number("VendorID"), node.item->Number("USBDeviceID"));
+  return FormatId(*node.item);
 }
 
 std::string SpeedOf(const UsbTree& tree, const UsbTreeNode& node) {

@@ -3,11 +3,14 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "cli/Inventory.h"
 #include "cli/UsbTree.h"
 
 namespace cli {
+
+class UsbIds;
 
 /// "480 Mbit/s", "5 Gbit/s"; empty when it is not known.
 std::string FormatSpeed(std::uint64_t bitsPerSecond);
@@ -24,8 +27,22 @@ std::string Behind(const std::string& identifier, const std::string& marker);
 /// The bus in "Bus 01  Device   1".
 std::string BusOf(const std::string& identifier);
 
+/// A string that a device may have or not; empty when it has none.
+std::string Given(const InstanceView& item, const std::string& property);
+
 /// The product string, or that there is none.
 std::string NameOf(const InstanceView& item);
+
+/// "1d6b:0002", the numbers of vendor and product.
+std::string FormatId(const InstanceView& item);
+
+/// What a hub or device is known as: "product (vendor)", or as much of it as is listed. Other people's text,
+/// to be told apart from what the device says. Empty without `names`.
+std::string KnownAs(const InstanceView& item, const UsbIds* names);
+
+/// What a hub or device tells of itself besides its name, a line each: strings, version, class. With `names`
+/// also what it is known as.
+std::vector<std::string> DetailsOf(const InstanceView& item, const UsbIds* names);
 
 bool IsFree(const InstanceView& port);
 

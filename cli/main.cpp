@@ -77,6 +77,7 @@ int Run(int argc, char** argv) {
   CommandLine line;
   try {
     line.app.parse(argc, argv);
+    cli::CompleteShowOptions(line.showOptions);
   } catch (const CLI::CallForHelp&) {
     line.schema->parsed() ? PrintHelp(*line.schema, "usbinfo schema") : PrintHelp(line.app, "usbinfo");
     return cli::kPrinted;

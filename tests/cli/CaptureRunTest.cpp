@@ -54,7 +54,7 @@ TEST_P(CaptureRunTest, LogsTheDerivedLines) {
 }
 
 TEST_P(CaptureRunTest, KeepsStandardErrorForWhatGoesWrong) {
-  for (const char* format : {"tree", "json", "jsonl", "cimxml", "mof", "dot", "html"}) {
+  for (const char* format : {"tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html"}) {
     const CommandResult result = RunOnCapture({"--format", format});
     EXPECT_EQ(Lines(result.errors).size(), HasDevices() ? 0U : 1U) << result.errors;
     EXPECT_EQ(result.status, ExpectedStatus());

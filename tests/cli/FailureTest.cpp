@@ -164,7 +164,7 @@ TEST(FailedOutput, IsToldForAFullDevice) {
 }
 
 TEST(FailedOutput, IsToldForAPipeThatNobodyReads) {
-  for (const char* format : {"tree", "json", "jsonl", "cimxml", "mof", "dot", "html"}) {
+  for (const char* format : {"tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html"}) {
     const CommandResult result = RunInto([](Command& command) { command.OutputToClosedPipe(); },
                                          {"--devices", Capture(), "--format", format});
     EXPECT_EQ(result.status, 2);

@@ -107,7 +107,7 @@ TEST(HostileStrings, AddNoElementToTheXmlDocument) {
 
 TEST(HostileStrings, SendNothingToATerminalThroughAnyFormat) {
   for (const char* locale : {"C", "C.UTF-8"}) {
-    for (const char* format : {"tree", "json"}) {
+    for (const char* format : {"tree", "table", "json"}) {
       EXPECT_FALSE(ActsOnTerminal(RunOn(HostileDeviceList(), {"--format", format}, locale).output))
           << format << " " << locale;
     }

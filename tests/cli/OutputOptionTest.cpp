@@ -22,7 +22,7 @@ std::vector<std::string> Arguments(const std::string& format, const std::string&
 }
 
 TEST(OutputOption, WritesWhatStandardOutputWouldGet) {
-  for (const char* format : {"tree", "json", "jsonl", "cimxml", "mof", "dot", "html"}) {
+  for (const char* format : {"tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html"}) {
     const TemporaryFolder folder;
     const CommandResult result = RunUsbinfo(Arguments(format, folder.File("out")));
     EXPECT_EQ(result.status, 0);

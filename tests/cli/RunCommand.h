@@ -22,8 +22,8 @@ class Command {
 
   /// Another program than the built one, or the same one elsewhere.
   Command& Program(const std::string& path);
-  /// A variable of the environment. The rest is the test's own, with the locale C.UTF-8 and a search path
-  /// that leads to no command of this machine.
+  /// A variable of the environment. The rest is the test's own, with the locale C.UTF-8, a search path that
+  /// leads to no command of this machine, no names of vendors and products and a terminal without colours.
   Command& Set(const std::string& name, const std::string& value);
   /// Standard input is a pipe that holds `text`; else it is at its end.
   Command& Input(const std::string& text);
@@ -50,7 +50,11 @@ class Command {
 
   std::string fProgram = COMMAND_PATH;
   std::vector<std::string> fArguments;
-  std::map<std::string, std::string> fEnvironment = {{"LC_ALL", "C.UTF-8"}, {"PATH", "/nonexistent"}};
+  std::map<std::string, std::string> fEnvironment = {{"LC_ALL", "C.UTF-8"},
+                                                     {"NO_COLOR", ""},
+                                                     {"PATH", "/nonexistent"},
+                                                     {"TERM", "dumb"},
+                                                     {"USBINFO_IDS", ""}};
   bool fHasInput = false;
   std::string fInput;
   std::string fInputPath = "/dev/null";

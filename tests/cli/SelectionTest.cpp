@@ -12,8 +12,8 @@
 #include "tests/cli/CliTest.h"
 
 using cli::Inventory;
-using cli::ParseUsbIds;
-using cli::ParseUsbPlace;
+using cli::ParseBusDevice;
+using cli::ParseVendorProduct;
 using cli::Select;
 using cli::Selection;
 using NKESTA20::TCIMValue;
@@ -28,14 +28,14 @@ constexpr const char* kItemClasses[] = {"KALDO_USBController", "KALDO_USBHub", "
 
 Selection ByIds(const std::string& ids) {
   Selection selection;
-  selection.ids = ParseUsbIds(ids);
+  selection.ids = ParseVendorProduct(ids);
   EXPECT_TRUE(selection.ids) << ids;
   return selection;
 }
 
 Selection ByPlace(const std::string& place) {
   Selection selection;
-  selection.place = ParseUsbPlace(place);
+  selection.place = ParseBusDevice(place);
   EXPECT_TRUE(selection.place) << place;
   return selection;
 }
@@ -67,26 +67,26 @@ class SelectionTest : public CliTest {
   }
 };
 
-TEST(UsbIds, AreHexadecimalWithOrWithoutProduct) {
-  EXPECT_EQ(ParseUsbIds("1d6b:")->vendor, 0x1D6B);
-  EXPECT_FALSE(ParseUsbIds("1d6b:")->product);
-  EXPECT_EQ(ParseUsbIds("1D6B:0002")->product, 2);
-  EXPECT_EQ(ParseUsbIds("0:ffff")->product, 0xFFFF);
-  EXPECT_EQ(ParseUsbIds("0x0409:0X55aa")->vendor, 0x409);
-  EXPECT_EQ(ParseUsbIds("0x0409:0X55aa")->product, 0x55AA);
-  EXPECT_EQ(ParseUsbIds("x:"), std::nullopt);
+TEST(VendorProduct, AreHexadecimalWithOrWithoutProduct) {
+  EXPECT_EQ(ParseVendorProduct("1d6b:")->vendor, 0x1D6B);
+  EXPECT_FALSE(ParseVendorProduct("1d6b:")->product);
+  EXPECT_EQ(ParseVendorProduct("1D6B:0002")->product, 2);
+  EXPECT_EQ(ParseVendorProduct("0:ffff")->product, 0xFFFF);
+  EXPECT_EQ(ParseVendorProduct("0x0409:0X55aa")->vendor, 0x409);
+  EXPECT_EQ(ParseVendorProduct("0x0409:0X55aa")->product, 0x55AA);
+  EXPECT_EQ(ParseVendorProduct("x:"), std::nullopt);
 }
 
-TEST(UsbPlace, IsABusADeviceOrBothInDecimal) {
-  EXPECT_EQ(ParseUsbPlace("010:")->bus, 10U);
-  EXPECT_FALSE(ParseUsbPlace("1:")->device);
-  EXPECT_FALSE(ParseUsbPlace(":3")->bus);
-  EXPECT_EQ(ParseUsbPlace(":3")->device, 3U);
-  EXPECT_FALSE(ParseUsbPlace("003")->bus);
-  EXPECT_EQ(ParseUsbPlace("003")->device, 3U);
-  EXPECT_EQ(ParseUsbPlace("123:127")->bus, 123U);
-  EXPECT_EQ(ParseUsbPlace("123:127")->device, 127U);
-  EXPECT_EQ(ParseUsbPlace("0x1:"), std::nullopt);
+TEST(BusDevice, IsABusADeviceOrBothInDecimal) {
+  EXPECT_EQ(ParseBusDevice("010:")->bus, 10U);
+  EXPECT_FALSE(ParseBusDevice("1:")->device);
+  EXPECT_FALSE(ParseBusDevice(":3")->bus);
+  EXPECT_EQ(ParseBusDevice(":3")->device, 3U);
+  EXPECT_FALSE(ParseBusDevice("003")->bus);
+  EXPECT_EQ(ParseBusDevice("003")->device, 3U);
+  EXPECT_EQ(ParseBusDevice("123:127")->bus, 123U);
+  EXPECT_EQ(ParseBusDevice("123:127")->device, 127U);
+  EXPECT_EQ(ParseBusDevice("0x1:"), std::nullopt);
 }
 
 TEST(DescriptionOfASelection, SpellsTheOptions) {
@@ -97,7 +97,7 @@ TEST(DescriptionOfASelection, SpellsTheOptions) {
   EXPECT_EQ(cli::Describe(ByPlace("3")), "-s :3");
   EXPECT_EQ(cli::Describe(ByPlace(":")), "-s :");
   Selection all = ByIds("1:");
-  all.place = ParseUsbPlace("2:");
+  all.place = ParseBusDevice("2:");
   all.classes = {"A", "B"};
   EXPECT_EQ(cli::Describe(all), "-d 0001: -s 2: --class A --class B");
 }
@@ -163,7 +163,7 @@ TEST_F(SelectionTest, WantsAllThatIsGiven) {
   AddIds("KALDO_USBDevice", "Bus 02  Device   2", 1, 1);
   AddIds("KALDO_USBDevice", "Bus 01  Device   3", 2, 1);
   Selection selection = ByIds("1:");
-  selection.place = ParseUsbPlace("1:");
+  selection.place = ParseBusDevice("1:");
   EXPECT_THAT(Selected(selection), ElementsAre("Hub Bus 01  Device   1", "Device Bus 01  Device   2"));
   selection.classes = {"KALDO_USBDevice"};
   EXPECT_THAT(Selected(selection), ElementsAre("Device Bus 01  Device   2"));

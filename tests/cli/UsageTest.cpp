@@ -51,16 +51,20 @@ const WrongUse kWrongUses[] = {
     {"EmptyOutput", {"--output", ""}, "--output: must not be empty"},
     {"EmptyPlugin", {"--plugin", ""}, "--plugin: must not be empty"},
     {"EmptyLog", {"--log", ""}, "--log: must not be empty"},
-    {"EmptyFormat", {"--format", ""}, "--format:  not in {tree,json,jsonl,cimxml,mof,dot,html}"},
+    {"EmptyFormat", {"--format", ""}, "--format:  not in {tree,table,json,jsonl,cimxml,mof,dot,html}"},
     {"EmptyRequest", {"--request", ""}, "--request: needs class names separated by commas"},
     {"RequestBeginsWithComma", {"--request", ",A"}, "--request: needs class names separated by commas"},
     {"RequestEndsWithComma", {"--request", "A,"}, "--request: needs class names separated by commas"},
     {"RequestWithEmptyName", {"--request", "A,,B"}, "--request: needs class names separated by commas"},
-    {"WrongFormat", {"--format", "yaml"}, "--format: yaml not in {tree,json,jsonl,cimxml,mof,dot,html}"},
-    {"FormatInCapitals", {"--format", "JSON"}, "--format: JSON not in {tree,json,jsonl,cimxml,mof,dot,html}"},
+    {"WrongFormat",
+     {"--format", "yaml"},
+     "--format: yaml not in {tree,table,json,jsonl,cimxml,mof,dot,html}"},
+    {"FormatInCapitals",
+     {"--format", "JSON"},
+     "--format: JSON not in {tree,table,json,jsonl,cimxml,mof,dot,html}"},
     {"WrongFormatOfShow",
      {"show", "--format", "yaml"},
-     "--format: yaml not in {tree,json,jsonl,cimxml,mof,dot,html}"},
+     "--format: yaml not in {tree,table,json,jsonl,cimxml,mof,dot,html}"},
     {"WrongLogLevel",
      {"--log-level", "loud"},
      "--log-level: loud not in {error,warning,status,debug,verbose}"},
@@ -145,11 +149,12 @@ TEST(Usage, PrintsHelpThatNamesEveryOptionWithinEightyColumns) {
     const CommandResult result = RunUsbinfo(arguments);
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.errors, "");
-    for (const char* option : {"-h",       "--devices", "--format", "--request",      "--system-name",
-                               "-d ",      "-s ",       "--class",  "--mask-serials", "--mask-key",
-                               "--output", "--plugin",  "--log ",   "--log-level",    "--log-format",
-                               "tree",     "json",      "jsonl",    "cimxml",         "mof",
-                               "dot",      "html"}) {
+    for (const char* option : {"-h",       "--devices", "--format",    "--request",      "--system-name",
+                               "-d ",      "-s ",       "--class",     "--mask-serials", "--mask-key",
+                               "--output", "--plugin",  "--log ",      "--log-level",    "--log-format",
+                               "tree",     "json",      "jsonl",       "cimxml",         "mof",
+                               "dot",      "html",      "table",       "--columns",      "--color",
+                               "-t ",      "-j ",       "-v,--verbose"}) {
       EXPECT_THAT(result.output, HasSubstr(option));
     }
     for (const std::string& line : Lines(result.output)) EXPECT_LE(line.size(), 80U) << line;

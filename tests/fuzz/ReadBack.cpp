@@ -3,24 +3,51 @@
 
 #include <algorithm>
 #include <clocale>
+#include <regex>
 
 #include "cli/OutputFormat.h"
+#include "cli/UsbIds.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/CimXmlReader.h"
 #include "tests/fuzz/DotReader.h"
 #include "tests/fuzz/HtmlReader.h"
 #include "tests/fuzz/JsonReader.h"
 #include "tests/fuzz/MofReader.h"
+#include "tests/fuzz/TableReader.h"
 #include "tests/fuzz/TreeReader.h"
+#include "tests/fuzz/Utf8.h"
 
 namespace usbinfo_test {
+
+namespace {
+
+/// `text` without what sets a colour; other escapes stay.
+std::string WithoutColors(const std::string& text) {
+  static const std::regex kColor("\x1B\\[[0-9]+m");
+  return std::regex_replace(text, kColor, "");
+}
+
+/// Colours add nothing but themselves; details and names add lines and cells that are as harmless as the
+/// rest.
+void CheckExtras(const cli::OutputFormat& format, const cli::Inventory& inventory) {
+  cli::RenderOptions options{false};
+  const std::string plain = format.render(inventory, options);
+  options.color = cli::Color::kAlways;
+  RequireEqual(WithoutColors(format.render(inventory, options)), plain, "a format without its colours");
+  const cli::UsbIds names("0000  \x1B[2Jv\xFF\n\t0000  p\x9B\n1d6b  \xE2\x80\xAE\n");
+  options.names = &names;
+  options.isVerbose = true;
+  RequireFitForTerminal(WithoutColors(format.render(inventory, options)), false);
+}
+
+}  // namespace
 
 const FormatReader& FindFormatReader(const std::string& format) {
   static const std::vector<FormatReader> readers = {
       {"tree", {"C", "C.UTF-8"}, CheckTree},  {"json", {"C.UTF-8"}, CheckJson},
       {"jsonl", {"C.UTF-8"}, CheckJsonLines}, {"cimxml", {"C.UTF-8"}, CheckCimXml},
       {"mof", {"C.UTF-8"}, CheckMof},         {"dot", {"C.UTF-8"}, CheckDot},
-      {"html", {"C.UTF-8"}, CheckHtml},
+      {"html", {"C.UTF-8"}, CheckHtml},       {"table", {"C", "C.UTF-8"}, CheckTable},
   };
   const auto found = std::find_if(readers.begin(), readers.end(),
                                   [&format](const FormatReader& reader) { return reader.format == format; });
@@ -37,6 +64,7 @@ void CheckEveryFormat(const cli::Inventory& inventory) {
     for (const char* locale : reader.locales) {
       Require(std::setlocale(LC_CTYPE, locale) != nullptr, "the machine has the locale");
       reader.check(format.render(inventory, options), inventory);
+      if (!format.isMachineReadable) CheckExtras(format, inventory);
     }
   }
   static_cast<void>(std::setlocale(LC_CTYPE, "C"));

@@ -153,6 +153,23 @@ TEST_F(ReadBackTest, OfTheTreeRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("tree", "Port 00", "P\xC3\xB6rt 00"));
 }
 
+TEST_F(ReadBackTest, OfTheTableRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("table", "KALDO_USBPort: 2 instances", "KALDO_USBPort: 3 instances"));
+  EXPECT_FALSE(TakesWith("table", "KALDO_USBDevice: 1 instance", "KALDO_USBDevice: 1 instances"));
+  EXPECT_FALSE(TakesWith("table", "BUS HUB PORT", "BUS PORT"));
+  EXPECT_FALSE(TakesWith("table", "0000:0000", "0000:0001"));
+  EXPECT_FALSE(TakesWith("table", "12 Mbit/s", "480 Mbit/s"));
+  EXPECT_FALSE(TakesWith("table", " free\n", " in use\n"));
+  EXPECT_FALSE(TakesWith("table", " free\n", " free\n\n"));
+  EXPECT_FALSE(TakesWith("table", "\n\n", "\n"));
+  EXPECT_FALSE(Takes("table", Render("table") + "\n"));
+  for (const char* mark : {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xFF"}) {
+    EXPECT_FALSE(TakesWith("table", "Root &", std::string("Root ") + mark)) << testing::PrintToString(mark);
+  }
+  static_cast<void>(std::setlocale(LC_CTYPE, "C"));
+  EXPECT_FALSE(TakesWith("table", "Root &", "R\xC3\xB6\xC3\xB6t &"));
+}
+
 TEST(SecondReading, RefusesTheInventoryOfAnotherList) {
   const PluginRun run(kList);
   EXPECT_NO_THROW(CheckInventory(run, kList));

@@ -2,7 +2,6 @@
 #include "tests/fuzz/TreeReader.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <map>
 #include <set>
 
@@ -60,14 +59,7 @@ std::size_t ExpectedRows(const cli::Inventory& inventory) {
 
 void CheckTree(const std::string& document, const cli::Inventory& inventory) {
   constexpr std::size_t kLinesAhead = 3;
-  const bool isAsciiOnly = MB_CUR_MAX == 1;
-  if (isAsciiOnly) {
-    // U+FFFD, which stands for marks and zero bytes, is spelled where the character set lacks it.
-    const bool isAscii =
-        std::all_of(document.begin(), document.end(), [](char c) { return (c & 0x80) == 0; });
-    Require(isAscii, "the tree is ASCII where the character set is");
-  }
-  RequireFitForTerminal(document, false);
+  RequireFitForCharacterSet(document);
   Require(!document.empty() && document.back() == '\n', "the tree ends with a newline");
   RequireEqual(document.substr(0, document.find('\n')), ExpectedHeading(inventory), "the tree's heading");
   const auto lines = static_cast<std::size_t>(std::count(document.begin(), document.end(), '\n'));

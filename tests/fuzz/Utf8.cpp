@@ -2,6 +2,7 @@
 #include "tests/fuzz/Utf8.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "tests/fuzz/BrokenInvariant.h"
 
@@ -101,6 +102,12 @@ void RequireFitForTerminal(const std::string& text, bool tabs) {
     Require(!IsControl(character), "the text holds a control character");
     Require(!TurnsDirection(character), "the text holds a mark that turns the reading direction");
   });
+}
+
+void RequireFitForCharacterSet(const std::string& text) {
+  const bool isAscii = std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
+  Require(isAscii || MB_CUR_MAX > 1, "the text is ASCII where the character set is");
+  RequireFitForTerminal(text, false);
 }
 
 }  // namespace usbinfo_test

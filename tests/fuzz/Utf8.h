@@ -23,4 +23,7 @@ void ForEachCharacter(const std::string& text, const std::function<void(std::uin
 /// the reading direction; newlines may stand in it, and tabs if `tabs` says so.
 void RequireFitForTerminal(const std::string& text, bool tabs);
 
+/// The same, and ASCII throughout where the locale's character set is: U+FFFD is spelled there, too.
+void RequireFitForCharacterSet(const std::string& text);
+
 }  // namespace usbinfo_test

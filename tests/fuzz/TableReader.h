@@ -1,0 +1,15 @@
+// Reads the tables for people back, as far as what is padded and cut to read well can be.
+#pragma once
+
+#include <string>
+
+#include "cli/Inventory.h"
+
+namespace usbinfo_test {
+
+/// Throws BrokenInvariant unless `document` has a section for each class with instances and nothing else,
+/// each with its heading, its titles and a row per instance that tells its numbers, and nothing in it that a
+/// terminal acts on or that turns the reading direction.
+void CheckTable(const std::string& document, const cli::Inventory& inventory);
+
+}  // namespace usbinfo_test
