@@ -11,7 +11,8 @@ import subprocess
 import sys
 import tempfile
 
-COMMAND = "build/release/usbinfo"
+# As the documents call it, built or installed.
+CALL = re.compile(r"(build/release/)?usbinfo ")
 # Not the tests' machine but the one in the document is shown, whatever it has; the names file is none.
 ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8", "USBINFO_IDS": "", "COLUMNS": "80"}
 
@@ -26,7 +27,7 @@ def calls(block):
     carries on are joined."""
     lines = re.sub(r"(\||\\)\n\s+", lambda end: end.group(1).strip("\\") + " ", block).splitlines(keepends=True)
     if not block.startswith("$ "):
-        return [(line.strip(), None) for line in lines if line.lstrip().startswith((COMMAND, "cat "))]
+        return [(line.strip(), None) for line in lines if CALL.match(line) or line.startswith("cat ")]
     found = []
     for line in lines:
         if line.startswith("$ "):
@@ -42,10 +43,11 @@ def matches(expected, printed):
     return re.fullmatch(pattern, printed) is not None
 
 
-def run(line, expected, command, folder):
+def run(line, expected, folder):
     """Runs the line by a shell; gives what went wrong."""
-    result = subprocess.run(["bash", "-o", "pipefail", "-c", line.replace(COMMAND, command)], cwd=folder,
-                            capture_output=True, text=True, timeout=60, check=False, env=ENVIRONMENT)
+    environment = {**ENVIRONMENT, "PATH": f"{folder}/build/release:{os.environ['PATH']}"}
+    result = subprocess.run(["bash", "-o", "pipefail", "-c", line], cwd=folder, env=environment,
+                            capture_output=True, text=True, timeout=60, check=False)
     # On a machine without USB there is nothing to show; two inventories may differ.
     if result.returncode > 1:
         return f"exit status {result.returncode}: {result.stderr}"
@@ -54,19 +56,25 @@ def run(line, expected, command, folder):
     return None
 
 
+def mirror(command, source, folder):
+    """Makes the folder look like the top of the sources after a build, without what the commands may write to."""
+    (folder / "build/release").mkdir(parents=True)
+    (folder / "build/release/usbinfo").symlink_to(command)
+    for entry in source.iterdir():
+        if entry.name != "build":
+            (folder / entry.name).symlink_to(entry)
+
+
 def main():
     command, source = os.path.abspath(sys.argv[1]), pathlib.Path(sys.argv[2]).resolve()
     count, failures = 0, []
     with tempfile.TemporaryDirectory() as folder:
-        # What the commands read, without what they may write.
-        for name in os.listdir(source):
-            if name != "build":
-                os.symlink(source / name, os.path.join(folder, name))
+        mirror(command, source, pathlib.Path(folder))
         for document in [source / "README.md", *sorted(source.glob("docs/*.md"))]:
             for block in blocks(document.read_text(encoding="utf-8")):
                 for line, expected in calls(block):
                     count += 1
-                    failure = run(line, expected, command, folder)
+                    failure = run(line, expected, folder)
                     if failure:
                         failures.append(f"{document.name}: {line}\n{failure}")
     print("\n".join(failures) or f"{count} commands run")
