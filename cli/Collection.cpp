@@ -33,21 +33,8 @@ namespace cli {
 
 namespace {
 
-std::string ReadDeviceList(const std::string& path) {
-  try {
-    if (path == "-") return standin::ReadAll(STDIN_FILENO);
-    return standin::ReadAll(standin::OpenFile(path, O_RDONLY).Get());
-  } catch (const std::system_error& error) {
-    throw UserError(fmt::format("cannot read {}: {}; name a file that holds a device list with --devices",
-                                NameOfList(path), error.code().message()));
-  }
-}
-
 SerialMask MaskOf(const Source& source) {
   if (source.maskKey.empty()) return SerialMask::OfThisRun();
-  if (source.maskKey == "-" && source.devices == "-") {
-    throw UserError("--devices and --mask-key cannot both be standard input; name a file for one of them");
-  }
   return SerialMask::OfKeyFile(source.maskKey);
 }
 
@@ -60,22 +47,23 @@ std::unique_ptr<OperatingSystem> MachineForUser() {
       [](const std::string& line) { standin::WriteAll(STDERR_FILENO, line); });
 }
 
-std::unique_ptr<OperatingSystem> SystemOf(const Source& source) {
-  if (source.devices.empty()) return MachineForUser();
-  return std::make_unique<standin::GivenDeviceList>(ReadDeviceList(source.devices));
+std::unique_ptr<OperatingSystem> SystemOf(const std::string* deviceList) {
+  if (deviceList == nullptr) return MachineForUser();
+  return std::make_unique<standin::GivenDeviceList>(*deviceList);
 }
 
-std::unique_ptr<OperatingSystem> MaskedSystemOf(const Source& source) {
-  if (!source.maskSerials) return SystemOf(source);
+std::unique_ptr<OperatingSystem> MaskedSystemOf(const Source& source, const std::string* deviceList) {
+  if (!source.maskSerials) return SystemOf(deviceList);
   SerialMask mask = MaskOf(source);
-  return std::make_unique<MaskingSystem>(SystemOf(source), std::move(mask));
+  return std::make_unique<MaskingSystem>(SystemOf(deviceList), std::move(mask));
 }
 
-void ConfigureHost(const Source& source, LogWriter& log) {
+/// A fresh host; with `deviceList`, for that rather than for the machine's.
+void ConfigureHost(const Source& source, const std::string* deviceList, LogWriter& log) {
   Host& host = Host::Instance();
   host.Reset();
   if (!source.systemName.empty()) host.SetSystemName(source.systemName);
-  host.SetOperatingSystem(MaskedSystemOf(source));
+  host.SetOperatingSystem(MaskedSystemOf(source, deviceList));
   host.CoreLogger().SetSink(
       [&log](ILogger::EQSVLogSeverity severity, const std::string& text) { log.Write(severity, text); });
 }
@@ -109,6 +97,15 @@ std::string NameOfList(const std::string& path) {
   return path == "-" ? "standard input" : path;
 }
 
+std::string ReadInput(const std::string& path, const std::string& advice) {
+  try {
+    if (path == "-") return standin::ReadAll(STDIN_FILENO);
+    return standin::ReadAll(standin::OpenFile(path, O_RDONLY).Get());
+  } catch (const std::system_error& error) {
+    throw UserError(fmt::format("cannot read {}: {}; {}", NameOfList(path), error.code().message(), advice));
+  }
+}
+
 std::vector<std::string> AllClasses() {
   std::vector<std::string> names;
   for (const standin::ClassSchema& schema : standin::ServedClasses()) names.push_back(schema.name);
@@ -116,7 +113,21 @@ std::vector<std::string> AllClasses() {
 }
 
 Inventory Collect(const Source& source, const std::vector<std::string>& classNames, LogWriter& log) {
-  ConfigureHost(source, log);
+  if (source.maskKey == "-" && source.devices == "-") {
+    throw UserError("--devices and --mask-key cannot both be standard input; name a file for one of them");
+  }
+  if (!source.devices.empty()) {
+    return CollectFrom(ReadInput(source.devices, "name a file that holds a device list with --devices"),
+                       source, classNames, log);
+  }
+  ConfigureHost(source, nullptr, log);
+  DrivePlugin(source.plugin, classNames);
+  return Inventory(Host::Instance());
+}
+
+Inventory CollectFrom(const std::string& deviceList, const Source& source,
+                      const std::vector<std::string>& classNames, LogWriter& log) {
+  ConfigureHost(source, &deviceList, log);
   DrivePlugin(source.plugin, classNames);
   return Inventory(Host::Instance());
 }

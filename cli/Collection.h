@@ -27,11 +27,19 @@ struct Source {
 /// How a device list is called in messages.
 std::string NameOfList(const std::string& path);
 
+/// The content of the file at `path`, or of standard input for "-". Throws UserError, which says what to do
+/// about it with `advice`, when it cannot be read.
+std::string ReadInput(const std::string& path, const std::string& advice);
+
 /// All classes, in the order in which they build on each other.
 std::vector<std::string> AllClasses();
 
 /// Has the plug-in serve the classes named, in one request; its log lines go to `log`. Throws UserError when
 /// the list cannot be read or the plug-in cannot be used.
 Inventory Collect(const Source& source, const std::vector<std::string>& classNames, LogWriter& log);
+
+/// The same from the text of a device list, whatever `source` says of devices.
+Inventory CollectFrom(const std::string& deviceList, const Source& source,
+                      const std::vector<std::string>& classNames, LogWriter& log);
 
 }  // namespace cli

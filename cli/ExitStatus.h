@@ -6,6 +6,7 @@ namespace cli {
 enum ExitStatus {
   kPrinted = 0,       // something was printed
   kNothingFound = 1,  // no USB device, or nothing matched
+  kDifferent = 1,     // the inventories compared differ
   kFailure = 2,       // wrong usage, unreadable input, no plug-in, failed output
 };
 

@@ -9,6 +9,7 @@
 
 #include "cli/Color.h"
 #include "cli/LogWriter.h"
+#include "cli/OptionChecks.h"
 #include "cli/OutputFormat.h"
 #include "cli/TableFormat.h"
 #include "cli/Text.h"
@@ -39,11 +40,6 @@ std::string CheckColumns(const std::string& columns) {
     return fmt::format("{} not in {{{}}}", name, fmt::join(known, ","));
   }
   return std::string();
-}
-
-/// An empty name is most often an unset variable; taking it for "not given" would do something else.
-std::string CheckNotEmpty(const std::string& text) {
-  return text.empty() ? "must not be empty" : "";
 }
 
 /// What an option parses its text into; refused with the `form` it must have.

@@ -7,10 +7,13 @@
 #include <clocale>
 #include <csignal>
 #include <exception>
+#include <functional>
 #include <iostream>
 #include <new>
 #include <string>
+#include <vector>
 
+#include "cli/DiffCommand.h"
 #include "cli/ExitStatus.h"
 #include "cli/Output.h"
 #include "cli/SchemaCommand.h"
@@ -50,13 +53,20 @@ const CLI::Option* GivenOption(const CLI::App& app) {
   return nullptr;
 }
 
+/// A subcommand with options of its own.
+struct Subcommand {
+  CLI::App* app;
+  std::function<int()> run;
+};
+
 /// The command line: the inventory's options, which are also those of its subcommand, and the other
 /// subcommands.
 struct CommandLine {
   CLI::App app{"Shows a machine's USB inventory: controllers, hubs, ports and devices.", "usbinfo"};
   cli::ShowOptions showOptions;
+  cli::DiffOptions diffOptions;
   cli::SchemaOptions schemaOptions;
-  CLI::App* schema = nullptr;
+  std::vector<Subcommand> others;
 
   CommandLine() {
     app.set_help_flag("-h,--help", "Print this help");
@@ -67,31 +77,46 @@ struct CommandLine {
     CLI::App* const show = app.add_subcommand("show", "Print the inventory; what usbinfo does on its own");
     show->set_help_flag();
     show->fallthrough();
-    schema = app.add_subcommand("schema", "Print the definitions of the inventory's classes");
+    CLI::App* const diff = app.add_subcommand("diff", "Compare two saved inventories");
+    cli::AddDiffOptions(*diff, diffOptions);
+    others.push_back({diff, [this] { return cli::RunDiff(diffOptions); }});
+    CLI::App* const schema = app.add_subcommand("schema", "Print the definitions of the inventory's classes");
     cli::AddSchemaOptions(*schema, schemaOptions);
+    others.push_back({schema, [this] { return cli::RunSchema(schemaOptions); }});
     app.require_subcommand(0, 1);
+  }
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+
+  /// The one of the other subcommands that was given; null when it is the inventory.
+  const Subcommand* Given() const {
+    for (const Subcommand& other : others) {
+      if (other.app->parsed()) return &other;
+    }
+    return nullptr;
   }
 };
 
 int Run(int argc, char** argv) {
   CommandLine line;
+  const auto name = [&line] { return line.Given() ? "usbinfo " + line.Given()->app->get_name() : "usbinfo"; };
   try {
     line.app.parse(argc, argv);
     cli::CompleteShowOptions(line.showOptions);
   } catch (const CLI::CallForHelp&) {
-    line.schema->parsed() ? PrintHelp(*line.schema, "usbinfo schema") : PrintHelp(line.app, "usbinfo");
+    PrintHelp(line.Given() ? *line.Given()->app : line.app, name());
     return cli::kPrinted;
   } catch (const CLI::Success&) {
     cli::WriteStandardOutput(line.app.version() + "\n");
     return cli::kPrinted;
   } catch (const CLI::ParseError& error) {
-    return Fail(std::string(error.what()) + "; see usbinfo --help");
+    return Fail(std::string(error.what()) + "; see " + name() + " --help");
   }
-  if (!line.schema->parsed()) return cli::RunShow(line.showOptions);
+  if (!line.Given()) return cli::RunShow(line.showOptions);
   if (const CLI::Option* const option = GivenOption(line.app)) {
-    return Fail(option->get_name() + " is no option of the schema; see usbinfo schema --help");
+    return Fail(option->get_name() + " is no option of " + name() + "; see " + name() + " --help");
   }
-  return cli::RunSchema(line.schemaOptions);
+  return line.Given()->run();
 }
 
 }  // namespace

@@ -1,0 +1,91 @@
+// `usbinfo diff`: options, reading, printing; see the header.
+#include "cli/DiffCommand.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "cli/Collection.h"
+#include "cli/Color.h"
+#include "cli/DiffJson.h"
+#include "cli/DiffText.h"
+#include "cli/ExitStatus.h"
+#include "cli/InventoryDiff.h"
+#include "cli/JsonFormat.h"
+#include "cli/LogWriter.h"
+#include "cli/OptionChecks.h"
+#include "cli/Output.h"
+#include "cli/SavedInventory.h"
+#include "cli/UserError.h"
+#include "host/ILogger.h"
+
+namespace cli {
+
+namespace {
+
+/// Whether a line of `text` begins as those do that begin a device's entry. Without one it is not a list in
+/// which no device stands, but something else: taken for an empty machine, it would tell a wrong difference.
+bool LooksLikeDeviceList(const std::string& text) {
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t first = line.find_first_not_of(" \t");
+    if (first != std::string::npos && line.compare(first, 2, "T:") == 0) return true;
+  }
+  return false;
+}
+
+SavedInventory ReadInventory(const std::string& path, const std::string& plugin, LogWriter& log) {
+  const std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
+  const std::string name = NameOfList(path);
+  if (LooksLikeJson(text)) return ReadSavedInventory(text, name);
+  if (!LooksLikeDeviceList(text)) {
+    throw UserError(fmt::format(
+        "{} holds neither a JSON inventory nor a device list; save one with usbinfo --format json", name));
+  }
+  Source source;
+  source.plugin = plugin;
+  return ReadSavedInventory(RenderJson(CollectFrom(text, source, AllClasses(), log), RenderOptions()), name);
+}
+
+std::string Render(const DiffOptions& options, const InventoryDifference& difference) {
+  if (options.format == "json") return RenderDiffJson(difference);
+  return RenderDiffText(difference, UsesColor(ColorOf(options.color), options.output.empty()));
+}
+
+}  // namespace
+
+void AddDiffOptions(CLI::App& command, DiffOptions& options) {
+  const auto addText = [&command](const char* name, std::string& value, const char* help) {
+    return command.add_option(name, value, help)->type_name("FILE")->check(CheckNotEmpty);
+  };
+  const auto addChoice = [&command](const char* name, std::string& value, const char* type,
+                                    const std::vector<std::string>& choices, const char* help) {
+    command.add_option(name, value, help)->type_name(type)->check(CLI::IsMember(choices).description(""));
+  };
+  addText("OLD", options.before,
+          "The inventory before: a JSON inventory\nor a device list; - is standard input")
+      ->required();
+  addText("NEW", options.after, "The inventory after, likewise")->required();
+  addChoice("--format", options.format, "FORMAT", {"text", "json"}, "How to print [text]:\ntext, json");
+  addChoice("--color", options.color, "WHEN", ColorNames(),
+            "Whether to colour the text [auto]:\nauto (on a terminal), always, never");
+  addText("--output", options.output, "Write there, whole or not at all [standard output]");
+  addText("--plugin", options.plugin,
+          "The plug-in module that reads device lists\n[the one that came along]");
+}
+
+int RunDiff(const DiffOptions& options) {
+  if (options.before == "-" && options.after == "-") {
+    throw UserError("standard input holds one inventory; give a file for OLD or for NEW");
+  }
+  LogWriter log("", NKESTA20::ILogger::kWarning, LogFormat::kText);
+  const SavedInventory before = ReadInventory(options.before, options.plugin, log);
+  const SavedInventory after = ReadInventory(options.after, options.plugin, log);
+  const InventoryDifference difference = Compare(before, after);
+  WriteOutput(options.output, Render(options, difference));
+  log.Finish();
+  return difference.IsEmpty() ? kPrinted : kDifferent;
+}
+
+}  // namespace cli

@@ -1,0 +1,25 @@
+// JSON texts that anybody may have written, read without trust: nothing is overwritten by a later namesake,
+// nothing nests without end, and what is wrong is told with its place in the text.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+
+namespace cli {
+
+/// What is wrong with a document and where: "line 2, column 5: ..." or "/a/b: ..." with the JSON pointer.
+class JsonError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The JSON pointer to the member `name`, or the element of that number, of what `pointer` leads to.
+std::string PointerTo(const std::string& pointer, const std::string& name);
+std::string PointerTo(const std::string& pointer, std::size_t index);
+
+/// The one value that `text` holds. Throws JsonError when it is no JSON, names a member twice, nests deeper
+/// than an inventory ever does, or has a number beyond every range.
+nlohmann::json ParseStrictJson(const std::string& text);
+
+}  // namespace cli
