@@ -7,6 +7,7 @@
 BUILD_PACKAGES=(
   cmake g++ jq libboost-dev libboost-thread-dev libcli11-dev libfmt-dev libgmock-dev libgtest-dev libsmartcols-dev
   libssl-dev libxml2-dev libxml2-utils locales ninja-build nlohmann-json3-dev pkgconf python3
+  python3-jsonschema
 )
 # What the slower checks take on top.
 CHECK_PACKAGES=(clang clang-format clang-tidy pyflakes3 shellcheck)
