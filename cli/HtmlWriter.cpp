@@ -1,6 +1,8 @@
 // Well-formed HTML; see the header.
 #include "cli/HtmlWriter.h"
 
+#include <string_view>
+
 #include "cli/Text.h"
 
 namespace cli {
@@ -44,8 +46,8 @@ void HtmlWriter::Tag(const char* element, const Attributes& attributes, const ch
 }
 
 void HtmlWriter::Open(const char* element, const Attributes& attributes) {
-  // A new line inside the tag's end would do, but between elements it can be read.
-  if (!fDocument.empty() && fDocument.back() == '>') fDocument += '\n';
+  // Between pieces of a line, a line's end would be a blank.
+  if (fDocument.back() == '>' && element != std::string_view("span")) fDocument += '\n';
   Tag(element, attributes, ">");
   fOpen.push_back(element);
 }

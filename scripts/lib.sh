@@ -9,6 +9,8 @@ BUILD_PACKAGES=(
   libssl-dev libxml2-dev libxml2-utils locales ninja-build nlohmann-json3-dev pkgconf python3
   python3-jsonschema
 )
+# What the tests of the page and the graph take on top: a browser, its driver, and Graphviz.
+PAGE_PACKAGES=(chromium chromium-driver graphviz python3-selenium)
 # What the slower checks take on top.
 CHECK_PACKAGES=(clang clang-format clang-tidy pyflakes3 shellcheck)
 # What telling the coverage takes on top of the first ones.

@@ -9,6 +9,7 @@
 using cli::EscapeForTerminal;
 using cli::ReplaceDirectionMarks;
 using cli::ReplaceInvalidUtf8;
+using cli::ReplaceUnprintable;
 
 namespace usbinfo_test {
 namespace {
@@ -117,6 +118,22 @@ TEST(ReplaceDirectionMarks, FindsAMarkBehindBytesThatAreNoUtf8) {
   for (const char* bytes : {"\xF0", "\xF0\x9F", "\xE2", "\xE2\x80", "\xC2", "\xFF", "\x80"}) {
     EXPECT_EQ(ReplaceDirectionMarks(bytes + mark).find(mark), std::string::npos)
         << testing::PrintToString(bytes);
+  }
+}
+
+TEST(ReplaceUnprintable, ReplacesEachCharacterThatNobodyCanSee) {
+  for (const char* text : {"\n", "\t", "\x1B", "\x7F", "\xC2\x80", "\xC2\x9F", "\xE2\x80\xA8", "\xE2\x80\xAE",
+                           "\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xFF", "\xC2", "\xF0\x9F\x98"}) {
+    EXPECT_EQ(ReplaceUnprintable(std::string("a").append(text).append("b")), "a" + kFFFD + "b")
+        << testing::PrintToString(text);
+  }
+  EXPECT_EQ(ReplaceUnprintable(std::string("a\0b", 3)), "a" + kFFFD + "b");
+}
+
+TEST(ReplaceUnprintable, LeavesAllElseAsItIs) {
+  for (const char* text :
+       {"", "a <b>&\"'\\", "\xC2\xA0", "\xC3\xA4", "\xE2\x80\xA7", "\xEF\xBF\xBD", "\xF0\x9F\x98\x80"}) {
+    EXPECT_EQ(ReplaceUnprintable(text), text);
   }
 }
 

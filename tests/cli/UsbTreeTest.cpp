@@ -134,5 +134,26 @@ TEST_F(UsbTreeTest, HoldsEveryItemOfEveryCaptureOnce) {
   }
 }
 
+TEST_F(UsbTreeTest, HasNoRowForWhatAPortAloneShows) {
+  Path hub = AddHub("hub", "", 2);
+  Path port = AddPort("port", 1, "x");
+  Path crowded = AddPort("crowded", 1, "x");
+  Associate(kPortOnHub, hub, port);
+  Associate(kPortOnHub, hub, crowded);
+  Associate(kConnection, port, AddDevice("alone", "", 1));
+  Associate(kConnection, crowded, AddDevice("one", "", 1));
+  Associate(kConnection, crowded, AddDevice("other", "", 1));
+  const Inventory inventory(host);
+  const UsbTree tree(inventory);
+  std::vector<std::string> rows;
+  for (const cli::UsbTreeRow& row : tree.Rows()) {
+    const UsbTreeNode& node = tree.Nodes()[row.node];
+    rows.push_back(std::to_string(row.depth) + " " + node.item->Text("DeviceID") + " shows " +
+                   tree.Shown(node).item->Text("DeviceID"));
+  }
+  EXPECT_THAT(rows, ElementsAre("0 hub shows hub", "1 port shows alone", "1 crowded shows crowded",
+                                "2 one shows one", "2 other shows other"));
+}
+
 }  // namespace
 }  // namespace usbinfo_test
