@@ -1,0 +1,99 @@
+// A small host: loads the plug-in module through the installed stand-in library, asks it for hubs and
+// devices, and prints every property they have. It owns the module; the stand-in owns the instances.
+//
+// With CMake (PREFIX is where usbinfo is installed; for /usr leave it out):
+//   cmake -S examples/host -B build/example -DCMAKE_PREFIX_PATH=PREFIX
+//   cmake --build build/example --target run
+// With one call of the compiler:
+//   g++ -std=c++17 -o example-host examples/host/main.cpp $(pkg-config --cflags --libs usbinfo)
+//   ./example-host "$(pkg-config --variable=plugin usbinfo)"
+// Usage: example-host MODULE [DEVICE-LIST]    the machine's own list unless one is named
+#include <algorithm>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/ICIMClass.h"
+#include "host/ICIMInstance.h"
+#include "host/ILogger.h"
+#include "host/TAddToVectorCallback.h"
+#include "standin/GivenDeviceList.h"
+#include "standin/Host.h"
+#include "standin/Instance.h"
+#include "standin/PluginModule.h"
+
+using NKESTA20::ICIMInstance;
+using NKESTA20::ILogger;
+
+namespace {
+
+const std::vector<std::string> kClasses = {"KALDO_USBHub", "KALDO_USBDevice"};
+
+/// Throws std::runtime_error when the file cannot be opened.
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw std::runtime_error("cannot read " + path);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// A device chooses its own strings: what might be a command to the terminal becomes a question mark.
+std::string Harmless(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
+  return text;
+}
+
+/// The stand-in is configured before the module is loaded.
+void ConfigureHost(const std::vector<std::string>& arguments) {
+  standin::Host& host = standin::Host::Instance();
+  host.SetSystemName("example");
+  host.CoreLogger().SetSink([](ILogger::EQSVLogSeverity severity, const std::string& text) {
+    if (severity <= ILogger::kWarning) std::cerr << "log: " << Harmless(text) << "\n";
+  });
+  if (arguments.size() < 2) return;
+  host.SetOperatingSystem(std::make_unique<standin::GivenDeviceList>(ReadFile(arguments[1])));
+}
+
+/// An exception's type may live in the module, so what it says is taken while the module is still loaded.
+void Collect(const std::string& modulePath) {
+  standin::PluginModule module(modulePath);
+  try {
+    module.Collect(kClasses);
+  } catch (const std::exception& error) {
+    throw std::runtime_error(std::string("the plug-in failed: ") + error.what());
+  }
+}
+
+void Print(const std::string& className) {
+  std::vector<boost::shared_ptr<ICIMInstance>> instances;
+  standin::Host::Instance()
+      .Cimv2()
+      ->GetClass(className, {})
+      ->EnumerateInstances(NKESTA20::TAddToVectorCallback<ICIMInstance>(instances), 0, {});
+  for (const auto& instance : instances) {
+    std::cout << className << "\n";
+    for (const auto& [name, property] : static_cast<standin::Instance&>(*instance).AllProperties()) {
+      std::cout << "  " << name << " = " << Harmless(property->GetValueAsText()) << "\n";
+    }
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    if (arguments.empty()) throw std::runtime_error("usage: example-host MODULE [DEVICE-LIST]");
+    ConfigureHost(arguments);
+    Collect(arguments.front());
+    for (const std::string& className : kClasses) Print(className);
+  } catch (const std::exception& error) {
+    std::cerr << "example-host: " << Harmless(error.what()) << "\n";
+    return 2;
+  }
+}
