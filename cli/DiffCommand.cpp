@@ -3,7 +3,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <sstream>
 
 #include "cli/Collection.h"
@@ -14,7 +13,7 @@
 #include "cli/InventoryDiff.h"
 #include "cli/JsonFormat.h"
 #include "cli/LogWriter.h"
-#include "cli/OptionChecks.h"
+#include "cli/OptionForms.h"
 #include "cli/Output.h"
 #include "cli/SavedInventory.h"
 #include "cli/UserError.h"
@@ -56,22 +55,14 @@ std::string Render(const DiffOptions& options, const InventoryDifference& differ
 }  // namespace
 
 void AddDiffOptions(CLI::App& command, DiffOptions& options) {
-  const auto addText = [&command](const char* name, std::string& value, const char* help) {
-    return command.add_option(name, value, help)->type_name("FILE")->check(CheckNotEmpty);
-  };
-  const auto addChoice = [&command](const char* name, std::string& value, const char* type,
-                                    const std::vector<std::string>& choices, const char* help) {
-    command.add_option(name, value, help)->type_name(type)->check(CLI::IsMember(choices).description(""));
-  };
-  addText("OLD", options.before,
+  AddText(command, "OLD", options.before, "FILE",
           "The inventory before: a JSON inventory\nor a device list; - is standard input")
       ->required();
-  addText("NEW", options.after, "The inventory after, likewise")->required();
-  addChoice("--format", options.format, "FORMAT", {"text", "json"}, "How to print [text]:\ntext, json");
-  addChoice("--color", options.color, "WHEN", ColorNames(),
-            "Whether to colour the text [auto]:\nauto (on a terminal), always, never");
-  addText("--output", options.output, "Write there, whole or not at all [standard output]");
-  addText("--plugin", options.plugin,
+  AddText(command, "NEW", options.after, "FILE", "The inventory after, likewise")->required();
+  AddChoice(command, "--format", options.format, "FORMAT", {"text", "json"}, "How to print");
+  AddChoice(command, "--color", options.color, "WHEN", ColorNames(), "Colour the text");
+  AddText(command, "--output", options.output, "FILE", "Write there, whole or not at all [standard output]");
+  AddText(command, "--plugin", options.plugin, "FILE",
           "The plug-in module that reads device lists\n[the one that came along]");
 }
 

@@ -6,6 +6,7 @@
 #include "cli/CimTypes.h"
 #include "cli/ExitStatus.h"
 #include "cli/MofFormat.h"
+#include "cli/OptionForms.h"
 #include "cli/Output.h"
 #include "standin/ClassSchema.h"
 
@@ -37,11 +38,8 @@ ordered_json ToJson(const standin::ClassSchema& schema) {
 }  // namespace
 
 void AddSchemaOptions(CLI::App& command, SchemaOptions& options) {
-  command.add_option("--format", options.format, "How to print [mof]:\nmof, json")
-      ->type_name("FORMAT")
-      ->check(CLI::IsMember({"mof", "json"}).description(""));
-  command.add_option("--output", options.output, "Write there, whole or not at all [standard output]")
-      ->type_name("FILE");
+  AddChoice(command, "--format", options.format, "FORMAT", {"mof", "json"}, "How to print");
+  AddText(command, "--output", options.output, "FILE", "Write there, whole or not at all [standard output]");
 }
 
 int RunSchema(const SchemaOptions& options) {

@@ -9,7 +9,7 @@
 
 #include "cli/Color.h"
 #include "cli/LogWriter.h"
-#include "cli/OptionChecks.h"
+#include "cli/OptionForms.h"
 #include "cli/OutputFormat.h"
 #include "cli/TableFormat.h"
 #include "cli/Text.h"
@@ -95,38 +95,30 @@ void AddDisplayOptions(CLI::App& app, ShowOptions& options) {
 
 void AddShowOptions(CLI::App& app, ShowOptions& options) {
   const std::vector<std::string> formats = FormatNames();
-  const auto addText = [&app](const char* name, std::string& value, const char* type, const char* help) {
-    app.add_option(name, value, help)->type_name(type)->check(CheckNotEmpty);
-  };
-  const auto addChoice = [&app](const char* name, std::string& value, const char* type,
-                                const std::vector<std::string>& choices, const char* help) {
-    const std::string list = fmt::format("{}", fmt::join(choices, ", "));
-    return app.add_option(name, value, fmt::format("{} [{}]:\n{}", help, value, list))
-        ->type_name(type)
-        ->check(CLI::IsMember(choices).description(""));
-  };
   options.format = formats.front();
-  addText("--devices", options.source.devices, "FILE",
+  AddText(app, "--devices", options.source.devices, "FILE",
           "Use this device list instead of the machine's: a saved\n"
           "/sys/kernel/debug/usb/devices or usb-devices output;\n"
           "- is standard input");
-  addChoice("--format", options.format, "FORMAT", formats, "How to print")
+  AddChoice(app, "--format", options.format, "FORMAT", formats, "How to print")
       ->each([&options](const std::string& format) { options.askedFormats.push_back(format); });
   AddDisplayOptions(app, options);
-  addChoice("--color", options.color, "WHEN", ColorNames(), "Colour the tree and the table");
+  AddChoice(app, "--color", options.color, "WHEN", ColorNames(), "Colour the tree and the table");
   app.add_option("--request", options.request,
                  "Ask the plug-in for exactly these classes, in this\n"
                  "order, in one request")
       ->type_name("A,B,...")
       ->check(CheckRequest);
-  addText("--system-name", options.source.systemName, "NAME", "The system name in the keys [the host name]");
+  AddText(app, "--system-name", options.source.systemName, "NAME",
+          "The system name in the keys [the host name]");
   AddSelectionOptions(app, options.selection);
   AddMaskOptions(app, options.source);
-  addText("--output", options.output, "FILE", "Write there, whole or not at all [standard output]");
-  addText("--plugin", options.source.plugin, "FILE", "The plug-in module to load [the one that came along]");
-  addText("--log", options.log, "FILE", "Where the log goes [standard error]");
-  addChoice("--log-level", options.logLevel, "LEVEL", SeverityNames(), "Log from this severity on");
-  addChoice("--log-format", options.logFormat, "FORMAT", {"text", "json"}, "How to log");
+  AddText(app, "--output", options.output, "FILE", "Write there, whole or not at all [standard output]");
+  AddText(app, "--plugin", options.source.plugin, "FILE",
+          "The plug-in module to load [the one that came along]");
+  AddText(app, "--log", options.log, "FILE", "Where the log goes [standard error]");
+  AddChoice(app, "--log-level", options.logLevel, "LEVEL", SeverityNames(), "Log from this severity on");
+  AddChoice(app, "--log-format", options.logFormat, "FORMAT", {"text", "json"}, "How to log");
 }
 
 void CompleteShowOptions(ShowOptions& options) {

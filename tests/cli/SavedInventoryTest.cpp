@@ -151,9 +151,9 @@ const Damage kDamages[] = {
      "/classes/KALDO_USBConnection/0/Antecedent: must be the object path of a KALDO_USBPort"},
     {"LinkToNoEntity",
      [](auto& it) { it.Last("KALDO_USBConnection")["Dependent"] = "KALDO_USBConnection.a=1"; },
-     "/classes/KALDO_USBConnection/0/Dependent: must be the object path of a CIM_LogicalDevice"},
+     "/classes/KALDO_USBConnection/0/Dependent: must be the object path of a KALDO_USBElement"},
     {"LinkToABareClass", [](auto& it) { it.Last("KALDO_USBConnection")["Dependent"] = "KALDO_USBHub"; },
-     "/classes/KALDO_USBConnection/0/Dependent: must be the object path of a CIM_LogicalDevice"},
+     "/classes/KALDO_USBConnection/0/Dependent: must be the object path of a KALDO_USBElement"},
 };
 
 class DamagedInventory : public testing::TestWithParam<Damage> {};
