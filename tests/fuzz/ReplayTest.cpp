@@ -1,5 +1,5 @@
-// What fuzzing found worth keeping, and every capture, through the fuzzers' targets: one test per input, so
-// that a broken invariant names it.
+// What fuzzing found worth keeping, and every capture or its inventory, through the fuzzers' targets: one
+// test per input, so that a broken invariant names it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/fuzz/DiffTarget.h"
 #include "tests/fuzz/PluginTarget.h"
 #include "tests/fuzz/RecordsTarget.h"
 #include "tests/support/HostTest.h"
@@ -17,14 +18,17 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The captures and the files kept for a target.
-std::vector<std::string> Inputs(const std::string& target) {
-  std::vector<std::string> kept;
-  for (const auto& entry : fs::directory_iterator(SOURCE_DIR "/tests/fuzz/corpus/" + target)) {
-    kept.push_back(entry.path());
-  }
-  std::sort(kept.begin(), kept.end());
-  std::vector<std::string> inputs = CapturePaths();
+std::vector<std::string> FilesIn(const std::string& folder) {
+  std::vector<std::string> files;
+  for (const auto& entry : fs::directory_iterator(SOURCE_DIR "/tests/" + folder))
+    files.push_back(entry.path());
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+/// `inputs` and the files kept for a target.
+std::vector<std::string> Inputs(std::vector<std::string> inputs, const std::string& target) {
+  const std::vector<std::string> kept = FilesIn("fuzz/corpus/" + target);
   inputs.insert(inputs.end(), kept.begin(), kept.end());
   return inputs;
 }
@@ -42,7 +46,7 @@ TEST_P(RecordsReplay, AgreesWithTheSecondReading) {
   EXPECT_NO_THROW(CheckRecords(ReadFile(GetParam())));
 }
 
-INSTANTIATE_TEST_SUITE_P(All, RecordsReplay, testing::ValuesIn(Inputs("records")), TestName);
+INSTANTIATE_TEST_SUITE_P(All, RecordsReplay, testing::ValuesIn(Inputs(CapturePaths(), "records")), TestName);
 
 class PluginReplay : public testing::TestWithParam<std::string> {};
 
@@ -50,7 +54,16 @@ TEST_P(PluginReplay, IsReadBackFromEveryFormat) {
   EXPECT_NO_THROW(CheckPlugin(ReadFile(GetParam())));
 }
 
-INSTANTIATE_TEST_SUITE_P(All, PluginReplay, testing::ValuesIn(Inputs("plugin")), TestName);
+INSTANTIATE_TEST_SUITE_P(All, PluginReplay, testing::ValuesIn(Inputs(CapturePaths(), "plugin")), TestName);
+
+class DiffReplay : public testing::TestWithParam<std::string> {};
+
+TEST_P(DiffReplay, KeepsWhatEveryDifferenceMust) {
+  EXPECT_NO_THROW(CheckDiff(ReadFile(GetParam())));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, DiffReplay, testing::ValuesIn(Inputs(FilesIn("data/expected"), "diff")),
+                         TestName);
 
 }  // namespace
 }  // namespace usbinfo_test

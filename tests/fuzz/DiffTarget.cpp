@@ -1,0 +1,87 @@
+// Saved inventories against themselves and each other; see the header.
+#include "tests/fuzz/DiffTarget.h"
+
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "cli/DiffJson.h"
+#include "cli/DiffText.h"
+#include "cli/InventoryDiff.h"
+#include "cli/SavedInventory.h"
+#include "cli/UserError.h"
+#include "tests/fuzz/BrokenInvariant.h"
+
+using cli::InventoryDifference;
+using cli::SavedInventory;
+
+namespace usbinfo_test {
+
+namespace {
+
+/// None where the text is refused.
+std::optional<SavedInventory> Read(const std::string& text) {
+  try {
+    return cli::ReadSavedInventory(text, "input");
+  } catch (const cli::UserError& error) {
+    Require(std::string(error.what()).rfind("input holds no inventory: ", 0) == 0,
+            "the message names the input");
+    return std::nullopt;
+  }
+}
+
+/// Lines that begin as they must, without a command to the terminal.
+void CheckText(const InventoryDifference& difference) {
+  const std::string text = cli::RenderDiffText(difference, false);
+  Require(text.empty() == difference.IsEmpty(), "a text where there is a difference");
+  Require(text.empty() || text.back() == '\n', "a last line with an end");
+  bool isLineStart = true;
+  for (const char c : text) {
+    if (isLineStart) Require(std::string("+->~ s").find(c) != std::string::npos, "how a line begins");
+    isLineStart = c == '\n';
+    Require(isLineStart || (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F), "no control characters");
+  }
+}
+
+void CheckJsonForm(const InventoryDifference& difference) {
+  const auto document = nlohmann::json::parse(cli::RenderDiffJson(difference));
+  RequireCount(document["added"].size(), difference.added.size(), "added things in the document");
+  RequireCount(document["removed"].size(), difference.removed.size(), "removed things in the document");
+  RequireCount(document["moved"].size(), difference.moved.size(), "moved things in the document");
+  RequireCount(document["changed"].size(), difference.changed.size(), "changed things in the document");
+}
+
+void CheckAlone(const SavedInventory& inventory) {
+  Require(Compare(inventory, inventory).IsEmpty(), "no difference from itself");
+  const SavedInventory nothing;
+  const InventoryDifference all = Compare(nothing, inventory);
+  std::size_t told = all.added.size();
+  for (const cli::Thing& thing : all.added) told += thing.ports;
+  RequireCount(told, inventory.items.size(), "things that differ from nothing");
+  CheckText(all);
+  CheckJsonForm(all);
+}
+
+void CheckTogether(const SavedInventory& before, const SavedInventory& after) {
+  const InventoryDifference difference = Compare(before, after);
+  const InventoryDifference mirrored = Compare(after, before);
+  RequireCount(mirrored.removed.size(), difference.added.size(), "things removed the other way round");
+  RequireCount(mirrored.added.size(), difference.removed.size(), "things added the other way round");
+  RequireCount(mirrored.moved.size(), difference.moved.size(), "things moved the other way round");
+  RequireCount(mirrored.changed.size(), difference.changed.size(), "things changed the other way round");
+  CheckText(difference);
+  CheckJsonForm(difference);
+}
+
+}  // namespace
+
+void CheckDiff(const std::string& text) {
+  const std::size_t border = text.find('\0');
+  const auto before = Read(text.substr(0, border));
+  if (before) CheckAlone(*before);
+  if (border == std::string::npos) return;
+  const auto after = Read(text.substr(border + 1));
+  if (after) CheckAlone(*after);
+  if (before && after) CheckTogether(*before, *after);
+}
+
+}  // namespace usbinfo_test
