@@ -3,8 +3,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "cli/ItemFacts.h"
 #include "cli/SpeedClass.h"
 #include "cli/Wording.h"
@@ -41,6 +39,20 @@ SpeedClass SpeedClassOfNode(const UsbTree& tree, const UsbTreeNode& node) {
   if (node.kind == Kind::kPort) return SpeedClassOf(node.item->Number("Speed"));
   return node.children.empty() ? SpeedClass::kUnknown
                                : SpeedClassOf(tree.Nodes()[node.children.front()].item->Number("Speed"));
+}
+
+/// How many ports a hub has, and how many are free where all of them are there to be counted.
+std::string PortsOf(const UsbTree& tree, const UsbTreeNode& hub) {
+  std::size_t ports = 0;
+  std::size_t free = 0;
+  for (const std::size_t child : hub.children) {
+    const UsbTreeNode& port = tree.Nodes()[child];
+    if (port.kind != Kind::kPort) continue;
+    ++ports;
+    if (IsFree(*port.item)) ++free;
+  }
+  const std::uint64_t number = hub.item->Number("NumberOfPorts");
+  return ports == number ? fmt::format("{}, {} free", Count(number, "port"), free) : Count(number, "port");
 }
 
 }  // namespace
@@ -133,13 +145,8 @@ void HtmlTree::WriteName(const UsbTreeNode& node) {
     fWriter.Element("span", {{"data-find", ""}}, DisplayName(node));
   }
   if (node.kind == Kind::kHub) {
-    const auto free = std::count_if(node.children.begin(), node.children.end(), [this](std::size_t child) {
-      const UsbTreeNode& port = fTree.Nodes()[child];
-      return port.kind == Kind::kPort && IsFree(*port.item);
-    });
-    const std::string ports = Count(node.item->Number("NumberOfPorts"), "port");
     fWriter.Text(" ");
-    fWriter.Element("span", {{"class", "free-ports"}}, fmt::format("{}, {} free", ports, free));
+    fWriter.Element("span", {{"class", "free-ports"}}, PortsOf(fTree, node));
   }
   fWriter.Close();
 }

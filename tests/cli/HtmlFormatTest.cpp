@@ -153,6 +153,11 @@ TEST_F(HtmlFormatTest, ListsAllThatHangsOnOnePort) {
   EXPECT_THAT(Select("//li[@class='item port']/ul/li//span[@class='name']"), ElementsAre("One", "Other"));
 }
 
+TEST_F(HtmlFormatTest, CountsFreePortsOnlyWhereAllAreThere) {
+  AddPortOn(AddHub(kRoot, "Hub", 2), "Bus 01  Device   1 Port 00", 12000000, kFree);
+  EXPECT_THAT(Select("//span[@class='free-ports']"), ElementsAre("2 ports"));
+}
+
 TEST_F(HtmlFormatTest, DrawsAPortOfUnknownSpeed) {
   AddPortOn(AddHub(kRoot, "Hub", 1), "Bus 01  Device   1 Port 00", 0, kFree);
   EXPECT_THAT(Select("//li[@class='socket unknown free']/span/span"),
