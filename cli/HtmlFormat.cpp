@@ -82,7 +82,7 @@ void WriteLegend(HtmlWriter& writer) {
   writer.Close();
 }
 
-void WriteMain(HtmlWriter& writer, const Inventory& inventory) {
+void WriteMain(HtmlWriter& writer, const Inventory& inventory, const UsbIds* names) {
   writer.Open("main");
   const UsbTree tree(inventory);
   if (tree.Nodes().empty()) {
@@ -93,7 +93,7 @@ void WriteMain(HtmlWriter& writer, const Inventory& inventory) {
     WriteLegend(writer);
     writer.Close();
     writer.Open("div", {{"class", "buses"}});
-    HtmlTree(writer, tree).Write();
+    HtmlTree(writer, tree, names).Write();
     writer.Close();
   }
   writer.Close();
@@ -101,13 +101,13 @@ void WriteMain(HtmlWriter& writer, const Inventory& inventory) {
 
 }  // namespace
 
-std::string RenderHtml(const Inventory& inventory, const RenderOptions&) {
+std::string RenderHtml(const Inventory& inventory, const RenderOptions& options) {
   HtmlWriter writer;
   writer.Open("html", {{"lang", "en"}});
   WriteHead(writer, inventory);
   writer.Open("body");
   WriteHeader(writer, inventory);
-  WriteMain(writer, inventory);
+  WriteMain(writer, inventory, options.names);
   writer.Element("footer", {}, "Made by usbinfo " USBINFO_VERSION);
   writer.Asset("script", kPageScript.text);
   writer.Close();

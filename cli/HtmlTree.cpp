@@ -143,6 +143,12 @@ void HtmlTree::WriteName(const UsbTreeNode& node) {
     fWriter.Element("span", {}, DisplayName(node));
   } else if (!node.isRootHub) {
     fWriter.Element("span", {{"data-find", ""}}, DisplayName(node));
+    const bool isNamed = node.kind == Kind::kController || !Given(*node.item, "Description").empty();
+    const std::string known = isNamed ? std::string() : KnownAs(*node.item, fNames);
+    if (!known.empty()) {
+      fWriter.Text(" ");
+      fWriter.Element("span", {{"class", "known"}}, known);
+    }
   }
   if (node.kind == Kind::kHub) {
     fWriter.Text(" ");
@@ -168,7 +174,7 @@ void HtmlTree::WriteFacts(std::size_t row) {
   };
   const UsbTreeNode& node = NodeAt(row);
   const UsbTreeNode& shown = fTree.Shown(node);
-  for (const ItemFact& fact : FactsOf(shown)) writeFact(fact.label, fact);
+  for (const ItemFact& fact : FactsOf(shown, fNames)) writeFact(fact.label, fact);
   if (&node != &shown) writeFact("Port's speed", {"", SpeedOf(fTree, node)});
   fWriter.Close();
 }

@@ -10,10 +10,13 @@
 
 namespace cli {
 
+class UsbIds;
+
 class HtmlTree {
  public:
-  /// Both must outlive the object.
-  HtmlTree(HtmlWriter& writer, const UsbTree& tree) : fWriter(writer), fTree(tree), fRows(tree.Rows()) {}
+  /// `names`, which may be null, tells what vendors and products are known as. All must outlive the object.
+  HtmlTree(HtmlWriter& writer, const UsbTree& tree, const UsbIds* names)
+      : fWriter(writer), fTree(tree), fNames(names), fRows(tree.Rows()) {}
 
   /// The sections, one after the other.
   void Write();
@@ -34,12 +37,13 @@ class HtmlTree {
   void WriteFacts(std::size_t row);
   void WriteSockets(std::size_t row);
   void WriteSocket(const UsbTreeNode& port, std::size_t index);
-  /// The device's own string; the place for a second name beside it.
+  /// The device's own string, or what it is known as where it has none.
   void WriteName(const UsbTreeNode& node);
   std::string DisplayName(const UsbTreeNode& node) const;
 
   HtmlWriter& fWriter;
   const UsbTree& fTree;
+  const UsbIds* fNames;
   std::vector<UsbTreeRow> fRows;
 };
 

@@ -1,8 +1,6 @@
 // Facts of items; see the header.
 #include "cli/ItemFacts.h"
 
-#include <fmt/format.h>
-
 #include "cli/Wording.h"
 
 namespace cli {
@@ -15,20 +13,30 @@ class Facts {
   explicit Facts(const InstanceView& item) : fItem(item) {}
 
   void Text(const char* label, const char* property, bool isSearched = false) {
-    const std::string text = fItem.Text(property);
-    if (!text.empty() && text != "Not Available") fFacts.push_back({label, text, isSearched});
+    const std::string text = Given(fItem, property);
+    if (!text.empty()) fFacts.push_back({label, text, isSearched});
+  }
+  void Known(const char* label, const std::string& name) {
+    if (!name.empty()) fFacts.push_back({label, name, true});
   }
   void Number(const char* label, const char* property) {
     if (fItem.Find(property) != nullptr) {
       fFacts.push_back({label, std::to_string(fItem.Number(property)), false});
     }
   }
-  /// A version told as a number of three digits.
+  /// A number told by one digit; where the list has none, what stands for it is beyond.
+  void Digit(const char* label, const char* property) {
+    constexpr std::uint64_t kLargest = 9;
+    if (fItem.Number(property) <= kLargest) Number(label, property);
+  }
   void Version(const char* label, const char* property) {
-    constexpr std::uint64_t kHundred = 100;
     const std::uint64_t version = fItem.Number(property);
-    if (version == 0) return;
-    fFacts.push_back({label, fmt::format("{}.{:02}", version / kHundred, version % kHundred), false});
+    if (version != 0) fFacts.push_back({label, FormatVersion(version), false});
+  }
+  void Code(const char* label, const char* property) {
+    if (fItem.Find(property) != nullptr) {
+      fFacts.push_back({label, FormatCode(fItem.Number(property)), false});
+    }
   }
   void Speed(const char* label) {
     const std::string speed = FormatSpeed(fItem.Number("Speed"));
@@ -41,21 +49,22 @@ class Facts {
   std::vector<ItemFact> fFacts;
 };
 
-void AddDescriptor(Facts& facts) {
+void AddDescriptor(Facts& facts, const std::string& known) {
   facts.Text("Product", "Description", true);
+  facts.Known("Known as", known);
   facts.Text("Manufacturer", "Manufacturer", true);
   facts.Text("Serial number", "SerialNumber", true);
   facts.Version("USB version", "USBVersion");
-  facts.Number("Class", "ClassCode");
-  facts.Number("Subclass", "SubclassCode");
-  facts.Number("Protocol", "ProtocolCode");
-  facts.Number("Configurations", "NumberOfConfigs");
+  facts.Code("Class", "ClassCode");
+  facts.Code("Subclass", "SubclassCode");
+  facts.Code("Protocol", "ProtocolCode");
+  facts.Digit("Configurations", "NumberOfConfigs");
   facts.Text("Plugged into", "PortNumber");
 }
 
 }  // namespace
 
-std::vector<ItemFact> FactsOf(const UsbTreeNode& node) {
+std::vector<ItemFact> FactsOf(const UsbTreeNode& node, const UsbIds* names) {
   Facts facts(*node.item);
   switch (node.kind) {
     case UsbTreeNode::Kind::kController:
@@ -65,11 +74,11 @@ std::vector<ItemFact> FactsOf(const UsbTreeNode& node) {
       facts.Speed("Speed");
       break;
     case UsbTreeNode::Kind::kHub:
-      AddDescriptor(facts);
+      AddDescriptor(facts, KnownAs(*node.item, names));
       facts.Number("Ports", "NumberOfPorts");
       break;
     case UsbTreeNode::Kind::kDevice:
-      AddDescriptor(facts);
+      AddDescriptor(facts, KnownAs(*node.item, names));
       break;
   }
   facts.Text("Address", "DeviceID");

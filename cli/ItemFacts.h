@@ -8,6 +8,8 @@
 
 namespace cli {
 
+class UsbIds;
+
 struct ItemFact {
   const char* label;
   std::string value;
@@ -15,7 +17,8 @@ struct ItemFact {
   bool isSearched = false;
 };
 
-/// The facts of a controller, hub, port or device, in a fixed order; what is not known is left out.
-std::vector<ItemFact> FactsOf(const UsbTreeNode& node);
+/// The facts of a controller, hub, port or device, in a fixed order; what is not known is left out. `names`,
+/// which may be null, tells what vendors and products are known as.
+std::vector<ItemFact> FactsOf(const UsbTreeNode& node, const UsbIds* names);
 
 }  // namespace cli

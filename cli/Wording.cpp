@@ -14,20 +14,8 @@ namespace {
 
 using Kind = UsbTreeNode::Kind;
 
-/// 110 is USB 1.10.
-std::string FormatVersion(std::uint64_t version) {
-  constexpr std::uint64_t kHundred = 100;
-  return version == 0 ? "version unknown" : fmt::format("{}.{:02}", version / kHundred, version % kHundred);
-}
-
 /// The number of configurations is told by one digit; where the list has none, by what is beyond.
 constexpr std::uint64_t kLargestDigit = 9;
-
-/// Of a code in two hexadecimal digits the first one is known, as its distance from the digit 0.
-std::string FormatCode(std::uint64_t code) {
-  const auto digit = static_cast<unsigned char>(code + '0');
-  return std::isxdigit(digit) != 0 ? fmt::format("{:c}*", digit) : "?";
-}
 
 std::string PlaceOnBus(const UsbTreeNode& node, const std::string& identifier) {
   if (node.kind == Kind::kPort) {
@@ -75,6 +63,16 @@ std::string FormatSpeedClass(std::uint64_t speedClass) {
     default:
       return std::string();
   }
+}
+
+std::string FormatVersion(std::uint64_t version) {
+  constexpr std::uint64_t kHundred = 100;
+  return version == 0 ? "version unknown" : fmt::format("{}.{:02}", version / kHundred, version % kHundred);
+}
+
+std::string FormatCode(std::uint64_t code) {
+  const auto digit = static_cast<unsigned char>(code + '0');
+  return std::isxdigit(digit) != 0 ? fmt::format("{:c}*", digit) : "?";
 }
 
 std::string Count(std::uint64_t number, const std::string& noun) {

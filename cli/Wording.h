@@ -18,6 +18,13 @@ std::string FormatSpeed(std::uint64_t bitsPerSecond);
 /// The speed of a device, which tells only its class; empty when it is not known.
 std::string FormatSpeedClass(std::uint64_t speedClass);
 
+/// "1.10" for 110; says so when it is not known.
+std::string FormatVersion(std::uint64_t version);
+
+/// A code of two hexadecimal digits, of which the property holds the first as its distance from the digit 0:
+/// "0*"; "?" when it is none.
+std::string FormatCode(std::uint64_t code);
+
 /// "1 port", "2 ports".
 std::string Count(std::uint64_t number, const std::string& noun);
 

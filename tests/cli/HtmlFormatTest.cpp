@@ -7,6 +7,7 @@
 
 #include "cli/HtmlFormat.h"
 #include "cli/PageAssets.h"
+#include "cli/UsbIds.h"
 #include "tests/cli/CliTest.h"
 #include "tests/cli/XmlDocument.h"
 
@@ -130,6 +131,35 @@ TEST_F(HtmlFormatTest, FiltersByNameIdManufacturerAndSerialNumber) {
   AddSmallMachine();
   EXPECT_THAT(Select("//li[@class='item device']//*[@data-find]"),
               ElementsAre("Mouse", "046d:c077", "Mouse", "Maker"));
+}
+
+TEST_F(HtmlFormatTest, TellsWhatAThingIsKnownAs) {
+  AddSmallMachine();
+  const cli::UsbIds names("046d  Logitech, Inc.\n\tc077  Mouse <M105>\n");
+  cli::RenderOptions options;
+  options.names = &names;
+  const XmlDocument page(cli::RenderHtml(cli::Inventory(host), options));
+  EXPECT_THAT(page.Select("//dt[.='Known as']/following-sibling::dd[@data-find]"),
+              ElementsAre("Mouse <M105> (Logitech, Inc.)"));
+  EXPECT_EQ(page.Count("//span[@class='known']"), 0U);
+}
+
+TEST_F(HtmlFormatTest, ShowsWhatAThingIsKnownAsWhereItHasNoName) {
+  CommitEntity("KALDO_USBDevice", "Bus 01  Device   2",
+               {{"Description", TCIMValue("Not Available")},
+                {"VendorID", TCIMValue(static_cast<unsigned short>(0x046D))},
+                {"USBDeviceID", TCIMValue(static_cast<unsigned short>(0xC077))}});
+  const cli::UsbIds names("046d  Logitech, Inc.\n");
+  cli::RenderOptions options;
+  options.names = &names;
+  const XmlDocument page(cli::RenderHtml(cli::Inventory(host), options));
+  EXPECT_THAT(page.Select("//span[@class='name']/span"), ElementsAre("(no name)", "(Logitech, Inc.)"));
+}
+
+TEST_F(HtmlFormatTest, TellsTheFirstDigitOfCodes) {
+  CommitEntity("KALDO_USBDevice", "Bus 01  Device   2",
+               {{"ClassCode", TCIMValue(static_cast<unsigned char>('f' - '0'))}});
+  EXPECT_THAT(Select("//dt[.='Class']/following-sibling::dd"), ElementsAre("f*"));
 }
 
 TEST_F(HtmlFormatTest, KeepsWhatIsLinkedToNoController) {
