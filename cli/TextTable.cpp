@@ -81,18 +81,13 @@ char* NextLine(const libscols_column* column, char* data, void* /*unused*/) {
   return end + 1;
 }
 
-/// `text` as a cell takes it: a zero byte, which would end it, becomes U+FFFD, and a newline is spelled as
-/// the library does with other control characters.
-std::string FitForCell(const std::string& text) {
+/// `text` as a cell takes it: what the cell would take for its own, a zero byte that would end it and
+/// whatever is in `own` besides, becomes U+FFFD.
+std::string FitForCell(const std::string& text, const char* own = "") {
   std::string cell;
   for (const char c : ReplaceDirectionMarks(text)) {
-    if (c == '\0') {
-      cell += "\xEF\xBF\xBD";
-    } else if (c == '\n') {
-      cell += "\\x0a";
-    } else {
-      cell += c;
-    }
+    // The search finds the zero byte at the end of `own`, too.
+    cell += std::strchr(own, c) != nullptr ? "\xEF\xBF\xBD" : std::string(1, c);
   }
   return cell;
 }
@@ -151,8 +146,8 @@ void TextTable::SetCell(Row row, std::size_t column, const std::string& text) {
 }
 
 void TextTable::SetLines(Row row, std::size_t column, const std::vector<std::string>& lines) {
-  std::string cell = FitForCell(lines.front());
-  for (std::size_t line = 1; line < lines.size(); ++line) cell += "\n" + FitForCell(lines[line]);
+  std::string cell = FitForCell(lines.front(), "\n");
+  for (std::size_t line = 1; line < lines.size(); ++line) cell += "\n" + FitForCell(lines[line], "\n");
   Check(scols_line_set_data(row, column, cell.c_str()));
 }
 

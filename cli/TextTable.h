@@ -54,7 +54,7 @@ class TextTable {
   Row AddRow(Row parent = nullptr);
   /// Any bytes may stand in `text`.
   void SetCell(Row row, std::size_t column, const std::string& text);
-  /// At least one line; several only in a column of that kind.
+  /// For a column of that kind; needs at least one line. A newline within a line becomes U+FFFD.
   void SetLines(Row row, std::size_t column, const std::vector<std::string>& lines);
   /// Colours all cells of the row that hold something by now, if there are to be colours. The lines of a tree
   /// stay as they are.

@@ -81,7 +81,11 @@ class TreeTable {
     const UsbTreeNode& shown = fTree.Shown(node);
     const TextTable::Row row = fTable.AddRow(parent);
     fTable.SetCell(row, kPlace, PlaceOf(node, parent == nullptr));
-    fTable.SetLines(row, kDevice, Lines(shown));
+    if (fOptions.isVerbose) {
+      fTable.SetLines(row, kDevice, Lines(shown));
+    } else {
+      fTable.SetCell(row, kDevice, Device(shown));
+    }
     fTable.SetCell(row, kId, IdOf(shown));
     fTable.SetCell(row, kSpeed, SpeedOf(fTree, shown));
     if (fHasNamesColumn && IsDescribed(shown)) {
@@ -93,7 +97,7 @@ class TreeTable {
 
   std::vector<std::string> Lines(const UsbTreeNode& node) const {
     std::vector<std::string> lines = {Device(node)};
-    if (!IsDescribed(node) || !fOptions.isVerbose) return lines;
+    if (!IsDescribed(node)) return lines;
     for (std::string& detail : DetailsOf(*node.item, fOptions.names)) lines.push_back(std::move(detail));
     return lines;
   }

@@ -7,6 +7,7 @@
 #include <cctype>
 #include <csignal>
 #include <cstdlib>
+#include <cwchar>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -79,6 +80,16 @@ std::vector<std::string> Lines(const std::string& text) {
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) lines.push_back(line);
   return lines;
+}
+
+int DisplayWidth(const std::string& line) {
+  const CharacterSet characters("C.UTF-8");
+  std::wstring wide(line.size(), L'\0');
+  const std::size_t length = std::mbstowcs(wide.data(), line.c_str(), wide.size());
+  EXPECT_NE(length, static_cast<std::size_t>(-1)) << line;
+  const int width = ::wcswidth(wide.data(), length);
+  EXPECT_GE(width, 0) << line;
+  return width;
 }
 
 std::string UserErrorOf(const std::function<void()>& action) {

@@ -71,6 +71,9 @@ std::string ToTestName(const std::string& text);
 /// The lines of a text, without their ends.
 std::vector<std::string> Lines(const std::string& text);
 
+/// The columns that `line` takes on a terminal that knows UTF-8; fails the test for a text without a width.
+int DisplayWidth(const std::string& line);
+
 /// What the UserError says that `action` throws; empty when it throws none.
 std::string UserErrorOf(const std::function<void()>& action);
 

@@ -132,9 +132,38 @@ TEST(HostileStrings, AddNoLineToTheTreeAndTakeNoneAway) {
   }
 }
 
-TEST(HostileStrings, CannotTurnTheReadingDirectionOfTheTree) {
+TEST(HostileStrings, AddNoLineToTheTableAndTakeNoneAway) {
+  for (const char* locale : {"C", "C.UTF-8"}) {
+    const auto hostile = Lines(RunOn(HostileDeviceList(), {"--format", "table"}, locale).output);
+    const auto harmless = Lines(RunOn(HarmlessDeviceList(), {"--format", "table"}, locale).output);
+    ASSERT_EQ(hostile.size(), harmless.size());
+    for (std::size_t line = 0; line < hostile.size(); ++line) {
+      const std::size_t name = harmless[line].find("harmless");
+      if (name == std::string::npos) continue;
+      EXPECT_EQ(hostile[line].substr(0, name), harmless[line].substr(0, name));
+    }
+  }
+}
+
+TEST(HostileStrings, AddNoLineToTheDetailsAndTakeNoneAway) {
+  for (const char* locale : {"C", "C.UTF-8"}) {
+    const auto hostile = Lines(RunOn(HostileDeviceList(), {"-v"}, locale).output);
+    const auto harmless = Lines(RunOn(HarmlessDeviceList(), {"-v"}, locale).output);
+    ASSERT_EQ(hostile.size(), harmless.size());
+    for (std::size_t line = 7; line < hostile.size(); ++line) {
+      const std::size_t name = harmless[line].find("harmless");
+      EXPECT_EQ(hostile[line].substr(0, name), harmless[line].substr(0, name));
+    }
+  }
+}
+
+TEST(HostileStrings, CannotTurnTheReadingDirectionForPeople) {
   for (const HostileString& hostile : HostileStrings()) {
-    EXPECT_FALSE(HasDirectionMark(RunOn(DeviceListWith(hostile.bytes), {}).output)) << hostile.name;
+    for (const char* form : {"--format=tree", "--format=table", "-v"}) {
+      const std::string text = RunOn(DeviceListWith(hostile.bytes), {form}).output;
+      EXPECT_FALSE(HasDirectionMark(text)) << hostile.name << " " << form;
+      EXPECT_FALSE(ActsOnTerminal(text)) << hostile.name << " " << form;
+    }
   }
 }
 

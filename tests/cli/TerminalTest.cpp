@@ -2,8 +2,7 @@
 // ids and speeds readable.
 #include <gmock/gmock.h>
 
-#include <cstdlib>
-#include <cwchar>
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -14,24 +13,11 @@
 namespace usbinfo_test {
 namespace {
 
-/// The columns that `line` takes on a terminal; fails the test for a text that has no width.
-int Width(const std::string& line) {
-  const CharacterSet characters("C.UTF-8");
-  std::wstring wide(line.size(), L'\0');
-  const std::size_t length = std::mbstowcs(wide.data(), line.c_str(), wide.size());
-  EXPECT_NE(length, static_cast<std::size_t>(-1)) << line;
-  const int width = ::wcswidth(wide.data(), length);
-  EXPECT_GE(width, 0) << line;
-  return width;
-}
-
-std::string OnTerminal(const std::string& list, unsigned short columns, const std::string& locale) {
-  return Command({"--devices", "-", "--system-name", "testhost"})
-      .Input(list)
-      .Set("LC_ALL", locale)
-      .OutputToTerminal(columns)
-      .Run()
-      .output;
+std::string OnTerminal(const std::string& list, unsigned short columns, const std::string& locale,
+                       const std::vector<std::string>& options = {}) {
+  std::vector<std::string> arguments = {"--devices", "-", "--system-name", "testhost"};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  return Command(arguments).Input(list).Set("LC_ALL", locale).OutputToTerminal(columns).Run().output;
 }
 
 constexpr const char* kNarrowTree = R"(USB           DEVICE          ID             SPEED
@@ -71,12 +57,38 @@ Bus 04        UHCI Host Contr
   `-Port 01   free                       12 Mbit/s
 )";
 
+const std::vector<std::vector<std::string>> kForms = {
+    {},
+    {"-v"},
+    {"--format", "table"},
+    {"--format", "table", "--columns", "Description,SerialNumber,DeviceID"}};
+
 TEST(Terminal, OfEightyColumnsHoldsEveryCapture) {
   for (const std::string& path : CapturePaths()) {
     for (const char* locale : {"C", "C.UTF-8"}) {
-      for (const std::string& line : Lines(OnTerminal(ReadFile(path), 80, locale))) {
-        EXPECT_LE(Width(line), 80) << path << "\n" << line;
+      for (const std::vector<std::string>& form : kForms) {
+        for (const std::string& line : Lines(OnTerminal(ReadFile(path), 80, locale, form))) {
+          EXPECT_LE(DisplayWidth(line), 80) << path << "\n" << line;
+        }
       }
+    }
+  }
+}
+
+TEST(Terminal, OfEightyColumnsHoldsTablesOfHostileStrings) {
+  for (const std::vector<std::string>& form : kForms) {
+    for (const std::string& line : Lines(OnTerminal(HostileDeviceList(), 80, "C.UTF-8", form))) {
+      EXPECT_LE(DisplayWidth(line), 80) << line;
+    }
+  }
+}
+
+TEST(Terminal, GetsAsciiOnlyWhereItsLocaleHasNothingElse) {
+  for (const std::vector<std::string>& form : kForms) {
+    for (const std::string& list : {HostileDeviceList(), ReadFile(CapturePath("usbdevices-4.2-nonascii"))}) {
+      const std::string text = OnTerminal(list, 80, "C", form);
+      EXPECT_TRUE(std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; }));
+      EXPECT_NE(text, "");
     }
   }
 }
@@ -108,16 +120,18 @@ TEST(Terminal, ShowsIdAndSpeedWhateverTheLengthOfAName) {
     for (const std::string& name : {std::string(300, 'x'), std::string(300, '\x1B')}) {
       const std::vector<std::string> lines = Lines(OnTerminal(DeviceListWith(name), 80, locale));
       EXPECT_THAT(lines.back(), testing::EndsWith(" 0627:0001  12 Mbit/s"));
-      EXPECT_LE(Width(lines.back()), 80);
+      EXPECT_LE(DisplayWidth(lines.back()), 80);
     }
   }
 }
 
 TEST(Terminal, GetsNoEscapeSequences) {
   for (const auto columns : std::vector<unsigned short>{20, 80, 300}) {
-    const std::string text = OnTerminal(HostileDeviceList(), columns, "C.UTF-8");
-    EXPECT_EQ(text.find('\x1B'), std::string::npos) << columns;
-    EXPECT_NE(text, "");
+    for (const std::vector<std::string>& form : kForms) {
+      const std::string text = OnTerminal(HostileDeviceList(), columns, "C.UTF-8", form);
+      EXPECT_EQ(text.find('\x1B'), std::string::npos) << columns;
+      EXPECT_NE(text, "");
+    }
   }
 }
 

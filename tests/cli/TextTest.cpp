@@ -1,6 +1,6 @@
 // Foreign texts made fit for JSON, for one line on a terminal and for a place where the reading direction
 // matters.
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 
@@ -135,6 +135,12 @@ TEST(ReplaceUnprintable, LeavesAllElseAsItIs) {
        {"", "a <b>&\"'\\", "\xC2\xA0", "\xC3\xA4", "\xE2\x80\xA7", "\xEF\xBF\xBD", "\xF0\x9F\x98\x80"}) {
     EXPECT_EQ(ReplaceUnprintable(text), text);
   }
+}
+
+TEST(SplitAtCommas, GivesTheParts) {
+  EXPECT_THAT(cli::SplitAtCommas(""), testing::IsEmpty());
+  EXPECT_THAT(cli::SplitAtCommas("a"), testing::ElementsAre("a"));
+  EXPECT_THAT(cli::SplitAtCommas("a,b c,,d"), testing::ElementsAre("a", "b c", "", "d"));
 }
 
 }  // namespace

@@ -70,6 +70,36 @@ const WrongUse kWrongUses[] = {
      "--log-level: loud not in {error,warning,status,debug,verbose}"},
     {"NumberAsLogLevel", {"--log-level", "3"}, "--log-level: 3 not in {error,warning,status,debug,verbose}"},
     {"WrongLogFormat", {"--log-format", "xml"}, "--log-format: xml not in {text,json}"},
+    {"TreeAndJson", {"-t", "-j"}, "the formats tree and json contradict each other: ask for one of them"},
+    {"JsonAndFormatTree",
+     {"-j", "--format", "tree"},
+     "the formats tree and json contradict each other: ask for one of them"},
+    {"TreeAndTable",
+     {"--format", "table", "-t"},
+     "the formats table and tree contradict each other: ask for one of them"},
+    {"DetailsOfJson", {"-v", "-j"}, "-v is for the tree: leave it out, or use --format tree"},
+    {"DetailsOfTheTable",
+     {"--verbose", "--format", "table"},
+     "-v is for the tree: leave it out, or use --format tree"},
+    {"ColumnsOfTheTree",
+     {"--columns", "Name"},
+     "--columns is for the table: leave it out, or use --format table"},
+    {"ColumnsOfJson",
+     {"--columns", "Name", "-j"},
+     "--columns is for the table: leave it out, or use --format table"},
+    {"UnknownColumn",
+     {"--format", "table", "--columns", "Name,Colour"},
+     "--columns: Colour not in "
+     "{Antecedent,ClassCode,CreationClassName,Dependent,Description,DeviceID,HubDepth,HubName,InterfaceType,"
+     "Manufacturer,Name,NumberOfConfigs,NumberOfPorts,PortNumber,ProtocolCode,SerialNumber,Speed,"
+     "StatusDescriptions,SubclassCode,SystemCreationClassName,SystemName,USBDeviceID,USBVersion,VendorID}"},
+    {"NoColumns", {"--columns"}, "--columns: 1 required A,B,... missing"},
+    {"EmptyColumns", {"--columns", ""}, "--columns: needs property names separated by commas"},
+    {"ColumnsWithEmptyName",
+     {"--columns", "Name,,Speed"},
+     "--columns: needs property names separated by commas"},
+    {"WrongColor", {"--color", "green"}, "--color: green not in {auto,always,never}"},
+    {"NoColor", {"--color"}, "--color: 1 required WHEN missing"},
     {"DevicesTwice", {"--devices", "a", "--devices", "b"}, "--devices: At Most 1 required but received 2"},
     {"OutputTwice", {"--output", "a", "--output", "b"}, "--output: At Most 1 required but received 2"},
     {"IdsTwice", {"-d", "1:", "-d", "2:"}, "-d: At Most 1 required but received 2"},
@@ -132,6 +162,17 @@ TEST(Usage, RefusesAWrongOptionBeforeItTouchesAFile) {
   EXPECT_EQ(RunUsbinfo({"--output", path, "--log", folder.File("log"), "--bogus"}).status, 2);
   EXPECT_EQ(ReadFile(path), "old");
   EXPECT_THAT(folder.Names(), testing::ElementsAre("out"));
+}
+
+TEST(Usage, HasShortFormsOfFormats) {
+  const std::vector<std::string> list = {"--devices", CapturePath("vm-desktop-debugfs")};
+  const auto run = [&list](std::vector<std::string> options) {
+    options.insert(options.begin(), list.begin(), list.end());
+    return RunUsbinfo(options).output;
+  };
+  EXPECT_EQ(run({"-t"}), run({"--format", "tree"}));
+  EXPECT_EQ(run({"-j"}), run({"--format", "json"}));
+  EXPECT_EQ(run({"show", "-j", "--format", "json", "-j"}), run({"--format", "json"}));
 }
 
 TEST(Usage, PrintsTheVersion) {
