@@ -24,7 +24,8 @@ Usage: usbinfo [OPTIONS]
 Options:
   -h,--help             Print this help
   --format FORMAT       How to print [tree]:
-                        tree, json,
+                        tree (on a
+                        terminal), json,
                         mof
   -d VID:[PID]          Only these
   --class NAME ...      Print only this class; may be repeated:

@@ -54,10 +54,13 @@ def _is_remark(word):
 
 
 def _choices_of_help(description):
-    """Read the words that follow a line with a colon at its end."""
+    """Read the words behind a line with a colon at its end.
+
+    What stands in parentheses is a remark.
+    """
     for number, line in enumerate(description):
         if line.endswith(":"):
-            words = " ".join(description[number + 1:])
+            words = re.sub(r"\(.*?\)", "", " ".join(description[number + 1:]))
             return frozenset(re.findall(r"[^,\s]+", words))
     return frozenset()
 
