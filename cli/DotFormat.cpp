@@ -81,17 +81,17 @@ class Graph {
     switch (node.kind) {
       case Kind::kController:
         return NodeText(index, "controller", {place, DisplayName(node)},
-                        "fillcolor=\"#24364b\", fontcolor=\"#ffffff\"");
+                        R"(fillcolor="#24364b", fontcolor="#ffffff")");
       case Kind::kHub: {
         const std::string ports = Count(node.item->Number("NumberOfPorts"), "port");
         return NodeText(index, "hub", {place, DisplayName(node), IdOf(node) + ", " + ports},
-                        "fillcolor=\"#dde8f5\"");
+                        R"(fillcolor="#dde8f5")");
       }
       case Kind::kPort:
         return Port(index, place);
       default:
         return NodeText(index, "device", {fIsTop[index] ? place : "", DisplayName(node), Facts(node)},
-                        "fillcolor=\"#e3f1e4\"");
+                        R"(fillcolor="#e3f1e4")");
     }
   }
 
@@ -100,7 +100,7 @@ class Graph {
     if (!IsFree(*node.item)) return NodeText(index, "port used", {place, SpeedOf(fTree, node)}, "fontsize=9");
     return NodeText(
         index, "port free", {place + " free"},
-        "shape=plaintext, style=\"\", fontcolor=\"#667080\", fontsize=8, height=0.16, margin=\"0.03,0\"");
+        R"(shape=plaintext, style="", fontcolor="#667080", fontsize=8, height=0.16, margin="0.03,0")");
   }
 
   /// A device's identifier and its speed, as far as it is known.
