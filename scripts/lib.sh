@@ -5,12 +5,14 @@
 
 # What building the product and its tests takes on Debian 12.
 BUILD_PACKAGES=(
-  cmake g++ jq libboost-dev libboost-thread-dev libcli11-dev libfmt-dev libgmock-dev libgtest-dev libsmartcols-dev
-  libssl-dev libxml2-dev libxml2-utils locales ninja-build nlohmann-json3-dev pkgconf python3
-  python3-jsonschema
+  cmake g++ libboost-dev libboost-thread-dev libcli11-dev libfmt-dev libgmock-dev libgtest-dev libsmartcols-dev
+  libssl-dev libxml2-dev locales ninja-build nlohmann-json3-dev pkgconf python3
 )
-# What the tests of the page and the graph take on top: a browser, its driver, and Graphviz.
-PAGE_PACKAGES=(chromium chromium-driver graphviz python3-selenium)
+# What running the tests takes on top: the programs that are made to read what the command writes and what is told of
+# it, among them a browser.
+TEST_PACKAGES=(
+  chromium chromium-driver graphviz groff-base jq libxml2-utils mandoc python3-jsonschema python3-selenium zsh
+)
 # What the slower checks take on top.
 CHECK_PACKAGES=(clang clang-format clang-tidy pyflakes3 shellcheck)
 # What telling the coverage takes on top of the first ones.

@@ -8,7 +8,6 @@ import json
 import os
 import pathlib
 import pty
-import shutil
 import subprocess
 import tempfile
 import unittest
@@ -82,9 +81,6 @@ class CompletionTest:
                    ["classes"])
 
     def setUp(self):
-        name = self.SHELL.__name__.lower()
-        if shutil.which(name) is None:
-            self.skipTest(f"{name} is not installed")
         parent = tempfile.TemporaryDirectory()
         self.addCleanup(parent.cleanup)
         self.folder = pathlib.Path(parent.name) / "work"
