@@ -141,6 +141,16 @@ Entry EntryOf(char mark, const ThingChange& change) {
           from + DescribePlace(change.after.place) + ": " + DescribeChanged(change), properties};
 }
 
+std::vector<Entry> EntriesOf(const InventoryDifference& difference) {
+  std::vector<Entry> entries;
+  for (const Thing& thing : difference.removed) entries.push_back(EntryOf('-', thing));
+  for (const Thing& thing : difference.added) entries.push_back(EntryOf('+', thing));
+  for (const ThingChange& change : difference.moved) entries.push_back(EntryOf('>', change));
+  for (const ThingChange& change : difference.changed) entries.push_back(EntryOf('~', change));
+  std::stable_sort(entries.begin(), entries.end());
+  return entries;
+}
+
 std::string Colored(char mark, const std::string& line) {
   const char* const color = mark == '-' ? "31" : mark == '+' ? "32" : mark == '~' ? "33" : "36";
   return fmt::format("\x1B[{}m{}\x1B[0m", color, line);
@@ -156,17 +166,11 @@ std::string DescribePlace(const Place& place) {
 
 std::string RenderDiffText(const InventoryDifference& difference, bool isColored) {
   if (difference.IsEmpty()) return std::string();
-  std::vector<Entry> entries;
-  for (const Thing& thing : difference.removed) entries.push_back(EntryOf('-', thing));
-  for (const Thing& thing : difference.added) entries.push_back(EntryOf('+', thing));
-  for (const ThingChange& change : difference.moved) entries.push_back(EntryOf('>', change));
-  for (const ThingChange& change : difference.changed) entries.push_back(EntryOf('~', change));
-  std::stable_sort(entries.begin(), entries.end());
   std::string text;
   if (difference.oldSystem != difference.newSystem) {
     text = fmt::format("system {} -> {}\n", Quote(difference.oldSystem), Quote(difference.newSystem));
   }
-  for (const Entry& entry : entries) {
+  for (const Entry& entry : EntriesOf(difference)) {
     const std::string line = fmt::format("{} {}", entry.mark, entry.line);
     text += (isColored ? Colored(entry.mark, line) : line) + "\n" + entry.properties;
   }
