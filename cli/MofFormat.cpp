@@ -7,7 +7,6 @@
 #include "cli/Text.h"
 #include "standin/ValueView.h"
 
-using NKESTA20::TCIMReference;
 using NKESTA20::TCIMValue;
 using standin::ClassSchema;
 using standin::PropertySchema;

@@ -5,6 +5,7 @@
 #include <libsmartcols/libsmartcols.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
@@ -59,10 +60,9 @@ void Cut(char* text, std::size_t width) {
   const char* const end = text + std::strlen(text);
   for (char* at = text; at < end;) {
     wchar_t character = 0;
-    const std::size_t length = std::mbrtowc(&character, at, end - at, &state);
+    const std::size_t length = std::mbrtowc(&character, at, static_cast<std::size_t>(end - at), &state);
     if (length == 0 || length > static_cast<std::size_t>(end - at)) return;
-    const int places = ::wcwidth(character);
-    taken += places > 0 ? places : 0;
+    taken += static_cast<std::size_t>(std::max(::wcwidth(character), 0));
     if (taken > width) {
       *at = '\0';
       return;
@@ -94,7 +94,7 @@ std::string FitForCell(const std::string& text, const char* own = "") {
 
 /// `line` without blanks at its end, within its last colour, too. No cell can hold an escape of its own.
 std::string Trimmed(const std::string& line) {
-  const std::string text = line.substr(0, line.find_last_not_of(' ') + 1);
+  std::string text = line.substr(0, line.find_last_not_of(' ') + 1);
   const std::size_t reset = text.rfind(kReset);
   if (reset == std::string::npos || reset + std::strlen(kReset) != text.size()) return text;
   return text.substr(0, text.find_last_not_of(' ', reset - 1) + 1) + kReset;
@@ -136,7 +136,7 @@ void TextTable::AddColumn(const Column& column) {
 }
 
 TextTable::Row TextTable::AddRow(Row parent) {
-  const Row row = scols_table_new_line(fTable.get(), parent);
+  Row row = scols_table_new_line(fTable.get(), parent);
   if (row == nullptr) throw std::bad_alloc();
   return row;
 }

@@ -110,7 +110,7 @@ std::string KnownAs(const InstanceView& item, const UsbIds* names) {
   const auto vendor = static_cast<std::uint16_t>(item.Number("VendorID"));
   const auto product = static_cast<std::uint16_t>(item.Number("USBDeviceID"));
   const std::string vendorName = names->Vendor(vendor);
-  const std::string productName = names->Product(vendor, product);
+  std::string productName = names->Product(vendor, product);
   if (vendorName.empty()) return productName;
   return productName.empty() ? "(" + vendorName + ")" : productName + " (" + vendorName + ")";
 }
