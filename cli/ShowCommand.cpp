@@ -49,8 +49,10 @@ std::string Render(const ShowOptions& options, const OutputFormat& format, const
 bool Print(const ShowOptions& options, const OutputFormat& format, const Inventory& inventory) {
   if (inventory.IsEmpty() && !format.isMachineReadable) return false;
   const std::string text = Render(options, format, inventory);
-  if (!text.empty()) WriteOutput(options.output, text);
-  return !inventory.IsEmpty() && !text.empty();
+  // A table without columns is nothing to print; no JSON Lines are a document.
+  if (text.empty() && !format.isMachineReadable) return false;
+  WriteOutput(options.output, text);
+  return !inventory.IsEmpty();
 }
 
 std::string AdviseOnEmpty(const ShowOptions& options) {

@@ -81,14 +81,26 @@ TEST(OutputOption, MayNameTheDeviceListItself) {
 }
 
 TEST(OutputOption, GetsTheEmptyDocumentOfAnEmptyInventory) {
-  const TemporaryFolder folder;
-  const CommandResult result =
-      Command({"--devices", "-", "--format", "json", "--output", folder.File("out")}).Run();
-  EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.output, "");
-  EXPECT_THAT(result.errors,
-              StartsWith("usbinfo: no USB device found: standard input holds no device list; "));
-  EXPECT_EQ(ReadFile(folder.File("out")), Command({"--devices", "-", "--format", "json"}).Run().output);
+  for (const char* format : {"json", "jsonl", "cimxml", "mof", "dot", "html"}) {
+    SCOPED_TRACE(format);
+    const TemporaryFolder folder;
+    const std::string path = folder.File("out", "old");
+    const CommandResult result = Command({"--devices", "-", "--format", format, "--output", path}).Run();
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_THAT(result.errors,
+                StartsWith("usbinfo: no USB device found: standard input holds no device list; "));
+    EXPECT_EQ(ReadFile(path), Command({"--devices", "-", "--format", format}).Run().output);
+  }
+}
+
+TEST(OutputOption, LeavesTheOldFileWhereThereIsNothingToShowToPeople) {
+  for (const char* format : {"tree", "table"}) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("out", "old");
+    EXPECT_EQ(Command({"--devices", "-", "--format", format, "--output", path}).Run().status, 1);
+    EXPECT_EQ(ReadFile(path), "old");
+  }
 }
 
 }  // namespace
