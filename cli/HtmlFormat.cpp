@@ -32,11 +32,14 @@ void WriteHead(HtmlWriter& writer, const Inventory& inventory) {
   writer.Close();
 }
 
-void WriteFigure(HtmlWriter& writer, std::size_t number, const char* noun, const std::string& note = {}) {
+/// Where a part is selected, the note says of how many.
+void WriteFigure(HtmlWriter& writer, const ClassView& view, const char* noun, const std::string& note = {}) {
+  const std::size_t number = view.instances.size();
+  const std::string shownNote = number == view.total ? note : fmt::format("of {}", view.total);
   writer.Open("div");
   writer.Element("dt", {}, fmt::format("{}{}", noun, number == 1 ? "" : "s"));
   writer.Element("dd", {}, std::to_string(number));
-  if (!note.empty()) writer.Element("dd", {{"class", "note"}}, note);
+  if (!shownNote.empty()) writer.Element("dd", {{"class", "note"}}, shownNote);
   writer.Close();
 }
 
@@ -46,14 +49,14 @@ void WriteHeader(HtmlWriter& writer, const Inventory& inventory) {
   writer.Element("p", {}, "USB inventory");
   writer.Element("h1", {}, inventory.SystemName());
   writer.Close();
-  const auto& ports = inventory.InstancesOf("KALDO_USBPort");
-  const auto free = std::count_if(ports.begin(), ports.end(), IsFree);
-  const auto used = static_cast<std::ptrdiff_t>(ports.size()) - free;
+  const ClassView& ports = inventory.ClassOf("KALDO_USBPort");
+  const auto free = std::count_if(ports.instances.begin(), ports.instances.end(), IsFree);
+  const auto used = static_cast<std::ptrdiff_t>(ports.instances.size()) - free;
   writer.Open("dl", {{"class", "figures"}});
-  WriteFigure(writer, inventory.InstancesOf("KALDO_USBController").size(), "Controller");
-  WriteFigure(writer, inventory.InstancesOf("KALDO_USBHub").size(), "Hub");
-  WriteFigure(writer, ports.size(), "Port", fmt::format("{} used, {} free", used, free));
-  WriteFigure(writer, inventory.InstancesOf("KALDO_USBDevice").size(), "Device");
+  WriteFigure(writer, inventory.ClassOf("KALDO_USBController"), "Controller");
+  WriteFigure(writer, inventory.ClassOf("KALDO_USBHub"), "Hub");
+  WriteFigure(writer, ports, "Port", fmt::format("{} used, {} free", used, free));
+  WriteFigure(writer, inventory.ClassOf("KALDO_USBDevice"), "Device");
   writer.Close();
   writer.Close();
 }

@@ -92,6 +92,17 @@ TEST_F(HtmlFormatTest, GivesFiguresUnderTheMachinesName) {
   EXPECT_THAT(Select("//dl[@class='figures']//dd[@class='note']"), ElementsAre("1 used, 1 free"));
 }
 
+TEST_F(HtmlFormatTest, TellsOfHowManyAPartIsWithoutCountingFreePorts) {
+  AddSmallMachine();
+  const cli::Inventory part = cli::Inventory(host).Only([](const cli::InstanceView& item) {
+    const std::string identifier = item.Text("DeviceID");
+    return identifier == kRoot || identifier == "Bus 01  Device   1 Port 01";
+  });
+  const XmlDocument page(cli::RenderHtml(part, {}));
+  EXPECT_THAT(page.Select("//dl[@class='figures']/div/dd[1]"), ElementsAre("1", "1", "1", "0"));
+  EXPECT_THAT(page.Select("//dl[@class='figures']//dd[@class='note']"), ElementsAre("of 2", "of 1"));
+}
+
 TEST_F(HtmlFormatTest, NestsDevicesInHubsInSections) {
   AddSmallMachine();
   EXPECT_THAT(Select("//section/details/summary/h2/span[@class='place']"), ElementsAre("Bus 01"));
