@@ -87,8 +87,8 @@ std::string DescribeValue(const std::string& property, const json& value) {
     for (const json& element : value) elements.push_back(Quote(element.get<std::string>()));
     return fmt::format("{}", fmt::join(elements, ", "));
   }
-  const std::string text = value.is_null() ? "" : value.get<std::string>();
-  return text.empty() || text == "Not Available" ? "none" : Quote(text);
+  const std::string text = value.is_null() ? "" : Given(value.get<std::string>());
+  return text.empty() ? "none" : Quote(text);
 }
 
 /// In words, where they tell the two apart.
@@ -111,7 +111,8 @@ std::string DescribeProperty(ItemKind kind, const PropertyChange& change) {
                      DescribeValue(change.name, change.after));
 }
 
-/// What is told of one thing, and where in the text it belongs: what went stands ahead of what came.
+/// What is told of one thing, and where in the text it belongs: of one kind at one place, what went stands
+/// ahead of what came.
 struct Entry {
   const Place* place;
   ItemKind kind;

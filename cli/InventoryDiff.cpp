@@ -10,6 +10,8 @@
 #include <map>
 #include <tuple>
 
+#include "cli/Wording.h"
+
 namespace cli {
 
 namespace {
@@ -17,11 +19,6 @@ namespace {
 using nlohmann::json;
 
 constexpr std::size_t kNone = SavedNode::kNone;
-
-/// What a text counts as: the kernel's word for a string that a device does not have is none.
-std::string Meaning(const std::string& text) {
-  return text == "Not Available" ? std::string() : text;
-}
 
 /// A place, or the way down from a hub that is known in both inventories.
 struct Position {
@@ -201,10 +198,10 @@ bool IsToldOtherwise(const std::string& property) {
   return std::find(kNames.begin(), kNames.end(), property) != kNames.end();
 }
 
-/// The value as it counts: no text and the kernel's word for one count as none.
+/// The value as it counts: a text that tells nothing is none.
 json Meaning(const json& value) {
   if (!value.is_string()) return value;
-  const std::string text = Meaning(value.get_ref<const std::string&>());
+  const std::string text = Given(value.get_ref<const std::string&>());
   return text.empty() ? json() : json(text);
 }
 
@@ -303,11 +300,11 @@ std::string IdOf(const SavedItem& item) {
 }
 
 std::string ProductOf(const SavedItem& item) {
-  return Meaning(item.Text("Description"));
+  return Given(item.Text("Description"));
 }
 
 std::string SerialOf(const SavedItem& item) {
-  return Meaning(item.Text("SerialNumber"));
+  return Given(item.Text("SerialNumber"));
 }
 
 }  // namespace cli

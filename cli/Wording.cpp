@@ -91,9 +91,13 @@ std::string BusOf(const std::string& identifier) {
   return Behind(identifier.substr(0, identifier.find(" Device ")), "Bus ");
 }
 
-std::string Given(const InstanceView& item, const std::string& property) {
-  const std::string text = item.Text(property);
+std::string Given(const std::string& text) {
+  // What the plug-in puts in the place of a string that no line of the list gives.
   return text == "Not Available" ? std::string() : text;
+}
+
+std::string Given(const InstanceView& item, const std::string& property) {
+  return Given(item.Text(property));
 }
 
 std::string NameOf(const InstanceView& item) {

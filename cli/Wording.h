@@ -34,7 +34,8 @@ std::string Behind(const std::string& identifier, const std::string& marker);
 /// The bus in "Bus 01  Device   1".
 std::string BusOf(const std::string& identifier);
 
-/// A string that a device may have or not; empty when it has none.
+/// A string that a device may have or not, as an inventory holds it; empty when it has none.
+std::string Given(const std::string& text);
 std::string Given(const InstanceView& item, const std::string& property);
 
 /// The product string, or that there is none.
