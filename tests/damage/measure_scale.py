@@ -76,6 +76,9 @@ LISTS = {
 }
 
 
+FORMATS = ("tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html")
+
+
 def measure(usbinfo, path, output_format):
     """Of one run: the exit status, seconds of wall clock and of CPU, and the peak in MiB."""
     began = time.monotonic()
@@ -90,7 +93,7 @@ def run_list(usbinfo, path, name):
     with open(path, "w", encoding="ascii") as file:
         file.writelines(LISTS[name]())
     output = path + ".out"
-    for output_format in ("tree", "json", "cimxml"):
+    for output_format in FORMATS:
         status, seconds, cpu, peak = measure(usbinfo, path, output_format)
         printed = os.path.getsize(output) if os.path.exists(output) else 0
         print(f"{name:20} {output_format:7} {os.path.getsize(path) / 1e6:7.2f} {printed / 1e6:7.2f} "
