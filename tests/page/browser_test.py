@@ -299,6 +299,14 @@ class PageTest(unittest.TestCase):
                     button.click()
                 self.assertEqual(self.browser.script("return document.documentElement.scrollWidth"), 390)
 
+    def test_keeps_a_long_name_beside_the_mark_that_opens_it_on_a_phone(self):
+        self.browser.set_size(390, 844, True)
+        self.open_capture("debugfs-rk3588-8bus-mtt")
+        below = "return Array.from(document.querySelectorAll('summary > h2'), " \
+                "(e) => e.getBoundingClientRect().top - e.parentElement.getBoundingClientRect().top)"
+        self.assertIn("Bus 05 Generic Platform OHCI controller", self.texts("h2"))
+        self.assertLess(max(self.browser.script(below)), 10)
+
     # What assistive software is told
 
     def test_has_headings_landmarks_and_names(self):
