@@ -76,7 +76,7 @@ TEST(ColorOption, ColoursAFileOnlyAlways) {
 }
 
 TEST(ColorOption, ColoursNoExport) {
-  for (const char* format : {"json", "jsonl", "cimxml", "mof"}) {
+  for (const char* format : {"json", "jsonl", "cimxml", "mof", "dot", "html"}) {
     EXPECT_FALSE(IsColored(DesktopOnTerminal({"--color", "always", "--format", format}).Run().output))
         << format;
   }

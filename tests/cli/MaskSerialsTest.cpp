@@ -97,13 +97,14 @@ CommandResult RunMasked(const std::string& list, std::vector<std::string> option
   return Command(options).Input(list).Run();
 }
 
-/// All that the command lets out about `list`: every format and the log of everything.
+/// All that the command lets out about `list`: every format, the tree with its details, too, and the log of
+/// everything.
 std::string EverythingToldOf(const std::string& list) {
   std::string told;
   for (const cli::OutputFormat& format : cli::OutputFormats()) {
     told += RunMasked(list, {"--format", format.name}).output;
   }
-  return told + RunMasked(list, {"--log-level", "verbose"}).errors +
+  return told + RunMasked(list, {"-v"}).output + RunMasked(list, {"--log-level", "verbose"}).errors +
          RunMasked(list, {"--log-level", "verbose", "--log-format", "json"}).errors;
 }
 

@@ -123,7 +123,7 @@ TEST(Names, LeaveTheRestOfTheTreeAsItIs) {
 }
 
 TEST(Names, AreInNoExportForPrograms) {
-  for (const char* format : {"json", "jsonl", "cimxml", "mof"}) {
+  for (const char* format : {"json", "jsonl", "cimxml", "mof", "dot"}) {
     const std::string text = RunWithNames(kNames, {"--format", format}).output;
     EXPECT_EQ(text, RunWithNames("", {"--format", format}).output) << format;
     // Not even a file that is missing is missed.
