@@ -24,10 +24,8 @@ class Facts {
       fFacts.push_back({label, std::to_string(fItem.Number(property)), false});
     }
   }
-  /// A number told by one digit; where the list has none, what stands for it is beyond.
   void Digit(const char* label, const char* property) {
-    constexpr std::uint64_t kLargest = 9;
-    if (fItem.Number(property) <= kLargest) Number(label, property);
+    if (IsDigit(fItem.Number(property))) Number(label, property);
   }
   void Version(const char* label, const char* property) {
     const std::uint64_t version = fItem.Number(property);

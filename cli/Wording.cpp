@@ -14,9 +14,6 @@ namespace {
 
 using Kind = UsbTreeNode::Kind;
 
-/// The number of configurations is told by one digit; where the list has none, by what is beyond.
-constexpr std::uint64_t kLargestDigit = 9;
-
 std::string PlaceOnBus(const UsbTreeNode& node, const std::string& identifier) {
   if (node.kind == Kind::kPort) {
     const std::string hub = identifier.substr(0, identifier.rfind(" Port "));
@@ -75,6 +72,10 @@ std::string FormatCode(std::uint64_t code) {
   return std::isxdigit(digit) != 0 ? fmt::format("{:c}*", digit) : "?";
 }
 
+bool IsDigit(std::uint64_t number) {
+  return number < 10;
+}
+
 std::string Count(std::uint64_t number, const std::string& noun) {
   return fmt::format("{} {}{}", number, noun, number == 1 ? "" : "s");
 }
@@ -128,9 +129,8 @@ std::vector<std::string> DetailsOf(const InstanceView& item, const UsbIds* names
   add("serial number ", Given(item, "SerialNumber"));
   add("known as ", KnownAs(item, names));
   const std::uint64_t configurations = item.Number("NumberOfConfigs");
-  const bool isCounted = configurations <= kLargestDigit;
   lines.push_back("USB " + FormatVersion(item.Number("USBVersion")) +
-                  (isCounted ? ", " + Count(configurations, "configuration") : ""));
+                  (IsDigit(configurations) ? ", " + Count(configurations, "configuration") : ""));
   lines.push_back(fmt::format("class {}, subclass {}, protocol {}", FormatCode(item.Number("ClassCode")),
                               FormatCode(item.Number("SubclassCode")),
                               FormatCode(item.Number("ProtocolCode"))));

@@ -25,6 +25,10 @@ std::string FormatVersion(std::uint64_t version);
 /// "0*"; "?" when it is none.
 std::string FormatCode(std::uint64_t code);
 
+/// Whether a number that the list tells by one digit, such as that of the configurations, was there to be
+/// told; what stands for none is no digit.
+bool IsDigit(std::uint64_t number);
+
 /// "1 port", "2 ports".
 std::string Count(std::uint64_t number, const std::string& noun);
 

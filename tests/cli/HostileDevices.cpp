@@ -1,6 +1,7 @@
 // The hostile strings; see the header.
 #include "tests/cli/HostileDevices.h"
 
+#include <algorithm>
 #include <functional>
 
 using namespace std::string_literals;
@@ -99,6 +100,24 @@ std::string HarmlessDeviceList() {
 
 std::string DeviceListWith(const std::string& deviceString) {
   return RootHub(1) + Device(0, deviceString);
+}
+
+bool ActsOnTerminal(const std::string& text) {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    if ((byte < 0x20 && byte != '\n') || byte == 0x7F) return true;
+    const bool isSecondSet = at > 0 && text[at - 1] == '\xC2' && byte >= 0x80 && byte < 0xA0;
+    if (isSecondSet) return true;
+  }
+  return false;
+}
+
+bool HasDirectionMark(const std::string& text) {
+  const std::vector<std::string> marks = {"\xD8\x9C",     "\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA",
+                                          "\xE2\x80\xAB", "\xE2\x80\xAC", "\xE2\x80\xAD", "\xE2\x80\xAE",
+                                          "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"};
+  return std::any_of(marks.begin(), marks.end(),
+                     [&text](const std::string& mark) { return text.find(mark) != std::string::npos; });
 }
 
 }  // namespace usbinfo_test

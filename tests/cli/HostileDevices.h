@@ -1,5 +1,5 @@
 // Device lists whose devices try to break out of the text that they are printed in, and what each string has
-// to look like in the formats that other programs read back.
+// to look like in the formats that other programs read back; and how to see that one got through.
 #pragma once
 
 #include <string>
@@ -28,5 +28,11 @@ std::string HarmlessDeviceList();
 
 /// A root hub with one port and this one device on it.
 std::string DeviceListWith(const std::string& deviceString);
+
+/// True when a terminal would act on something in `text`, beyond the ends of its lines.
+bool ActsOnTerminal(const std::string& text);
+
+/// True when something in `text` changes the direction in which people read it.
+bool HasDirectionMark(const std::string& text);
 
 }  // namespace usbinfo_test

@@ -30,25 +30,6 @@ CommandResult RunOn(const std::string& list, std::vector<std::string> options,
   return Command(std::move(options)).Input(list).Set("LC_ALL", locale).Run();
 }
 
-/// True when a terminal would act on something in `text`, beyond the ends of its lines.
-bool ActsOnTerminal(const std::string& text) {
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const auto byte = static_cast<unsigned char>(text[at]);
-    if ((byte < 0x20 && byte != '\n') || byte == 0x7F) return true;
-    const bool isSecondSet = at > 0 && text[at - 1] == '\xC2' && byte >= 0x80 && byte < 0xA0;
-    if (isSecondSet) return true;
-  }
-  return false;
-}
-
-bool HasDirectionMark(const std::string& text) {
-  const std::vector<std::string> marks = {"\xD8\x9C",     "\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA",
-                                          "\xE2\x80\xAB", "\xE2\x80\xAC", "\xE2\x80\xAD", "\xE2\x80\xAE",
-                                          "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"};
-  return std::any_of(marks.begin(), marks.end(),
-                     [&text](const std::string& mark) { return text.find(mark) != std::string::npos; });
-}
-
 std::size_t CountOf(const std::string& text, const std::string& part) {
   std::size_t count = 0;
   for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;
@@ -107,7 +88,7 @@ TEST(HostileStrings, AddNoElementToTheXmlDocument) {
 
 TEST(HostileStrings, SendNothingToATerminalThroughAnyFormat) {
   for (const char* locale : {"C", "C.UTF-8"}) {
-    for (const char* format : {"tree", "table", "json"}) {
+    for (const char* format : {"tree", "table", "json", "jsonl", "mof", "dot", "html"}) {
       EXPECT_FALSE(ActsOnTerminal(RunOn(HostileDeviceList(), {"--format", format}, locale).output))
           << format << " " << locale;
     }
