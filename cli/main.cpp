@@ -125,8 +125,10 @@ int main(int argc, char** argv) {
   OccupyStandardStreams();
   // The character set of the terminal; numbers keep the form that programs expect.
   static_cast<void>(std::setlocale(LC_CTYPE, ""));
-  // A closed pipe shows in the write that fails, which is told like any failed output.
+  // A closed pipe or a limit on the size of files shows in the write that fails, which is told like any
+  // failed output, and leaves no half of a file behind.
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
   try {
     return Run(argc, argv);
   } catch (const cli::UserError& error) {

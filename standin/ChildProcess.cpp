@@ -42,6 +42,7 @@ class SpawnSettings {
     sigemptyset(&signals);
     Check(posix_spawnattr_setsigmask(&fAttributes, &signals));
     sigaddset(&signals, SIGPIPE);
+    sigaddset(&signals, SIGXFSZ);
     Check(posix_spawnattr_setsigdefault(&fAttributes, &signals));
     Check(posix_spawnattr_setpgroup(&fAttributes, 0));
     Check(posix_spawnattr_setflags(&fAttributes,

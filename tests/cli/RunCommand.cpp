@@ -119,6 +119,7 @@ class SpawnSettings {
     sigset_t defaults;
     ::sigemptyset(&defaults);
     ::sigaddset(&defaults, SIGPIPE);
+    ::sigaddset(&defaults, SIGXFSZ);
     ::posix_spawnattr_init(&fAttributes);
     ::posix_spawnattr_setsigdefault(&fAttributes, &defaults);
     ::posix_spawnattr_setflags(&fAttributes, POSIX_SPAWN_SETSIGDEF);
