@@ -113,6 +113,9 @@ std::string PointerTo(const std::string& pointer, const std::string& name) {
       longer += "~0";
     } else if (c == '/') {
       longer += "~1";
+    } else if (c == '\0') {
+      // A message would end here.
+      longer += "\xEF\xBF\xBD";
     } else {
       longer += c;
     }

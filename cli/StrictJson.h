@@ -14,7 +14,8 @@ class JsonError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The JSON pointer to the member `name`, or the element of that number, of what `pointer` leads to.
+/// The JSON pointer to the member `name`, or the element of that number, of what `pointer` leads to; for
+/// messages, so a zero byte in the name stands as U+FFFD.
 std::string PointerTo(const std::string& pointer, const std::string& name);
 std::string PointerTo(const std::string& pointer, std::size_t index);
 

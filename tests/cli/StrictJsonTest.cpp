@@ -48,6 +48,12 @@ TEST(StrictJson, SpellsPointersAsTheirDefinitionSays) {
   EXPECT_EQ(ErrorOf("{\"~/\": {\"\": 1, \"\": 1}}"), "/~0~1/: stands there twice");
 }
 
+TEST(StrictJson, TellsTheWholeNameThatAZeroByteStandsIn) {
+  EXPECT_EQ(ErrorOf("{\"a\\u0000b\": {\"c\": 1, \"c\": 1}}"),
+            "/a\xEF\xBF\xBD"
+            "b/c: stands there twice");
+}
+
 TEST(StrictJson, RefusesNumbersBeyondAllRanges) {
   EXPECT_EQ(ErrorOf("{\"a\": 1e999}"), "/a: no number is that big");
   EXPECT_EQ(ErrorOf("{\"a\": [0, [1], -1e999]}"), "/a/2: no number is that big");
