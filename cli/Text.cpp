@@ -148,6 +148,11 @@ std::string ReplaceUnprintable(const std::string& text) {
   return replaced;
 }
 
+unsigned int ControlAt(const std::string& text, std::size_t at) {
+  const std::string_view character = std::string_view(text).substr(at, CharacterLength(text[at]));
+  return IsControl(character) || IsDirectionMark(character) ? CodePoint(character) : 0;
+}
+
 std::vector<std::string> SplitAtCommas(const std::string& text) {
   std::vector<std::string> parts;
   std::istringstream stream(text);

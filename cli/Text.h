@@ -28,6 +28,10 @@ std::string ReplaceDirectionMarks(const std::string& text);
 /// XML document may hold, bytes that are no UTF-8 among it, replaced by U+FFFD each.
 std::string ReplaceUnprintable(const std::string& text);
 
+/// The number of the control character or direction mark that begins at `at` of valid UTF-8; 0 where any
+/// other character, or none, begins.
+unsigned int ControlAt(const std::string& text, std::size_t at);
+
 /// The parts of `text` between its commas; none of an empty text.
 std::vector<std::string> SplitAtCommas(const std::string& text);
 

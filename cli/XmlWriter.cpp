@@ -40,12 +40,16 @@ std::string ReplaceForbidden(const std::string& text) {
   return fit;
 }
 
-/// The control character at `at` of valid UTF-8 that needs a reference, U+007F to U+009F; 0 for any other.
-unsigned int ControlAt(const std::string& text, std::size_t at) {
-  if (text[at] == '\x7F') return 0x7F;
-  if (text[at] != '\xC2') return 0;
-  const auto second = static_cast<unsigned char>(text[at + 1]);
-  return second < 0xA0 ? second : 0;
+/// What needs a reference where a reader of the plain document is not to meet it; the library knows what the
+/// ASCII characters before it need.
+bool NeedsReference(unsigned int control) {
+  return control >= 0x7F;
+}
+
+/// The bytes that a character up to U+FFFF takes in UTF-8.
+std::size_t LengthOf(unsigned int character) {
+  if (character < 0x80) return 1;
+  return character < 0x800 ? 2 : 3;
 }
 
 }  // namespace
@@ -71,14 +75,14 @@ void XmlWriter::Text(const std::string& text) {
   std::string plain;
   for (std::size_t at = 0; at < fit.size(); ++at) {
     const unsigned int control = ControlAt(fit, at);
-    if (control == 0) {
+    if (!NeedsReference(control)) {
       plain += fit[at];
       continue;
     }
     WriteText(plain);
     plain.clear();
     Check(xmlTextWriterWriteRaw(fWriter.get(), Xml(fmt::format("&#x{:X};", control).c_str())));
-    if (control > 0x7F) ++at;
+    at += LengthOf(control) - 1;
   }
   WriteText(plain);
 }

@@ -254,6 +254,15 @@ TEST_F(CimXmlFormatTest, WritesControlCharactersAsReferences) {
   EXPECT_THAT(Render(), HasSubstr("<VALUE>&#x7F;&#x80;&#x9F;\xC2\xA0</VALUE>"));
 }
 
+TEST_F(CimXmlFormatTest, WritesDirectionMarksAndUnicodeLineEndsAsReferences) {
+  AddDevice("device", "\xD8\x9C\xE2\x80\x8E\xE2\x80\xA8\xE2\x80\xAE\xE2\x81\xA9|\xE2\x80\x8D\xE2\x82\xAC", 1);
+  EXPECT_THAT(Render(),
+              HasSubstr("<VALUE>&#x61C;&#x200E;&#x2028;&#x202E;&#x2069;|\xE2\x80\x8D\xE2\x82\xAC</VALUE>"));
+  EXPECT_THAT(
+      Parse().Select("//PROPERTY[@NAME='Description']/VALUE"),
+      ElementsAre("\xD8\x9C\xE2\x80\x8E\xE2\x80\xA8\xE2\x80\xAE\xE2\x81\xA9|\xE2\x80\x8D\xE2\x82\xAC"));
+}
+
 TEST_F(CimXmlFormatTest, IndentsWhatIsNested) {
   EXPECT_EQ(Render(),
             "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"

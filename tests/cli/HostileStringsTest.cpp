@@ -145,6 +145,10 @@ TEST(HostileStrings, CannotTurnTheReadingDirectionForPeople) {
       EXPECT_FALSE(HasDirectionMark(text)) << hostile.name << " " << form;
       EXPECT_FALSE(ActsOnTerminal(text)) << hostile.name << " " << form;
     }
+    for (const char* form : {"json", "jsonl", "cimxml", "mof", "dot", "html"}) {
+      const std::string text = RunOn(DeviceListWith(hostile.bytes), {"--format", form}).output;
+      EXPECT_FALSE(HasDirectionMark(text)) << hostile.name << " " << form;
+    }
   }
 }
 
