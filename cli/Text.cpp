@@ -2,6 +2,7 @@
 #include "cli/Text.h"
 
 #include <fmt/format.h>
+#include <langinfo.h>
 
 #include <algorithm>
 #include <array>
@@ -52,6 +53,12 @@ std::string EscapeBytes(std::string_view bytes) {
   std::string escaped;
   for (const char c : bytes) escaped += fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
   return escaped;
+}
+
+/// Whether who reads the lines takes the bytes of UTF-8 for characters; elsewhere some are control
+/// characters.
+bool IsLocaleUtf8() {
+  return std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
 }
 
 std::string EscapeCharacter(std::string_view character) {
@@ -106,10 +113,12 @@ std::string ReplaceInvalidUtf8(const std::string& text) {
 }
 
 std::string EscapeForTerminal(const std::string& text) {
+  const bool isUtf8 = IsLocaleUtf8();
   std::string escaped;
   for (std::size_t at = 0; at < text.size();) {
     const Character character = CharacterAt(text, at);
-    escaped += character.isValid ? EscapeCharacter(character.bytes) : EscapeBytes(character.bytes);
+    const bool isKnown = character.isValid && (isUtf8 || character.bytes.size() == 1);
+    escaped += isKnown ? EscapeCharacter(character.bytes) : EscapeBytes(character.bytes);
     at += character.bytes.size();
   }
   return escaped;

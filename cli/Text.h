@@ -11,7 +11,8 @@ namespace cli {
 std::string ReplaceInvalidUtf8(const std::string& text);
 
 /// `text` on one line for people: backslashes doubled, newlines as `\n`, and every other control character,
-/// direction mark and byte that is no UTF-8 as `\xHH`. Tabs and letters stay.
+/// direction mark and byte that is no UTF-8 as `\xHH`. Tabs and letters stay; where the locale is not one of
+/// UTF-8, only those of ASCII do.
 std::string EscapeForTerminal(const std::string& text);
 
 /// `text` as the inside of a string of MOF: quotes and backslashes with a backslash before them, tabs and

@@ -244,6 +244,23 @@ TEST(Diff, LeavesTheOldFileWhereTheNewOneCannotBeWritten) {
   EXPECT_THAT(folder.Names(), testing::ElementsAre("diff"));
 }
 
+TEST(Diff, PrintsAsciiOnlyWhereItsLocaleHasNothingElse) {
+  // The second byte of this letter alone introduces a command, as ESC and a bracket do.
+  const TemporaryFolder folder;
+  const std::string list = folder.File("list", DeviceListWith("\xC3\x9B"
+                                                              "31mred"));
+  for (const char* locale : {"C", "C.UTF-8"}) {
+    const CommandResult result =
+        Command({"diff", list, "-"}).Input(DeviceListWith("plain")).Set("LC_ALL", locale).Run();
+    const bool isAscii = std::string(locale) == "C";
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, HasSubstr(isAscii ? "\"\\xc3\\x9b31mred\", serial "
+                                                 : "\"\xC3\x9B"
+                                                   "31mred\", serial "));
+    EXPECT_EQ(isAscii, result.output.find('\xC3') == std::string::npos);
+  }
+}
+
 TEST(Diff, SendsNothingOfAHostileListToATerminal) {
   const TemporaryFolder folder;
   const std::string hostile = folder.File("hostile", HostileDeviceList());

@@ -93,6 +93,13 @@ TEST(Terminal, GetsAsciiOnlyWhereItsLocaleHasNothingElse) {
   }
 }
 
+TEST(Terminal, GetsTheNameOfTheSystemInAsciiWhereItsLocaleHasNothingElse) {
+  const std::vector<std::string> arguments = {"--devices", CapturePath("vm-desktop-debugfs"), "--system-name",
+                                              "caf\xC3\xA9"};
+  EXPECT_THAT(Command(arguments).Set("LC_ALL", "C").Run().output, testing::StartsWith("caf\\xc3\\xa9: "));
+  EXPECT_THAT(Command(arguments).Set("LC_ALL", "C.UTF-8").Run().output, testing::StartsWith("caf\xC3\xA9: "));
+}
+
 TEST(Terminal, OfEightyColumnsShowsTheWholeDesktopMachine) {
   const std::string name = "vm-desktop-debugfs";
   EXPECT_EQ(
