@@ -4,8 +4,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <iostream>
 #include <optional>
+#include <system_error>
 
 #include "cli/EmptyAdvice.h"
 #include "cli/ExitStatus.h"
@@ -14,6 +16,7 @@
 #include "cli/OutputFormat.h"
 #include "cli/Text.h"
 #include "cli/UsbIds.h"
+#include "cli/UserError.h"
 #include "host/ILogger.h"
 
 using NKESTA20::ILogger;
@@ -79,9 +82,23 @@ std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& in
                      options.columns);
 }
 
+/// The log is made anew before anything is read: named like an input, it would empty that.
+void KeepLogOffInputs(const ShowOptions& options) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  if (options.log.empty() || !fs::is_regular_file(options.log, error)) return;
+  const Source& source = options.source;
+  for (const std::string& input : {source.devices, source.maskKey, source.plugin}) {
+    if (!fs::equivalent(options.log, input, error)) continue;
+    throw UserError(
+        fmt::format("the log would overwrite {}, which is read; name another file with --log", input));
+  }
+}
+
 }  // namespace
 
 int RunShow(const ShowOptions& options) {
+  KeepLogOffInputs(options);
   LogWriter log(options.log, SeverityOf(options.logLevel),
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);

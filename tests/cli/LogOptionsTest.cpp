@@ -53,6 +53,20 @@ TEST(LogOptions, AreSilentByDefaultForAGoodList) {
   EXPECT_EQ(ReadFile(folder.File("log")), "");
 }
 
+TEST(LogOptions, OverwriteNothingThatIsRead) {
+  for (const char* option : {"--devices", "--mask-key", "--plugin"}) {
+    const TemporaryFolder folder;
+    const std::string input = folder.File("input", "text");
+    const std::string other = folder.File(".") + "/input";
+    const CommandResult result = RunUsbinfo({"--mask-serials", option, input, "--log", other});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "usbinfo: the log would overwrite " + input +
+                                 ", which is read; name another file with --log\n");
+    EXPECT_EQ(ReadFile(input), "text") << option;
+  }
+}
+
 TEST(LogOptions, WriteTextWithTheSeverityByName) {
   const std::vector<std::string> lines = Lines(RunWith({"--log-level", "verbose"}).errors);
   const std::vector<ordered_json> expected = ExpectedUpTo(4);
