@@ -45,10 +45,13 @@ std::string FollowLinks(const std::string& path) {
 /// A new file beside the one to be written, removed unless it takes that one's place.
 class NewFile {
  public:
-  explicit NewFile(const std::string& target)
-      : fTarget(target),
-        fPath(std::filesystem::path(target).parent_path() / fmt::format(".usbinfo-{}.new", ::getpid())),
-        fFile(standin::OpenFile(fPath, O_WRONLY | O_CREAT | O_EXCL)) {}
+  explicit NewFile(const std::string& target) : fTarget(target) {
+    // Numbers of processes come again, so what a run left that was killed must not stop another one.
+    constexpr int kMostTries = 100;
+    for (int number = 0; !TryToMake(number); ++number) {
+      if (number == kMostTries) standin::ThrowSystemError(EEXIST);
+    }
+  }
   NewFile(const NewFile&) = delete;
   NewFile& operator=(const NewFile&) = delete;
   ~NewFile() {
@@ -68,6 +71,19 @@ class NewFile {
   }
 
  private:
+  /// False when the file of that number is there already, whoever made it.
+  bool TryToMake(int number) {
+    const std::filesystem::path folder = std::filesystem::path(fTarget).parent_path();
+    fPath = folder / fmt::format(".usbinfo-{}-{}.new", ::getpid(), number);
+    try {
+      fFile = standin::OpenFile(fPath, O_WRONLY | O_CREAT | O_EXCL);
+      return true;
+    } catch (const std::system_error& error) {
+      if (error.code().value() != EEXIST) throw;
+      return false;
+    }
+  }
+
   std::string fTarget;
   std::string fPath;
   FileDescriptor fFile;

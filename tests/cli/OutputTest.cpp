@@ -31,6 +31,11 @@ std::string ErrorOfWriting(const std::string& path, const std::string& text = "n
   return UserErrorOf([&] { WriteFile(path, text); });
 }
 
+/// What this process calls the file that it writes before it takes its place.
+std::string OwnName(int number) {
+  return ".usbinfo-" + std::to_string(::getpid()) + "-" + std::to_string(number) + ".new";
+}
+
 TEST(WriteFile, MakesANewFileThatOthersMayReadAsTheUserAllows) {
   const TemporaryFolder folder;
   const mode_t before = ::umask(0027);
@@ -130,12 +135,20 @@ TEST(WriteFile, AppendsToWhatAnotherProcessCallsOpen) {
 TEST(WriteFile, WritesIntoNoFileThatIsThereInPlaceOfItsOwn) {
   const TemporaryFolder folder;
   const std::string victim = folder.File("victim", "old");
-  const std::string own = ".usbinfo-" + std::to_string(::getpid()) + ".new";
-  fs::create_symlink("victim", folder.File(own));
+  fs::create_symlink("victim", folder.File(OwnName(0)));
+  WriteFile(folder.File("out"), "new");
+  EXPECT_EQ(ReadFile(victim), "old");
+  EXPECT_EQ(ReadFile(folder.File("out")), "new");
+  EXPECT_THAT(folder.Names(), ElementsAre(OwnName(0), "out", "victim"));
+}
+
+TEST(WriteFile, FailsWhereFilesInPlaceOfItsOwnFillTheFolder) {
+  const TemporaryFolder folder;
+  for (int number = 0; number <= 100; ++number) folder.File(OwnName(number), "left");
   EXPECT_EQ(ErrorOfWriting(folder.File("out")),
             "cannot write " + folder.File("out") + ": File exists; name a writable file with --output");
-  EXPECT_EQ(ReadFile(victim), "old");
-  EXPECT_THAT(folder.Names(), ElementsAre(own, "victim"));
+  EXPECT_EQ(folder.Names().size(), 101U);
+  EXPECT_EQ(ReadFile(folder.File(OwnName(100))), "left");
 }
 
 TEST(WriteFile, MakesAFileOfTheLongestName) {
