@@ -90,6 +90,13 @@ class NewFile {
   bool fInPlace = false;
 };
 
+bool AreOne(const std::string& left, const std::string& right) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  if (fs::exists(left, error)) return fs::equivalent(left, right, error);
+  return fs::weakly_canonical(fs::absolute(left), error) == fs::weakly_canonical(fs::absolute(right), error);
+}
+
 void WriteInPlace(const std::string& path, const std::string& text) {
   standin::WriteAll(standin::OpenFile(path, O_WRONLY | O_APPEND).Get(), text);
 }
@@ -105,6 +112,19 @@ void Replace(const std::string& path, const std::string& text) {
 }
 
 }  // namespace
+
+void KeepApart(const NamedFile& written, const std::vector<NamedFile>& others) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  const fs::file_status status = fs::status(written.path, error);
+  if (written.path.empty() || (fs::exists(status) && !fs::is_regular_file(status))) return;
+  for (const NamedFile& other : others) {
+    const std::string path = other.path == "-" ? "/dev/stdin" : other.path;
+    if (path.empty() || !AreOne(written.path, path)) continue;
+    throw UserError(fmt::format("{} and {} name one file, {}; name another one for {}", written.option,
+                                other.option, written.path, written.option));
+  }
+}
 
 void WriteStandardOutput(const std::string& text) {
   try {

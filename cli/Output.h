@@ -2,8 +2,21 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace cli {
+
+/// A file as the command line names it; empty when it does not.
+struct NamedFile {
+  /// What names it: "--log".
+  const char* option;
+  /// "-" is standard input.
+  std::string path;
+};
+
+/// Throws UserError when `written` is a file that one of `others` names as well: either would be lost.
+/// Devices, terminals and pipes take both.
+void KeepApart(const NamedFile& written, const std::vector<NamedFile>& others);
 
 /// Writes `text` to standard output; throws UserError when it cannot be written.
 void WriteStandardOutput(const std::string& text);

@@ -4,10 +4,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <iostream>
 #include <optional>
-#include <system_error>
+#include <vector>
 
 #include "cli/EmptyAdvice.h"
 #include "cli/ExitStatus.h"
@@ -16,7 +15,6 @@
 #include "cli/OutputFormat.h"
 #include "cli/Text.h"
 #include "cli/UsbIds.h"
-#include "cli/UserError.h"
 #include "host/ILogger.h"
 
 using NKESTA20::ILogger;
@@ -82,23 +80,21 @@ std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& in
                      options.columns);
 }
 
-/// The log is made anew before anything is read: named like an input, it would empty that.
-void KeepLogOffInputs(const ShowOptions& options) {
-  namespace fs = std::filesystem;
-  std::error_code error;
-  if (options.log.empty() || !fs::is_regular_file(options.log, error)) return;
+/// The log is made anew before anything is read: named like an input, it would empty that. The list alone may
+/// be replaced by what comes of it, which is complete by then.
+void KeepFilesApart(const ShowOptions& options) {
   const Source& source = options.source;
-  for (const std::string& input : {source.devices, source.maskKey, source.plugin}) {
-    if (!fs::equivalent(options.log, input, error)) continue;
-    throw UserError(
-        fmt::format("the log would overwrite {}, which is read; name another file with --log", input));
-  }
+  const NamedFile key = {"--mask-key", source.maskKey};
+  const NamedFile plugin = {"--plugin", source.plugin};
+  const NamedFile output = {"--output", options.output};
+  KeepApart({"--log", options.log}, {{"--devices", source.devices}, key, plugin, output});
+  KeepApart(output, {key, plugin});
 }
 
 }  // namespace
 
 int RunShow(const ShowOptions& options) {
-  KeepLogOffInputs(options);
+  KeepFilesApart(options);
   LogWriter log(options.log, SeverityOf(options.logLevel),
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);

@@ -53,18 +53,43 @@ TEST(LogOptions, AreSilentByDefaultForAGoodList) {
   EXPECT_EQ(ReadFile(folder.File("log")), "");
 }
 
-TEST(LogOptions, OverwriteNothingThatIsRead) {
-  for (const char* option : {"--devices", "--mask-key", "--plugin"}) {
+TEST(LogOptions, OverwriteNothingThatHasAnotherUse) {
+  for (const char* option : {"--devices", "--mask-key", "--plugin", "--output"}) {
     const TemporaryFolder folder;
-    const std::string input = folder.File("input", "text");
-    const std::string other = folder.File(".") + "/input";
-    const CommandResult result = RunUsbinfo({"--mask-serials", option, input, "--log", other});
+    const std::string file = folder.File("file", "text");
+    const std::string log = folder.File(".") + "/file";
+    const CommandResult result = RunUsbinfo({"--mask-serials", option, file, "--log", log});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.output, "");
-    EXPECT_EQ(result.errors, "usbinfo: the log would overwrite " + input +
-                                 ", which is read; name another file with --log\n");
-    EXPECT_EQ(ReadFile(input), "text") << option;
+    EXPECT_EQ(result.errors, std::string("usbinfo: --log and ").append(option).append(" name one file, ") +
+                                 log + "; name another one for --log\n");
+    EXPECT_EQ(ReadFile(file), "text") << option;
   }
+}
+
+TEST(LogOptions, MakeNoFileThatTheOutputWouldReplace) {
+  const TemporaryFolder folder;
+  const std::string log = folder.File(".") + "/file";
+  EXPECT_EQ(RunWith({"--log", log, "--output", folder.File("file")}).status, 2);
+  EXPECT_THAT(folder.Names(), testing::IsEmpty());
+}
+
+TEST(LogOptions, DoNotEmptyTheListThatComesFromStandardInput) {
+  const TemporaryFolder folder;
+  const std::string list = folder.File("list", "text");
+  const CommandResult result = Command({"--devices", "-", "--log", list}).InputFrom(list).Run();
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(ReadFile(list), "text");
+}
+
+TEST(LogOptions, ShareATerminalWithTheOutput) {
+  const std::vector<std::string> arguments = {"--devices",   CapturePath(kCapture), "--log",
+                                              "/dev/stdout", "--log-level",         "verbose",
+                                              "--output",    "/dev/stdout"};
+  const CommandResult result = Command(arguments).OutputToTerminal(80).Run();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_THAT(result.output, testing::HasSubstr("debug: "));
+  EXPECT_THAT(result.output, testing::HasSubstr("Root hub"));
 }
 
 TEST(LogOptions, WriteTextWithTheSeverityByName) {

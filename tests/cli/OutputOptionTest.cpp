@@ -80,6 +80,20 @@ TEST(OutputOption, MayNameTheDeviceListItself) {
   EXPECT_EQ(ReadFile(path), Expected("vm-desktop-debugfs.json"));
 }
 
+TEST(OutputOption, ReplacesNeitherKeyNorPlugIn) {
+  for (const char* option : {"--mask-key", "--plugin"}) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("file", "old");
+    std::vector<std::string> arguments = Arguments("json", path);
+    arguments.insert(arguments.end(), {"--mask-serials", option, path});
+    const CommandResult result = RunUsbinfo(arguments);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.errors, std::string("usbinfo: --output and ").append(option).append(" name one file, ") +
+                                 path + "; name another one for --output\n");
+    EXPECT_EQ(ReadFile(path), "old");
+  }
+}
+
 TEST(OutputOption, GetsTheEmptyDocumentOfAnEmptyInventory) {
   for (const char* format : {"json", "jsonl", "cimxml", "mof", "dot", "html"}) {
     SCOPED_TRACE(format);
