@@ -2,7 +2,7 @@
 // devices, and prints every property they have. It owns the module; the stand-in owns the instances.
 //
 // With CMake (PREFIX is where usbinfo is installed; for /usr leave it out):
-//   cmake -S examples/host -B build/example -DCMAKE_PREFIX_PATH=PREFIX
+//   cmake -S examples/host -B build/example -G Ninja -DCMAKE_PREFIX_PATH=PREFIX
 //   cmake --build build/example --target run
 // With one call of the compiler:
 //   g++ -std=c++17 -o example-host examples/host/main.cpp $(pkg-config --cflags --libs usbinfo)
