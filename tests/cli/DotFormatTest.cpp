@@ -5,6 +5,7 @@
 
 #include "cli/DotFormat.h"
 #include "tests/cli/CliTest.h"
+#include "tests/cli/ShownText.h"
 
 using NKESTA20::TCIMValue;
 using ::testing::HasSubstr;
@@ -86,13 +87,7 @@ TEST_F(DotFormatTest, LeavesOutASpeedThatIsNotKnown) {
   EXPECT_THAT(Statements(), HasSubstr("label=\"Bus 01, device 2\\nMouse\\n0000:0000\""));
 }
 
-struct LabelText {
-  const char* name;
-  std::string bytes;
-  std::string label;
-};
-
-const std::vector<LabelText> kLabels = {
+const std::vector<ShownText> kLabels = {
     {"Quote", "a\"b", "a\\\"b"},
     {"QuoteAndBracket", "\"];x->y;//", "\\\"];x->y;//"},
     {"Backslash", "a\\", "a\\\\"},
@@ -111,11 +106,11 @@ const std::vector<LabelText> kLabels = {
     {"Letters", "M\xC3\xA4us", "M\xC3\xA4us"},
 };
 
-class DotLabelTest : public DotFormatTest, public testing::WithParamInterface<LabelText> {};
+class DotLabelTest : public DotFormatTest, public testing::WithParamInterface<ShownText> {};
 
 TEST_P(DotLabelTest, ShowsTheStringAndNothingElse) {
   AddDevice("Bus 01  Device   2", GetParam().bytes, 1);
-  EXPECT_EQ(Statements(), "  n0 [class=\"device\", label=\"Bus 01, device 2\\n" + GetParam().label +
+  EXPECT_EQ(Statements(), "  n0 [class=\"device\", label=\"Bus 01, device 2\\n" + GetParam().shown +
                               "\\n0000:0000, 1.5 Mbit/s\", fillcolor=\"#e3f1e4\"];\n");
 }
 

@@ -9,6 +9,7 @@
 #include "cli/PageAssets.h"
 #include "cli/UsbIds.h"
 #include "tests/cli/CliTest.h"
+#include "tests/cli/ShownText.h"
 #include "tests/cli/XmlDocument.h"
 
 using NKESTA20::TCIMValue;
@@ -219,13 +220,7 @@ TEST_F(HtmlFormatTest, StaysFlatBelowTheDeepestRow) {
   EXPECT_EQ(Count("//li[contains(@class, 'item') and count(ancestor::li) = 32]"), 69U);
 }
 
-struct PageText {
-  const char* name;
-  std::string bytes;
-  std::string shown;
-};
-
-const std::vector<PageText> kTexts = {
+const std::vector<ShownText> kTexts = {
     {"Script", "<script>alert(1)</script>", "&lt;script&gt;alert(1)&lt;/script&gt;"},
     {"Attribute", "\"><img src=x onerror=alert(1)>", "&quot;&gt;&lt;img src=x onerror=alert(1)&gt;"},
     {"Apostrophe", "' onclick='x", "&#39; onclick=&#39;x"},
@@ -240,7 +235,7 @@ const std::vector<PageText> kTexts = {
     {"Letters", "M\xC3\xA4us", "M\xC3\xA4us"},
 };
 
-class HtmlTextTest : public HtmlFormatTest, public testing::WithParamInterface<PageText> {};
+class HtmlTextTest : public HtmlFormatTest, public testing::WithParamInterface<ShownText> {};
 
 TEST_P(HtmlTextTest, StaysATextInElementsAndAttributes) {
   Path port = AddPortOn(AddHub(kRoot, GetParam().bytes, 1), "Bus 01  Device   1 Port 00", 12000000, kUsed);
