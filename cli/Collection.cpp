@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -47,23 +48,23 @@ std::unique_ptr<OperatingSystem> MachineForUser() {
       [](const std::string& line) { standin::WriteAll(STDERR_FILENO, line); });
 }
 
-std::unique_ptr<OperatingSystem> SystemOf(const std::string* deviceList) {
-  if (deviceList == nullptr) return MachineForUser();
-  return std::make_unique<standin::GivenDeviceList>(*deviceList);
+std::unique_ptr<OperatingSystem> SystemOf(std::optional<std::string> deviceList) {
+  if (!deviceList) return MachineForUser();
+  return std::make_unique<standin::GivenDeviceList>(*std::move(deviceList));
 }
 
-std::unique_ptr<OperatingSystem> MaskedSystemOf(const Source& source, const std::string* deviceList) {
-  if (!source.maskSerials) return SystemOf(deviceList);
+std::unique_ptr<OperatingSystem> MaskedSystemOf(const Source& source, std::optional<std::string> deviceList) {
+  if (!source.maskSerials) return SystemOf(std::move(deviceList));
   SerialMask mask = MaskOf(source);
-  return std::make_unique<MaskingSystem>(SystemOf(deviceList), std::move(mask));
+  return std::make_unique<MaskingSystem>(SystemOf(std::move(deviceList)), std::move(mask));
 }
 
 /// A fresh host; with `deviceList`, for that rather than for the machine's.
-void ConfigureHost(const Source& source, const std::string* deviceList, LogWriter& log) {
+void ConfigureHost(const Source& source, std::optional<std::string> deviceList, LogWriter& log) {
   Host& host = Host::Instance();
   host.Reset();
   if (!source.systemName.empty()) host.SetSystemName(source.systemName);
-  host.SetOperatingSystem(MaskedSystemOf(source, deviceList));
+  host.SetOperatingSystem(MaskedSystemOf(source, std::move(deviceList)));
   host.CoreLogger().SetSink(
       [&log](ILogger::EQSVLogSeverity severity, const std::string& text) { log.Write(severity, text); });
 }
@@ -120,14 +121,14 @@ Inventory Collect(const Source& source, const std::vector<std::string>& classNam
     return CollectFrom(ReadInput(source.devices, "name a file that holds a device list with --devices"),
                        source, classNames, log);
   }
-  ConfigureHost(source, nullptr, log);
+  ConfigureHost(source, std::nullopt, log);
   DrivePlugin(source.plugin, classNames);
   return Inventory(Host::Instance());
 }
 
-Inventory CollectFrom(const std::string& deviceList, const Source& source,
+Inventory CollectFrom(std::string deviceList, const Source& source,
                       const std::vector<std::string>& classNames, LogWriter& log) {
-  ConfigureHost(source, &deviceList, log);
+  ConfigureHost(source, std::move(deviceList), log);
   DrivePlugin(source.plugin, classNames);
   return Inventory(Host::Instance());
 }

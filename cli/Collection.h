@@ -39,7 +39,7 @@ std::vector<std::string> AllClasses();
 Inventory Collect(const Source& source, const std::vector<std::string>& classNames, LogWriter& log);
 
 /// The same from the text of a device list, whatever `source` says of devices.
-Inventory CollectFrom(const std::string& deviceList, const Source& source,
+Inventory CollectFrom(std::string deviceList, const Source& source,
                       const std::vector<std::string>& classNames, LogWriter& log);
 
 }  // namespace cli

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <sstream>
+#include <utility>
 
 #include "cli/Collection.h"
 #include "cli/Color.h"
@@ -35,7 +36,7 @@ bool LooksLikeDeviceList(const std::string& text) {
 }
 
 SavedInventory ReadInventory(const std::string& path, const std::string& plugin, LogWriter& log) {
-  const std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
+  std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
   const std::string name = NameOfList(path);
   if (LooksLikeJson(text)) return ReadSavedInventory(text, name);
   if (!LooksLikeDeviceList(text)) {
@@ -44,7 +45,8 @@ SavedInventory ReadInventory(const std::string& path, const std::string& plugin,
   }
   Source source;
   source.plugin = plugin;
-  return ReadSavedInventory(RenderJson(CollectFrom(text, source, AllClasses(), log), RenderOptions()), name);
+  const Inventory inventory = CollectFrom(std::move(text), source, AllClasses(), log);
+  return ReadSavedInventory(RenderJson(inventory, RenderOptions()), name);
 }
 
 std::string Render(const DiffOptions& options, const InventoryDifference& difference) {
