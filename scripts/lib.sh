@@ -22,7 +22,7 @@ FUZZ_PACKAGES=(clang libclang-rt-14-dev)
 # What the test on a real kernel takes on top of the first ones.
 VM_PACKAGES=(busybox-static cpio kmod qemu-system-x86 usbutils)
 # What building the Debian packages takes on top of the first ones.
-PACKAGE_PACKAGES=(dpkg-dev fakeroot)
+PACKAGE_PACKAGES=(dpkg-dev fakeroot file)
 # What checking them takes on top of that.
 PACKAGE_CHECK_PACKAGES=(lintian man-db mandoc)
 
