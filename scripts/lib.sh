@@ -17,8 +17,8 @@ TEST_PACKAGES=(
 CHECK_PACKAGES=(clang clang-format clang-tidy pyflakes3 shellcheck)
 # What telling the coverage takes on top of the first ones.
 COVERAGE_PACKAGES=(gcovr)
-# What the fuzzers take on top of the first ones.
-FUZZ_PACKAGES=(clang libclang-rt-14-dev)
+# What the fuzzers take on top of the first ones; without llvm's symbolizer, reports and known leaks have no names.
+FUZZ_PACKAGES=(clang libclang-rt-14-dev llvm)
 # What the test on a real kernel takes on top of the first ones.
 VM_PACKAGES=(busybox-static cpio kmod qemu-system-x86 usbutils)
 # What building the Debian packages takes on top of the first ones.
