@@ -16,14 +16,6 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-/// Length of the character of valid UTF-8 that begins with `lead`.
-std::size_t CharacterLength(char lead) {
-  const auto byte = static_cast<unsigned char>(lead);
-  if (byte < 0x80) return 1;
-  if (byte < 0xE0) return 2;
-  return byte < 0xF0 ? 3 : 4;
-}
-
 bool IsDirectionMark(std::string_view character) {
   // NOLINTBEGIN(misc-misleading-bidirectional): written as escapes
   static constexpr std::array<std::string_view, 12> kMarks = {
@@ -103,6 +95,13 @@ Character CharacterAt(std::string_view text, std::size_t at) {
 }
 
 }  // namespace
+
+std::size_t CharacterLength(char lead) {
+  const auto byte = static_cast<unsigned char>(lead);
+  if (byte < 0x80) return 1;
+  if (byte < 0xE0) return 2;
+  return byte < 0xF0 ? 3 : 4;
+}
 
 std::string ReplaceInvalidUtf8(const std::string& text) {
   // The way through JSON takes long, and most texts are plain.

@@ -2,6 +2,7 @@
 // byte may stand in one.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,9 @@ namespace cli {
 
 /// `text` with every byte that is no part of valid UTF-8 replaced by U+FFFD, as the JSON export does it.
 std::string ReplaceInvalidUtf8(const std::string& text);
+
+/// The bytes that a character of valid UTF-8 takes, 1 to 4, from its first one.
+std::size_t CharacterLength(char lead);
 
 /// `text` on one line for people: backslashes doubled, newlines as `\n`, and every other control character,
 /// direction mark and byte that is no UTF-8 as `\xHH`. Tabs and letters stay; where the locale is not one of
@@ -30,7 +34,7 @@ std::string ReplaceDirectionMarks(const std::string& text);
 std::string ReplaceUnprintable(const std::string& text);
 
 /// The number of the control character or direction mark that begins at `at` of valid UTF-8; 0 where any
-/// other character, or none, begins.
+/// other character begins.
 unsigned int ControlAt(const std::string& text, std::size_t at);
 
 /// The parts of `text` between its commas; none of an empty text.

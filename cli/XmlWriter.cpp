@@ -46,12 +46,6 @@ bool NeedsReference(unsigned int control) {
   return control >= 0x7F;
 }
 
-/// The bytes that a character up to U+FFFF takes in UTF-8.
-std::size_t LengthOf(unsigned int character) {
-  if (character < 0x80) return 1;
-  return character < 0x800 ? 2 : 3;
-}
-
 }  // namespace
 
 XmlWriter::XmlWriter() : fBuffer(xmlBufferCreate()) {
@@ -73,16 +67,17 @@ void XmlWriter::Attribute(const char* name, const std::string& value) {
 void XmlWriter::Text(const std::string& text) {
   const std::string fit = ReplaceForbidden(ReplaceInvalidUtf8(text));
   std::string plain;
-  for (std::size_t at = 0; at < fit.size(); ++at) {
+  for (std::size_t at = 0; at < fit.size();) {
+    const std::size_t length = CharacterLength(fit[at]);
     const unsigned int control = ControlAt(fit, at);
-    if (!NeedsReference(control)) {
-      plain += fit[at];
-      continue;
+    if (NeedsReference(control)) {
+      WriteText(plain);
+      plain.clear();
+      Check(xmlTextWriterWriteRaw(fWriter.get(), Xml(fmt::format("&#x{:X};", control).c_str())));
+    } else {
+      plain.append(fit, at, length);
     }
-    WriteText(plain);
-    plain.clear();
-    Check(xmlTextWriterWriteRaw(fWriter.get(), Xml(fmt::format("&#x{:X};", control).c_str())));
-    at += LengthOf(control) - 1;
+    at += length;
   }
   WriteText(plain);
 }
