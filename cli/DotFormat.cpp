@@ -39,11 +39,6 @@ std::string Label(const std::vector<std::string>& lines) {
   return '"' + label + '"';
 }
 
-/// What a hub or a device is called in the picture.
-std::string DisplayName(const UsbTreeNode& node) {
-  return node.isRootHub ? std::string() : NameOf(*node.item);
-}
-
 class Graph {
  public:
   explicit Graph(const Inventory& inventory)

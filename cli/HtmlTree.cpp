@@ -157,11 +157,6 @@ void HtmlTree::WriteName(const UsbTreeNode& node) {
   fWriter.Close();
 }
 
-std::string HtmlTree::DisplayName(const UsbTreeNode& node) const {
-  if (node.kind == Kind::kPort) return IsFree(*node.item) ? "free" : "in use";
-  return node.isRootHub ? "" : NameOf(*node.item);
-}
-
 void HtmlTree::WriteFacts(std::size_t row) {
   fWriter.Open("dl");
   const auto writeFact = [this](const char* label, const ItemFact& fact) {

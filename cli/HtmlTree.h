@@ -39,7 +39,6 @@ class HtmlTree {
   void WriteSocket(const UsbTreeNode& port, std::size_t index);
   /// The device's own string, or what it is known as where it has none.
   void WriteName(const UsbTreeNode& node);
-  std::string DisplayName(const UsbTreeNode& node) const;
 
   HtmlWriter& fWriter;
   const UsbTree& fTree;

@@ -104,9 +104,7 @@ class ChosenColumns {
   }
 
  private:
-  static TableColumn Status() {
-    return Text("STATUS", [](const InstanceView& port) { return IsFree(port) ? "free" : "in use"; });
-  }
+  static TableColumn Status() { return Text("STATUS", StateOf); }
   static TableColumn SpeedOfPort() {
     return Right("SPEED", [](const InstanceView& port) { return FormatSpeed(port.Number("Speed")); });
   }

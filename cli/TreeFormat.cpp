@@ -17,16 +17,9 @@ using Kind = UsbTreeNode::Kind;
 enum Column : std::size_t { kPlace, kDevice, kId, kSpeed, kKnownAs };
 
 std::string Device(const UsbTreeNode& node) {
-  switch (node.kind) {
-    case Kind::kHub: {
-      const std::string ports = Count(node.item->Number("NumberOfPorts"), "port");
-      return node.isRootHub ? ports : NameOf(*node.item) + ", " + ports;
-    }
-    case Kind::kPort:
-      return IsFree(*node.item) ? "free" : "in use";
-    default:
-      return NameOf(*node.item);
-  }
+  if (node.kind != Kind::kHub) return DisplayName(node);
+  const std::string ports = Count(node.item->Number("NumberOfPorts"), "port");
+  return node.isRootHub ? ports : DisplayName(node) + ", " + ports;
 }
 
 /// Hubs and devices tell of themselves; controllers and ports do not.

@@ -141,6 +141,15 @@ bool IsFree(const InstanceView& port) {
   return port.Text("StatusDescriptions") == "{No device connected}";
 }
 
+std::string StateOf(const InstanceView& port) {
+  return IsFree(port) ? "free" : "in use";
+}
+
+std::string DisplayName(const UsbTreeNode& node) {
+  if (node.kind == Kind::kPort) return StateOf(*node.item);
+  return node.isRootHub ? std::string() : NameOf(*node.item);
+}
+
 std::string PlaceOf(const UsbTreeNode& node, bool isTop) {
   const std::string identifier = node.item->Text("DeviceID");
   if (node.kind == Kind::kController) return "Bus " + BusOf(identifier);

@@ -58,6 +58,12 @@ std::vector<std::string> DetailsOf(const InstanceView& item, const UsbIds* names
 
 bool IsFree(const InstanceView& port);
 
+/// "free" or "in use".
+std::string StateOf(const InstanceView& port);
+
+/// What a node is called beside its place: a port by its state, a root hub not at all.
+std::string DisplayName(const UsbTreeNode& node);
+
 /// Where a node is: "Bus 01", "Root hub", "Port 00". At the top of a tree nothing else tells its bus, so it
 /// says that too: "Bus 01, hub 5, port 00".
 std::string PlaceOf(const UsbTreeNode& node, bool isTop);
