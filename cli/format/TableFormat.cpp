@@ -39,17 +39,15 @@ std::string Identifier(const InstanceView& item, const char* property) {
   return std::string();
 }
 
-TableColumn Text(const char* title, Getter text) {
-  return {{title, TextTable::Kind::kText, 0}, std::move(text)};
+/// Cut to less, a text does not help any more.
+constexpr std::size_t kSmallestText = 16;
+
+TableColumn Text(const char* title, Getter text, Importance importance = Importance::kIdentifier) {
+  return {{title, TextTable::Kind::kLeft, importance, kSmallestText}, std::move(text)};
 }
 
-TableColumn Right(const char* title, Getter text) {
-  return {{title, TextTable::Kind::kRight, 0}, std::move(text)};
-}
-
-/// Keeps `share` of the terminal's width where that is scarce.
-TableColumn Cut(const std::string& title, double share, Getter text) {
-  return {{title, TextTable::Kind::kCut, share}, std::move(text)};
+TableColumn Right(const char* title, Getter text, Importance importance = Importance::kIdentifier) {
+  return {{title, TextTable::Kind::kRight, importance, kSmallestText}, std::move(text)};
 }
 
 TableColumn Bus(const char* property) {
@@ -75,8 +73,9 @@ TableColumn Port(const char* property) {
               [property](const InstanceView& item) { return Behind(Identifier(item, property), " Port "); });
 }
 
-TableColumn GivenString(const char* title, double share, const char* property) {
-  return Cut(title, share, [property](const InstanceView& item) { return Given(item, property); });
+TableColumn GivenString(const char* title, Importance importance, const char* property) {
+  return Text(
+      title, [property](const InstanceView& item) { return Given(item, property); }, importance);
 }
 
 /// The columns that suit each class.
@@ -89,7 +88,7 @@ class ChosenColumns {
   }
 
   TableColumns Of(const std::string& className) const {
-    if (className == "KALDO_USBController") return {Bus(kOwn), Cut("CONTROLLER", 0.5, NameOf)};
+    if (className == "KALDO_USBController") return {Bus(kOwn), Text("CONTROLLER", NameOf, Importance::kMain)};
     if (className == "KALDO_USBPort")
       return {Bus(kOwn), HubOfPort(kOwn), Port(kOwn), SpeedOfPort(), Status()};
     if (className == "KALDO_USBPortOnHub") {
@@ -104,15 +103,20 @@ class ChosenColumns {
   }
 
  private:
-  static TableColumn Status() { return Text("STATUS", StateOf); }
+  static TableColumn Status() { return Text("STATUS", StateOf, Importance::kMain); }
   static TableColumn SpeedOfPort() {
-    return Right("SPEED", [](const InstanceView& port) { return FormatSpeed(port.Number("Speed")); });
+    return Right(
+        "SPEED", [](const InstanceView& port) { return FormatSpeed(port.Number("Speed")); },
+        Importance::kUseful);
   }
   static TableColumn SpeedOfDevice() {
-    return Right("SPEED", [](const InstanceView& item) { return FormatSpeedClass(item.Number("Speed")); });
+    return Right(
+        "SPEED", [](const InstanceView& item) { return FormatSpeedClass(item.Number("Speed")); },
+        Importance::kUseful);
   }
   static TableColumn Ports() {
-    return Right("PORTS", [](const InstanceView& hub) { return hub.Text("NumberOfPorts"); });
+    return Right(
+        "PORTS", [](const InstanceView& hub) { return hub.Text("NumberOfPorts"); }, Importance::kUseful);
   }
 
   /// Of hubs and devices, which have names; `own` is what only one of the classes has.
@@ -121,34 +125,44 @@ class ChosenColumns {
                             Device("DEV", kOwn),
                             Text("ID", FormatId),
                             own,
-                            Cut("PRODUCT", 0.2, NameOf),
-                            GivenString("MAKER", 0.05, "Manufacturer"),
-                            GivenString("SERIAL", 0.2, "SerialNumber")};
+                            Text("PRODUCT", NameOf, Importance::kMain),
+                            GivenString("MAKER", Importance::kMinor, "Manufacturer"),
+                            GivenString("SERIAL", Importance::kIdentifier, "SerialNumber")};
     if (fNames != nullptr) {
       const auto knownAs = [names = fNames](const InstanceView& item) { return KnownAs(item, names); };
-      columns.push_back(Cut("KNOWN AS", 0.1, knownAs));
+      columns.push_back(Text("KNOWN AS", knownAs, Importance::kMinor));
     }
     return columns;
   }
 
   /// The name of what an association leads to.
   TableColumn Name(const char* title, const char* property) const {
-    return Cut(title, 0.5, [this, property](const InstanceView& association) {
+    const auto name = [this, property](const InstanceView& association) {
       const auto found = fNamed.find(association.Text(property));
       return found == fNamed.end() ? std::string() : NameOf(*found->second);
-    });
+    };
+    return Text(title, name, Importance::kMain);
   }
 
   const UsbIds* fNames;
   std::unordered_map<std::string, const InstanceView*> fNamed;
 };
 
+/// Whether the property tells instances apart.
+bool IsIdentifier(const std::string& property) {
+  static const std::set<std::string> identifiers = {"Antecedent",   "Dependent",   "DeviceID",
+                                                    "SerialNumber", "USBDeviceID", "VendorID"};
+  return identifiers.count(property) != 0;
+}
+
 /// The properties asked for that the class has.
 TableColumns AskedColumns(const schema::ClassSchema& schema, const std::vector<std::string>& names) {
   TableColumns columns;
   for (const std::string& name : names) {
     if (schema.FindProperty(name) == nullptr) continue;
-    columns.push_back(Cut(name, 0.1, [name](const InstanceView& item) { return item.Text(name); }));
+    const Importance importance = IsIdentifier(name) ? Importance::kIdentifier : Importance::kMain;
+    columns.push_back(Text(
+        name.c_str(), [name](const InstanceView& item) { return item.Text(name); }, importance));
   }
   return columns;
 }
@@ -157,8 +171,8 @@ Tone ToneOf(const ClassView& view, const InstanceView& item) {
   return view.schema.name == "KALDO_USBPort" && IsFree(item) ? Tone::kFree : Tone::kPlain;
 }
 
-std::string Section(const ClassView& view, const TableColumns& columns, const RenderOptions& options) {
-  TextTable table(options);
+std::string Section(const ClassView& view, const TableColumns& columns, const Surface& surface) {
+  TextTable table(surface);
   for (const TableColumn& column : columns) table.AddColumn(column.column);
   for (const InstanceView& item : view.instances) {
     const TextTable::Row row = table.AddRow();
@@ -168,21 +182,21 @@ std::string Section(const ClassView& view, const TableColumns& columns, const Re
     table.SetTone(row, ToneOf(view, item));
   }
   const std::string heading = view.schema.name + ": " + Count(view.instances.size(), "instance");
-  const bool isColored = UsesColor(options.color, options.isStandardOutput);
-  return Toned(heading, isColored ? Tone::kHeading : Tone::kPlain) + "\n" + table.Print();
+  return Toned(heading, surface.isColored ? Tone::kHeading : Tone::kPlain) + "\n" + table.Print();
 }
 
 }  // namespace
 
 std::string RenderTable(const Inventory& inventory, const RenderOptions& options) {
-  const ChosenColumns chosen(inventory, TextTable(options).HasRoomForNames() ? options.names : nullptr);
+  const Surface surface = SurfaceOf(options.isStandardOutput, options.color);
+  const ChosenColumns chosen(inventory, options.names);
   std::string text;
   for (const ClassView& view : inventory.Classes()) {
     if (view.instances.empty()) continue;
     const TableColumns columns =
         options.columns.empty() ? chosen.Of(view.schema.name) : AskedColumns(view.schema, options.columns);
     if (columns.empty()) continue;
-    text += (text.empty() ? "" : "\n") + Section(view, columns, options);
+    text += (text.empty() ? "" : "\n") + Section(view, columns, surface);
   }
   return text;
 }

@@ -46,14 +46,15 @@ class TreeTable {
   TreeTable(const UsbTree& tree, const RenderOptions& options)
       : fTree(tree),
         fOptions(options),
-        fTable(options),
-        fHasNamesColumn(options.names != nullptr && !options.isVerbose && fTable.HasRoomForNames()) {
+        fTable(SurfaceOf(options.isStandardOutput, options.color)),
+        fHasNamesColumn(options.names != nullptr && !options.isVerbose) {
     using Cells = TextTable::Kind;
-    fTable.AddColumn({"USB", Cells::kTree, 0.2});
-    fTable.AddColumn({"DEVICE", options.isVerbose ? Cells::kLines : Cells::kCut, 0.5});
-    fTable.AddColumn({"ID", Cells::kText, 9});
-    fTable.AddColumn({"SPEED", Cells::kRight, 10});
-    if (fHasNamesColumn) fTable.AddColumn({"KNOWN AS", Cells::kCut, 0.2});
+    fTable.AddColumn({"USB", Cells::kTree, Importance::kIdentifier, 32});
+    fTable.AddColumn({"DEVICE", Cells::kLeft, Importance::kMain, 12});
+    fTable.AddColumn({"ID", Cells::kLeft, Importance::kIdentifier, 9});
+    // As wide as "480 Mbit/s", whatever is plugged in.
+    fTable.AddColumn({"     SPEED", Cells::kRight, Importance::kUseful, 12});
+    if (fHasNamesColumn) fTable.AddColumn({"KNOWN AS", Cells::kLeft, Importance::kMinor, 16});
     AddRows();
   }
 
@@ -61,19 +62,13 @@ class TreeTable {
 
  private:
   void AddRows() {
-    // The last row at each depth.
-    std::vector<TextTable::Row> rows;
-    for (const UsbTreeRow& row : fTree.Rows()) {
-      const TextTable::Row parent = row.depth == 0 ? nullptr : rows[row.depth - 1];
-      rows.resize(row.depth);
-      rows.push_back(AddRow(parent, fTree.Nodes()[row.node]));
-    }
+    for (const UsbTreeRow& row : fTree.Rows()) AddRow(row.depth, fTree.Nodes()[row.node]);
   }
 
-  TextTable::Row AddRow(TextTable::Row parent, const UsbTreeNode& node) {
+  void AddRow(std::size_t depth, const UsbTreeNode& node) {
     const UsbTreeNode& shown = fTree.Shown(node);
-    const TextTable::Row row = fTable.AddRow(parent);
-    fTable.SetCell(row, kPlace, PlaceOf(node, parent == nullptr));
+    const TextTable::Row row = fTable.AddRow(depth);
+    fTable.SetCell(row, kPlace, PlaceOf(node, depth == 0));
     if (fOptions.isVerbose) {
       fTable.SetLines(row, kDevice, Lines(shown));
     } else {
@@ -85,7 +80,6 @@ class TreeTable {
       fTable.SetCell(row, kKnownAs, KnownAs(*shown.item, fOptions.names));
     }
     fTable.SetTone(row, ToneOf(shown));
-    return row;
   }
 
   std::vector<std::string> Lines(const UsbTreeNode& node) const {
