@@ -1,6 +1,8 @@
 // The tree for people; see the header.
 #include "cli/format/TreeFormat.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "cli/model/UsbTree.h"
@@ -20,6 +22,12 @@ std::string Device(const UsbTreeNode& node) {
   if (node.kind != Kind::kHub) return DisplayName(node);
   const std::string ports = Count(node.item->Number("NumberOfPorts"), "port");
   return node.isRootHub ? ports : DisplayName(node) + ", " + ports;
+}
+
+/// `speed`, if there is one, at least as wide as "480 Mbit/s", so that trees without such a port look the
+/// same.
+std::string Aligned(const std::string& speed) {
+  return speed.empty() ? speed : fmt::format("{:>10}", speed);
 }
 
 /// Hubs and devices tell of themselves; controllers and ports do not.
@@ -52,8 +60,7 @@ class TreeTable {
     fTable.AddColumn({"USB", Cells::kTree, Importance::kIdentifier, 32});
     fTable.AddColumn({"DEVICE", Cells::kLeft, Importance::kMain, 12});
     fTable.AddColumn({"ID", Cells::kLeft, Importance::kIdentifier, 9});
-    // As wide as "480 Mbit/s", whatever is plugged in.
-    fTable.AddColumn({"     SPEED", Cells::kRight, Importance::kUseful, 12});
+    fTable.AddColumn({"SPEED", Cells::kRight, Importance::kUseful, 12});
     if (fHasNamesColumn) fTable.AddColumn({"KNOWN AS", Cells::kLeft, Importance::kMinor, 16});
     AddRows();
   }
@@ -75,7 +82,7 @@ class TreeTable {
       fTable.SetCell(row, kDevice, Device(shown));
     }
     fTable.SetCell(row, kId, IdOf(shown));
-    fTable.SetCell(row, kSpeed, SpeedOf(fTree, shown));
+    fTable.SetCell(row, kSpeed, Aligned(SpeedOf(fTree, shown)));
     if (fHasNamesColumn && IsDescribed(shown)) {
       fTable.SetCell(row, kKnownAs, KnownAs(*shown.item, fOptions.names));
     }
