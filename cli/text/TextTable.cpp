@@ -1,7 +1,6 @@
 #include "cli/text/TextTable.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 #include "cli/text/DisplayWidth.h"
@@ -245,7 +244,11 @@ std::string TextTable::Print() const {
 }
 
 std::string TextTable::Shown(const std::string& text) const {
-  return CutToWidth(EscapeUnprintable(EscapeForTerminal(text)), kWidestCell, Mark());
+  // More than a cell shows, even of characters with combining marks. What follows need not be looked at.
+  constexpr std::size_t kMostBytes = 16 * kWidestCell;
+  std::string shown = EscapeUnprintable(EscapeForTerminal(text.substr(0, kMostBytes)));
+  if (text.size() > kMostBytes) shown += Mark();
+  return CutToWidth(shown, kWidestCell, Mark());
 }
 
 const char* TextTable::Mark() const {

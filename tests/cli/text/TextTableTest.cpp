@@ -158,6 +158,15 @@ TEST(TextTable, CutsACellThatIsWiderThanAnyDeviceCanMakeIt) {
             "a " + std::string(255, 'x') + "~");
 }
 
+TEST(TextTable, MarksALongTextOfFewColumns) {
+  const CharacterSet characters("C.UTF-8");
+  std::string marks = "e";
+  for (int mark = 0; mark < 5000; ++mark) marks += "\xCC\x81";
+  const std::string printed = PrintRow("a", marks + "z", {std::nullopt, false, true}, Tone::kPlain);
+  EXPECT_THAT(printed, testing::EndsWith("…"));
+  EXPECT_LE(printed.size(), 17 * TextTable::kWidestCell);
+}
+
 TEST(TextTable, GrowsWithItsRowsAndNotWithItsLongestText) {
   TextTable table = TwoColumns(kFile);
   constexpr std::size_t kRows = 1000;
