@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <new>
 #include <optional>
@@ -71,8 +70,7 @@ void ConfigureHost(const Source& source, std::optional<std::string> deviceList, 
 /// Drives the plug-in as a host does. An exception's type may live in the module, so it is told while the
 /// module is still loaded.
 void DrivePlugin(const std::string& pluginPath, const std::vector<std::string>& classNames) {
-  namespace fs = std::filesystem;
-  const std::string path = pluginPath.empty() ? FindPluginModule() : fs::absolute(pluginPath).string();
+  const std::string path = PluginModulePath(pluginPath);
   try {
     standin::PluginModule module(path);
     try {
