@@ -12,6 +12,7 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/collect/Hardening.h"
 #include "cli/collect/MaskingSystem.h"
 #include "cli/collect/ModulePath.h"
 #include "cli/collect/SerialMask.h"
@@ -34,6 +35,8 @@ namespace cli {
 namespace {
 
 SerialMask MaskOf(const Source& source) {
+  // The key and the serial numbers are in memory from here on.
+  ForbidCoreDumps();
   if (source.maskKey.empty()) return SerialMask::OfThisRun();
   return SerialMask::OfKeyFile(source.maskKey);
 }

@@ -1,4 +1,5 @@
-// What the command may not leave to its caller where it has more rights than the caller.
+// How the process protects itself: from its caller where it has more rights, and from others who would look
+// into it.
 #pragma once
 
 namespace cli {
@@ -11,5 +12,9 @@ bool HasRightsOfItsFile();
 /// caller cannot choose the commands that are run. To be called before any of them is. Throws
 /// std::system_error.
 void ProtectSearchPath();
+
+/// Has the kernel write no core file of this process, and closes the process to the debuggers of other
+/// processes, for as long as it lives. Throws std::system_error.
+void ForbidCoreDumps();
 
 }  // namespace cli

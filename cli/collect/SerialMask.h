@@ -2,52 +2,46 @@
 // were masked with one key still compare, and nobody without the key can try serial numbers out.
 #pragma once
 
-#include <memory>
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+
+#include "cli/collect/Secret.h"
 
 namespace cli {
 
 class SerialMask {
  public:
-  /// The shortest key that is taken, in bytes.
-  static constexpr std::size_t kLeastKeyBytes = 16;
-  /// The longest key that is taken, in bytes.
-  static constexpr std::size_t kMostKeyBytes = std::size_t{1} << 20;
+  /// The shortest and the longest key that is taken, in bytes.
+  static constexpr std::size_t kShortestKey = 16;
+  static constexpr std::size_t kLongestKey = std::size_t{1} << 20;
 
-  /// Masks with `key`. Hashes are made with the 32 bytes that Argon2id13 stretches it to, with 2 passes over
-  /// 64 MiB and the salt "usbinfo/masks/v1", so that trying keys out costs. Throws UserError for a key that is
-  /// too short, and where there are no 64 MiB.
-  static SerialMask OfKey(const std::string& key);
+  /// The hashes are made with the 32 bytes to which Argon2id stretches `key`, so that it costs to try keys
+  /// out: version 1.3, 2 passes over 64 MiB, the salt "usbinfo/masks/v1". Throws UserError where there are no
+  /// 64 MiB.
+  static SerialMask OfKey(std::string_view key);
   /// The key is the whole content of the file or FIFO at `path`, a final newline included; "-" is standard
   /// input. Warns on standard error of a file that other users can read or write. Throws UserError when it
-  /// cannot be read, and for a key that is too short or too long.
+  /// cannot be read, is too short or too long, and as OfKey does.
   static SerialMask OfKeyFile(const std::string& path);
   /// The key is drawn at random, once for the run of the program.
   static SerialMask OfThisRun();
 
   /// "masked-" and the first 16 hexadecimal digits of the HMAC-SHA-256 of `serial`.
-  std::string Mask(const std::string& serial) const;
-  /// 16 hexadecimal digits by which inventories can say that they were masked with the same key: the hash of
-  /// a fixed text. None of a random key, with which nothing else compares.
+  std::string Mask(std::string_view serial) const;
+  /// By what inventories can show that they were masked with one key: 16 hexadecimal digits, the hash of a
+  /// fixed text. None of a random key, with which nothing else compares.
   std::optional<std::string> Fingerprint() const;
 
  private:
-  /// Memory that is locked while it is used and wiped when it is freed.
-  using Secret = std::shared_ptr<unsigned char>;
+  SerialMask(Secret key, bool isOfThisRun) : fKey(std::move(key)), fIsOfThisRun(isOfThisRun) {}
 
-  SerialMask(Secret key, bool isRandom) : fKey(std::move(key)), fIsRandom(isRandom) {}
-
-  static Secret NewSecret(std::size_t bytes);
-  static SerialMask OfBytes(const unsigned char* key, std::size_t bytes, const std::string& name);
-  std::string HashOf(const std::string& text) const;
+  std::string Hash(std::string_view text) const;
 
   Secret fKey;
-  bool fIsRandom;
+  bool fIsOfThisRun;
 };
-
-/// Has the kernel write no core file of this process, and let no other process of the user look into it.
-/// Throws std::system_error.
-void ForbidCoreDumps();
 
 }  // namespace cli

@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <iostream>
 
-#include "cli/collect/ModulePath.h"
 #include "cli/collect/Hardening.h"
+#include "cli/collect/ModulePath.h"
 #include "cli/text/UserError.h"
 
 int main(int, char** argv) {

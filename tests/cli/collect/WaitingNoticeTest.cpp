@@ -189,7 +189,7 @@ TEST_F(WaitingCommandTest, NeverCountsTheTimeWhereStandardErrorIsNoTerminal) {
 }
 
 TEST_F(WaitingCommandTest, MasksWhatTheListCommandPrintsAsAGivenList) {
-  const std::string key = Folder().File("key", "key");
+  const std::string key = Folder().File("key", "a key of the tests");
   const auto run = [&](std::vector<std::string> arguments) {
     for (const std::string& option : {"--system-name"s, "testhost"s, "--mask-serials"s, "--mask-key"s, key}) {
       arguments.push_back(option);

@@ -164,9 +164,9 @@ std::string CommandForAll() {
   static const TemporaryFolder folder;
   const std::string copy = folder.File("usbinfo");
   if (!std::filesystem::exists(copy)) {
-    for (const std::filesystem::path file : {COMMAND_PATH, MODULE_PATH, STANDIN_PATH}) {
-      std::filesystem::copy_file(file, folder.Path() / file.filename());
-    }
+    std::filesystem::copy_file(MODULE_PATH, folder.File("usbinfo-plugin.so"));
+    std::filesystem::copy_file(STANDIN_PATH, folder.File(STANDIN_NAME));
+    std::filesystem::copy_file(COMMAND_PATH, copy);
   }
   return copy;
 }
