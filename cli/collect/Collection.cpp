@@ -15,6 +15,7 @@
 #include "cli/collect/DeviceListText.h"
 #include "cli/collect/Hardening.h"
 #include "cli/collect/ListLimits.h"
+#include "cli/collect/LossWatch.h"
 #include "cli/collect/MaskingSystem.h"
 #include "cli/collect/ModulePath.h"
 #include "cli/collect/SerialMask.h"
@@ -115,11 +116,14 @@ Inventory Serve(std::unique_ptr<OperatingSystem> system, const std::string& syst
   host.Reset();
   if (!systemName.empty()) host.SetSystemName(systemName);
   host.SetOperatingSystem(std::move(system));
-  host.CoreLogger().SetSink([&log](ILogger::EQSVLogSeverity severity, const std::string& text) {
+  LossWatch losses;
+  host.CoreLogger().SetSink([&log, &losses](ILogger::EQSVLogSeverity severity, const std::string& text) {
+    losses.Take(severity, text);
     log.Write(severity, text);
   });
   DrivePlugin(plugin, classNames);
   host.CoreLogger().SetSink(nullptr);
+  losses.CheckNothingLost();
   return Inventory(host);
 }
 

@@ -190,6 +190,11 @@ Command& Command::AsOrdinaryUser() {
   return *this;
 }
 
+Command& Command::Through(std::vector<std::string> runner) {
+  fRunner = std::move(runner);
+  return *this;
+}
+
 Command& Command::Set(const std::string& name, const std::string& value) {
   fEnvironment[name] = value;
   return *this;
@@ -239,11 +244,15 @@ Command& Command::ErrorsToTerminal(std::function<void(const std::string& text)> 
 }
 
 std::vector<std::string> Command::Words() const {
-  std::vector<std::string> words = {fProgram};
+  std::vector<std::string> words = fRunner;
+  std::string program = fProgram;
   if (fIsOrdinaryUser && ::geteuid() == 0) {
-    words = {"/usr/bin/setpriv", "--reuid=65534", "--regid=65534", "--clear-groups",
-             fProgram == COMMAND_PATH ? CommandForAll() : fProgram};
+    for (const char* word : {"/usr/bin/setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"}) {
+      words.emplace_back(word);
+    }
+    if (program == COMMAND_PATH) program = CommandForAll();
   }
+  words.push_back(program);
   words.insert(words.end(), fArguments.begin(), fArguments.end());
   return words;
 }

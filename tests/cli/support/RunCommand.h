@@ -24,6 +24,8 @@ class Command {
   Command& Program(const std::string& path);
   /// As a user without privileges where the tests run as root, from a copy that every user can reach.
   Command& AsOrdinaryUser();
+  /// By a program that runs another one: its words, which the command's own follow.
+  Command& Through(std::vector<std::string> runner);
   /// A variable of the environment. The rest is the test's own, with the locale C.UTF-8, a search path that
   /// leads to no command of this machine, no names of vendors and products and a terminal without colours.
   Command& Set(const std::string& name, const std::string& value);
@@ -53,6 +55,7 @@ class Command {
 
   std::string fProgram = COMMAND_PATH;
   bool fIsOrdinaryUser = false;
+  std::vector<std::string> fRunner;
   std::vector<std::string> fArguments;
   std::map<std::string, std::string> fEnvironment = {{"LC_ALL", "C.UTF-8"},
                                                      {"NO_COLOR", ""},
