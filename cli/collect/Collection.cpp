@@ -12,6 +12,7 @@
 #include <system_error>
 #include <utility>
 
+#include "cli/collect/AcquisitionWatch.h"
 #include "cli/collect/DeviceListText.h"
 #include "cli/collect/Hardening.h"
 #include "cli/collect/ListLimits.h"
@@ -47,8 +48,10 @@ SerialMask MaskOf(const Source& source) {
 }
 
 /// The machine. It may take its time; where standard error is a terminal, a notice says so.
-std::unique_ptr<OperatingSystem> WatchedMachine() {
-  auto machine = std::make_unique<standin::Machine>();
+std::unique_ptr<OperatingSystem> WatchedMachine(const std::shared_ptr<Acquisition>& acquisition,
+                                                bool noLimits) {
+  auto machine =
+      std::make_unique<AcquisitionWatch>(std::make_unique<standin::Machine>(), acquisition, noLimits);
   if (::isatty(STDERR_FILENO) == 0) return machine;
   return std::make_unique<WaitingNotice>(std::move(machine), std::chrono::seconds(1),
                                          [](const std::string& line) { sys::WriteAll(STDERR_FILENO, line); });
@@ -111,7 +114,8 @@ void DrivePlugin(const std::string& pluginPath, const std::vector<std::string>& 
 /// Has the plug-in serve the classes from `system`, on a fresh host, under the system's name; empty for this
 /// machine's.
 Inventory Serve(std::unique_ptr<OperatingSystem> system, const std::string& systemName,
-                const std::string& plugin, const std::vector<std::string>& classNames, LogWriter& log) {
+                const std::string& plugin, const std::vector<std::string>& classNames, LogWriter& log,
+                const std::shared_ptr<const Acquisition>& acquisition = nullptr) {
   Host& host = Host::Instance();
   host.Reset();
   if (!systemName.empty()) host.SetSystemName(systemName);
@@ -123,6 +127,7 @@ Inventory Serve(std::unique_ptr<OperatingSystem> system, const std::string& syst
   });
   DrivePlugin(plugin, classNames);
   host.CoreLogger().SetSink(nullptr);
+  if (acquisition) CheckAcquisition(*acquisition, MachineFacts::OfThisMachine());
   losses.CheckNothingLost();
   return Inventory(host);
 }
@@ -160,7 +165,9 @@ Inventory Collect(const Source& source, const std::vector<std::string>& classNam
     return CollectFrom(ReadInput(source.devices, "name a file that holds a device list with --devices"),
                        source, classNames, log);
   }
-  return Serve(Masked(WatchedMachine(), source), source.systemName, source.plugin, classNames, log);
+  const auto acquisition = std::make_shared<Acquisition>();
+  return Serve(Masked(WatchedMachine(acquisition, source.noLimits), source), source.systemName, source.plugin,
+               classNames, log, acquisition);
 }
 
 Inventory CollectFrom(std::string deviceList, const Source& source,
