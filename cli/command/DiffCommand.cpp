@@ -3,10 +3,10 @@
 
 #include <fmt/format.h>
 
-#include <sstream>
 #include <utility>
 
 #include "cli/collect/Collection.h"
+#include "cli/collect/DeviceListText.h"
 #include "cli/command/ExitStatus.h"
 #include "cli/diff/DiffJson.h"
 #include "cli/diff/DiffText.h"
@@ -23,17 +23,6 @@ namespace cli {
 
 namespace {
 
-/// Whether a line of `text` begins as those do that begin a device's entry. Without one it is not a list in
-/// which no device stands, but something else: taken for an empty machine, it would tell a wrong difference.
-bool LooksLikeDeviceList(const std::string& text) {
-  std::istringstream lines(text);
-  for (std::string line; std::getline(lines, line);) {
-    const std::size_t first = line.find_first_not_of(" \t");
-    if (first != std::string::npos && line.compare(first, 2, "T:") == 0) return true;
-  }
-  return false;
-}
-
 Inventory ReadInventory(const std::string& path, const std::string& plugin, LogWriter& log) {
   std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
   const std::string name = NameOfList(path);
@@ -43,6 +32,7 @@ Inventory ReadInventory(const std::string& path, const std::string& plugin, LogW
         "{} holds neither a JSON inventory nor a device list; save one with usbinfo --format json", name));
   }
   Source source;
+  source.devices = path;
   source.plugin = plugin;
   return CollectFrom(std::move(text), source, AllClasses(), log);
 }
