@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/collect/Collection.h"
 #include "cli/collect/LossWatch.h"
 #include "cli/format/OutputFormat.h"
