@@ -64,8 +64,9 @@ void ConfigureHost(const Source& source, std::optional<std::string> deviceList, 
   host.Reset();
   if (!source.systemName.empty()) host.SetSystemName(source.systemName);
   host.SetOperatingSystem(MaskedSystemOf(source, std::move(deviceList)));
-  host.CoreLogger().SetSink(
-      [&log](ILogger::EQSVLogSeverity severity, const std::string& text) { log.Write(severity, text); });
+  host.CoreLogger().SetSink([&log](ILogger::EQSVLogSeverity severity, const std::string& text) {
+    log.Write(static_cast<LogSeverity>(severity), text);
+  });
 }
 
 /// Drives the plug-in as a host does. An exception's type may live in the module, so it is told while the
