@@ -127,6 +127,7 @@ void ChildProcess::AwaitEnd(Clock::time_point deadline) {
   // Where this process ignores the end of its children, there is none to wait for any more.
   siginfo_t end;
   fGone = ::waitid(P_PID, static_cast<id_t>(fPid), &end, WEXITED | WNOHANG | WNOWAIT) != 0;
+  if (fGone) fGuard.Forget();
 }
 
 }  // namespace sys

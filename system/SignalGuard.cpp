@@ -1,16 +1,15 @@
 #include "system/SignalGuard.h"
 
 #include <fcntl.h>
-#include <signal.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <climits>
-#include <cstddef>
+#include <csignal>
 #include <cstring>
+#include <ctime>
 #include <mutex>
 
 #include "system/FileDescriptor.h"
@@ -27,8 +26,7 @@ std::array<char, NAME_MAX + 1> guardedName;
 std::atomic<pid_t> guardedGroup = 0;
 std::atomic<bool> isStarting = false;
 
-static_assert(std::atomic<int>::is_always_lock_free && std::atomic<pid_t>::is_always_lock_free &&
-              std::atomic<bool>::is_always_lock_free);
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
 
 /// Another thread is starting a command, with its own signals blocked, and will know its group in a moment.
 void AwaitStart() {
@@ -130,7 +128,7 @@ void EndBySignal(int signal) {
   sigemptyset(&set);
   sigaddset(&set, signal);
   ::pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
-  ::raise(signal);
+  static_cast<void>(::raise(signal));
   constexpr int kShellAddsToSignals = 128;
   ::_exit(kShellAddsToSignals + signal);
 }
