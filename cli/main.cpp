@@ -22,6 +22,7 @@
 #include "cli/text/Output.h"
 #include "cli/text/Text.h"
 #include "cli/text/UserError.h"
+#include "system/SignalGuard.h"
 
 namespace {
 
@@ -126,13 +127,15 @@ int main(int argc, char** argv) {
   OccupyStandardStreams();
   // The character set of the terminal; numbers keep the form that programs expect.
   static_cast<void>(std::setlocale(LC_CTYPE, ""));
-  // A closed pipe or a limit on the size of files shows in the write that fails, which is told like any
-  // failed output, and leaves no half of a file behind.
+  // A closed pipe or a limit on the size of files shows in the write that fails, so that nothing half-written
+  // is left behind.
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
   static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
   try {
     cli::ProtectSearchPath();
     return Run(argc, argv);
+  } catch (const cli::ClosedPipe&) {
+    sys::EndBySignal(SIGPIPE);
   } catch (const cli::UserError& error) {
     return Fail(error.what());
   } catch (const std::bad_alloc&) {

@@ -89,11 +89,13 @@ ChildProcess::ChildProcess(const std::string& command) {
   std::string line = command;
   const std::array<char*, 4> arguments = {shell.data(), option.data(), line.data(), nullptr};
   Check(posix_spawn(&fPid, "/bin/sh", settings.Actions(), settings.Attributes(), arguments.data(), environ));
+  fGuard.Watch(fPid);
 }
 
 ChildProcess::~ChildProcess() {
   if (fGone) return;
   ::kill(-fPid, SIGKILL);
+  fGuard.Forget();
   while (::waitpid(fPid, nullptr, 0) < 0 && errno == EINTR) {
   }
 }
@@ -125,6 +127,7 @@ void ChildProcess::AwaitEnd(Clock::time_point deadline) {
   // Where this process ignores the end of its children, there is none to wait for any more.
   siginfo_t end;
   fGone = ::waitid(P_PID, static_cast<id_t>(fPid), &end, WEXITED | WNOHANG | WNOWAIT) != 0;
+  if (fGone) fGuard.Forget();
 }
 
 }  // namespace sys

@@ -1,6 +1,6 @@
 // A shell command running in a process group of its own, its standard output caught in a pipe. Its owner
 // collects the output; the destructor kills what still runs of the group and reaps the child, so no process,
-// no zombie and no descriptor stays behind.
+// no zombie and no descriptor stays behind. A signal that ends this process kills the group, too.
 #pragma once
 
 #include <sys/types.h>
@@ -10,6 +10,7 @@
 #include <string>
 
 #include "system/FileDescriptor.h"
+#include "system/SignalGuard.h"
 
 namespace sys {
 
@@ -28,6 +29,7 @@ class ChildProcess {
  private:
   void AwaitEnd(std::chrono::steady_clock::time_point deadline);
 
+  ProcessGroupGuard fGuard;
   pid_t fPid = -1;
   FileDescriptor fOutput;
   /// The system has reaped the child by itself; its number may be another's by now.

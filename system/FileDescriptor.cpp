@@ -55,16 +55,22 @@ std::string ReadAll(int fd, std::size_t most) {
   }
 }
 
-void WriteAll(int fd, const std::string& text) {
+int TryWriteAll(int fd, const std::string& text) noexcept {
   std::size_t written = 0;
   while (written < text.size()) {
     const ssize_t put = ::write(fd, text.data() + written, text.size() - written);
     if (put >= 0) {
       written += static_cast<std::size_t>(put);
     } else if (errno != EINTR) {
-      ThrowSystemError(errno);
+      return errno;
     }
   }
+  return 0;
+}
+
+void WriteAll(int fd, const std::string& text) {
+  const int error = TryWriteAll(fd, text);
+  if (error != 0) ThrowSystemError(error);
 }
 
 }  // namespace sys

@@ -37,6 +37,9 @@ FileDescriptor OpenFile(const std::string& path, int flags);
 /// with EFBIG beyond `most` bytes.
 std::string ReadAll(int fd, std::size_t most = std::string::npos);
 
+/// Writes the whole of `text`; gives 0, or the error number of the write that failed.
+int TryWriteAll(int fd, const std::string& text) noexcept;
+
 /// Writes the whole of `text`. Throws std::system_error.
 void WriteAll(int fd, const std::string& text);
 

@@ -126,7 +126,7 @@ Inventory Serve(std::unique_ptr<OperatingSystem> system, const std::string& syst
   LossWatch losses;
   host.CoreLogger().SetSink([&log, &losses](ILogger::EQSVLogSeverity severity, const std::string& text) {
     losses.Take(severity, text);
-    log.Write(severity, text);
+    log.Write(static_cast<LogSeverity>(severity), text);
   });
   DrivePlugin(plugin, classNames);
   host.CoreLogger().SetSink(nullptr);

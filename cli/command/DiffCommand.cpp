@@ -17,7 +17,6 @@
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
 #include "cli/text/UserError.h"
-#include "host/ILogger.h"
 
 namespace cli {
 
@@ -39,7 +38,7 @@ Inventory ReadInventory(const std::string& path, const std::string& plugin, LogW
 
 std::string Render(const DiffOptions& options, const InventoryDifference& difference) {
   if (options.format == "json") return RenderDiffJson(difference);
-  return RenderDiffText(difference, UsesColor(ColorOf(options.color), options.output.empty()));
+  return RenderDiffText(difference, UsesColor(ColorOf(options.color), IsStandardOutput(options.output)));
 }
 
 }  // namespace
@@ -60,7 +59,9 @@ int RunDiff(const DiffOptions& options) {
   if (options.before == "-" && options.after == "-") {
     throw UserError("standard input holds one inventory; give a file for OLD or for NEW");
   }
-  LogWriter log("", NKESTA20::ILogger::kWarning, LogFormat::kText);
+  RequireDistinctFiles({"--output", options.output},
+                       {{"OLD", options.before}, {"NEW", options.after}, {"--plugin", options.plugin}});
+  LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
   const Inventory before = ReadInventory(options.before, options.plugin, log);
   const Inventory after = ReadInventory(options.after, options.plugin, log);
   const InventoryDifference difference = Compare(before, after);

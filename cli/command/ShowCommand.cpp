@@ -16,18 +16,15 @@
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
 #include "cli/text/Text.h"
-#include "host/ILogger.h"
-
-using NKESTA20::ILogger;
 
 namespace cli {
 
 namespace {
 
-ILogger::EQSVLogSeverity SeverityOf(const std::string& name) {
+LogSeverity SeverityOf(const std::string& name) {
   const auto& names = SeverityNames();
   const auto number = std::find(names.begin(), names.end(), name) - names.begin();
-  return static_cast<ILogger::EQSVLogSeverity>(number);
+  return static_cast<LogSeverity>(number);
 }
 
 /// The classes to ask for: those named, else all in the order in which they build on each other.
@@ -38,7 +35,7 @@ std::vector<std::string> RequestedClasses(const std::string& request) {
 std::string Render(const ShowOptions& options, const OutputFormat& format, const Inventory& inventory) {
   const std::optional<UsbIds> names = format.showsNames ? UsbIds::OfThisMachine() : std::nullopt;
   RenderOptions rendering;
-  rendering.isStandardOutput = options.output.empty();
+  rendering.isStandardOutput = IsStandardOutput(options.output);
   rendering.color = ColorOf(options.color);
   rendering.isVerbose = options.isVerbose;
   rendering.columns = SplitAtCommas(options.columns);
@@ -81,21 +78,21 @@ std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& in
                      options.columns);
 }
 
-/// The log is made anew before anything is read: named like an input, it would empty that. The list alone may
-/// be replaced by what comes of it, which is complete by then.
-void KeepFilesApart(const ShowOptions& options) {
+/// The log is made anew before anything is read: named like an input, it would empty that.
+void CheckFiles(const ShowOptions& options) {
   const Source& source = options.source;
+  const NamedFile devices = {"--devices", source.devices};
   const NamedFile key = {"--mask-key", source.maskKey};
   const NamedFile plugin = {"--plugin", source.plugin};
-  const NamedFile output = {"--output", options.output};
-  KeepApart({"--log", options.log}, {{"--devices", source.devices}, key, plugin, output});
-  KeepApart(output, {key, plugin});
+  const NamedFile output = {"--output", IsStandardOutput(options.output) ? "" : options.output};
+  RequireDistinctFiles({"--log", options.log}, {devices, key, plugin, output});
+  RequireDistinctFiles(output, {devices, key, plugin});
 }
 
 }  // namespace
 
 int RunShow(const ShowOptions& options) {
-  KeepFilesApart(options);
+  CheckFiles(options);
   LogWriter log(options.log, SeverityOf(options.logLevel),
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);

@@ -1,7 +1,5 @@
-// The core logger's lines; see the header.
 #include "cli/text/LogWriter.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
@@ -12,18 +10,18 @@
 #include "cli/text/JsonWriter.h"
 #include "cli/text/Text.h"
 #include "cli/text/UserError.h"
-
-using NKESTA20::ILogger;
+#include "system/OutputLocation.h"
 
 namespace cli {
 
 namespace {
 
-std::string FormatText(ILogger::EQSVLogSeverity severity, const std::string& text) {
-  return fmt::format("{}: {}\n", SeverityNames().at(severity), EscapeForTerminal(text));
+std::string FormatText(LogSeverity severity, const std::string& text) {
+  return fmt::format("{}: {}\n", SeverityNames().at(static_cast<std::size_t>(severity)),
+                     EscapeForTerminal(text));
 }
 
-std::string FormatJson(ILogger::EQSVLogSeverity severity, const std::string& text) {
+std::string FormatJson(LogSeverity severity, const std::string& text) {
   JsonWriter line(JsonWriter::Layout::kOneLine);
   line.BeginObject();
   line.Key("severity");
@@ -34,9 +32,8 @@ std::string FormatJson(ILogger::EQSVLogSeverity severity, const std::string& tex
   return line.Take() + "\n";
 }
 
-std::string Complaint(const std::string& path, int error) {
-  return fmt::format("cannot write the log {}: {}; name a writable file with --log", path,
-                     std::strerror(error));
+UserError LogError(const std::string& path, const std::string& reason) {
+  return UserError(fmt::format("cannot write the log {}: {}; name a writable file with --log", path, reason));
 }
 
 }  // namespace
@@ -46,17 +43,19 @@ const std::vector<std::string>& SeverityNames() {
   return names;
 }
 
-LogWriter::LogWriter(const std::string& path, ILogger::EQSVLogSeverity level, LogFormat format)
+LogWriter::LogWriter(const std::string& path, LogSeverity level, LogFormat format)
     : fPath(path), fLevel(level), fFormat(format) {
   if (path.empty()) return;
   try {
-    fFile = sys::OpenFile(path, O_WRONLY | O_CREAT | O_TRUNC);
+    fFile = sys::OutputLocation(path).Create();
+  } catch (const sys::UntrustedPath& error) {
+    throw LogError(path, error.what());
   } catch (const std::system_error& error) {
-    throw UserError(Complaint(path, error.code().value()));
+    throw LogError(path, error.code().message());
   }
 }
 
-void LogWriter::Write(ILogger::EQSVLogSeverity severity, const std::string& text) {
+void LogWriter::Write(LogSeverity severity, const std::string& text) {
   constexpr std::size_t kHeldBackAtMost = 65536;
   if (severity > fLevel) return;
   fHeldBack += fFormat == LogFormat::kText ? FormatText(severity, text) : FormatJson(severity, text);
@@ -65,18 +64,15 @@ void LogWriter::Write(ILogger::EQSVLogSeverity severity, const std::string& text
 }
 
 void LogWriter::Flush() noexcept {
-  try {
-    sys::WriteAll(fFile.IsOpen() ? fFile.Get() : STDERR_FILENO, fHeldBack);
-  } catch (const std::system_error& error) {
-    if (fError == 0) fError = error.code().value();
-  }
+  const int error = sys::TryWriteAll(fFile.IsOpen() ? fFile.Get() : STDERR_FILENO, fHeldBack);
+  if (fError == 0) fError = error;
   fHeldBack.clear();
 }
 
 void LogWriter::Finish() {
   Flush();
   if (fError == 0 || !fFile.IsOpen()) return;
-  throw UserError(Complaint(fPath, fError));
+  throw LogError(fPath, std::strerror(fError));
 }
 
 }  // namespace cli

@@ -5,28 +5,31 @@
 #include <string>
 #include <vector>
 
-#include "host/ILogger.h"
 #include "system/FileDescriptor.h"
 
 namespace cli {
 
-/// The host's severities by name, each at its number.
+/// How grave a line is; the numbers are those of the host's logger.
+enum class LogSeverity { kError = 0, kWarning = 1, kStatus = 2, kDebug = 3, kVerbose = 4 };
+
+/// The severities by name, each at its number.
 const std::vector<std::string>& SeverityNames();
 
 enum class LogFormat { kText, kJson };
 
 class LogWriter {
  public:
-  /// Writes lines of `level` and of graver severities to the file at `path`, which is made anew; to standard
-  /// error when `path` is empty. Throws UserError when the file cannot be written.
-  LogWriter(const std::string& path, NKESTA20::ILogger::EQSVLogSeverity level, LogFormat format);
+  /// Writes lines of `level` and of graver severities to the file at `path`, which is made anew unless it is
+  /// open already; to standard error when `path` is empty. Throws UserError when the file cannot be written,
+  /// or when another user may have put it or a link to it there.
+  LogWriter(const std::string& path, LogSeverity level, LogFormat format);
   LogWriter(const LogWriter&) = delete;
   LogWriter& operator=(const LogWriter&) = delete;
   /// Writes what is still held back, so that the log of a run that fails is whole.
   ~LogWriter() { Flush(); }
 
-  /// Never throws for a failed write: Finish tells.
-  void Write(NKESTA20::ILogger::EQSVLogSeverity severity, const std::string& text);
+  /// Never throws for a failed write: Finish reports it.
+  void Write(LogSeverity severity, const std::string& text);
   /// Writes what is still held back; throws UserError if any line of a file was lost.
   void Finish();
 
@@ -34,7 +37,7 @@ class LogWriter {
   void Flush() noexcept;
 
   std::string fPath;
-  NKESTA20::ILogger::EQSVLogSeverity fLevel;
+  LogSeverity fLevel;
   LogFormat fFormat;
   sys::FileDescriptor fFile;
   std::string fHeldBack;

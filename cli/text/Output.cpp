@@ -1,20 +1,21 @@
-// Whole output; see the header.
 #include "cli/text/Output.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <cstring>
 #include <filesystem>
+#include <stdexcept>
 #include <system_error>
 
 #include "cli/text/UserError.h"
 #include "system/FileDescriptor.h"
+#include "system/OutputLocation.h"
+#include "system/TemporaryFile.h"
 
-using sys::FileDescriptor;
+using sys::OutputLocation;
 
 namespace cli {
 
@@ -24,128 +25,99 @@ void Check(int result) {
   if (result != 0) sys::ThrowSystemError(errno);
 }
 
-/// The kernel's links to what is open, such as /proc/self/fd/1 behind /dev/stdout: these are written to, not
-/// replaced.
-bool IsOpenAlready(const std::filesystem::path& path) {
-  return path.string().rfind("/proc/", 0) == 0;
+/// The rights that the user's mask leaves to a new file.
+mode_t ModeOfNewFile() {
+  constexpr mode_t kForAll = 0666;
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return kForAll & ~mask;
 }
 
-/// The file that `path` leads to through links, whether or not it is there yet.
-std::string FollowLinks(const std::string& path) {
-  namespace fs = std::filesystem;
-  constexpr int kMaxLinks = 40;  // as the kernel counts before it gives up
-  fs::path target = path;
-  for (int links = 0; links < kMaxLinks && fs::is_symlink(target) && !IsOpenAlready(target); ++links) {
-    target = target.parent_path() / fs::read_symlink(target);
+/// Where a new file would get another owner than the old one, gives it the old one's, which is root's right,
+/// or the old group alone. Gives the rights for the new file.
+mode_t TakeOverOwner(const std::string& path, int file, const struct stat& old) {
+  constexpr mode_t kRights = S_IRWXU | S_IRWXG | S_IRWXO;
+  struct stat status {};
+  Check(::fstat(file, &status));
+  const bool isRoot = ::geteuid() == 0;
+  const uid_t owner = isRoot ? old.st_uid : status.st_uid;
+  const mode_t mode = old.st_mode & kRights;
+  if (status.st_uid == owner && status.st_gid == old.st_gid) return mode;
+  if (::fchown(file, owner, old.st_gid) == 0) return mode;
+  if (isRoot) {
+    throw UserError(fmt::format(
+        "cannot write {}: cannot keep the owner of the old file: {}; name a new file with --output", path,
+        std::strerror(errno)));
   }
-  if (fs::is_symlink(target) && !IsOpenAlready(target)) sys::ThrowSystemError(ELOOP);
-  return target;
+  // The rights of the old group are not for the new one.
+  return mode & ~static_cast<mode_t>(S_IRWXG);
 }
 
-/// A new file beside the one to be written, removed unless it takes that one's place.
-class NewFile {
- public:
-  explicit NewFile(const std::string& target) : fTarget(target) {
-    // Numbers of processes come again, so what a run left that was killed must not stop another one.
-    constexpr int kMostTries = 100;
-    for (int number = 0; !TryToMake(number); ++number) {
-      if (number == kMostTries) sys::ThrowSystemError(EEXIST);
-    }
-  }
-  NewFile(const NewFile&) = delete;
-  NewFile& operator=(const NewFile&) = delete;
-  ~NewFile() {
-    if (!fInPlace) ::unlink(fPath.c_str());
-  }
+void Replace(const std::string& path, const OutputLocation& location, const std::string& text) {
+  sys::TemporaryFile file(location.Folder());
+  sys::WriteAll(file.Get(), text);
+  const auto& old = location.Existing();
+  Check(::fchmod(file.Get(), old ? TakeOverOwner(path, file.Get(), *old) : ModeOfNewFile()));
+  Check(::fsync(file.Get()));
+  file.Rename(location.Name());
+}
 
-  void Write(const std::string& text) {
-    sys::WriteAll(fFile.Get(), text);
-    Check(::fsync(fFile.Get()));
-  }
+UserError WriteError(const std::string& what, const std::string& reason, const std::string& advice) {
+  return UserError(fmt::format("cannot write {}: {}; {}", what, reason, advice));
+}
 
-  void TakePlace() {
-    struct stat old;
-    if (::stat(fTarget.c_str(), &old) == 0) Check(::fchmod(fFile.Get(), old.st_mode & 07777));
-    Check(std::rename(fPath.c_str(), fTarget.c_str()));
-    fInPlace = true;
-  }
-
- private:
-  /// False when the file of that number is there already, whoever made it.
-  bool TryToMake(int number) {
-    const std::filesystem::path folder = std::filesystem::path(fTarget).parent_path();
-    fPath = folder / fmt::format(".usbinfo-{}-{}.new", ::getpid(), number);
-    try {
-      fFile = sys::OpenFile(fPath, O_WRONLY | O_CREAT | O_EXCL);
-      return true;
-    } catch (const std::system_error& error) {
-      if (error.code().value() != EEXIST) throw;
-      return false;
-    }
-  }
-
-  std::string fTarget;
-  std::string fPath;
-  FileDescriptor fFile;
-  bool fInPlace = false;
-};
-
-bool AreOne(const std::string& left, const std::string& right) {
+bool AreOneFile(const std::string& left, const std::string& right) {
   namespace fs = std::filesystem;
   std::error_code error;
   if (fs::exists(left, error)) return fs::equivalent(left, right, error);
-  return fs::weakly_canonical(fs::absolute(left), error) == fs::weakly_canonical(fs::absolute(right), error);
-}
-
-void WriteInPlace(const std::string& path, const std::string& text) {
-  sys::WriteAll(sys::OpenFile(path, O_WRONLY | O_APPEND).Get(), text);
-}
-
-void Replace(const std::string& path, const std::string& text) {
-  const std::string target = FollowLinks(path);
-  struct stat status;
-  const bool isThere = ::stat(target.c_str(), &status) == 0;
-  if (isThere && (!S_ISREG(status.st_mode) || IsOpenAlready(target))) return WriteInPlace(target, text);
-  NewFile file(target);
-  file.Write(text);
-  file.TakePlace();
+  try {
+    return OutputLocation(left).IsSameAs(OutputLocation(right));
+  } catch (const std::runtime_error&) {
+    // Where one of them leads nowhere, it cannot be written, or read, either.
+    return false;
+  }
 }
 
 }  // namespace
 
-void KeepApart(const NamedFile& written, const std::vector<NamedFile>& others) {
+void RequireDistinctFiles(const NamedFile& written, const std::vector<NamedFile>& others) {
   namespace fs = std::filesystem;
   std::error_code error;
   const fs::file_status status = fs::status(written.path, error);
-  if (written.path.empty() || (fs::exists(status) && !fs::is_regular_file(status))) return;
+  if (IsStandardOutput(written.path) || (fs::exists(status) && !fs::is_regular_file(status))) return;
   for (const NamedFile& other : others) {
     const std::string path = other.path == "-" ? "/dev/stdin" : other.path;
-    if (path.empty() || !AreOne(written.path, path)) continue;
+    if (path.empty() || !AreOneFile(written.path, path)) continue;
     throw UserError(fmt::format("{} and {} name one file, {}; name another one for {}", written.option,
                                 other.option, written.path, written.option));
   }
 }
 
+bool IsStandardOutput(const std::string& path) {
+  return path.empty() || path == "-";
+}
+
 void WriteStandardOutput(const std::string& text) {
-  try {
-    sys::WriteAll(STDOUT_FILENO, text);
-  } catch (const std::system_error& error) {
-    throw UserError(fmt::format("cannot write standard output: {}; is the disk full, or the reader gone?",
-                                error.code().message()));
-  }
+  const int error = sys::TryWriteAll(STDOUT_FILENO, text);
+  if (error == EPIPE) throw ClosedPipe();
+  if (error != 0) throw WriteError("standard output", std::strerror(error), "is the disk full?");
 }
 
 void WriteFile(const std::string& path, const std::string& text) {
   try {
-    Replace(path, text);
+    const OutputLocation location(path);
+    if (location.IsReplaceable()) return Replace(path, location, text);
+    sys::WriteAll(location.Open().Get(), text);
+  } catch (const sys::UntrustedPath& error) {
+    throw WriteError(path, error.what(), "name a file in a folder of your own with --output");
   } catch (const std::system_error& error) {
-    throw UserError(
-        fmt::format("cannot write {}: {}; name a writable file with --output", path, error.code().message()));
+    if (error.code().value() == EPIPE) throw ClosedPipe();
+    throw WriteError(path, error.code().message(), "name a writable file with --output");
   }
 }
 
 void WriteOutput(const std::string& path, const std::string& text) {
-  if (path.empty()) {
+  if (IsStandardOutput(path)) {
     WriteStandardOutput(text);
   } else {
     WriteFile(path, text);

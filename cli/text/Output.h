@@ -1,10 +1,18 @@
 // Where the data go: whole or not at all.
 #pragma once
 
+#include <exception>
 #include <string>
 #include <vector>
 
 namespace cli {
+
+/// The reader of the output has closed its pipe. Once everything is cleaned up, the process is to end by
+/// SIGPIPE, with nothing on standard error.
+class ClosedPipe : public std::exception {
+ public:
+  const char* what() const noexcept override { return "the output's pipe is closed"; }
+};
 
 /// A file as the command line names it; empty when it does not.
 struct NamedFile {
@@ -14,20 +22,25 @@ struct NamedFile {
   std::string path;
 };
 
-/// Throws UserError when `written` is a file that one of `others` names as well: either would be lost.
-/// Devices, terminals and pipes take both.
-void KeepApart(const NamedFile& written, const std::vector<NamedFile>& others);
+/// Throws UserError when `written` is a file that one of `others` names as well, by whatever spelling or
+/// link: either would be lost. Devices, terminals and pipes take both.
+void RequireDistinctFiles(const NamedFile& written, const std::vector<NamedFile>& others);
 
-/// Writes `text` to standard output; throws UserError when it cannot be written.
+/// Whether `path`, as --output has it, means standard output: empty or "-".
+bool IsStandardOutput(const std::string& path);
+
+/// Writes `text` to standard output. Throws UserError when it cannot be written, ClosedPipe when nobody reads
+/// it.
 void WriteStandardOutput(const std::string& text);
 
-/// Makes `text` the content of the file at `path`, by way of a file beside it, so that the old content stays
-/// until the new one is complete. What is no regular file (a device, a pipe), or is open already
-/// (/dev/stdout), is written to directly. Throws UserError, and leaves nothing behind, when it cannot be
-/// written.
+/// Makes `text` the content of the file at `path`, by way of a temporary file beside it, so that the old
+/// content stays until the new one is complete. The new file has the old one's rights and, as far as the user
+/// may give them, its owner and group. What is no regular file (a device, a pipe), or is open already
+/// (/dev/stdout), is written to directly. Throws UserError, and leaves nothing behind, when the file cannot
+/// be written or when another user may have redirected the path; ClosedPipe as WriteStandardOutput does.
 void WriteFile(const std::string& path, const std::string& text);
 
-/// To the file at `path`, or to standard output when `path` is empty.
+/// To the file at `path`, or to standard output as IsStandardOutput says.
 void WriteOutput(const std::string& path, const std::string& text);
 
 }  // namespace cli

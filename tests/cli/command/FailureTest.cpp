@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <ostream>
@@ -169,14 +170,30 @@ TEST(FailedOutput, IsToldForAFullDevice) {
   }
 }
 
-TEST(FailedOutput, IsToldForAPipeThatNobodyReads) {
+TEST(ClosedPipe, EndsTheCommandAsItEndsOthersAndQuietly) {
+  const TemporaryFolder folder;
+  std::vector<std::vector<std::string>> runs = {{"--help"}, {"--version"}, {"schema"}};
   for (const char* format : {"tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html"}) {
-    const CommandResult result = RunInto([](Command& command) { command.OutputToClosedPipe(); },
-                                         {"--devices", Capture(), "--format", format});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot write standard output: Broken pipe"));
-    EXPECT_EQ(Lines(result.errors).size(), 1U) << result.errors;
+    runs.push_back({"--devices", Capture(), "--format", format});
   }
+  for (const char* output : {"-", "/dev/stdout", "/dev/fd/1"}) {
+    runs.push_back({"--devices", Capture(), "--output", output, "--log", folder.File("log")});
+  }
+  for (const std::vector<std::string>& arguments : runs) {
+    const CommandResult result = RunInto([](Command& command) { command.OutputToClosedPipe(); }, arguments);
+    EXPECT_EQ(result.status, -SIGPIPE);
+    EXPECT_EQ(result.errors, "");
+  }
+}
+
+TEST(ClosedPipe, LeavesAWholeLog) {
+  const TemporaryFolder folder;
+  const std::vector<std::string> arguments = {"--devices",        Capture(),     "--log",
+                                              folder.File("log"), "--log-level", "verbose"};
+  RunInto([](Command& command) { command.OutputToClosedPipe(); }, arguments);
+  const std::string log = ReadFile(folder.File("log"));
+  RunUsbinfo(arguments);
+  EXPECT_EQ(log, ReadFile(folder.File("log")));
 }
 
 TEST(FailedOutput, IsToldForAClosedStandardOutput) {

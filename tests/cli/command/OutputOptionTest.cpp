@@ -71,22 +71,21 @@ TEST(OutputOption, LeavesTheOldFileWhenThePlugInCannotBeUsed) {
   EXPECT_THAT(folder.Names(), ElementsAre("out"));
 }
 
-TEST(OutputOption, MayNameTheDeviceListItself) {
-  const TemporaryFolder folder;
-  const std::string path = folder.File("list", ReadFile(CapturePath("vm-desktop-debugfs")));
-  const CommandResult result =
-      RunUsbinfo({"--devices", path, "--system-name", "testhost", "--format", "json", "--output", path});
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(ReadFile(path), Expected("vm-desktop-debugfs.json"));
+TEST(OutputOption, MeansStandardOutputByADash) {
+  std::vector<std::string> arguments = Arguments("tree", "-");
+  EXPECT_EQ(RunUsbinfo(arguments).output, RunUsbinfo(Arguments("tree")).output);
+  arguments.insert(arguments.end(), {"--color", "auto"});
+  const auto toTerminal = [](const std::vector<std::string>& words) {
+    return Command(words).Set("TERM", "xterm").OutputToTerminal(40).Run().output;
+  };
+  EXPECT_EQ(toTerminal(arguments), toTerminal(Arguments("tree")));
 }
 
-TEST(OutputOption, ReplacesNeitherKeyNorPlugIn) {
-  for (const char* option : {"--mask-key", "--plugin"}) {
+TEST(OutputOption, ReplacesNeitherListNorKeyNorPlugIn) {
+  for (const char* option : {"--devices", "--mask-key", "--plugin"}) {
     const TemporaryFolder folder;
     const std::string path = folder.File("file", "old");
-    std::vector<std::string> arguments = Arguments("json", path);
-    arguments.insert(arguments.end(), {"--mask-serials", option, path});
-    const CommandResult result = RunUsbinfo(arguments);
+    const CommandResult result = RunUsbinfo({"--output", path, "--mask-serials", option, path});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.errors, std::string("usbinfo: --output and ").append(option).append(" name one file, ") +
                                  path + "; name another one for --output\n");

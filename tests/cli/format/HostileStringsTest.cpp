@@ -200,8 +200,8 @@ TEST(HostileStrings, StayOnTheirLineInTheJsonLog) {
 /// The lines that the log has after each hostile string was written to it.
 std::vector<std::string> LogOfHostileStrings(cli::LogFormat format) {
   const TemporaryFolder folder;
-  cli::LogWriter log(folder.File("log"), NKESTA20::ILogger::kStatus, format);
-  for (const HostileString& hostile : HostileStrings()) log.Write(NKESTA20::ILogger::kStatus, hostile.bytes);
+  cli::LogWriter log(folder.File("log"), cli::LogSeverity::kStatus, format);
+  for (const HostileString& hostile : HostileStrings()) log.Write(cli::LogSeverity::kStatus, hostile.bytes);
   log.Finish();
   return Lines(ReadFile(folder.File("log")));
 }

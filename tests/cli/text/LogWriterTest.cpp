@@ -2,26 +2,30 @@
 // is told.
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "cli/text/LogWriter.h"
 #include "system/FileDescriptor.h"
 #include "tests/cli/support/CliTest.h"
+#include "tests/support/Allocations.h"
 
 using cli::LogFormat;
+using cli::LogSeverity;
 using cli::LogWriter;
-using NKESTA20::ILogger;
 using testing::ElementsAre;
 using namespace std::string_literals;
 
 namespace usbinfo_test {
 namespace {
 
-ILogger::EQSVLogSeverity Severity(int number) {
-  return static_cast<ILogger::EQSVLogSeverity>(number);
+LogSeverity Severity(int number) {
+  return static_cast<LogSeverity>(number);
 }
 
 /// What a log of `level` holds after one line of every severity.
@@ -103,6 +107,44 @@ TEST(LogWriter, RefusesAFileThatCannotBeOpened) {
   const std::string path = folder.File("missing/log");
   EXPECT_THAT(UserErrorOf([&path] { const LogWriter log(path, Severity(4), LogFormat::kText); }),
               testing::StartsWith("cannot write the log " + path + ": No such file or directory"));
+}
+
+TEST(LogWriter, LetsNobodyRedirectItInAFolderForEveryone) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can give files to other users";
+  constexpr uid_t kOtherUser = 1001;
+  const TemporaryFolder folder;
+  const std::string victim = folder.File("victim", "old");
+  folder.File("shared/log", "old");
+  ASSERT_EQ(::chmod(folder.File("shared").c_str(), 01777), 0);
+  ASSERT_EQ(::symlink("../victim", folder.File("shared/link").c_str()), 0);
+  for (const std::string name : {"link", "log"}) {
+    const std::string path = folder.File("shared/" + name);
+    ASSERT_EQ(::lchown(path.c_str(), kOtherUser, kOtherUser), 0);
+    EXPECT_EQ(
+        UserErrorOf([&path] { const LogWriter log(path, Severity(4), LogFormat::kText); }),
+        "cannot write the log " + path + ": the " + (name == "link" ? "symbolic link" : "file") + " \"" +
+            name +
+            "\" belongs to another user and is in a folder where everyone may create files; name a writable "
+            "file with --log");
+    EXPECT_EQ(ReadFile(path), "old");
+  }
+}
+
+TEST(LogWriter, AddsToAFileThatIsOpenAlready) {
+  const TemporaryFolder folder;
+  const sys::FileDescriptor file = sys::OpenFile(folder.File("log"), O_WRONLY | O_CREAT);
+  sys::WriteAll(file.Get(), "first\n");
+  LogWriter log("/proc/self/fd/" + std::to_string(file.Get()), Severity(4), LogFormat::kText);
+  log.Write(Severity(0), "second");
+  log.Finish();
+  EXPECT_EQ(ReadFile(folder.File("log")), "first\nerror: second\n");
+}
+
+TEST(LogWriter, NeedsNoMemoryToLoseALineQuietly) {
+  std::optional<LogWriter> log(std::in_place, "/dev/full", Severity(4), LogFormat::kText);
+  log->Write(Severity(0), "lost");
+  const Allocations::Failure outOfMemory(0, [] {});
+  log.reset();
 }
 
 TEST(LogWriter, TellsOfLostLinesAtTheEndOnly) {

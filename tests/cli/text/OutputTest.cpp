@@ -1,15 +1,21 @@
 // Files that are written whole or not at all: what is there before, during and after, and what is left behind
 // when it goes wrong.
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <filesystem>
 
 #include "cli/text/Output.h"
 #include "system/FileDescriptor.h"
 #include "tests/cli/support/CliTest.h"
+#include "tests/support/ForkedChild.h"
+#include "tests/support/SystemCalls.h"
 
 using cli::WriteFile;
 using sys::FileDescriptor;
@@ -27,13 +33,44 @@ mode_t ModeOf(const std::string& path) {
   return status.st_mode & 07777;
 }
 
+constexpr uid_t kOtherUser = 1001;
+
 std::string ErrorOfWriting(const std::string& path, const std::string& text = "new") {
   return UserErrorOf([&] { WriteFile(path, text); });
 }
 
-/// What this process calls the file that it writes before it takes its place.
-std::string OwnName(int number) {
-  return ".usbinfo-" + std::to_string(::getpid()) + "-" + std::to_string(number) + ".new";
+/// A folder for a test that only root can make, where everyone may create files.
+class SharedFolder {
+ public:
+  SharedFolder() : fPath(fFolder.File("shared")) {
+    fs::create_directory(fPath);
+    EXPECT_EQ(::chmod(fPath.c_str(), 01777), 0);
+  }
+  /// What is at `name` becomes another user's.
+  std::string Give(const std::string& name) const {
+    EXPECT_EQ(::lchown(File(name).c_str(), kOtherUser, kOtherUser), 0);
+    return File(name);
+  }
+  std::string File(const std::string& name) const { return fPath + "/" + name; }
+  const TemporaryFolder& Around() const { return fFolder; }
+
+ private:
+  TemporaryFolder fFolder;
+  std::string fPath;
+};
+
+bool IsRoot() {
+  return ::geteuid() == 0;
+}
+
+/// The calls that make a new file from an old one of another user, in order.
+const std::vector<std::string> kCalls = {"openat", "write", "fchown", "fchmod", "fsync", "renameat"};
+
+/// Each call that WriteFile makes over an old file of `owner` at `path`; `onCall` may fail it.
+void WriteOver(const std::string& path, uid_t owner, const SystemCallHook::OnCall& onCall) {
+  ASSERT_EQ(::chown(path.c_str(), owner, owner), 0);
+  const SystemCallHook hook(onCall);
+  WriteFile(path, "new");
 }
 
 TEST(WriteFile, MakesANewFileThatOthersMayReadAsTheUserAllows) {
@@ -73,11 +110,147 @@ TEST(WriteFile, LeavesTheOldTextToThoseWhoAreReadingIt) {
 TEST(WriteFile, KeepsTheModeOfTheFileThatItReplaces) {
   const TemporaryFolder folder;
   const std::string path = folder.File("out", "old");
-  for (const mode_t mode : {0600U, 0444U, 0755U, 0666U, 02640U}) {
+  for (const mode_t mode : {0600U, 0444U, 0755U, 0666U, 0000U}) {
     ASSERT_EQ(::chmod(path.c_str(), mode), 0);
     WriteFile(path, "new");
     EXPECT_EQ(ModeOf(path), mode);
   }
+}
+
+TEST(WriteFile, KeepsNeitherSetUserNorSetGroupNorSticky) {
+  const TemporaryFolder folder;
+  const std::string path = folder.File("out", "old");
+  ASSERT_EQ(::chmod(path.c_str(), 07751), 0);
+  WriteFile(path, "new");
+  EXPECT_EQ(ModeOf(path), 0751U);
+}
+
+TEST(WriteFile, ShowsTheNewContentToItsOwnerAloneUntilItIsWhole) {
+  const TemporaryFolder folder;
+  const std::string path = folder.File("out", "old");
+  ASSERT_EQ(::chmod(path.c_str(), 0644), 0);
+  std::vector<std::string> seen;
+  {
+    const SystemCallHook hook([&](const SystemCall& call) {
+      for (const std::string& name : folder.Names()) {
+        if (name != "out") seen.push_back(call.name + " " + fmt::format("{:o}", ModeOf(folder.File(name))));
+      }
+      return 0;
+    });
+    WriteFile(path, "new");
+  }
+  EXPECT_THAT(seen, ElementsAre("write 600", "fchmod 600", "fsync 644", "renameat 644"));
+}
+
+TEST(WriteFile, LeavesAFileOfAnotherUserToItsOwnerWhereRootReplacesIt) {
+  if (!IsRoot()) GTEST_SKIP() << "only root can give files to other users";
+  const TemporaryFolder folder;
+  const std::string path = folder.File("out", "old");
+  ASSERT_EQ(::chmod(path.c_str(), 0640), 0);
+  WriteOver(path, kOtherUser, [](const SystemCall&) { return 0; });
+  struct stat status {};
+  ASSERT_EQ(::stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, kOtherUser);
+  EXPECT_EQ(status.st_gid, kOtherUser);
+  EXPECT_EQ(status.st_mode & 07777, 0640U);
+  EXPECT_EQ(ReadFile(path), "new");
+}
+
+TEST(WriteFile, LeavesTheOldFileWhereRootCannotKeepItsOwner) {
+  if (!IsRoot()) GTEST_SKIP() << "only root can give files to other users";
+  const TemporaryFolder folder;
+  const std::string path = folder.File("out", "old");
+  EXPECT_EQ(
+      UserErrorOf([&] {
+        WriteOver(path, kOtherUser, [](const SystemCall& call) { return call.name == "fchown" ? EPERM : 0; });
+      }),
+      "cannot write " + path +
+          ": cannot keep the owner of the old file: Operation not permitted; name a new file with --output");
+  EXPECT_EQ(ReadFile(path), "old");
+  EXPECT_THAT(folder.Names(), ElementsAre("out"));
+}
+
+TEST(WriteFile, GivesTheRightsOfAGroupToNoOtherGroup) {
+  if (!IsRoot()) GTEST_SKIP() << "only root can give files to other users";
+  const TemporaryFolder folder;
+  fs::permissions(folder.Path(), fs::perms::all);
+  const std::string path = folder.File("out", "old");
+  ASSERT_EQ(::chown(path.c_str(), kOtherUser, kOtherUser), 0);
+  ASSERT_EQ(::chmod(path.c_str(), 0664), 0);
+  {
+    const NoPrivileges none;
+    WriteFile(path, "new");
+  }
+  EXPECT_EQ(ModeOf(path), 0604U);
+  EXPECT_EQ(ReadFile(path), "new");
+}
+
+TEST(WriteFile, LeavesTheOldFileAndNothingElseWhicheverCallFails) {
+  if (!IsRoot()) GTEST_SKIP() << "only root can give files to other users";
+  for (const std::string& failing : kCalls) {
+    const TemporaryFolder folder;
+    const std::string path = folder.File("out", "old");
+    std::vector<std::string> calls;
+    const std::string error = UserErrorOf([&] {
+      WriteOver(path, kOtherUser, [&](const SystemCall& call) {
+        calls.push_back(call.name);
+        return call.name == failing ? EIO : 0;
+      });
+    });
+    EXPECT_THAT(error,
+                testing::MatchesRegex("cannot write .*: Input/output error; name a .* file with --output"))
+        << failing;
+    EXPECT_EQ(calls,
+              std::vector<std::string>(kCalls.begin(), std::find(kCalls.begin(), kCalls.end(), failing) + 1));
+    EXPECT_EQ(ReadFile(path), "old") << failing;
+    EXPECT_THAT(folder.Names(), ElementsAre("out")) << failing;
+  }
+}
+
+TEST(WriteFile, LeavesTheOldFileAndNothingElseWheneverASignalEndsIt) {
+  if (!IsRoot()) GTEST_SKIP() << "only root can give files to other users";
+  for (const std::string& interrupted : kCalls) {
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+      const TemporaryFolder folder;
+      const std::string path = folder.File("out", "old");
+      const pid_t child = StartChild([&] {
+        WriteOver(path, kOtherUser,
+                  [&](const SystemCall& call) { return call.name == interrupted ? ::raise(signal) : 0; });
+        return 0;
+      });
+      EXPECT_EQ(EndOfChild(child), -signal) << interrupted;
+      EXPECT_EQ(ReadFile(path), "old") << interrupted;
+      EXPECT_THAT(folder.Names(), ElementsAre("out")) << interrupted;
+    }
+  }
+}
+
+TEST(WriteFile, LetsNobodyRedirectItInAFolderForEveryone) {
+  if (!IsRoot()) GTEST_SKIP() << "only root can give files to other users";
+  const SharedFolder shared;
+  const std::string victim = shared.Around().File("victim", "old");
+  const std::string refusal =
+      " belongs to another user and is in a folder where everyone may create files; name a file in a folder "
+      "of your "
+      "own with --output";
+  fs::create_symlink(victim, shared.File("link"));
+  EXPECT_EQ(ErrorOfWriting(shared.Give("link")),
+            "cannot write " + shared.File("link") + ": the symbolic link \"link\"" + refusal);
+  ASSERT_EQ(::mkfifo(shared.File("fifo").c_str(), 0666), 0);
+  EXPECT_EQ(ErrorOfWriting(shared.Give("fifo")),
+            "cannot write " + shared.File("fifo") + ": the FIFO \"fifo\"" + refusal);
+  fs::create_symlink("/proc/self/root" + victim, shared.File("proc"));
+  EXPECT_EQ(ErrorOfWriting(shared.Give("proc")),
+            "cannot write " + shared.File("proc") + ": the symbolic link \"proc\"" + refusal);
+  EXPECT_EQ(ReadFile(victim), "old");
+}
+
+TEST(WriteFile, ReplacesInAFolderForEveryoneWhatIsOurs) {
+  const SharedFolder shared;
+  const std::string target = shared.Around().File("target", "old");
+  fs::create_symlink(target, shared.File("link"));
+  WriteFile(shared.File("link"), "new");
+  EXPECT_EQ(ReadFile(target), "new");
 }
 
 TEST(WriteFile, FollowsLinksToTheFileThatTheyMean) {
@@ -123,32 +296,22 @@ TEST(WriteFile, AppendsToWhatIsOpenAlready) {
   EXPECT_THAT(folder.Names(), ElementsAre("log"));
 }
 
-TEST(WriteFile, AppendsToWhatAnotherProcessCallsOpen) {
+TEST(WriteFile, WritesWhereTheDescriptorThatIsOpenStands) {
   const TemporaryFolder folder;
-  const sys::FileDescriptor log(
-      ::open(folder.File("log", "first\n").c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+  const sys::FileDescriptor log = sys::OpenFile(folder.File("log"), O_WRONLY | O_CREAT);
+  sys::WriteAll(log.Get(), "first\n");
   WriteFile("/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(log.Get()), "second\n");
-  EXPECT_EQ(ReadFile(folder.File("log")), "first\nsecond\n");
+  sys::WriteAll(log.Get(), "third\n");
+  EXPECT_EQ(ReadFile(folder.File("log")), "first\nsecond\nthird\n");
   EXPECT_THAT(folder.Names(), ElementsAre("log"));
 }
 
-TEST(WriteFile, WritesIntoNoFileThatIsThereInPlaceOfItsOwn) {
+TEST(WriteFile, ReplacesAFileThatALinkReachesThroughProc) {
   const TemporaryFolder folder;
-  const std::string victim = folder.File("victim", "old");
-  fs::create_symlink("victim", folder.File(OwnName(0)));
-  WriteFile(folder.File("out"), "new");
-  EXPECT_EQ(ReadFile(victim), "old");
-  EXPECT_EQ(ReadFile(folder.File("out")), "new");
-  EXPECT_THAT(folder.Names(), ElementsAre(OwnName(0), "out", "victim"));
-}
-
-TEST(WriteFile, FailsWhereFilesInPlaceOfItsOwnFillTheFolder) {
-  const TemporaryFolder folder;
-  for (int number = 0; number <= 100; ++number) folder.File(OwnName(number), "left");
-  EXPECT_EQ(ErrorOfWriting(folder.File("out")),
-            "cannot write " + folder.File("out") + ": File exists; name a writable file with --output");
-  EXPECT_EQ(folder.Names().size(), 101U);
-  EXPECT_EQ(ReadFile(folder.File(OwnName(100))), "left");
+  const std::string target = folder.File("target", "old");
+  fs::create_symlink("/proc/self/root" + target, folder.File("link"));
+  WriteFile(folder.File("link"), "new");
+  EXPECT_EQ(ReadFile(target), "new");
 }
 
 TEST(WriteFile, MakesAFileOfTheLongestName) {
@@ -233,6 +396,20 @@ TEST(WriteFile, WritesToADeviceWithoutReplacingIt) {
   EXPECT_TRUE(fs::is_character_file("/dev/full"));
 }
 
+TEST(WriteFile, SaysThatNobodyReadsANamedPipeAnyMore) {
+  const TemporaryFolder folder;
+  const std::string path = folder.File("pipe");
+  ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+  FileDescriptor reader(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  const SystemCallHook hook([&](const SystemCall&) {
+    reader.Close();
+    return 0;
+  });
+  const auto before = std::signal(SIGPIPE, SIG_IGN);
+  EXPECT_THROW(WriteFile(path, "text"), cli::ClosedPipe);
+  std::signal(SIGPIPE, before);
+}
+
 TEST(WriteFile, WritesIntoANamedPipe) {
   const TemporaryFolder folder;
   const std::string path = folder.File("pipe");
@@ -241,6 +418,28 @@ TEST(WriteFile, WritesIntoANamedPipe) {
   WriteFile(path, "text");
   EXPECT_EQ(sys::ReadAll(reader.Get()), "text");
   EXPECT_TRUE(fs::is_fifo(path));
+}
+
+TEST(RequireDistinctFiles, FindsAFileUnderAnyOtherName) {
+  const TemporaryFolder folder;
+  const std::string path = folder.File("file", "text");
+  fs::create_directory(folder.File("sub"));
+  fs::create_hard_link(path, folder.File("sub/hard"));
+  fs::create_symlink("../file", folder.File("sub/soft"));
+  fs::create_symlink("missing", folder.File("dangling"));
+  const auto errorOf = [&](const std::string& written, const std::string& other) {
+    return UserErrorOf([&] { cli::RequireDistinctFiles({"--output", written}, {{"--devices", other}}); });
+  };
+  for (const std::string other : {"file", "sub/../file", "sub//hard", "sub/soft"}) {
+    EXPECT_EQ(errorOf(path, folder.File(other)),
+              "--output and --devices name one file, " + path + "; name another one for --output");
+  }
+  EXPECT_NE(errorOf(folder.File("dangling"), folder.File("sub/../missing")), "");
+  EXPECT_EQ(errorOf(path, folder.File("missing")), "");
+  EXPECT_EQ(errorOf(folder.File("new"), path), "");
+  EXPECT_EQ(errorOf("-", path), "");
+  EXPECT_EQ(errorOf("", ""), "");
+  EXPECT_EQ(errorOf("/dev/null", "/dev/null"), "");
 }
 
 }  // namespace
