@@ -7,7 +7,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <system_error>
 
 #include "host/ICIMProperty.h"
 #include "host/TQSVException.h"
@@ -26,15 +25,6 @@ std::string StatusOf(const std::function<void()>& operation) {
     return error.what();
   }
   return "nothing thrown";
-}
-
-int ErrorOf(const std::function<void()>& operation) {
-  try {
-    operation();
-  } catch (const std::system_error& error) {
-    return error.code().value();
-  }
-  return 0;
 }
 
 boost::shared_ptr<ICIMInstance> MakeEntity(const std::string& className, const std::string& deviceId) {
