@@ -1,7 +1,9 @@
 // A plug-in module loaded into the process, and the plug-in that registered with the host while it loaded.
-// Owns the loading: the destructor has what registered delete itself and unloads the module.
+// Owns both: the destructor lets the plug-in delete itself, then unloads the module.
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -24,20 +26,31 @@ class PluginModule {
   explicit PluginModule(const std::string& path);
   PluginModule(const PluginModule&) = delete;
   PluginModule& operator=(const PluginModule&) = delete;
+  /// What the plug-in throws when it is told to go is logged as a warning; the module is unloaded all the
+  /// same.
   ~PluginModule();
 
   NKESTA20::IPluginCallbacks& Lifecycle() { return *fLifecycle; }
   NKESTA20::IPluginBasicQueryCallbacks& Queries() { return *fQueries; }
 
-  /// A whole round as a host drives it: Init, one request for the classes named, in order, then DeInit.
-  /// Names that the schema lacks are asked for all the same.
+  /// A whole round as a host drives it: Init, one request for the classes named, in order, then DeInit, which
+  /// also follows a request that throws. Names that the schema lacks are asked for all the same.
   void Collect(const std::vector<std::string>& classNames);
 
  private:
-  void Load(const std::string& path);
-  void Unload();
+  struct Close {
+    void operator()(void* handle) const;
+  };
 
-  void* fHandle = nullptr;
+  void Load();
+  /// Takes over the plug-ins that came after the first `before`.
+  void TakeOver(std::size_t before);
+  /// Forgets a plug-in and lets it delete itself.
+  void Dismiss(NKESTA20::IPluginCallbacks* plugin) noexcept;
+  void DeInitAfterFailure() noexcept;
+
+  std::string fPath;
+  std::unique_ptr<void, Close> fHandle;
   /// What registered while the module was loaded; the first that answers queries is driven.
   std::vector<NKESTA20::IPluginCallbacks*> fPlugins;
   NKESTA20::IPluginCallbacks* fLifecycle = nullptr;
