@@ -1,4 +1,3 @@
-// The real operating-system services; see the header.
 #include "standin/Machine.h"
 
 #include <fcntl.h>

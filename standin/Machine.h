@@ -3,11 +3,12 @@
 
 #include <string>
 
+#include "standin/Export.h"
 #include "standin/OperatingSystem.h"
 
 namespace standin {
 
-class Machine : public OperatingSystem {
+class USBINFO_STANDIN_EXPORT Machine : public OperatingSystem {
  public:
   /// Also false for a file behind a directory that may not be searched.
   bool FileExists(const std::string& path) override;

@@ -10,11 +10,12 @@
 
 #include "host/IPluginBasicQueryCallbacks.h"
 #include "host/IPluginCallbacks.h"
+#include "standin/Export.h"
 
 namespace standin {
 
 /// Why a module cannot be used; what() is one line for the user.
-class PluginError : public std::runtime_error {
+class USBINFO_STANDIN_EXPORT PluginError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
@@ -23,19 +24,19 @@ class PluginModule {
  public:
   /// Loads the module at `path`; throws PluginError when it cannot be loaded or registers no plug-in that
   /// answers queries, and what the module's own initialization throws.
-  explicit PluginModule(const std::string& path);
+  USBINFO_STANDIN_EXPORT explicit PluginModule(const std::string& path);
   PluginModule(const PluginModule&) = delete;
   PluginModule& operator=(const PluginModule&) = delete;
   /// What the plug-in throws when it is told to go is logged as a warning; the module is unloaded all the
   /// same.
-  ~PluginModule();
+  USBINFO_STANDIN_EXPORT ~PluginModule();
 
   NKESTA20::IPluginCallbacks& Lifecycle() { return *fLifecycle; }
   NKESTA20::IPluginBasicQueryCallbacks& Queries() { return *fQueries; }
 
   /// A whole round as a host drives it: Init, one request for the classes named, in order, then DeInit, which
   /// also follows a request that throws. Names that the schema lacks are asked for all the same.
-  void Collect(const std::vector<std::string>& classNames);
+  USBINFO_STANDIN_EXPORT void Collect(const std::vector<std::string>& classNames);
 
  private:
   struct Close {

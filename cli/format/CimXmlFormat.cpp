@@ -98,7 +98,7 @@ void WriteInstance(XmlWriter& xml, const std::string& className, const InstanceV
     WriteInstanceName(xml, instance.Path());
     xml.Element("INSTANCE", [&] {
       xml.Attribute("CLASSNAME", className);
-      for (const auto& [name, property] : instance.Properties()) WriteProperty(xml, name, property->Value());
+      for (const auto& [name, value] : instance.Properties()) WriteProperty(xml, name, value);
     });
   });
 }

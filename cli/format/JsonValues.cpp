@@ -27,7 +27,7 @@ ordered_json ToJson(const NKESTA20::TCIMValue& value) {
 
 ordered_json PropertiesAsJson(const InstanceView& instance) {
   ordered_json properties = ordered_json::object();
-  for (const auto& [name, property] : instance.Properties()) properties[name] = ToJson(property->Value());
+  for (const auto& [name, value] : instance.Properties()) properties[name] = ToJson(value);
   return properties;
 }
 

@@ -74,8 +74,8 @@ std::string ValueText(const TCIMValue& value) {
 
 std::string InstanceText(const std::string& className, const InstanceView& instance) {
   std::string text = fmt::format("\ninstance of {} {{\n", className);
-  for (const auto& [name, property] : instance.Properties()) {
-    text += fmt::format("  {} = {};\n", name, ValueText(property->Value()));
+  for (const auto& [name, value] : instance.Properties()) {
+    text += fmt::format("  {} = {};\n", name, ValueText(value));
   }
   return text + "};\n";
 }

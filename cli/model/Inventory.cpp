@@ -12,8 +12,7 @@ const std::string& InstanceView::PathText() const {
 }
 
 const NKESTA20::TCIMValue* InstanceView::Find(const std::string& name) const {
-  const auto found = Properties().find(name);
-  return found == Properties().end() ? nullptr : &found->second->Value();
+  return fInstance->Find(name);
 }
 
 std::string InstanceView::Text(const std::string& name) const {

@@ -24,8 +24,8 @@ class InstanceView {
   /// The object path, as a reference and as text.
   const NKESTA20::TCIMReference& Path() const { return fInstance->Path(); }
   const std::string& PathText() const;
-  /// Name to property, ascending by name.
-  const standin::Instance::Properties& Properties() const { return fInstance->AllProperties(); }
+  /// Names and values, ascending by name.
+  std::vector<standin::NamedValue> Properties() const { return fInstance->Properties(); }
 
   /// The value of that name; null when the instance lacks it.
   const NKESTA20::TCIMValue* Find(const std::string& name) const;

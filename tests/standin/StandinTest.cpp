@@ -49,7 +49,7 @@ boost::shared_ptr<standin::CimClass> ClassOf(const std::string& className) {
 std::vector<std::string> DeviceIds(const std::string& className) {
   std::vector<std::string> ids;
   for (const auto& instance : ClassOf(className)->Instances()) {
-    ids.push_back(standin::TextOf(instance->AllProperties().at("DeviceID")->Value()));
+    ids.push_back(standin::TextOf(*instance->Find("DeviceID")));
   }
   return ids;
 }
