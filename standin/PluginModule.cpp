@@ -28,10 +28,10 @@ void PluginModule::Close::operator()(void* handle) const {
   ::dlclose(handle);
 }
 
-PluginModule::PluginModule(const std::string& path) : fPath(path) {
+PluginModule::PluginModule(const std::string& path) {
   const std::size_t before = Host::Instance().Plugins().size();
   try {
-    Load();
+    Load(path);
   } catch (...) {
     // What registered may have been destroyed by the exception, so it is forgotten without a last call.
     while (Host::Instance().Plugins().size() > before) {
@@ -40,6 +40,7 @@ PluginModule::PluginModule(const std::string& path) : fPath(path) {
     throw;
   }
   try {
+    fPath = path;
     TakeOver(before);
   } catch (...) {
     while (Host::Instance().Plugins().size() > before) Dismiss(Host::Instance().Plugins().back());
@@ -51,11 +52,11 @@ PluginModule::~PluginModule() {
   for (IPluginCallbacks* const plugin : fPlugins) Dismiss(plugin);
 }
 
-void PluginModule::Load() {
+void PluginModule::Load(const std::string& path) {
   // The system promises that dlopen never throws, but what a module's initialization throws comes through it.
   // A pointer that the compiler cannot look through keeps the way open.
   void* (*volatile const open)(const char*, int) = ::dlopen;
-  fHandle.reset(open(fPath.c_str(), RTLD_NOW | RTLD_LOCAL));
+  fHandle.reset(open(path.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (fHandle == nullptr) throw PluginError(::dlerror());
 }
 

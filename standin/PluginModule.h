@@ -43,7 +43,7 @@ class PluginModule {
     void operator()(void* handle) const;
   };
 
-  void Load();
+  void Load(const std::string& path);
   /// Takes over the plug-ins that came after the first `before`.
   void TakeOver(std::size_t before);
   /// Forgets a plug-in and lets it delete itself.

@@ -119,9 +119,12 @@ std::string ChildProcess::Collect(std::chrono::milliseconds limit, std::size_t m
     AwaitReadable(fOutput.Get(), deadline);
     const ssize_t got = ::read(fOutput.Get(), chunk.data(), chunk.size());
     if (got == 0) break;
-    if (got < 0 && errno != EINTR) ThrowSystemError(errno);
-    if (got > 0) text.append(chunk.data(), static_cast<std::size_t>(got));
-    if (text.size() > maxBytes) ThrowSystemError(EFBIG);
+    if (got > 0) {
+      if (static_cast<std::size_t>(got) > maxBytes - text.size()) ThrowSystemError(EFBIG);
+      text.append(chunk.data(), static_cast<std::size_t>(got));
+    } else if (errno != EINTR) {
+      ThrowSystemError(errno);
+    }
   }
   AwaitEnd(deadline);
   return text;
