@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/collect/Hardening.h"
 #include "cli/command/DiffCommand.h"
 #include "cli/command/ExitStatus.h"
 #include "cli/command/SchemaCommand.h"
@@ -130,6 +131,7 @@ int main(int argc, char** argv) {
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
   static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
   try {
+    cli::ProtectSearchPath();
     return Run(argc, argv);
   } catch (const cli::UserError& error) {
     return Fail(error.what());

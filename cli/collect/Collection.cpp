@@ -1,22 +1,31 @@
-// Drives the plug-in through the stand-in host; see the header.
 #include "cli/collect/Collection.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <new>
 #include <optional>
 #include <system_error>
 #include <utility>
 
+#include "cli/collect/AcquisitionWatch.h"
+#include "cli/collect/DeviceListText.h"
+#include "cli/collect/Hardening.h"
+#include "cli/collect/ListLimits.h"
+#include "cli/collect/LossWatch.h"
+#include "cli/collect/InventoryMask.h"
 #include "cli/collect/MaskingSystem.h"
 #include "cli/collect/ModulePath.h"
 #include "cli/collect/SerialMask.h"
+#include "cli/collect/SystemName.h"
 #include "cli/collect/WaitingNotice.h"
+#include "cli/collect/Warning.h"
+#include "cli/model/FromHost.h"
+#include "cli/model/FromJson.h"
 #include "cli/text/UserError.h"
 #include "host/ILogger.h"
 #include "schema/ClassSchema.h"
@@ -35,44 +44,58 @@ namespace cli {
 namespace {
 
 SerialMask MaskOf(const Source& source) {
+  // The key and the serial numbers are in memory from here on.
+  ForbidCoreDumps();
   if (source.maskKey.empty()) return SerialMask::OfThisRun();
   return SerialMask::OfKeyFile(source.maskKey);
 }
 
-/// The machine, which may take its time; a terminal is told.
-std::unique_ptr<OperatingSystem> MachineForUser() {
-  auto machine = std::make_unique<standin::Machine>();
+/// The machine. It may take its time; where standard error is a terminal, a notice says so.
+std::unique_ptr<OperatingSystem> WatchedMachine(const std::shared_ptr<Acquisition>& acquisition,
+                                                bool noLimits) {
+  auto machine =
+      std::make_unique<AcquisitionWatch>(std::make_unique<standin::Machine>(), acquisition, noLimits);
   if (::isatty(STDERR_FILENO) == 0) return machine;
   return std::make_unique<WaitingNotice>(std::move(machine), std::chrono::seconds(1),
                                          [](const std::string& line) { sys::WriteAll(STDERR_FILENO, line); });
 }
 
-std::unique_ptr<OperatingSystem> SystemOf(std::optional<std::string> deviceList) {
-  if (!deviceList) return MachineForUser();
-  return std::make_unique<standin::GivenDeviceList>(*std::move(deviceList));
+std::unique_ptr<OperatingSystem> Masked(std::unique_ptr<OperatingSystem> system, const Source& source) {
+  if (!source.maskSerials) return system;
+  return std::make_unique<MaskingSystem>(std::move(system), MaskOf(source));
 }
 
-std::unique_ptr<OperatingSystem> MaskedSystemOf(const Source& source, std::optional<std::string> deviceList) {
-  if (!source.maskSerials) return SystemOf(std::move(deviceList));
-  SerialMask mask = MaskOf(source);
-  return std::make_unique<MaskingSystem>(SystemOf(std::move(deviceList)), std::move(mask));
+/// Throws UserError for a text that is no device list, or one beyond the limits.
+void CheckDeviceList(const std::string& text, const Source& source) {
+  const std::string name = NameOfList(source.devices);
+  if (!IsBlank(text) && !LooksLikeDeviceList(text)) {
+    throw UserError(
+        fmt::format("{} holds no device list: no line begins with \"T:\"; expected is what "
+                    "/sys/kernel/debug/usb/devices or usb-devices prints",
+                    name));
+  }
+  if (!source.noLimits) CheckListLimits(text, name);
 }
 
-/// A fresh host; with `deviceList`, for that rather than for the machine's.
-void ConfigureHost(const Source& source, std::optional<std::string> deviceList, LogWriter& log) {
-  Host& host = Host::Instance();
-  host.Reset();
-  if (!source.systemName.empty()) host.SetSystemName(source.systemName);
-  host.SetOperatingSystem(MaskedSystemOf(source, std::move(deviceList)));
-  host.CoreLogger().SetSink(
-      [&log](ILogger::EQSVLogSeverity severity, const std::string& text) { log.Write(severity, text); });
+/// The system name for a list; empty for this machine's.
+std::string SystemNameOf(const Source& source, bool isEmpty) {
+  if (!source.systemName.empty()) return source.systemName;
+  const std::optional<std::string> name = SystemNameOfList(source.devices);
+  if (name) return *name;
+  constexpr const char* kUnknown = "unknown";
+  if (!isEmpty) {
+    Warn(fmt::format(
+        "nothing says which system the list from {} is of, so its name is \"{}\"; give its name with "
+        "--system-name NAME",
+        NameOfList(source.devices), kUnknown));
+  }
+  return kUnknown;
 }
 
-/// Drives the plug-in as a host does. An exception's type may live in the module, so it is told while the
-/// module is still loaded.
+/// Drives the plug-in as a host does. An exception's type may live in the module, so its message is read
+/// while the module is still loaded.
 void DrivePlugin(const std::string& pluginPath, const std::vector<std::string>& classNames) {
-  namespace fs = std::filesystem;
-  const std::string path = pluginPath.empty() ? FindPluginModule() : fs::absolute(pluginPath).string();
+  const std::string path = PluginModulePath(pluginPath);
   try {
     standin::PluginModule module(path);
     try {
@@ -91,6 +114,32 @@ void DrivePlugin(const std::string& pluginPath, const std::vector<std::string>& 
   }
 }
 
+/// Has the plug-in serve the classes from `system`, on a fresh host, under the system's name; empty for this
+/// machine's.
+Inventory Serve(std::unique_ptr<OperatingSystem> system, const std::string& systemName,
+                const std::string& plugin, const std::vector<std::string>& classNames, LogWriter& log,
+                const std::shared_ptr<const Acquisition>& acquisition = nullptr) {
+  Host& host = Host::Instance();
+  host.Reset();
+  if (!systemName.empty()) host.SetSystemName(systemName);
+  host.SetOperatingSystem(std::move(system));
+  LossWatch losses;
+  host.CoreLogger().SetSink([&log, &losses](ILogger::EQSVLogSeverity severity, const std::string& text) {
+    losses.Take(severity, text);
+    log.Write(severity, text);
+  });
+  DrivePlugin(plugin, classNames);
+  host.CoreLogger().SetSink(nullptr);
+  if (acquisition) CheckAcquisition(*acquisition, MachineFacts::OfThisMachine());
+  losses.CheckNothingLost();
+  return FromHost(host, classNames);
+}
+
+Inventory ReadSaved(const std::string& text, const Source& source) {
+  Inventory inventory = FromJson(text, NameOfList(source.devices));
+  return source.maskSerials ? MaskSerials(inventory, MaskOf(source)) : inventory;
+}
+
 }  // namespace
 
 std::string NameOfList(const std::string& path) {
@@ -98,10 +147,14 @@ std::string NameOfList(const std::string& path) {
 }
 
 std::string ReadInput(const std::string& path, const std::string& advice) {
+  constexpr std::size_t kMostBytes = std::size_t{64} << 20;
   try {
-    if (path == "-") return sys::ReadAll(STDIN_FILENO);
-    return sys::ReadAll(sys::OpenFile(path, O_RDONLY).Get());
+    if (path == "-") return sys::ReadAll(STDIN_FILENO, kMostBytes);
+    return sys::ReadAll(sys::OpenFile(path, O_RDONLY).Get(), kMostBytes);
   } catch (const std::system_error& error) {
+    if (error.code().value() == EFBIG) {
+      throw UserError(fmt::format("cannot read {}: it has more than 64 MiB; {}", NameOfList(path), advice));
+    }
     throw UserError(fmt::format("cannot read {}: {}; {}", NameOfList(path), error.code().message(), advice));
   }
 }
@@ -117,19 +170,21 @@ Inventory Collect(const Source& source, const std::vector<std::string>& classNam
     throw UserError("--devices and --mask-key cannot both be standard input; name a file for one of them");
   }
   if (!source.devices.empty()) {
-    return CollectFrom(ReadInput(source.devices, "name a file that holds a device list with --devices"),
-                       source, classNames, log);
+    std::string text = ReadInput(source.devices, "name a file that holds a device list with --devices");
+    if (LooksLikeJson(text)) return ReadSaved(text, source);
+    return CollectFrom(std::move(text), source, classNames, log);
   }
-  ConfigureHost(source, std::nullopt, log);
-  DrivePlugin(source.plugin, classNames);
-  return Inventory(Host::Instance());
+  const auto acquisition = std::make_shared<Acquisition>();
+  return Serve(Masked(WatchedMachine(acquisition, source.noLimits), source), source.systemName, source.plugin,
+               classNames, log, acquisition);
 }
 
 Inventory CollectFrom(std::string deviceList, const Source& source,
                       const std::vector<std::string>& classNames, LogWriter& log) {
-  ConfigureHost(source, std::move(deviceList), log);
-  DrivePlugin(source.plugin, classNames);
-  return Inventory(Host::Instance());
+  CheckDeviceList(deviceList, source);
+  const std::string systemName = SystemNameOf(source, IsBlank(deviceList));
+  auto given = std::make_unique<standin::GivenDeviceList>(std::move(deviceList));
+  return Serve(Masked(std::move(given), source), systemName, source.plugin, classNames, log);
 }
 
 }  // namespace cli

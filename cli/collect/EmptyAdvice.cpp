@@ -1,4 +1,3 @@
-// Advice for an empty machine; see the header.
 #include "cli/collect/EmptyAdvice.h"
 
 #include <unistd.h>
@@ -35,23 +34,29 @@ bool IsInPath(const std::string& command) {
 }  // namespace
 
 MachineFacts MachineFacts::OfThisMachine() {
-  return {::access("/sys/bus/usb", F_OK) == 0, LookAtDebugfs(), IsInPath("usb-devices")};
+  std::error_code error;
+  return {::access("/sys/bus/usb", F_OK) == 0, LookAtDebugfs(), IsInPath("usb-devices"),
+          std::filesystem::is_empty("/sys/bus/usb/devices", error) && !error};
 }
 
 std::string AdviseOnEmptyMachine(const MachineFacts& facts) {
-  const std::string none = "no USB device found: ";
+  return "no USB device found: " + ReasonForNoList(facts);
+}
+
+std::string ReasonForNoList(const MachineFacts& facts) {
+  const std::string list = kDebugfsList;
   if (!facts.hasUsb) {
-    return none + "this machine has no USB (/sys/bus/usb is missing); show a saved list with --devices FILE";
+    return "this machine has no USB (/sys/bus/usb is missing); show a saved list with --devices FILE";
   }
   if (facts.debugfsList == MachineFacts::DebugfsList::kReadable) {
-    return none + kDebugfsList + " names none; is a host controller's driver loaded?";
+    return list + " names none; is a host controller's driver loaded?";
   }
-  if (facts.hasListCommand) return none + "usb-devices prints none; is a host controller's driver loaded?";
+  if (facts.hasListCommand) return "usb-devices prints none; is a host controller's driver loaded?";
   if (facts.debugfsList == MachineFacts::DebugfsList::kForbidden) {
-    return none + "no permission to read " + kDebugfsList +
+    return "no permission to read " + list +
            ", and usb-devices is not installed; run as root, or install the package usbutils";
   }
-  return none + kDebugfsList + " is missing, and usb-devices is not installed; mount debugfs with " +
+  return list + " is missing, and usb-devices is not installed; mount debugfs with " +
          "\"mount -t debugfs none /sys/kernel/debug\", or install the package usbutils";
 }
 

@@ -10,11 +10,16 @@ struct MachineFacts {
   bool hasUsb = false;
   enum class DebugfsList { kReadable, kForbidden, kMissing } debugfsList = DebugfsList::kMissing;
   bool hasListCommand = false;
+  /// The kernel has USB and knows of no device, not even of a root hub.
+  bool hasNoDevices = false;
 
   static MachineFacts OfThisMachine();
 };
 
 /// One line for the user.
 std::string AdviseOnEmptyMachine(const MachineFacts& facts);
+
+/// Its second half: why no list names a device, and what to do.
+std::string ReasonForNoList(const MachineFacts& facts);
 
 }  // namespace cli

@@ -1,8 +1,10 @@
-// Masking texts; see the header.
 #include "cli/collect/MaskingSystem.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
+
+#include "cli/collect/RootHubStrings.h"
 
 namespace cli {
 
@@ -15,27 +17,40 @@ std::string ToLower(std::string text) {
   return text;
 }
 
-/// `value` without the blanks at its end.
-std::string WithoutTrailingBlanks(const std::string& value) {
-  return value.substr(0, value.find_last_not_of(" \t\r") + 1);
+/// The serial number on a line, with where it begins; empty where there is none.
+struct SerialField {
+  std::size_t begin = 0;
+  std::string_view value;
+};
+
+SerialField FindSerial(std::string_view line) {
+  const std::string_view key = "serialnumber=";
+  const std::size_t at = ToLower(std::string(line)).find(key);
+  if (at == std::string::npos) return {};
+  const std::size_t begin = at + key.size();
+  const std::string_view value = line.substr(begin);
+  return {begin, value.substr(0, value.find_last_not_of(" \t\r") + 1)};
 }
 
 }  // namespace
 
 std::string MaskSerials(const std::string& text, const SerialMask& mask) {
-  const std::string key = "serialnumber=";
-  const std::string lower = ToLower(text);
+  RootHubStrings rootHubs;
   std::string masked;
-  std::size_t done = 0;
-  for (std::size_t at = 0; (at = lower.find(key, done)) != std::string::npos;) {
-    const std::size_t value = at + key.size();
-    const std::size_t end = std::min(text.find('\n', value), text.size());
-    const std::string serial = WithoutTrailingBlanks(text.substr(value, end - value));
-    masked += text.substr(done, value - done);
-    masked += serial.empty() ? text.substr(value, end - value) : mask.Mask(serial);
-    done = end;
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find('\n', start), text.size());
+    const std::string_view line = std::string_view(text).substr(start, end - start);
+    const bool isRootHubs = rootHubs.Take(line);
+    const SerialField serial = FindSerial(line);
+    if (isRootHubs || serial.value.empty()) {
+      masked += line;
+    } else {
+      masked.append(line.substr(0, serial.begin)).append(mask.Mask(serial.value));
+    }
+    if (end < text.size()) masked += '\n';
+    start = end + 1;
   }
-  return masked + text.substr(done);
+  return masked;
 }
 
 MaskingSystem::MaskingSystem(std::unique_ptr<standin::OperatingSystem> behind, SerialMask mask)

@@ -12,7 +12,7 @@ namespace cli {
 
 /// `text` with the mask in place of what follows the first "SerialNumber=" of a line, whatever the case of
 /// its letters, up to the line's end. Blanks and carriage returns at that end do not count and go; a line
-/// that has nothing else there stays as it is.
+/// that has nothing else there stays as it is. So do the strings of root hubs, see RootHubStrings.
 std::string MaskSerials(const std::string& text, const SerialMask& mask);
 
 class MaskingSystem : public ForwardingSystem {

@@ -1,20 +1,50 @@
-// Finding the module; see the header. USBINFO_MODULE_DIR is the installed folder relative to the command's.
 #include "cli/collect/ModulePath.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
 
+#include "cli/collect/Hardening.h"
 #include "cli/text/UserError.h"
 
 namespace cli {
 
-std::string FindPluginModule() {
-  namespace fs = std::filesystem;
-  const char* const name = "usbinfo-plugin.so";
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The folder of the program. Never a relative one: the current folder is the caller's choice.
+fs::path FolderOfProgram(const std::string& program) {
   std::error_code error;
-  const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
+  const fs::path folder = fs::read_symlink(program, error).parent_path();
+  if (folder.is_absolute()) return folder;
+  throw UserError(
+      fmt::format("cannot find the plug-in: {}: {}; mount /proc, or name the module with --plugin FILE",
+                  program, error ? error.message() : "no absolute path"));
+}
+
+}  // namespace
+
+std::string PluginModulePath(const std::string& named) {
+  if (named.empty()) return FindPluginModule();
+  if (HasRightsOfItsFile()) {
+    throw UserError(
+        "--plugin is refused to a program with set-user-ID, set-group-ID or capabilities; leave it out");
+  }
+  std::error_code error;
+  const fs::path path = fs::absolute(named, error);
+  if (!error) return path;
+  throw UserError(
+      fmt::format("cannot find the plug-in {}: the current folder: {}; name an absolute path with --plugin",
+                  named, error.message()));
+}
+
+std::string FindPluginModule(const std::string& program) {
+  const char* const name = "usbinfo-plugin.so";
+  const fs::path folder = FolderOfProgram(program);
+  // The installed folder relative to the command's.
   const fs::path installed = (folder / USBINFO_MODULE_DIR / name).lexically_normal();
+  std::error_code error;
   for (const fs::path& candidate : {folder / name, installed}) {
     if (fs::exists(candidate, error)) return candidate;
   }

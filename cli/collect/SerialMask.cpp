@@ -1,17 +1,16 @@
-// Keys and hashes; see the header.
 #include "cli/collect/SerialMask.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <openssl/evp.h>
-#include <openssl/hmac.h>
-#include <openssl/rand.h>
+#include <sodium.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <system_error>
-#include <utility>
 
+#include "cli/collect/Warning.h"
 #include "cli/text/UserError.h"
 #include "system/FileDescriptor.h"
 
@@ -19,54 +18,107 @@ namespace cli {
 
 namespace {
 
-std::string ReadKey(const std::string& path) {
-  // A device that never ends must not be read for ever.
-  constexpr std::size_t kMostBytes = std::size_t{1} << 20;
-  if (path == "-") return sys::ReadAll(STDIN_FILENO, kMostBytes);
-  return sys::ReadAll(sys::OpenFile(path, O_RDONLY).Get(), kMostBytes);
+constexpr const char* kAdvice = "make one with \"head -c 32 /dev/urandom > key\" and name it with --mask-key";
+
+/// As much of `fd` as there is room for in `buffer`, up to its end: the number of bytes. Unlike
+/// sys::ReadAll, it leaves no copies in memory.
+std::size_t ReadInto(Secret& buffer, int fd) {
+  std::size_t filled = 0;
+  while (filled < buffer.Size()) {
+    const ssize_t got = ::read(fd, buffer.Data() + filled, buffer.Size() - filled);
+    if (got == 0) break;
+    if (got > 0) {
+      filled += static_cast<std::size_t>(got);
+    } else if (errno != EINTR) {
+      sys::ThrowSystemError(errno);
+    }
+  }
+  return filled;
 }
 
-std::string RandomKey() {
-  std::array<unsigned char, 32> bytes{};
-  if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) {
-    throw UserError("cannot draw a random key to mask with; name one with --mask-key FILE");
+void WarnOfSharedFile(int fd, const std::string& path) {
+  struct stat status;
+  if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) return;
+  if ((status.st_mode & (S_IRWXG | S_IRWXO)) == 0) return;
+  Warn(fmt::format("other users can read or write the key in {}; run \"chmod 600\" on it", path));
+}
+
+std::size_t ReadKey(Secret& buffer, const std::string& path) {
+  if (path == "-") return ReadInto(buffer, STDIN_FILENO);
+  const sys::FileDescriptor file = sys::OpenFile(path, O_RDONLY);
+  WarnOfSharedFile(file.Get(), path);
+  return ReadInto(buffer, file.Get());
+}
+
+Secret Stretch(std::string_view key) {
+  constexpr unsigned long long kPasses = 2;
+  constexpr std::size_t kMemory = std::size_t{64} << 20;
+  constexpr std::array<unsigned char, crypto_pwhash_SALTBYTES> kSalt = {
+      'u', 's', 'b', 'i', 'n', 'f', 'o', '/', 'm', 'a', 's', 'k', 's', '/', 'v', '1'};
+  Secret stretched(crypto_auth_hmacsha256_KEYBYTES);
+  if (::crypto_pwhash(stretched.Data(), stretched.Size(), key.data(), key.size(), kSalt.data(), kPasses,
+                      kMemory, crypto_pwhash_ALG_ARGON2ID13) != 0) {
+    throw UserError(
+        "cannot prepare the key to mask with: that takes 64 MiB of memory; allow for more memory");
   }
-  return {bytes.begin(), bytes.end()};
+  return stretched;
+}
+
+void CheckLength(std::size_t length, const std::string& name) {
+  if (length < SerialMask::kShortestKey) {
+    throw UserError(fmt::format("the key in {} has {} bytes, and it takes {} to be safe; {}", name, length,
+                                SerialMask::kShortestKey, kAdvice));
+  }
+  if (length > SerialMask::kLongestKey) {
+    throw UserError(fmt::format("the key in {} has more than 1 MiB; {}", name, kAdvice));
+  }
+}
+
+Secret RandomKey() {
+  Secret key(crypto_auth_hmacsha256_KEYBYTES);
+  ::randombytes_buf(key.Data(), key.Size());
+  return key;
 }
 
 }  // namespace
 
-SerialMask::SerialMask(std::string key) : fKey(std::move(key)) {
-  // What fails later fails while the plug-in runs, which would take it for a machine without a list.
-  Mask(std::string());
+SerialMask SerialMask::OfKey(std::string_view key) {
+  return {Stretch(key), false};
 }
 
 SerialMask SerialMask::OfKeyFile(const std::string& path) {
   const std::string name = path == "-" ? "standard input" : path;
-  const char* const advice = "name a file that holds a key with --mask-key";
+  Secret buffer(kLongestKey + 1);
+  std::size_t length = 0;
   try {
-    std::string key = ReadKey(path);
-    if (key.empty()) throw UserError(fmt::format("the key in {} is empty; {}", name, advice));
-    return SerialMask(std::move(key));
+    length = ReadKey(buffer, path);
   } catch (const std::system_error& error) {
-    throw UserError(fmt::format("cannot read the key in {}: {}; {}", name, error.code().message(), advice));
+    throw UserError(fmt::format("cannot read the key in {}: {}; {}", name, error.code().message(), kAdvice));
   }
+  CheckLength(length, name);
+  return OfKey({reinterpret_cast<const char*>(buffer.Data()), length});
 }
 
 SerialMask SerialMask::OfThisRun() {
-  static const std::string key = RandomKey();
-  return SerialMask(key);
+  static const Secret key = RandomKey();
+  return {key, true};
 }
 
-std::string SerialMask::Mask(const std::string& serial) const {
+std::string SerialMask::Mask(std::string_view serial) const {
+  return "masked-" + Hash(serial);
+}
+
+std::optional<std::string> SerialMask::Fingerprint() const {
+  if (fIsOfThisRun) return std::nullopt;
+  return Hash("usbinfo mask key fingerprint");
+}
+
+std::string SerialMask::Hash(std::string_view text) const {
   constexpr std::size_t kBytesShown = 8;
-  std::array<unsigned char, EVP_MAX_MD_SIZE> hash{};
-  const auto* const data = reinterpret_cast<const unsigned char*>(serial.data());
-  if (HMAC(EVP_sha256(), fKey.data(), static_cast<int>(fKey.size()), data, serial.size(), hash.data(),
-           nullptr) == nullptr) {
-    throw UserError("cannot mask serial numbers: libcrypto has no HMAC-SHA-256; look at its configuration");
-  }
-  return fmt::format("masked-{:02x}", fmt::join(hash.begin(), hash.begin() + kBytesShown, ""));
+  std::array<unsigned char, crypto_auth_hmacsha256_BYTES> hash{};
+  ::crypto_auth_hmacsha256(hash.data(), reinterpret_cast<const unsigned char*>(text.data()), text.size(),
+                           fKey.Data());
+  return fmt::format("{:02x}", fmt::join(hash.begin(), hash.begin() + kBytesShown, ""));
 }
 
 }  // namespace cli

@@ -1,4 +1,3 @@
-// Counting the time of a command; see the header.
 #include "cli/collect/WaitingNotice.h"
 
 #include <fmt/format.h>

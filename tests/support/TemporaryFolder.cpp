@@ -31,8 +31,13 @@ std::string TemporaryFolder::File(const std::string& name, const std::string& te
 
 std::string TemporaryFolder::Script(const std::string& name, const std::string& body) const {
   const std::string path = File(name, "#!/bin/sh\n" + body + "\n");
-  fs::permissions(path, fs::perms::owner_all);
+  constexpr fs::perms kRunnableByAll{0755};
+  fs::permissions(path, kRunnableByAll);
   return path;
+}
+
+void TemporaryFolder::ShareWithAll() const {
+  fs::permissions(fPath, fs::perms::all);
 }
 
 std::vector<std::string> TemporaryFolder::Names() const {

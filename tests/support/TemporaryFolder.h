@@ -20,8 +20,10 @@ class TemporaryFolder {
   std::string File(const std::string& name) const { return fPath / name; }
   /// The same, with that content; `name` may begin with folders, which are made.
   std::string File(const std::string& name, const std::string& text) const;
-  /// A shell script of that name that can be run.
+  /// A shell script of that name that everybody can run.
   std::string Script(const std::string& name, const std::string& body) const;
+  /// Everybody may make files in it from now on.
+  void ShareWithAll() const;
   /// What is in it, in order.
   std::vector<std::string> Names() const;
 

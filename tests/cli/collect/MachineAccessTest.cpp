@@ -1,6 +1,7 @@
 // Whether the command touches the machine: never with a list given, and with none it ends one way or the
-// other. Commands on a made-up search path leave a trace when they are run.
+// other. Commands on a made-up search path leave a trace when they are run; root never runs them.
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <string>
@@ -17,13 +18,14 @@ namespace {
 class MachineAccessTest : public testing::Test {
  protected:
   MachineAccessTest() {
+    fTraces.ShareWithAll();
     for (const std::string name : {"mount", "umount", "usb-devices"}) {
       fCommands.Script(name, "echo run >> '" + fTraces.File(name) + "'");
     }
   }
 
   CommandResult RunTraced(std::vector<std::string> arguments, const std::string& input = "") const {
-    return Command(std::move(arguments)).Input(input).Set("PATH", fCommands.Path()).Run();
+    return Command(std::move(arguments)).AsOrdinaryUser().Input(input).Set("PATH", fCommands.Path()).Run();
   }
   /// The commands that were run.
   std::vector<std::string> Traces() const { return fTraces.Names(); }
@@ -74,6 +76,18 @@ TEST_F(MachineAccessTest, RunsNothingForHelpVersionOrWrongUsage) {
 
 TEST_F(MachineAccessTest, RunsNothingForARequestThatNeedsNoDeviceList) {
   EXPECT_EQ(RunTraced({"--request", "KALDO_USBPortOnHub,KALDO_USBConnection,nope"}).status, 1);
+  EXPECT_THAT(Traces(), IsEmpty());
+}
+
+TEST_F(MachineAccessTest, RunsTheCommandsOfTheSearchPathForAnOrdinaryUser) {
+  if (::access("/proc/bus/usb/devices", F_OK) == 0) GTEST_SKIP() << "this machine has a list of usbfs";
+  RunTraced({});
+  EXPECT_THAT(Traces(), testing::Contains("mount"));
+}
+
+TEST_F(MachineAccessTest, RunsNoCommandThatTheCallerOfRootChose) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only root can try";
+  Command({}).Set("PATH", Commands().Path()).Run();
   EXPECT_THAT(Traces(), IsEmpty());
 }
 

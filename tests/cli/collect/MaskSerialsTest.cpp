@@ -1,18 +1,26 @@
 // --mask-serials: hashes stand where serial numbers stood, in every format and in the log, and nothing else
-// tells them. What a serial number is on a line is worked out here once more.
+// shows them. What a serial number is on a line, and which are root hubs', is worked out here once more.
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/collect/MaskingSystem.h"
 #include "cli/format/OutputFormat.h"
 #include "host/TQSVException.h"
+#include "system/FileDescriptor.h"
 #include "tests/cli/support/CliTest.h"
 #include "tests/cli/support/HostileDevices.h"
 #include "tests/cli/support/RunCommand.h"
@@ -29,14 +37,56 @@ namespace {
 
 constexpr const char* kDebugfsList = "/sys/kernel/debug/usb/devices";
 
-/// `list` with every serial number replaced by what `replace` gives for it.
+constexpr const char* kKey = "0123456789abcdef";
+
+const SerialMask& Mask() {
+  static const SerialMask mask = SerialMask::OfKey(kKey);
+  return mask;
+}
+
+bool IsBlank(const std::string& line) {
+  return line.find_first_not_of(" \t\r") == std::string::npos;
+}
+
+/// Whether the line of that number is a string of a root hub: seen from there, there are strings, the "P:"
+/// line of a root hub, lines of its descriptor and its "T:" line, and in front of that no string but for
+/// blank lines.
+bool IsOfRootHub(const std::vector<std::string>& lines, std::size_t number) {
+  const auto goBackOver = [&](const char* types) {
+    while (number > 0 && std::string(types).find(lines[number].substr(0, 1)) != std::string::npos &&
+           lines[number].substr(1, 1) == ":") {
+      --number;
+    }
+  };
+  if (lines[number].rfind("S:", 0) != 0) return false;
+  goBackOver("S");
+  if (!std::regex_search(lines[number], std::regex("^P:.* Vendor=1d6b "))) return false;
+  --number;
+  goBackOver("BD");
+  if (!std::regex_search(lines[number], std::regex("^T:.* Lev=00 "))) return false;
+  if (number == 0) return true;
+  if (!IsBlank(lines[number - 1])) return false;
+  while (number > 0 && IsBlank(lines[number - 1])) --number;
+  return number == 0 || lines[number - 1].rfind("S:", 0) != 0;
+}
+
+std::vector<std::string> SplitAtNewlines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::size_t start = 0;
+  for (std::size_t end = 0; end != std::string::npos; start = end + 1) {
+    end = text.find('\n', start);
+    lines.push_back(text.substr(start, end == std::string::npos ? end : end - start));
+  }
+  return lines;
+}
+
+/// `list` with every serial number that is to be masked replaced by what `replace` gives for it.
 std::string ReplaceSerials(const std::string& list,
                            const std::function<std::string(const std::string&)>& replace) {
   std::string replaced;
-  std::size_t start = 0;
-  for (std::size_t end = 0; end != std::string::npos; start = end + 1) {
-    end = list.find('\n', start);
-    const std::string line = list.substr(start, end == std::string::npos ? end : end - start);
+  const std::vector<std::string> lines = SplitAtNewlines(list);
+  for (std::size_t number = 0; number < lines.size(); ++number) {
+    const std::string& line = lines[number];
     std::string lower = line;
     for (char& letter : lower)
       letter = static_cast<char>(letter >= 'A' && letter <= 'Z' ? letter + 32 : letter);
@@ -44,8 +94,10 @@ std::string ReplaceSerials(const std::string& list,
     const std::size_t last = line.find_last_not_of(" \t\r");
     const std::size_t value = key + 13;
     const bool hasSerial = key != std::string::npos && last != std::string::npos && last >= value;
-    replaced += hasSerial ? line.substr(0, value) + replace(line.substr(value, last + 1 - value)) : line;
-    if (end != std::string::npos) replaced += '\n';
+    replaced += hasSerial && !IsOfRootHub(lines, number)
+                    ? line.substr(0, value) + replace(line.substr(value, last + 1 - value))
+                    : line;
+    if (number + 1 < lines.size()) replaced += '\n';
   }
   return replaced;
 }
@@ -87,14 +139,26 @@ std::vector<std::pair<std::string, std::string>> Lists() {
   return lists;
 }
 
-/// What the command prints and logs for `list`, masked with the key "key".
+/// What the command prints and logs for `list`, masked with a key of the run.
 CommandResult RunMasked(const std::string& list, std::vector<std::string> options) {
-  const TemporaryFolder folder;
-  const std::vector<std::string> common = {
-      "--devices",      "-",          "--system-name",          "testhost",
-      "--mask-serials", "--mask-key", folder.File("key", "key")};
+  const std::vector<std::string> common = {"--devices", "-", "--system-name", "testhost", "--mask-serials"};
   options.insert(options.begin(), common.begin(), common.end());
   return Command(options).Input(list).Run();
+}
+
+/// The path of a file that holds `key` and that nobody else can read.
+std::string KeyFile(const TemporaryFolder& folder, const std::string& key) {
+  const std::string path = folder.File("key", key);
+  std::filesystem::permissions(path, std::filesystem::perms{0600});
+  return path;
+}
+
+/// The same, masked with kKey.
+CommandResult RunWithKey(const std::string& list, std::vector<std::string> options) {
+  const TemporaryFolder folder;
+  options.emplace_back("--mask-key");
+  options.push_back(KeyFile(folder, kKey));
+  return RunMasked(list, options);
 }
 
 /// All that the command lets out about `list`: every format, the tree with its details, too, and the log of
@@ -112,35 +176,83 @@ std::string WithoutMasks(const std::string& text) {
   return std::regex_replace(text, std::regex("masked-[0-9a-f]{16}"), "masked");
 }
 
+// Worked out with other programs: the key is stretched by argon2id_hash_raw(2, 65536, 1, ...) of libargon2 to
+// 32 bytes with the salt "usbinfo/masks/v1", then hmac.new(stretched, text, hashlib.sha256) of Python is cut
+// to 16 digits.
 TEST(SerialMaskTest, IsTheHashThatTheStandardsDescribe) {
-  EXPECT_EQ(SerialMask("Jefe").Mask("what do ya want for nothing?"), "masked-5bdcc146bf60754e");
-  EXPECT_EQ(SerialMask(std::string(20, '\x0B')).Mask("Hi There"), "masked-b0344c61d8db3853");
-  EXPECT_EQ(
-      SerialMask(std::string(131, '\xAA')).Mask("Test Using Larger Than Block-Size Key - Hash Key First"),
-      "masked-60e431591ee0b67f");
+  EXPECT_EQ(Mask().Mask("68284-0000:00:01.0-3.1"), "masked-4c28e90b3753ecb8");
+  EXPECT_EQ(Mask().Mask(""), "masked-4e527c3747459197");
+  EXPECT_EQ(Mask().Fingerprint(), "36b7d9e49e324323");
+  const SerialMask longest = SerialMask::OfKey(std::string(1 << 20, 'k'));
+  EXPECT_EQ(longest.Mask("68284-0000:00:01.0-3.1"), "masked-343ece3d048725a9");
+  EXPECT_EQ(longest.Fingerprint(), "ce6a799186810f76");
 }
 
 TEST(SerialMaskTest, TakesAllBytesOfKeyAndSerialNumber) {
-  EXPECT_NE(SerialMask("key").Mask("a\0b"s), SerialMask("key").Mask("a\0c"s));
-  EXPECT_NE(SerialMask("key\0a"s).Mask("a"), SerialMask("key\0b"s).Mask("a"));
-  EXPECT_NE(SerialMask("key").Mask("a"), SerialMask("key\n").Mask("a"));
+  EXPECT_NE(Mask().Mask("a\0b"s), Mask().Mask("a\0c"s));
+  EXPECT_NE(SerialMask::OfKey("0123456789abcde\0a"s).Mask("a"),
+            SerialMask::OfKey("0123456789abcde\0b"s).Mask("a"));
+  EXPECT_NE(Mask().Mask("a"), SerialMask::OfKey(kKey + "\n"s).Mask("a"));
 }
 
 TEST(SerialMaskTest, KeepsItsRandomKeyForTheRun) {
   EXPECT_EQ(SerialMask::OfThisRun().Mask("a"), SerialMask::OfThisRun().Mask("a"));
   EXPECT_NE(SerialMask::OfThisRun().Mask("a"), SerialMask::OfThisRun().Mask("b"));
+  EXPECT_EQ(SerialMask::OfThisRun().Fingerprint(), std::nullopt);
 }
 
-TEST(SerialMaskTest, TakesAKeyOfAMebibyteAndNoLongerOne) {
+TEST(SerialMaskTest, TakesKeysFrom16BytesToAMebibyte) {
   const TemporaryFolder folder;
-  const std::string longest = folder.File("longest", std::string(1 << 20, 'k'));
-  const std::string tooLong = folder.File("long", std::string((1 << 20) + 1, 'k'));
-  EXPECT_EQ(SerialMask::OfKeyFile(longest).Mask("a"), SerialMask(std::string(1 << 20, 'k')).Mask("a"));
-  EXPECT_THAT(UserErrorOf([&tooLong] { SerialMask::OfKeyFile(tooLong); }), HasSubstr("File too large"));
+  const auto maskOf = [&](const std::string& key) {
+    return SerialMask::OfKeyFile(KeyFile(folder, key)).Mask("a");
+  };
+  EXPECT_EQ(maskOf(kKey), Mask().Mask("a"));
+  EXPECT_EQ(maskOf(std::string(1 << 20, 'k')), SerialMask::OfKey(std::string(1 << 20, 'k')).Mask("a"));
+  EXPECT_THAT(UserErrorOf([&] { maskOf(std::string(15, 'k')); }),
+              HasSubstr(" has 15 bytes, and it takes 16"));
+  EXPECT_THAT(UserErrorOf([&] { maskOf(std::string((1 << 20) + 1, 'k')); }),
+              HasSubstr(" has more than 1 MiB; "));
+}
+
+TEST(SerialMaskTest, ReadsItsKeyFromAFifoThatIsWrittenInPieces) {
+  const TemporaryFolder folder;
+  const std::string fifo = folder.File("fifo");
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  std::thread writer([&fifo] {
+    const sys::FileDescriptor file = sys::OpenFile(fifo, O_WRONLY);
+    for (const char* byte = kKey; *byte != '\0'; ++byte) sys::WriteAll(file.Get(), std::string(1, *byte));
+  });
+  const SerialMask mask = SerialMask::OfKeyFile(fifo);
+  writer.join();
+  EXPECT_EQ(mask.Mask("a"), Mask().Mask("a"));
+}
+
+TEST(RootHubStrings, StandRightBehindTheLinesThatTheKernelWritesItself) {
+  const std::string top = "T:  Bus=01 Lev=00 Prnt=00\n";
+  const std::string middle = "B:  Alloc=0\nD:  Ver= 2.00\n";
+  const std::string vendor = "P:  Vendor=1d6b ProdID=0002\n";
+  const auto keeps = [](const std::string& text) {
+    return MaskSerials(text + "S:  SerialNumber=0000:00:14.0\n", Mask()).find("0000:00:14.0") !=
+           std::string::npos;
+  };
+  const std::string hub = top + middle + vendor;
+  for (const std::string& text :
+       {hub, "\n" + hub, top + vendor, hub + "S:  Manufacturer=Linux\nS:  Product=xHCI\n",
+        "T:  Bus=01 Lev=01 Prnt=00\nP:  Vendor=0781 \nS:  Product=x\nC:* #Ifs= 1\n \r\n" + hub}) {
+    EXPECT_TRUE(keeps(text)) << text;
+  }
+  for (const std::string& text :
+       {top + middle, middle + vendor, vendor + top, "T:  Bus=01 Lev=01 Prnt=00\n" + vendor,
+        top + "P:  Vendor=0781 ProdID=0002\n", top + "P:  Vendor=0781 ProdID=0002\n" + vendor,
+        "S:  Product=x\n" + hub, "S:  Product=x\n\n\n" + hub, hub + "E:  Ad=81(I)\n", hub + "\n",
+        hub + "T:  Bus=01 Lev=01 Prnt=00\n",
+        "T:  Bus=01 Lev=01 Prnt=00\nP:  Vendor=0781 \nS:  Product=x\n" + hub, hub + "Q: \n", " " + hub}) {
+    EXPECT_FALSE(keeps(text)) << text;
+  }
 }
 
 TEST(MaskedText, HasTheMaskFromTheFieldToTheEndOfTheLine) {
-  const SerialMask mask("key");
+  const SerialMask& mask = Mask();
   const std::string hash = mask.Mask("abc");
   EXPECT_EQ(MaskSerials("S:  SerialNumber=abc\nS:  Product=p\n", mask),
             "S:  SerialNumber=" + hash + "\nS:  Product=p\n");
@@ -155,7 +267,7 @@ TEST(MaskedText, HasTheMaskFromTheFieldToTheEndOfTheLine) {
 }
 
 TEST(MaskedText, IsTheSameWhereThereIsNoSerialNumber) {
-  const SerialMask mask("key");
+  const SerialMask& mask = Mask();
   for (const std::string& text :
        {""s, "\n"s, "S:  SerialNumber=\n"s, "S:  SerialNumber= \t\r\nX"s, "SerialNumber="s,
         "SerialNumber = a"s, "Serial\nNumber=a"s, "Serial\0Number=a"s, "SERIALNUMBE\xC5\x98=a"s}) {
@@ -164,7 +276,7 @@ TEST(MaskedText, IsTheSameWhereThereIsNoSerialNumber) {
 }
 
 TEST(MaskedText, ReplacesEverySerialNumberOfEveryList) {
-  const SerialMask mask("key");
+  const SerialMask& mask = Mask();
   for (const auto& [name, list] : Lists()) {
     EXPECT_EQ(MaskSerials(list, mask),
               ReplaceSerials(list, [&mask](const std::string& serial) { return mask.Mask(serial); }))
@@ -235,6 +347,7 @@ TEST(MaskSerialsOption, MasksEverySerialNumberOfTheInventory) {
     const json classes = json::parse(RunMasked(list, {"--format", "json"}).output)["classes"];
     for (const auto& instances : classes) {
       for (const json& instance : instances) {
+        if (instance.value("HubDepth", 1) == 0 && instance.value("VendorID", 0) == 0x1D6B) continue;
         const std::string serial = instance.value("SerialNumber", "Not Available");
         EXPECT_TRUE(serial == "Not Available" || std::regex_match(serial, form)) << name << " " << serial;
       }
@@ -256,22 +369,23 @@ TEST(MaskSerialsOption, KeepsTheProductThatAWordInTheSerialNumberWouldWipeOut) {
 std::string JsonWithKey(const std::string& key) {
   const TemporaryFolder folder;
   return RunUsbinfo({"--devices", CapturePath("vm-desktop-debugfs"), "--mask-serials", "--mask-key",
-                     folder.File("key", key), "--format", "json"})
+                     KeyFile(folder, key), "--format", "json"})
       .output;
 }
 
 TEST(MaskSerialsOption, MasksAlikeUnderOneKeyAndOtherwiseUnderAnother) {
-  EXPECT_EQ(JsonWithKey("one"), JsonWithKey("one"));
-  EXPECT_NE(JsonWithKey("one"), JsonWithKey("two"));
-  EXPECT_NE(JsonWithKey("one"), JsonWithKey("one\n"));
+  const std::string one(16, '1');
+  EXPECT_EQ(JsonWithKey(one), JsonWithKey(one));
+  EXPECT_NE(JsonWithKey(one), JsonWithKey(std::string(16, '2')));
+  EXPECT_NE(JsonWithKey(one), JsonWithKey(one + "\n"));
 }
 
 TEST(MaskSerialsOption, MasksAlikeWhateverPrintedTheList) {
   const std::string kernel =
-      RunMasked(ReadFile(CapturePath("vm-desktop-debugfs")), {"--format", "json"}).output;
+      RunWithKey(ReadFile(CapturePath("vm-desktop-debugfs")), {"--format", "json"}).output;
   const std::string script =
-      RunMasked(ReadFile(CapturePath("vm-desktop-usb-devices")), {"--format", "json"}).output;
-  const std::string keyboard = SerialMask("key").Mask("68284-0000:00:01.0-3.1");
+      RunWithKey(ReadFile(CapturePath("vm-desktop-usb-devices")), {"--format", "json"}).output;
+  const std::string keyboard = Mask().Mask("68284-0000:00:01.0-3.1");
   EXPECT_THAT(kernel, HasSubstr(keyboard));
   EXPECT_THAT(script, HasSubstr(keyboard));
 }
@@ -283,27 +397,58 @@ TEST(MaskSerialsOption, DrawsANewKeyForEveryRunUnlessOneIsGiven) {
   const std::string second = RunUsbinfo(arguments).output;
   EXPECT_NE(first, second);
   EXPECT_EQ(WithoutMasks(first), WithoutMasks(second));
-  // Two root hubs of this machine have one serial number.
-  const json hubs = json::parse(first)["classes"]["KALDO_USBHub"];
-  EXPECT_EQ(hubs[0]["SerialNumber"], hubs[2]["SerialNumber"]);
 }
 
 TEST(MaskSerialsOption, ReadsTheKeyFromStandardInput) {
   const CommandResult result = Command({"--devices", CapturePath("vm-desktop-debugfs"), "--system-name",
                                         "testhost", "--mask-serials", "--mask-key", "-", "--format", "json"})
-                                   .Input("key")
+                                   .Input(kKey)
                                    .Run();
   EXPECT_EQ(result.output,
-            RunMasked(ReadFile(CapturePath("vm-desktop-debugfs")), {"--format", "json"}).output);
+            RunWithKey(ReadFile(CapturePath("vm-desktop-debugfs")), {"--format", "json"}).output);
 }
 
 TEST(MaskSerialsOption, GoesWithASelectionAndARequest) {
-  const CommandResult result = RunMasked(ReadFile(CapturePath("vm-desktop-debugfs")),
-                                         {"--request", "KALDO_USBDevice", "-s", "1:4", "--format", "jsonl"});
+  const CommandResult result = RunWithKey(ReadFile(CapturePath("vm-desktop-debugfs")),
+                                          {"--request", "KALDO_USBDevice", "-s", "1:4", "--format", "jsonl"});
   const std::vector<std::string> lines = Lines(result.output);
   ASSERT_EQ(lines.size(), 1U);
-  EXPECT_EQ(json::parse(lines[0])["properties"]["SerialNumber"],
-            SerialMask("key").Mask("68284-0000:00:01.0-3.1"));
+  EXPECT_EQ(json::parse(lines[0])["properties"]["SerialNumber"], Mask().Mask("68284-0000:00:01.0-3.1"));
+}
+
+TEST(MaskKeyOption, WarnsOfAKeyThatOthersCanRead) {
+  const TemporaryFolder folder;
+  const std::string key = KeyFile(folder, kKey);
+  for (const auto& [mode, isShared] : {std::pair(0600, false), {0640, true}, {0602, true}, {0400, false}}) {
+    std::filesystem::permissions(key, std::filesystem::perms(mode));
+    const CommandResult result =
+        RunUsbinfo({"--devices", CapturePath("vm-desktop-debugfs"), "--mask-serials", "--mask-key", key});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.errors, isShared ? "usbinfo: other users can read or write the key in " + key +
+                                            "; run \"chmod 600\" on it\n"
+                                      : "");
+  }
+}
+
+/// What a usb-devices of the test's own sees of the command that waits for it: the limit on core files that
+/// it inherits, and whether the command may be looked into.
+std::string ProtectionOf(std::vector<std::string> options) {
+  const TemporaryFolder folder;
+  folder.ShareWithAll();
+  folder.Script("usb-devices",
+                "caller=$PPID\n"
+                "while read -r pid name state caller_of rest < /proc/$caller/stat && [ \"$name\" != "
+                "'(usbinfo)' ]; do caller=$caller_of; done\n"
+                "{ ulimit -H -c; [ -r /proc/$caller/environ ] && echo open || echo closed; } > '" +
+                    folder.File("seen") + "'");
+  Command(std::move(options)).AsOrdinaryUser().Set("PATH", folder.Path()).Run();
+  return ReadFile(folder.File("seen"));
+}
+
+TEST(MaskSerialsOption, LeavesNoCoreFileAndNoWayForADebugger) {
+  if (::access("/proc/bus/usb/devices", F_OK) == 0) GTEST_SKIP() << "this machine has a list of usbfs";
+  EXPECT_EQ(ProtectionOf({"--mask-serials"}), "0\nclosed\n");
+  EXPECT_THAT(ProtectionOf({}), testing::EndsWith("\nopen\n"));
 }
 
 /// The plug-in on a recorded machine behind the mask.
@@ -312,24 +457,24 @@ class MaskingSystemTest : public CliTest {
   void CollectMasked(const std::function<void(FakeOperatingSystem&)>& furnish) {
     auto fake = std::make_unique<FakeOperatingSystem>(&calls);
     furnish(*fake);
-    host.SetOperatingSystem(std::make_unique<cli::MaskingSystem>(std::move(fake), SerialMask("key")));
+    host.SetOperatingSystem(std::make_unique<cli::MaskingSystem>(std::move(fake), Mask()));
     host.SetSystemName("testhost");
     CollectThroughModule();
   }
-  std::string Rendered() const { return cli::FindOutputFormat("json").render(cli::Inventory(host), {}); }
+  std::string Rendered() const { return cli::FindOutputFormat("json").render(Collected(), {}); }
 };
 
 TEST_F(MaskingSystemTest, MasksTheFilesOfTheMachineAsAGivenList) {
   const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
   CollectMasked([&list](FakeOperatingSystem& fake) { fake.files[kDebugfsList] = list; });
-  EXPECT_EQ(Rendered(), RunMasked(list, {"--format", "json"}).output);
+  EXPECT_EQ(Rendered(), RunWithKey(list, {"--format", "json"}).output);
 }
 
 TEST_F(MaskingSystemTest, MasksTheOutputOfACommandAheadOfTheLog) {
   const std::string list = ReadFile(CapturePath("vm-desktop-usb-devices"));
   CollectMasked([&list](FakeOperatingSystem& fake) { fake.outputs["usb-devices"] = list; });
-  EXPECT_EQ(Rendered(), RunMasked(list, {"--format", "json"}).output);
-  const std::string masked = MaskSerials(list, SerialMask("key"));
+  EXPECT_EQ(Rendered(), RunWithKey(list, {"--format", "json"}).output);
+  const std::string masked = MaskSerials(list, Mask());
   EXPECT_THAT(log, testing::Contains(LogLine{kDebug, masked}));
   for (const LogLine& line : log) {
     for (const std::string& serial : SerialsOf(list)) EXPECT_THAT(line.text, Not(HasSubstr(serial)));
@@ -339,7 +484,7 @@ TEST_F(MaskingSystemTest, MasksTheOutputOfACommandAheadOfTheLog) {
 TEST_F(MaskingSystemTest, HandsQuestionsAndFailuresOn) {
   auto fake = std::make_unique<FakeOperatingSystem>(&calls);
   fake->files["there"] = "text";
-  cli::MaskingSystem system(std::move(fake), SerialMask("key"));
+  cli::MaskingSystem system(std::move(fake), Mask());
   EXPECT_TRUE(system.FileExists("there"));
   EXPECT_FALSE(system.FileExists("missing"));
   EXPECT_EQ(system.CaptureFile("there"), "text");

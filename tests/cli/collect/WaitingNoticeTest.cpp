@@ -151,7 +151,8 @@ class WaitingCommandTest : public testing::Test {
                    "echo $# > '" +
                        fFolder.File("threads") + "'\n" + wait + "\n/bin/cat '" +
                        CapturePath("vm-desktop-usb-devices") + "'");
-    return Command({"--system-name", "testhost"}).Set("PATH", fFolder.Path());
+    fFolder.ShareWithAll();
+    return Command({"--system-name", "testhost"}).AsOrdinaryUser().Set("PATH", fFolder.Path());
   }
   std::string Threads() const { return ReadFile(fFolder.File("threads")); }
   const TemporaryFolder& Folder() const { return fFolder; }
@@ -163,6 +164,7 @@ class WaitingCommandTest : public testing::Test {
 TEST_F(WaitingCommandTest, SaysOnATerminalWhatItWaitsFor) {
   const std::string go = Folder().File("go");
   ASSERT_EQ(::mkfifo(go.c_str(), 0600), 0);
+  std::filesystem::permissions(go, std::filesystem::perms::others_read, std::filesystem::perm_options::add);
   bool isReleased = false;
   const CommandResult result = WithListCommand("read -r word < '" + go + "'")
                                    .ErrorsToTerminal([&](const std::string& text) {
@@ -187,12 +189,12 @@ TEST_F(WaitingCommandTest, NeverCountsTheTimeWhereStandardErrorIsNoTerminal) {
 }
 
 TEST_F(WaitingCommandTest, MasksWhatTheListCommandPrintsAsAGivenList) {
-  const std::string key = Folder().File("key", "key");
+  const std::string key = Folder().File("key", "a key of the tests");
   const auto run = [&](std::vector<std::string> arguments) {
     for (const std::string& option : {"--system-name"s, "testhost"s, "--mask-serials"s, "--mask-key"s, key}) {
       arguments.push_back(option);
     }
-    return Command(arguments).Set("PATH", Folder().Path()).Run().output;
+    return Command(arguments).AsOrdinaryUser().Set("PATH", Folder().Path()).Run().output;
   };
   WithListCommand("");
   EXPECT_EQ(run({"--format", "json"}),

@@ -74,6 +74,7 @@ TEST(Diff, TellsWhatDiffersWithStatusOne) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "");
   EXPECT_EQ(result.output,
+            "system \"vm-desktop-debugfs\" -> \"vm-desktop-usb-devices\"\n"
             "> bus 1, port 2.1 -> \"Bus 01  Device   4 Port 01\": device 0627:0001 \"QEMU USB Mouse\", "
             "serial \"89126-0000:00:01.0-3.2\"\n"
             "> bus 1, port 3 -> \"Bus 01  Device   5 Port 03\": device 46f4:0002 \"QEMU USB Audio\", "
@@ -116,7 +117,7 @@ TEST(Diff, WritesAFileInstead) {
 TEST(Diff, ColoursAFileOnlyWhereThatIsSaid) {
   const TemporaryFolder folder;
   Diff({Capture(), OtherCapture(), "--output", folder.File("diff"), "--color", "always"});
-  EXPECT_THAT(ReadFile(folder.File("diff")), StartsWith("\x1B[36m> bus 1"));
+  EXPECT_THAT(ReadFile(folder.File("diff")), HasSubstr("\n\x1B[36m> bus 1"));
 }
 
 TEST(Diff, UsesThePluginThatIsNamedForListsAlone) {
@@ -263,8 +264,8 @@ TEST(Diff, PrintsAsciiOnlyWhereItsLocaleHasNothingElse) {
 
 TEST(Diff, SendsNothingOfAHostileListToATerminal) {
   const TemporaryFolder folder;
-  const std::string hostile = folder.File("hostile", HostileDeviceList());
-  const std::string harmless = folder.File("harmless", HarmlessDeviceList());
+  const std::string hostile = folder.File("hostile/list", HostileDeviceList());
+  const std::string harmless = folder.File("harmless/list", HarmlessDeviceList());
   for (const auto& [before, after] : {std::pair(hostile, harmless), std::pair(harmless, hostile)}) {
     const CommandResult result = Diff({before, after});
     EXPECT_EQ(result.status, 1);

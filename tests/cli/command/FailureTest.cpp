@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <ostream>
 #include <string>
@@ -43,13 +44,16 @@ const Failure kFailures[] = {
      "cannot read the key in @: Is a directory"},
     {"EmptyKey",
      {"--devices", Capture(), "--mask-serials", "--mask-key", "/dev/null"},
-     "the key in /dev/null is empty"},
+     "the key in /dev/null has 0 bytes, and it takes 16 to be safe"},
     {"EmptyKeyOnStandardInput",
      {"--devices", Capture(), "--mask-serials", "--mask-key", "-"},
-     "the key in standard input is empty"},
+     "the key in standard input has 0 bytes, and it takes 16 to be safe"},
     {"EndlessKey",
      {"--devices", Capture(), "--mask-serials", "--mask-key", "/dev/zero"},
-     "cannot read the key in /dev/zero: File too large"},
+     "the key in /dev/zero has more than 1 MiB"},
+    {"ShortKey",
+     {"--devices", Capture(), "--mask-serials", "--mask-key", "@/text"},
+     "the key in @/text has 5 bytes, and it takes 16 to be safe"},
     {"ListAndKeyOnStandardInput",
      {"--devices", "-", "--mask-serials", "--mask-key", "-"},
      "--devices and --mask-key cannot both be standard input"},
@@ -84,7 +88,9 @@ std::string Replace(std::string text, const std::string& folder) {
 
 class FailureTest : public testing::TestWithParam<Failure> {
  protected:
-  FailureTest() { fFolder.File("text", "text\n"); }
+  FailureTest() {
+    std::filesystem::permissions(fFolder.File("text", "text\n"), std::filesystem::perms{0600});
+  }
 
   std::string InFolder(const std::string& text) const { return Replace(text, fFolder.Path()); }
   CommandResult RunInFolder() const {

@@ -14,10 +14,12 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 #include <utility>
 
 #include "system/FileDescriptor.h"
+#include "tests/support/TemporaryFolder.h"
 
 using sys::FileDescriptor;
 
@@ -157,6 +159,18 @@ pid_t Spawn(std::vector<std::string> words, std::vector<std::string> environment
   return pid;
 }
 
+/// The path of a copy of the command, with what it loads beside it: the build folder may be closed to others.
+std::string CommandForAll() {
+  static const TemporaryFolder folder;
+  const std::string copy = folder.File("usbinfo");
+  if (!std::filesystem::exists(copy)) {
+    std::filesystem::copy_file(MODULE_PATH, folder.File("usbinfo-plugin.so"));
+    std::filesystem::copy_file(STANDIN_PATH, folder.File(STANDIN_NAME));
+    std::filesystem::copy_file(COMMAND_PATH, copy);
+  }
+  return copy;
+}
+
 int Wait(pid_t pid) {
   int status = 0;
   while (::waitpid(pid, &status, 0) < 0 && errno == EINTR) {
@@ -168,6 +182,16 @@ int Wait(pid_t pid) {
 
 Command& Command::Program(const std::string& path) {
   fProgram = path;
+  return *this;
+}
+
+Command& Command::AsOrdinaryUser() {
+  fIsOrdinaryUser = true;
+  return *this;
+}
+
+Command& Command::Through(std::vector<std::string> runner) {
+  fRunner = std::move(runner);
   return *this;
 }
 
@@ -219,6 +243,20 @@ Command& Command::ErrorsToTerminal(std::function<void(const std::string& text)> 
   return *this;
 }
 
+std::vector<std::string> Command::Words() const {
+  std::vector<std::string> words = fRunner;
+  std::string program = fProgram;
+  if (fIsOrdinaryUser && ::geteuid() == 0) {
+    for (const char* word : {"/usr/bin/setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"}) {
+      words.emplace_back(word);
+    }
+    if (program == COMMAND_PATH) program = CommandForAll();
+  }
+  words.push_back(program);
+  words.insert(words.end(), fArguments.begin(), fArguments.end());
+  return words;
+}
+
 std::vector<std::string> Command::EnvironmentList() const {
   std::vector<std::string> list;
   for (char** entry = environ; *entry != nullptr; ++entry) {
@@ -240,13 +278,11 @@ CommandResult Command::Run() const {
   if (fTarget == Target::kClosedPipe) output = NewPipe().writer;
   if (fTarget == Target::kFile) output = FileDescriptor(::open(fOutputPath.c_str(), O_WRONLY | O_CLOEXEC));
   if (hasTerminal) terminal = NewTerminal(fColumns);
-  std::vector<std::string> words = fArguments;
-  words.insert(words.begin(), fProgram);
   StandardFiles files = {input.Get(), output.Get(), fHasErrors ? capturedErrors.Get() : -1};
   if (fTarget == Target::kCapture) files.output = captured.Get();
   if (fTarget == Target::kTerminal) files.output = terminal.slave.Get();
   if (fOnErrors) files.errors = terminal.slave.Get();
-  const pid_t pid = Spawn(words, EnvironmentList(), files);
+  const pid_t pid = Spawn(Words(), EnvironmentList(), files);
   output.Close();
   terminal.slave.Close();
   std::string text;

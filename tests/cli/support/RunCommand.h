@@ -22,6 +22,10 @@ class Command {
 
   /// Another program than the built one, or the same one elsewhere.
   Command& Program(const std::string& path);
+  /// As a user without privileges where the tests run as root, from a copy that every user can reach.
+  Command& AsOrdinaryUser();
+  /// By a program that runs another one: its words, which the command's own follow.
+  Command& Through(std::vector<std::string> runner);
   /// A variable of the environment. The rest is the test's own, with the locale C.UTF-8, a search path that
   /// leads to no command of this machine, no names of vendors and products and a terminal without colours.
   Command& Set(const std::string& name, const std::string& value);
@@ -46,9 +50,12 @@ class Command {
  private:
   enum class Target { kCapture, kFile, kClosedPipe, kClosed, kTerminal };
 
+  std::vector<std::string> Words() const;
   std::vector<std::string> EnvironmentList() const;
 
   std::string fProgram = COMMAND_PATH;
+  bool fIsOrdinaryUser = false;
+  std::vector<std::string> fRunner;
   std::vector<std::string> fArguments;
   std::map<std::string, std::string> fEnvironment = {{"LC_ALL", "C.UTF-8"},
                                                      {"NO_COLOR", ""},

@@ -1,0 +1,35 @@
+// How big an inventory a device list makes, from a quick look at its lines: a short list can make a large
+// one. The plug-in compares every device and hub with every port, and repeats a hub's identifier in each of
+// up to 255 ports.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace cli {
+
+/// Upper bounds of what the plug-in makes of a list.
+struct ListSize {
+  std::uint64_t ports = 0;
+  std::uint64_t hubs = 0;
+  /// The hubs and devices that hang on a port.
+  std::uint64_t dependents = 0;
+  /// The length of the identifiers in all instances, in bytes, counted as often as they stand there and with
+  /// the escapes that quotes and backslashes take.
+  std::uint64_t identifierBytes = 0;
+
+  static ListSize Of(std::string_view list);
+
+  /// The pairs that the associations look at.
+  std::uint64_t Comparisons() const;
+};
+
+/// As many comparisons as 32 full buses take: 128 ports each, and as many hubs and devices.
+inline constexpr std::uint64_t kMostComparisons = 4096ULL * 4096;
+inline constexpr std::uint64_t kMostIdentifierBytes = 256ULL << 20;
+
+/// Throws UserError, with the figures, for a list beyond the limits; `name` says which list it is.
+void CheckListLimits(std::string_view list, const std::string& name);
+
+}  // namespace cli
