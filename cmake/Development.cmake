@@ -25,5 +25,21 @@ string(REGEX REPLACE "/$" "" PREFIX_FROM_PKGCONFIG "${PREFIX_FROM_PKGCONFIG}")
 configure_file(cmake/usbinfo.pc.in "${GENERATED_DIR}/usbinfo.pc" @ONLY)
 install(FILES "${GENERATED_DIR}/usbinfo.pc" DESTINATION "${PKGCONFIG_DIR}" COMPONENT usbinfo-dev)
 
-install(DIRECTORY host schema standin DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/usbinfo" COMPONENT usbinfo-dev
-        FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY host DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/usbinfo" COMPONENT usbinfo-dev FILES_MATCHING
+        PATTERN "*.h")
+# Of the stand-in, what a program calls or derives from, with the headers that these include.
+set(STANDIN_HEADERS
+    CimClass
+    Export
+    GivenDeviceList
+    Host
+    HostSeam
+    Instance
+    Logger
+    Machine
+    Namespace
+    OperatingSystem
+    PluginModule
+    ValueView)
+list(TRANSFORM STANDIN_HEADERS REPLACE "(.+)" "standin/\\1.h")
+install(FILES ${STANDIN_HEADERS} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/usbinfo/standin" COMPONENT usbinfo-dev)

@@ -130,6 +130,7 @@ void TUsbData::FillDeviceProperties(UsbDevice device) {
   } else {
     FillDevice(device, level, properties);
   }
+  properties.clear();
   WriteDebug("TUsbData::FillDeviceProperties: End");
 }
 

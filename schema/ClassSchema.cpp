@@ -105,6 +105,13 @@ std::vector<ClassSchema> MakeServedClasses() {
   };
 }
 
+/// Length, first and last character tell nearly all names apart.
+std::size_t FirstSlotOf(std::string_view name) {
+  if (name.empty()) return 0;
+  const auto code = [](char c) { return static_cast<std::size_t>(static_cast<unsigned char>(c)); };
+  return 2 * name.size() + 2 * code(name.front()) + code(name.back());
+}
+
 }  // namespace
 
 const char* NameOf(PropertyId property) {
@@ -115,17 +122,20 @@ ClassSchema::ClassSchema(ClassId classId, std::string className, Kind classKind,
                          std::vector<PropertySchema> sorted)
     : id(classId), name(std::move(className)), kind(classKind), properties(std::move(sorted)) {
   fIndexes.fill(kNone);
+  fSlots.fill(kNone);
   for (std::size_t index = 0; index < properties.size(); ++index) {
     fIndexes[static_cast<std::size_t>(properties[index].id)] = index;
+    std::size_t slot = FirstSlotOf(properties[index].name);
+    while (fSlots[slot % fSlots.size()] != kNone) ++slot;
+    fSlots[slot % fSlots.size()] = index;
   }
 }
 
 std::size_t ClassSchema::IndexOf(std::string_view propertyName) const {
-  const auto found = std::lower_bound(
-      properties.begin(), properties.end(), propertyName,
-      [](const PropertySchema& property, std::string_view wanted) { return property.name < wanted; });
-  const bool isFound = found != properties.end() && found->name == propertyName;
-  return isFound ? static_cast<std::size_t>(found - properties.begin()) : kNone;
+  for (std::size_t slot = FirstSlotOf(propertyName);; ++slot) {
+    const std::size_t index = fSlots[slot % fSlots.size()];
+    if (index == kNone || properties[index].name == propertyName) return index;
+  }
 }
 
 const PropertySchema* ClassSchema::FindProperty(std::string_view propertyName) const {

@@ -87,6 +87,9 @@ struct ClassSchema {
 
  private:
   std::array<std::size_t, kPropertyCount> fIndexes;
+  /// Indexes by name: each in the slot where the search for its name begins, or in the next free one after
+  /// it.
+  std::array<std::size_t, 64> fSlots;
 };
 
 /// All classes, in the order of their ids.

@@ -1,11 +1,13 @@
-// One class; see the header.
 #include "standin/CimClass.h"
 
 #include <boost/make_shared.hpp>
+#include <utility>
 
-#include "standin/HostSeam.h"
+#include "schema/ClassSchema.h"
+#include "standin/HostEntry.h"
 #include "standin/Namespace.h"
 #include "standin/StatusCode.h"
+#include "standin/ValueView.h"
 
 using NKESTA20::ICIMInstance;
 using NKESTA20::ICIMNamespace;
@@ -17,25 +19,25 @@ CimClass::CimClass(const boost::shared_ptr<Namespace>& ns, const std::string& na
     : fNamespace(ns), fName(name), fSchema(schema::FindClass(name)) {}
 
 const std::string& CimClass::GetClassName(PropertyMap) {
-  HostSeam::Enter(HostOperation::kGetClassName, fName);
+  HostEntry::Pass(HostOperation::kGetClassName, fName);
   return fName;
 }
 
 boost::shared_ptr<ICIMNamespace> CimClass::GetNamespace(PropertyMap) {
-  HostSeam::Enter(HostOperation::kGetClassNamespace, fName);
+  HostEntry::Pass(HostOperation::kGetClassNamespace, fName);
   const boost::shared_ptr<Namespace> ns = fNamespace.lock();
   if (!ns) Throw(StatusCode::kFailed);
   return ns;
 }
 
 boost::shared_ptr<ICIMInstance> CimClass::CreateInstance(PropertyMap) {
-  HostSeam::Enter(HostOperation::kCreateInstance, fName);
+  HostEntry::Pass(HostOperation::kCreateInstance, fName);
   if (fSchema == nullptr) Throw(StatusCode::kInvalidClass);
   return boost::make_shared<Instance>(shared_from_this(), *fSchema);
 }
 
 void CimClass::EnumerateInstances(InstanceCallback callback, int flags, PropertyMap) {
-  HostSeam::Enter(HostOperation::kEnumerateInstances, fName);
+  HostEntry::Pass(HostOperation::kEnumerateInstances, fName);
   if (flags != 0) Throw(StatusCode::kInvalidParameter);
   const std::size_t count = fInstances.size();
   for (std::size_t index = 0; index < count; ++index) {
@@ -44,16 +46,26 @@ void CimClass::EnumerateInstances(InstanceCallback callback, int flags, Property
   }
 }
 
-void CimClass::Store(const std::string& path, const boost::shared_ptr<Instance>& instance) {
-  const auto [place, isNew] = fIndexByPath.emplace(path, fInstances.size());
-  if (!isNew) {
-    fInstances[place->second] = instance;
+void CimClass::Store(const boost::shared_ptr<Instance>& instance) {
+  const std::string_view path = TextOf(instance->Path());
+  const auto found = fIndexByPath.find(path);
+  if (found == fIndexByPath.end()) {
+    Append(path, instance);
     return;
   }
+  // The instance that is replaced takes the text of its path with it.
+  auto entry = fIndexByPath.extract(found);
+  entry.key() = path;
+  fInstances[entry.mapped()] = instance;
+  fIndexByPath.insert(std::move(entry));
+}
+
+void CimClass::Append(std::string_view path, const boost::shared_ptr<Instance>& instance) {
+  fInstances.push_back(instance);
   try {
-    fInstances.push_back(instance);
+    fIndexByPath.emplace(path, fInstances.size() - 1);
   } catch (...) {
-    fIndexByPath.erase(place);
+    fInstances.pop_back();
     throw;
   }
 }

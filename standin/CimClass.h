@@ -6,20 +6,26 @@
 #include <boost/shared_ptr.hpp>
 #include <boost/weak_ptr.hpp>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "host/ICIMClass.h"
-#include "schema/ClassSchema.h"
+#include "standin/Export.h"
 #include "standin/Instance.h"
+
+namespace schema {
+struct ClassSchema;
+}
 
 namespace standin {
 
 class Namespace;
 
-class CimClass : public NKESTA20::ICIMClass, public boost::enable_shared_from_this<CimClass> {
+class USBINFO_STANDIN_EXPORT CimClass : public NKESTA20::ICIMClass,
+                                        public boost::enable_shared_from_this<CimClass> {
  public:
-  CimClass(const boost::shared_ptr<Namespace>& ns, const std::string& name);
+  USBINFO_STANDIN_LOCAL CimClass(const boost::shared_ptr<Namespace>& ns, const std::string& name);
 
   const std::string& GetClassName(NKESTA20::PropertyMap context) override;
   /// Throws CIM_ERR_FAILED once the namespace is gone.
@@ -31,18 +37,21 @@ class CimClass : public NKESTA20::ICIMClass, public boost::enable_shared_from_th
   void EnumerateInstances(InstanceCallback callback, int flags, NKESTA20::PropertyMap context) override;
 
   /// Files a committed instance under its path, in the place of one of the same path.
-  void Store(const std::string& path, const boost::shared_ptr<Instance>& instance);
+  USBINFO_STANDIN_LOCAL void Store(const boost::shared_ptr<Instance>& instance);
 
   /// The same, without passing the seam.
   const std::string& Name() const { return fName; }
   const std::vector<boost::shared_ptr<Instance>>& Instances() const { return fInstances; }
 
  private:
+  USBINFO_STANDIN_LOCAL void Append(std::string_view path, const boost::shared_ptr<Instance>& instance);
+
   boost::weak_ptr<Namespace> fNamespace;
   std::string fName;
   const schema::ClassSchema* fSchema;
   std::vector<boost::shared_ptr<Instance>> fInstances;
-  std::unordered_map<std::string, std::size_t> fIndexByPath;
+  /// By the path texts of the instances themselves, which no longer change.
+  std::unordered_map<std::string_view, std::size_t> fIndexByPath;
 };
 
 }  // namespace standin

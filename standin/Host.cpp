@@ -1,4 +1,3 @@
-// The stand-in host; see the header.
 #include "standin/Host.h"
 
 #include <unistd.h>

@@ -9,13 +9,14 @@
 #include <vector>
 
 #include "host/IPluginCallbacks.h"
+#include "standin/Export.h"
 #include "standin/Logger.h"
 #include "standin/Namespace.h"
 #include "standin/OperatingSystem.h"
 
 namespace standin {
 
-class Host {
+class USBINFO_STANDIN_EXPORT Host {
  public:
   static constexpr const char* kSystemCreationClassName = "KALDO_ComputerSystem";
 

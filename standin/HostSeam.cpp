@@ -1,7 +1,8 @@
-// The stand-in's seam; see the header.
 #include "standin/HostSeam.h"
 
 #include <utility>
+
+#include "standin/HostEntry.h"
 
 namespace standin {
 
@@ -14,13 +15,15 @@ HostSeam::Observer& CurrentObserver() {
 
 }  // namespace
 
-void HostSeam::SetObserver(Observer observer) {
-  CurrentObserver() = std::move(observer);
+bool HostEntry::fIsWatched = false;
+
+void HostEntry::Report(HostOperation operation, const std::string& subject) {
+  CurrentObserver()(HostCall{operation, subject});
 }
 
-void HostSeam::Enter(HostOperation operation, const std::string& subject) {
-  const Observer& observer = CurrentObserver();
-  if (observer) observer(HostCall{operation, subject});
+void HostSeam::SetObserver(Observer observer) {
+  CurrentObserver() = std::move(observer);
+  HostEntry::fIsWatched = static_cast<bool>(CurrentObserver());
 }
 
 }  // namespace standin

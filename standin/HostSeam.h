@@ -6,6 +6,8 @@
 #include <functional>
 #include <string>
 
+#include "standin/Export.h"
+
 namespace standin {
 
 enum class HostOperation {
@@ -52,8 +54,7 @@ class HostSeam {
   using Observer = std::function<void(const HostCall&)>;
 
   /// Sees every call from now on; what it throws leaves the operation. An empty one sees nothing.
-  static void SetObserver(Observer observer);
-  static void Enter(HostOperation operation, const std::string& subject);
+  USBINFO_STANDIN_EXPORT static void SetObserver(Observer observer);
 };
 
 }  // namespace standin

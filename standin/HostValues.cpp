@@ -4,12 +4,12 @@
 #include "host/TCIMReference.h"
 #include "host/TCIMValue.h"
 #include "standin/HostData.h"
-#include "standin/HostSeam.h"
+#include "standin/HostEntry.h"
 #include "standin/StatusCode.h"
 #include "standin/ValueView.h"
 
+using standin::HostEntry;
 using standin::HostOperation;
-using standin::HostSeam;
 using standin::Release;
 using standin::Share;
 using standin::StatusCode;
@@ -19,24 +19,24 @@ namespace NKESTA20 {
 
 namespace {
 
-const ValueData* MakeString(const std::string& text) {
-  HostSeam::Enter(HostOperation::kMakeStringValue, text);
-  return new ValueData(TCIMValue::TCIMType::kString, text);
+const ValueData* MakeString(std::string text) {
+  HostEntry::Pass(HostOperation::kMakeStringValue, text);
+  return new ValueData(TCIMValue::TCIMType::kString, std::move(text));
 }
 
 const ValueData* MakeNumber(TCIMValue::TCIMType::ECIMType type, std::uint64_t number) {
-  HostSeam::Enter(HostOperation::kMakeNumberValue, std::to_string(number));
+  HostEntry::PassWith(HostOperation::kMakeNumberValue, [number] { return std::to_string(number); });
   return new ValueData(type, number);
 }
 
 const ValueData* MakeReferenceValue(const TCIMReference& path) {
-  HostSeam::Enter(HostOperation::kMakeReferenceValue, standin::TextOf(path));
+  HostEntry::Pass(HostOperation::kMakeReferenceValue, standin::TextOf(path));
   return new ValueData(TCIMValue::TCIMType::kReference, path);
 }
 
 const ValueData* MakeStringArray(TCIMValue::TCIMType type, unsigned int count,
                                  const std::vector<TCIMValue>& elements) {
-  HostSeam::Enter(HostOperation::kMakeArrayValue, std::to_string(count));
+  HostEntry::PassWith(HostOperation::kMakeArrayValue, [count] { return std::to_string(count); });
   if (type.GetCode() != TCIMValue::TCIMType::kStringArray) Throw(StatusCode::kTypeMismatch);
   if (count != elements.size()) Throw(StatusCode::kInvalidParameter);
   std::vector<std::string> texts;
@@ -82,17 +82,17 @@ TCIMValue::~TCIMValue() {
 }
 
 bool TCIMValue::IsNull() const {
-  HostSeam::Enter(HostOperation::kIsNull, std::string());
+  HostEntry::Pass(HostOperation::kIsNull);
   return fData == nullptr;
 }
 
 TCIMValue::operator std::string() const {
-  HostSeam::Enter(HostOperation::kConvertToString, std::string());
+  HostEntry::Pass(HostOperation::kConvertToString);
   return standin::TextOf(*this);
 }
 
 TCIMValue::operator unsigned short() const {
-  HostSeam::Enter(HostOperation::kConvertToNumber, std::string());
+  HostEntry::Pass(HostOperation::kConvertToNumber);
   const ValueData* const data = HostData::Of(*this);
   const auto* const number = data == nullptr ? nullptr : std::get_if<std::uint64_t>(&data->content);
   if (number == nullptr || *number > 0xFFFF) Throw(StatusCode::kTypeMismatch);
@@ -114,7 +114,7 @@ TCIMReference::~TCIMReference() {
 }
 
 bool TCIMReference::operator==(const TCIMReference& other) const {
-  HostSeam::Enter(HostOperation::kCompareReferences, standin::TextOf(*this));
+  HostEntry::Pass(HostOperation::kCompareReferences, standin::TextOf(*this));
   return standin::TextOf(*this) == standin::TextOf(other);
 }
 

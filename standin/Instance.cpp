@@ -1,12 +1,12 @@
-// One instance; see the header.
 #include "standin/Instance.h"
 
-#include <boost/make_shared.hpp>
 #include <utility>
 #include <vector>
 
+#include "schema/ClassSchema.h"
 #include "standin/CimClass.h"
-#include "standin/HostSeam.h"
+#include "standin/HostEntry.h"
+#include "standin/Property.h"
 #include "standin/StatusCode.h"
 #include "standin/ValueView.h"
 
@@ -15,6 +15,7 @@ using NKESTA20::ICIMProperty;
 using NKESTA20::PropertyMap;
 using NKESTA20::TCIMReference;
 using NKESTA20::TCIMValue;
+using schema::ClassSchema;
 
 namespace standin {
 
@@ -29,54 +30,73 @@ boost::shared_ptr<CimClass> LockClass(const boost::weak_ptr<CimClass>& cls) {
 }  // namespace
 
 Instance::Instance(const boost::shared_ptr<CimClass>& cls, const schema::ClassSchema& schema)
-    : fClass(cls), fSchema(schema) {}
+    : fClass(cls), fSchema(schema) {
+  fProperties.reserve(schema.properties.size());
+  for (const schema::PropertySchema& property : schema.properties) fProperties.emplace_back(property.name);
+}
+
+Instance::~Instance() = default;
 
 void Instance::Commit(PropertyMap) {
-  HostSeam::Enter(HostOperation::kCommit, fSchema.name);
-  LockClass(fClass)->Store(TextOf(Path()), shared_from_this());
+  HostEntry::Pass(HostOperation::kCommit, fSchema.name);
+  LockClass(fClass)->Store(shared_from_this());
   fCommitted = true;
 }
 
 TCIMReference Instance::GetObjectPath(PropertyMap) {
-  HostSeam::Enter(HostOperation::kGetObjectPath, fSchema.name);
+  HostEntry::Pass(HostOperation::kGetObjectPath, fSchema.name);
   return Path();
 }
 
 boost::shared_ptr<ICIMClass> Instance::GetClass(PropertyMap) {
-  HostSeam::Enter(HostOperation::kGetInstanceClass, fSchema.name);
+  HostEntry::Pass(HostOperation::kGetInstanceClass, fSchema.name);
   return LockClass(fClass);
 }
 
 boost::shared_ptr<ICIMProperty> Instance::GetProperty(const std::string& name, PropertyMap) {
-  HostSeam::Enter(HostOperation::kGetProperty, name);
-  const auto found = fProperties.find(name);
-  if (found == fProperties.end()) Throw(StatusCode::kNoSuchProperty);
-  return found->second;
+  HostEntry::Pass(HostOperation::kGetProperty, name);
+  const std::size_t index = fSchema.IndexOf(name);
+  if (index == ClassSchema::kNone || !fProperties[index].IsSet()) Throw(StatusCode::kNoSuchProperty);
+  return {shared_from_this(), &fProperties[index]};
 }
 
 void Instance::SetProperty(const std::string& name, const TCIMValue& value, PropertyMap) {
-  HostSeam::Enter(HostOperation::kSetProperty, name);
-  const schema::PropertySchema* const schema = fSchema.FindProperty(name);
-  if (schema == nullptr) Throw(StatusCode::kNoSuchProperty);
-  if (TypeOf(value) != schema->type) Throw(StatusCode::kTypeMismatch);
-  if (schema->isKey && fCommitted) Throw(StatusCode::kInvalidParameter);
-  if (schema->isKey) fPath = TCIMReference();
-  const auto found = fProperties.find(name);
-  if (found == fProperties.end()) {
-    fProperties.emplace(name, boost::make_shared<Property>(name, value));
-  } else {
-    found->second->SetValue(value);
+  HostEntry::Pass(HostOperation::kSetProperty, name);
+  const std::size_t index = fSchema.IndexOf(name);
+  if (index == ClassSchema::kNone) Throw(StatusCode::kNoSuchProperty);
+  const schema::PropertySchema& schema = fSchema.properties[index];
+  if (TypeOf(value) != schema.type) Throw(StatusCode::kTypeMismatch);
+  if (schema.isKey && fCommitted) Throw(StatusCode::kInvalidParameter);
+  if (schema.isKey) fPath = TCIMReference();
+  fProperties[index].SetValue(value);
+}
+
+const TCIMValue* Instance::ValueAt(std::size_t index) const {
+  const Property& property = fProperties.at(index);
+  return property.IsSet() ? &property.Value() : nullptr;
+}
+
+const TCIMValue* Instance::Find(std::string_view name) const {
+  const std::size_t index = fSchema.IndexOf(name);
+  return index == ClassSchema::kNone ? nullptr : ValueAt(index);
+}
+
+std::vector<NamedValue> Instance::Properties() const {
+  std::vector<NamedValue> properties;
+  properties.reserve(fProperties.size());
+  for (const Property& property : fProperties) {
+    if (property.IsSet()) properties.push_back({property.Name(), property.Value()});
   }
+  return properties;
 }
 
 const TCIMReference& Instance::Path() {
   if (!TextOf(fPath).empty()) return fPath;
   std::vector<std::pair<std::string, TCIMValue>> keys;
-  for (const schema::PropertySchema& schema : fSchema.properties) {
-    if (!schema.isKey) continue;
-    const auto found = fProperties.find(schema.name);
-    if (found == fProperties.end()) Throw(StatusCode::kInvalidParameter);
-    keys.emplace_back(schema.name, found->second->Value());
+  for (std::size_t index = 0; index < fProperties.size(); ++index) {
+    if (!fSchema.properties[index].isKey) continue;
+    if (!fProperties[index].IsSet()) Throw(StatusCode::kInvalidParameter);
+    keys.emplace_back(fProperties[index].Name(), fProperties[index].Value());
   }
   fPath = MakePath(fSchema.name, std::move(keys));
   return fPath;

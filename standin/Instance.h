@@ -1,27 +1,39 @@
-// One instance of a class: its properties by name, held against the schema as they are set. The class owns
-// it once it is committed; until then whoever created it does.
+// One instance of a class: its properties in one block in the schema's order, held against the schema as they
+// are set. The class owns it once it is committed; until then whoever created it does.
 #pragma once
 
 #include <boost/enable_shared_from_this.hpp>
 #include <boost/shared_ptr.hpp>
 #include <boost/weak_ptr.hpp>
-#include <map>
+#include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/ICIMInstance.h"
-#include "schema/ClassSchema.h"
-#include "standin/Property.h"
+#include "standin/Export.h"
+
+namespace schema {
+struct ClassSchema;
+}
 
 namespace standin {
 
 class CimClass;
+class Property;
 
-class Instance : public NKESTA20::ICIMInstance, public boost::enable_shared_from_this<Instance> {
+/// A property that has been set, within its instance.
+struct NamedValue {
+  const std::string& name;
+  const NKESTA20::TCIMValue& value;
+};
+
+class USBINFO_STANDIN_EXPORT Instance : public NKESTA20::ICIMInstance,
+                                        public boost::enable_shared_from_this<Instance> {
  public:
-  using Properties = std::map<std::string, boost::shared_ptr<Property>>;
-
   /// `schema` must outlive the instance.
-  Instance(const boost::shared_ptr<CimClass>& cls, const schema::ClassSchema& schema);
+  USBINFO_STANDIN_LOCAL Instance(const boost::shared_ptr<CimClass>& cls, const schema::ClassSchema& schema);
+  USBINFO_STANDIN_LOCAL ~Instance() override;
 
   /// Throws CIM_ERR_INVALID_PARAMETER while a key is missing. An instance of an equal path is replaced.
   void Commit(NKESTA20::PropertyMap context) override;
@@ -29,7 +41,8 @@ class Instance : public NKESTA20::ICIMInstance, public boost::enable_shared_from
   NKESTA20::TCIMReference GetObjectPath(NKESTA20::PropertyMap context) override;
   /// Throws CIM_ERR_FAILED once the class is gone.
   boost::shared_ptr<NKESTA20::ICIMClass> GetClass(NKESTA20::PropertyMap context) override;
-  /// Throws CIM_ERR_NO_SUCH_PROPERTY for a property that the instance lacks.
+  /// The property itself: it shows later changes and keeps the instance alive. Throws
+  /// CIM_ERR_NO_SUCH_PROPERTY for a property that the instance lacks.
   boost::shared_ptr<NKESTA20::ICIMProperty> GetProperty(const std::string& name,
                                                         NKESTA20::PropertyMap context) override;
   /// Throws CIM_ERR_NO_SUCH_PROPERTY for a property that the class lacks, CIM_ERR_TYPE_MISMATCH for a value
@@ -37,14 +50,24 @@ class Instance : public NKESTA20::ICIMInstance, public boost::enable_shared_from
   void SetProperty(const std::string& name, const NKESTA20::TCIMValue& value,
                    NKESTA20::PropertyMap context) override;
 
-  /// The same, without passing the seam.
-  const Properties& AllProperties() const { return fProperties; }
+  // Reading without passing the seam. What is returned is valid as long as the instance, values until they
+  // are set again.
+
+  const schema::ClassSchema& Schema() const { return fSchema; }
+  /// The value of the property at `index` in the schema; null while it is not set.
+  const NKESTA20::TCIMValue* ValueAt(std::size_t index) const;
+  /// The value of the property of that name; null while it is not set, and where the class lacks it.
+  const NKESTA20::TCIMValue* Find(std::string_view name) const;
+  /// All properties that have been set, ascending by name.
+  std::vector<NamedValue> Properties() const;
+  /// Throws CIM_ERR_INVALID_PARAMETER while a key is missing.
   const NKESTA20::TCIMReference& Path();
 
  private:
   boost::weak_ptr<CimClass> fClass;
   const schema::ClassSchema& fSchema;
-  Properties fProperties;
+  /// One per property of the schema; null values are not set.
+  std::vector<Property> fProperties;
   /// The path, made when it is first asked for; empty before and after a change of a key.
   NKESTA20::TCIMReference fPath;
   bool fCommitted = false;

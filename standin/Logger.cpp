@@ -1,12 +1,11 @@
-// The core logger; see the header.
 #include "standin/Logger.h"
 
-#include "standin/HostSeam.h"
+#include "standin/HostEntry.h"
 
 namespace standin {
 
 void Logger::Write(EQSVLogSeverity severity, const std::string& text) {
-  HostSeam::Enter(HostOperation::kWriteLog, text);
+  HostEntry::Pass(HostOperation::kWriteLog, text);
   if (fSink) fSink(severity, text);
 }
 

@@ -5,10 +5,11 @@
 #include <string>
 
 #include "host/ILogger.h"
+#include "standin/Export.h"
 
 namespace standin {
 
-class Logger : public NKESTA20::ILogger {
+class USBINFO_STANDIN_EXPORT Logger : public NKESTA20::ILogger {
  public:
   using Sink = std::function<void(EQSVLogSeverity severity, const std::string& text)>;
 

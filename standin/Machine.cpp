@@ -1,4 +1,3 @@
-// The real operating-system services; see the header.
 #include "standin/Machine.h"
 
 #include <fcntl.h>
@@ -37,7 +36,7 @@ bool Machine::FileExists(const std::string& path) {
 
 std::string Machine::CaptureFile(const std::string& path) {
   try {
-    return sys::ReadAll(sys::OpenFile(path, O_RDONLY).Get());
+    return sys::ReadAll(sys::OpenFile(path, O_RDONLY).Get(), kMaxOutput);
   } catch (const std::system_error& error) {
     Throw(StatusOf(error.code().value()));
   }

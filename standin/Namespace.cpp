@@ -1,10 +1,9 @@
-// The namespace; see the header.
 #include "standin/Namespace.h"
 
 #include <boost/make_shared.hpp>
 
 #include "schema/ClassSchema.h"
-#include "standin/HostSeam.h"
+#include "standin/HostEntry.h"
 #include "standin/StatusCode.h"
 
 using NKESTA20::ICIMClass;
@@ -21,7 +20,7 @@ boost::shared_ptr<Namespace> Namespace::Make() {
 }
 
 boost::shared_ptr<ICIMClass> Namespace::GetClass(const std::string& className, PropertyMap) {
-  HostSeam::Enter(HostOperation::kGetClass, className);
+  HostEntry::Pass(HostOperation::kGetClass, className);
   const auto found = fClasses.find(className);
   if (found == fClasses.end()) Throw(StatusCode::kNotFound);
   return found->second;

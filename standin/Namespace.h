@@ -8,15 +8,17 @@
 
 #include "host/ICIMNamespace.h"
 #include "standin/CimClass.h"
+#include "standin/Export.h"
 
 namespace standin {
 
-class Namespace : public NKESTA20::ICIMNamespace, public boost::enable_shared_from_this<Namespace> {
+class USBINFO_STANDIN_EXPORT Namespace : public NKESTA20::ICIMNamespace,
+                                         public boost::enable_shared_from_this<Namespace> {
  public:
   static constexpr const char* kName = "root/cimv2";
 
   /// A namespace with the classes of the schema and no instances.
-  static boost::shared_ptr<Namespace> Make();
+  USBINFO_STANDIN_LOCAL static boost::shared_ptr<Namespace> Make();
 
   /// Throws CIM_ERR_NOT_FOUND for a class that the schema lacks.
   boost::shared_ptr<NKESTA20::ICIMClass> GetClass(const std::string& className,

@@ -5,13 +5,13 @@
 #include <cstdint>
 
 #include "standin/Host.h"
-#include "standin/HostSeam.h"
+#include "standin/HostEntry.h"
 #include "standin/StatusCode.h"
 
 namespace NKESTA20 {
 
 void TPluginManagerNamespace::RegisterPlugin(IPluginCallbacks* plugin) {
-  standin::HostSeam::Enter(standin::HostOperation::kRegisterPlugin, std::string());
+  standin::HostEntry::Pass(standin::HostOperation::kRegisterPlugin);
   if (reinterpret_cast<std::uintptr_t>(this) == 0) return;
   standin::Host::Instance().Register(plugin);
 }
@@ -22,7 +22,7 @@ namespace standin {
 
 boost::shared_ptr<NKESTA20::ICIMClass> PluginManager::GetClass(const std::string& className,
                                                                NKESTA20::PropertyMap) {
-  HostSeam::Enter(HostOperation::kGetClass, className);
+  HostEntry::Pass(HostOperation::kGetClass, className);
   Throw(StatusCode::kNotFound);
 }
 

@@ -1,4 +1,3 @@
-// Loading, driving and unloading a plug-in module; see the header.
 #include "standin/PluginModule.h"
 
 #include <dlfcn.h>
@@ -6,6 +5,7 @@
 #include "standin/Host.h"
 
 using NKESTA20::ICIMClass;
+using NKESTA20::ILogger;
 using NKESTA20::IPluginBasicQueryCallbacks;
 using NKESTA20::IPluginCallbacks;
 
@@ -13,52 +13,71 @@ namespace standin {
 
 namespace {
 
-/// The plug-ins that came after the first `count`.
-std::vector<IPluginCallbacks*> RegisteredSince(std::size_t count) {
-  const auto& plugins = Host::Instance().Plugins();
-  return {plugins.begin() + static_cast<std::ptrdiff_t>(count), plugins.end()};
+void WarnOfFailure(const std::string& path) noexcept {
+  try {
+    Host::Instance().CoreLogger().Write(ILogger::kWarning,
+                                        path + ": the plug-in failed when it was unloaded");
+  } catch (...) {
+    // The plug-in is gone all the same.
+  }
 }
 
 }  // namespace
+
+void PluginModule::Close::operator()(void* handle) const {
+  ::dlclose(handle);
+}
 
 PluginModule::PluginModule(const std::string& path) {
   const std::size_t before = Host::Instance().Plugins().size();
   try {
     Load(path);
   } catch (...) {
-    // A module whose initialization throws stays mapped, but what it registered is gone.
-    for (IPluginCallbacks* const plugin : RegisteredSince(before)) Host::Instance().Forget(plugin);
+    // What registered may have been destroyed by the exception, so it is forgotten without a last call.
+    while (Host::Instance().Plugins().size() > before) {
+      Host::Instance().Forget(Host::Instance().Plugins().back());
+    }
     throw;
   }
-  fPlugins = RegisteredSince(before);
-  for (IPluginCallbacks* const plugin : fPlugins) {
-    if (fQueries != nullptr) break;
-    fLifecycle = plugin;
-    fQueries = dynamic_cast<IPluginBasicQueryCallbacks*>(plugin);
+  try {
+    fPath = path;
+    TakeOver(before);
+  } catch (...) {
+    while (Host::Instance().Plugins().size() > before) Dismiss(Host::Instance().Plugins().back());
+    throw;
   }
-  if (fQueries != nullptr) return;
-  Unload();
-  throw PluginError(path + ": the module registers no plug-in that answers queries");
 }
 
 PluginModule::~PluginModule() {
-  Unload();
+  for (IPluginCallbacks* const plugin : fPlugins) Dismiss(plugin);
 }
 
 void PluginModule::Load(const std::string& path) {
   // The system promises that dlopen never throws, but what a module's initialization throws comes through it.
   // A pointer that the compiler cannot look through keeps the way open.
   void* (*volatile const open)(const char*, int) = ::dlopen;
-  fHandle = open(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  fHandle.reset(open(path.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (fHandle == nullptr) throw PluginError(::dlerror());
 }
 
-void PluginModule::Unload() {
+void PluginModule::TakeOver(std::size_t before) {
+  const std::vector<IPluginCallbacks*>& plugins = Host::Instance().Plugins();
+  fPlugins.assign(plugins.begin() + static_cast<std::ptrdiff_t>(before), plugins.end());
   for (IPluginCallbacks* const plugin : fPlugins) {
-    Host::Instance().Forget(plugin);
-    plugin->PrepareForUnload();
+    fLifecycle = plugin;
+    fQueries = dynamic_cast<IPluginBasicQueryCallbacks*>(plugin);
+    if (fQueries != nullptr) return;
   }
-  ::dlclose(fHandle);
+  throw PluginError(fPath + ": the module registers no plug-in that answers queries");
+}
+
+void PluginModule::Dismiss(IPluginCallbacks* plugin) noexcept {
+  Host::Instance().Forget(plugin);
+  try {
+    plugin->PrepareForUnload();
+  } catch (...) {
+    WarnOfFailure(fPath);
+  }
 }
 
 void PluginModule::Collect(const std::vector<std::string>& classNames) {
@@ -67,8 +86,21 @@ void PluginModule::Collect(const std::vector<std::string>& classNames) {
   classes.reserve(classNames.size());
   for (const std::string& name : classNames) classes.emplace_back(ns->ClassForRequest(name));
   fLifecycle->Init();
-  fQueries->GetData(ns, classes);
+  try {
+    fQueries->GetData(ns, classes);
+  } catch (...) {
+    DeInitAfterFailure();
+    throw;
+  }
   fLifecycle->DeInit();
+}
+
+void PluginModule::DeInitAfterFailure() noexcept {
+  try {
+    fLifecycle->DeInit();
+  } catch (...) {
+    // The first failure is the one to report.
+  }
 }
 
 }  // namespace standin

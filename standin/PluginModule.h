@@ -1,18 +1,21 @@
 // A plug-in module loaded into the process, and the plug-in that registered with the host while it loaded.
-// Owns the loading: the destructor has what registered delete itself and unloads the module.
+// Owns both: the destructor lets the plug-in delete itself, then unloads the module.
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "host/IPluginBasicQueryCallbacks.h"
 #include "host/IPluginCallbacks.h"
+#include "standin/Export.h"
 
 namespace standin {
 
 /// Why a module cannot be used; what() is one line for the user.
-class PluginError : public std::runtime_error {
+class USBINFO_STANDIN_EXPORT PluginError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
@@ -21,23 +24,34 @@ class PluginModule {
  public:
   /// Loads the module at `path`; throws PluginError when it cannot be loaded or registers no plug-in that
   /// answers queries, and what the module's own initialization throws.
-  explicit PluginModule(const std::string& path);
+  USBINFO_STANDIN_EXPORT explicit PluginModule(const std::string& path);
   PluginModule(const PluginModule&) = delete;
   PluginModule& operator=(const PluginModule&) = delete;
-  ~PluginModule();
+  /// What the plug-in throws when it is told to go is logged as a warning; the module is unloaded all the
+  /// same.
+  USBINFO_STANDIN_EXPORT ~PluginModule();
 
   NKESTA20::IPluginCallbacks& Lifecycle() { return *fLifecycle; }
   NKESTA20::IPluginBasicQueryCallbacks& Queries() { return *fQueries; }
 
-  /// A whole round as a host drives it: Init, one request for the classes named, in order, then DeInit.
-  /// Names that the schema lacks are asked for all the same.
-  void Collect(const std::vector<std::string>& classNames);
+  /// A whole round as a host drives it: Init, one request for the classes named, in order, then DeInit, which
+  /// also follows a request that throws. Names that the schema lacks are asked for all the same.
+  USBINFO_STANDIN_EXPORT void Collect(const std::vector<std::string>& classNames);
 
  private:
-  void Load(const std::string& path);
-  void Unload();
+  struct Close {
+    void operator()(void* handle) const;
+  };
 
-  void* fHandle = nullptr;
+  void Load(const std::string& path);
+  /// Takes over the plug-ins that came after the first `before`.
+  void TakeOver(std::size_t before);
+  /// Forgets a plug-in and lets it delete itself.
+  void Dismiss(NKESTA20::IPluginCallbacks* plugin) noexcept;
+  void DeInitAfterFailure() noexcept;
+
+  std::string fPath;
+  std::unique_ptr<void, Close> fHandle;
   /// What registered while the module was loaded; the first that answers queries is driven.
   std::vector<NKESTA20::IPluginCallbacks*> fPlugins;
   NKESTA20::IPluginCallbacks* fLifecycle = nullptr;

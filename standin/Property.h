@@ -1,26 +1,31 @@
-// One property of one instance. The instance owns it and hands out shared pointers to it; setting the
-// property again changes the value in place, so earlier hand-outs see the new one.
+// One property of one instance, which owns it and hands out shared pointers to it; setting the property again
+// changes the value in place, so that earlier hand-outs see the new one.
 #pragma once
 
 #include <string>
 
 #include "host/ICIMProperty.h"
+#include "standin/HostData.h"
 
 namespace standin {
 
 class Property : public NKESTA20::ICIMProperty {
  public:
-  Property(const std::string& name, const NKESTA20::TCIMValue& value) : fName(name), fValue(value) {}
+  /// Not set; `name` must outlive the property.
+  explicit Property(const std::string& name) : fName(name) {}
 
   const NKESTA20::TCIMValue& GetValue(NKESTA20::PropertyMap context) override;
   std::string GetValueAsText() override;
 
-  /// The value, without passing the seam.
+  // The same, without passing the seam.
+
+  const std::string& Name() const { return fName; }
+  bool IsSet() const { return NKESTA20::HostData::Of(fValue) != nullptr; }
   const NKESTA20::TCIMValue& Value() const { return fValue; }
   void SetValue(const NKESTA20::TCIMValue& value) { fValue = value; }
 
  private:
-  std::string fName;
+  const std::string& fName;
   NKESTA20::TCIMValue fValue;
 };
 

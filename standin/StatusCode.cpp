@@ -1,9 +1,8 @@
-// Status codes and their texts, as the DMTF numbers and names them (DSP0200); see the header.
 #include "standin/StatusCode.h"
 
 #include "host/TQSVException.h"
 #include "host/TQSVStatusCode.h"
-#include "standin/HostSeam.h"
+#include "standin/HostEntry.h"
 
 namespace {
 
@@ -49,7 +48,8 @@ TQSVStatusCode::TQSVStatusCode(unsigned int code) : fData(FindEntry(code)) {}
 
 std::string TQSVStatusCode::TranslateStatusCode() const {
   const char* const name = static_cast<const StatusEntry*>(fData)->name;
-  standin::HostSeam::Enter(standin::HostOperation::kTranslateStatusCode, name);
+  standin::HostEntry::PassWith(standin::HostOperation::kTranslateStatusCode,
+                               [name] { return std::string(name); });
   return name;
 }
 

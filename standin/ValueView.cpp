@@ -1,4 +1,3 @@
-// Reading values and paths; see the header.
 #include "standin/ValueView.h"
 
 #include <algorithm>

@@ -9,29 +9,31 @@
 
 #include "host/TCIMReference.h"
 #include "host/TCIMValue.h"
+#include "standin/Export.h"
 
 namespace standin {
 
-NKESTA20::TCIMValue::TCIMType::ECIMType TypeOf(const NKESTA20::TCIMValue& value);
+USBINFO_STANDIN_EXPORT NKESTA20::TCIMValue::TCIMType::ECIMType TypeOf(const NKESTA20::TCIMValue& value);
 
 /// The content of a value of the matching type; each throws std::bad_variant_access for another one.
-std::uint64_t NumberOf(const NKESTA20::TCIMValue& value);
-const std::string& StringOf(const NKESTA20::TCIMValue& value);
-const std::vector<std::string>& StringsOf(const NKESTA20::TCIMValue& value);
-const NKESTA20::TCIMReference& ReferenceOf(const NKESTA20::TCIMValue& value);
+USBINFO_STANDIN_EXPORT std::uint64_t NumberOf(const NKESTA20::TCIMValue& value);
+USBINFO_STANDIN_EXPORT const std::string& StringOf(const NKESTA20::TCIMValue& value);
+USBINFO_STANDIN_EXPORT const std::vector<std::string>& StringsOf(const NKESTA20::TCIMValue& value);
+USBINFO_STANDIN_EXPORT const NKESTA20::TCIMReference& ReferenceOf(const NKESTA20::TCIMValue& value);
 
 /// A value as text: strings unchanged, numbers in decimal, arrays as `{a, b}`, references as their path, null
 /// empty.
-std::string TextOf(const NKESTA20::TCIMValue& value);
+USBINFO_STANDIN_EXPORT std::string TextOf(const NKESTA20::TCIMValue& value);
 
-const std::string& ClassNameOf(const NKESTA20::TCIMReference& path);
+USBINFO_STANDIN_EXPORT const std::string& ClassNameOf(const NKESTA20::TCIMReference& path);
 /// The key values, ascending by name.
-const std::vector<std::pair<std::string, NKESTA20::TCIMValue>>& KeysOf(const NKESTA20::TCIMReference& path);
+USBINFO_STANDIN_EXPORT const std::vector<std::pair<std::string, NKESTA20::TCIMValue>>& KeysOf(
+    const NKESTA20::TCIMReference& path);
 /// The path as text: `Class.Key="value",...`; empty for an empty path.
-const std::string& TextOf(const NKESTA20::TCIMReference& path);
+USBINFO_STANDIN_EXPORT const std::string& TextOf(const NKESTA20::TCIMReference& path);
 
 /// A path from its parts; `keys` in any order.
-NKESTA20::TCIMReference MakePath(const std::string& className,
-                                 std::vector<std::pair<std::string, NKESTA20::TCIMValue>> keys);
+USBINFO_STANDIN_EXPORT NKESTA20::TCIMReference MakePath(
+    const std::string& className, std::vector<std::pair<std::string, NKESTA20::TCIMValue>> keys);
 
 }  // namespace standin

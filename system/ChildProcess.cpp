@@ -1,4 +1,3 @@
-// A shell command and its output; see the header.
 #include "system/ChildProcess.h"
 
 #include <fcntl.h>
@@ -28,16 +27,35 @@ void Check(int error) {
   if (error != 0) ThrowSystemError(error);
 }
 
-/// The spawn settings: nothing to read, output to `output`, errors dropped, a group and signals of its own.
-class SpawnSettings {
+/// What the child does with its descriptors: nothing to read, output to `output`, errors dropped.
+class SpawnActions {
  public:
-  explicit SpawnSettings(int output) {
-    Check(posix_spawn_file_actions_init(&fActions));
-    Check(posix_spawnattr_init(&fAttributes));
+  SpawnActions() { Check(posix_spawn_file_actions_init(&fActions)); }
+  SpawnActions(const SpawnActions&) = delete;
+  SpawnActions& operator=(const SpawnActions&) = delete;
+  ~SpawnActions() { posix_spawn_file_actions_destroy(&fActions); }
+
+  void Redirect(int output) {
     // The output first: where this process lacks a standard stream, `output` may have its number.
     Check(posix_spawn_file_actions_adddup2(&fActions, output, STDOUT_FILENO));
     Check(posix_spawn_file_actions_addopen(&fActions, STDIN_FILENO, "/dev/null", O_RDONLY, 0));
     Check(posix_spawn_file_actions_addopen(&fActions, STDERR_FILENO, "/dev/null", O_WRONLY, 0));
+  }
+  const posix_spawn_file_actions_t* Get() const { return &fActions; }
+
+ private:
+  posix_spawn_file_actions_t fActions;
+};
+
+/// What the child is: the leader of a group of its own, with the default signals.
+class SpawnAttributes {
+ public:
+  SpawnAttributes() { Check(posix_spawnattr_init(&fAttributes)); }
+  SpawnAttributes(const SpawnAttributes&) = delete;
+  SpawnAttributes& operator=(const SpawnAttributes&) = delete;
+  ~SpawnAttributes() { posix_spawnattr_destroy(&fAttributes); }
+
+  void SetApart() {
     sigset_t signals;
     sigemptyset(&signals);
     Check(posix_spawnattr_setsigmask(&fAttributes, &signals));
@@ -48,22 +66,13 @@ class SpawnSettings {
     Check(posix_spawnattr_setflags(&fAttributes,
                                    POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
   }
-  SpawnSettings(const SpawnSettings&) = delete;
-  SpawnSettings& operator=(const SpawnSettings&) = delete;
-  ~SpawnSettings() {
-    posix_spawnattr_destroy(&fAttributes);
-    posix_spawn_file_actions_destroy(&fActions);
-  }
-
-  const posix_spawn_file_actions_t* Actions() const { return &fActions; }
-  const posix_spawnattr_t* Attributes() const { return &fAttributes; }
+  const posix_spawnattr_t* Get() const { return &fAttributes; }
 
  private:
-  posix_spawn_file_actions_t fActions;
   posix_spawnattr_t fAttributes;
 };
 
-/// Waits until `fd` has something to tell; throws with ETIMEDOUT when `deadline` passes first.
+/// Waits until `fd` can be read; throws with ETIMEDOUT when `deadline` passes first.
 void AwaitReadable(int fd, Clock::time_point deadline) {
   for (;;) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
@@ -83,12 +92,15 @@ ChildProcess::ChildProcess(const std::string& command) {
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) ThrowSystemError(errno);
   fOutput = FileDescriptor(ends[0]);
   const FileDescriptor input(ends[1]);
-  const SpawnSettings settings(input.Get());
+  SpawnActions actions;
+  actions.Redirect(input.Get());
+  SpawnAttributes attributes;
+  attributes.SetApart();
   std::string shell = "sh";
   std::string option = "-c";
   std::string line = command;
   const std::array<char*, 4> arguments = {shell.data(), option.data(), line.data(), nullptr};
-  Check(posix_spawn(&fPid, "/bin/sh", settings.Actions(), settings.Attributes(), arguments.data(), environ));
+  Check(posix_spawn(&fPid, "/bin/sh", actions.Get(), attributes.Get(), arguments.data(), environ));
   fGuard.Watch(fPid);
 }
 
@@ -109,9 +121,12 @@ std::string ChildProcess::Collect(std::chrono::milliseconds limit, std::size_t m
     AwaitReadable(fOutput.Get(), deadline);
     const ssize_t got = ::read(fOutput.Get(), chunk.data(), chunk.size());
     if (got == 0) break;
-    if (got < 0 && errno != EINTR) ThrowSystemError(errno);
-    if (got > 0) text.append(chunk.data(), static_cast<std::size_t>(got));
-    if (text.size() > maxBytes) ThrowSystemError(EFBIG);
+    if (got > 0) {
+      if (static_cast<std::size_t>(got) > maxBytes - text.size()) ThrowSystemError(EFBIG);
+      text.append(chunk.data(), static_cast<std::size_t>(got));
+    } else if (errno != EINTR) {
+      ThrowSystemError(errno);
+    }
   }
   AwaitEnd(deadline);
   return text;

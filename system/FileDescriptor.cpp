@@ -47,11 +47,11 @@ std::string ReadAll(int fd, std::size_t most) {
     const ssize_t got = ::read(fd, chunk.data(), chunk.size());
     if (got == 0) return text;
     if (got > 0) {
+      if (static_cast<std::size_t>(got) > most - text.size()) ThrowSystemError(EFBIG);
       text.append(chunk.data(), static_cast<std::size_t>(got));
     } else if (errno != EINTR) {
       ThrowSystemError(errno);
     }
-    if (text.size() > most) ThrowSystemError(EFBIG);
   }
 }
 

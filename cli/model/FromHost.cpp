@@ -32,8 +32,9 @@ Value ReadValue(const TCIMValue& value) {
 
 Item ReadItem(ClassId classId, const standin::Instance& instance) {
   Item item(classId);
-  for (const auto& [name, property] : instance.AllProperties()) {
-    item.SetAt(item.Schema().IndexOf(name), ReadValue(property->Value()));
+  for (std::size_t index = 0; index < item.Schema().properties.size(); ++index) {
+    const TCIMValue* const value = instance.ValueAt(index);
+    if (value != nullptr) item.SetAt(index, ReadValue(*value));
   }
   return item;
 }

@@ -26,6 +26,7 @@
 #include "standin/Host.h"
 #include "standin/Instance.h"
 #include "standin/PluginModule.h"
+#include "standin/ValueView.h"
 
 using NKESTA20::ICIMInstance;
 using NKESTA20::ILogger;
@@ -77,8 +78,8 @@ void Print(const std::string& className) {
       ->EnumerateInstances(NKESTA20::TAddToVectorCallback<ICIMInstance>(instances), 0, {});
   for (const auto& instance : instances) {
     std::cout << className << "\n";
-    for (const auto& [name, property] : static_cast<standin::Instance&>(*instance).AllProperties()) {
-      std::cout << "  " << name << " = " << Harmless(property->GetValueAsText()) << "\n";
+    for (const auto& [name, value] : static_cast<standin::Instance&>(*instance).Properties()) {
+      std::cout << "  " << name << " = " << Harmless(standin::TextOf(value)) << "\n";
     }
   }
 }

@@ -36,6 +36,16 @@ const ModelProvider* ProviderOf(const std::string& className) {
 
 void ModelPlugin::Run(const std::vector<std::string>& request) {
   fHost.Log(kDebug, "TUSBInfoCallbacks::Init - Initializing the plugin.");
+  try {
+    GetData(request);
+  } catch (...) {
+    DeInit();
+    throw;
+  }
+  DeInit();
+}
+
+void ModelPlugin::GetData(const std::vector<std::string>& request) {
   for (const std::string& className : request) {
     fHost.Call(HostOperation::kGetClassName, className);
     fHost.Log(kDebug, "TUSBInfoCallbacks::GetData - Received request for class " + className + ".");
@@ -44,6 +54,9 @@ void ModelPlugin::Run(const std::vector<std::string>& request) {
     Serve(className);
   }
   fHost.Log(kDebug, "TUSBInfoCallbacks::GetData - Normal exit from plugin.");
+}
+
+void ModelPlugin::DeInit() {
   fHost.Log(kDebug, "TUSBInfoCallbacks::DeInit - De-initializing the plugin.");
 }
 

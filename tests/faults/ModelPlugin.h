@@ -21,6 +21,8 @@ class ModelPlugin {
   void Run(const std::vector<std::string>& request);
 
  private:
+  void GetData(const std::vector<std::string>& request);
+  void DeInit();
   void Serve(const std::string& className);
   bool MakeInstances(const std::string& className);
   bool GenerateAll(const std::vector<Properties>& entries, const std::string& className,

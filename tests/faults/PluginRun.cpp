@@ -72,8 +72,8 @@ class RecordedHost {
     for (const std::string& className : kAllClasses) {
       for (const auto& instance : fHost.Cimv2()->ClassForRequest(className)->Instances()) {
         Properties properties;
-        for (const auto& [name, property] : instance->AllProperties()) {
-          properties.emplace(name, standin::TextOf(property->Value()));
+        for (const auto& [name, value] : instance->Properties()) {
+          properties.emplace(name, standin::TextOf(value));
         }
         fOutcome.instances[className].push_back(std::move(properties));
       }

@@ -133,8 +133,8 @@ void CheckInstance(const xmlNode* node, const std::string& className, const cli:
   object.RequireEnd();
   CheckAttribute(content, "CLASSNAME", className);
   Children properties(content, "INSTANCE");
-  for (const auto& [name, property] : instance.Properties()) {
-    CheckProperty(properties.Next(), name, property->Value());
+  for (const auto& [name, value] : instance.Properties()) {
+    CheckProperty(properties.Next(), name, value);
   }
   properties.RequireEnd();
 }

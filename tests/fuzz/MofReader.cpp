@@ -133,10 +133,10 @@ void CheckInstance(Scanner& scanner, const std::string& className, const cli::In
   scanner.Expect("instance of ");
   RequireEqual(scanner.Word(), className, "the class of an instance of the MOF document");
   scanner.Expect("{");
-  for (const auto& [name, property] : instance.Properties()) {
+  for (const auto& [name, value] : instance.Properties()) {
     RequireEqual(scanner.Word(), name, "a property of the MOF document");
     scanner.Expect("=");
-    CheckValue(scanner, property->Value());
+    CheckValue(scanner, value);
     scanner.Expect(";");
   }
   scanner.Expect("};");

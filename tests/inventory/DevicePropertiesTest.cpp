@@ -1,16 +1,23 @@
 // The hub and device entries: their exact properties, the identifiers that tie them to their parent, their
 // log lines, and what a failure leaves.
 #include "host/TQSVException.h"
+#include "standin/HostData.h"
 #include "tests/inventory/InventoryTest.h"
 
 namespace usbinfo_test {
 namespace {
 
+using NKESTA20::PropertyMap;
 using NKESTA20::TQSVException;
 using standin::HostOperation;
 
 const std::vector<std::string> kStringLines = {"S:  Manufacturer=Acme", "S:  Product=Flash Disk",
                                                "S:  SerialNumber=A1 b2"};
+
+/// The number of handles on a value's data.
+unsigned int HoldersOf(const NKESTA20::TCIMValue& value) {
+  return NKESTA20::HostData::Of(value)->uses.load();
+}
 
 class DeviceProperties : public InventoryTest {
  protected:
@@ -295,6 +302,20 @@ TEST_F(DeviceProperties, LogTheStepsOfAHubWithItsPortsBeforeTheEnd) {
            Debug("Total Ports1"), Debug("TUsbData::GetKeyProperties: Begin"),
            Debug("TUsbData::GetKeyProperties: End"), Debug("TUsbData::FillPortProperties: End"),
            Debug("TUsbData::FillDeviceProperties: End")}));
+}
+
+TEST_F(DeviceProperties, GiveTheirOwnValuesBackBeforeTheEndIsLogged) {
+  for (const bool isHub : {true, false}) {
+    const std::vector<PropertyMap>& filed = isHub ? Inventory::fUsbHubData : Inventory::fUsbDeviceData;
+    std::vector<unsigned int> holders;
+    host.CoreLogger().SetSink([&](auto, const std::string& line) {
+      if (line != "TUsbData::FillDeviceProperties: End") return;
+      for (const auto& [name, value] : filed.back()) holders.push_back(HoldersOf(value));
+    });
+    inventory.FillDeviceProperties(isHub ? MakeHub(WholeBlock(kHubLine))
+                                         : MakeDevice(WholeBlock(kDeviceLine)));
+    EXPECT_EQ(holders, std::vector<unsigned int>(filed.back().size(), 1U)) << isHub;
+  }
 }
 
 TEST_F(DeviceProperties, LeaveTheWorkingMapsAlone) {

@@ -70,9 +70,7 @@ inline Properties Describe(const NKESTA20::PropertyMap& map) {
 
 inline Properties Describe(const standin::Instance& instance) {
   Properties properties;
-  for (const auto& [name, property] : instance.AllProperties()) {
-    properties.emplace(name, Describe(property->Value()));
-  }
+  for (const auto& [name, value] : instance.Properties()) properties.emplace(name, Describe(value));
   return properties;
 }
 

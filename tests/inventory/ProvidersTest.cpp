@@ -72,7 +72,7 @@ class Provider : public InventoryTest, public ::testing::WithParamInterface<Serv
   std::vector<std::string> Committed() {
     std::vector<std::string> deviceIds;
     for (const auto& instance : ClassNamed(served.className)->Instances()) {
-      deviceIds.push_back(standin::StringOf(instance->AllProperties().at("DeviceID")->Value()));
+      deviceIds.push_back(standin::StringOf(*instance->Find("DeviceID")));
     }
     return deviceIds;
   }

@@ -3,10 +3,10 @@
 
 #include "host/TCIMSchemaHelper.h"
 #include "standin/Host.h"
-#include "standin/HostSeam.h"
+#include "standin/HostEntry.h"
 
+using standin::HostEntry;
 using standin::HostOperation;
-using standin::HostSeam;
 
 namespace usbinfo_test {
 
@@ -19,15 +19,18 @@ SystemNames& CurrentSystemNames() {
 
 namespace NKESTA20 {
 
+const std::string TCIMSchemaHelper::kContextName = "ContextName";
+const std::string TCIMSchemaHelper::kPluginNSPName = "PluginNamespace";
+
 std::string TCIMSchemaHelper::GetSystemName(boost::shared_ptr<ICIMNamespace> ns) {
-  HostSeam::Enter(HostOperation::kGetSystemName, std::string());
+  HostEntry::Pass(HostOperation::kGetSystemName);
   usbinfo_test::SystemNames& names = usbinfo_test::CurrentSystemNames();
   names.askedForName.push_back(ns.get());
   return names.name.value_or(standin::Host::Instance().SystemName());
 }
 
 std::string TCIMSchemaHelper::GetSystemCreationClassName(boost::shared_ptr<ICIMNamespace> ns) {
-  HostSeam::Enter(HostOperation::kGetSystemCreationClassName, std::string());
+  HostEntry::Pass(HostOperation::kGetSystemCreationClassName);
   usbinfo_test::SystemNames& names = usbinfo_test::CurrentSystemNames();
   names.askedForClass.push_back(ns.get());
   return names.creationClassName.value_or(standin::Host::kSystemCreationClassName);

@@ -39,8 +39,8 @@ ordered_json Inventory(const standin::Host& host) {
     ordered_json& instances = classes[name] = ordered_json::array();
     for (const auto& instance : host.Cimv2()->ClassForRequest(name)->Instances()) {
       ordered_json properties = ordered_json::object();
-      for (const auto& [property, holder] : instance->AllProperties()) {
-        properties[property] = ValueJson(holder->Value());
+      for (const auto& [property, value] : instance->Properties()) {
+        properties[property] = ValueJson(value);
       }
       instances.push_back(properties);
     }

@@ -21,7 +21,7 @@ class Unload : public ModuleTest {
   std::vector<std::string> ControllerIds() {
     std::vector<std::string> ids;
     for (const auto& instance : host.Cimv2()->ClassForRequest("KALDO_USBController")->Instances()) {
-      ids.push_back(standin::TextOf(instance->AllProperties().at("DeviceID")->Value()));
+      ids.push_back(standin::TextOf(*instance->Find("DeviceID")));
     }
     return ids;
   }
@@ -66,7 +66,7 @@ TEST_F(Unload, LeavesTheHostsInstancesUsable) {
   LoadCollectUnload();
   EXPECT_THAT(ControllerIds(), ElementsAre("Bus 01  Device   1"));
   const auto port = host.Cimv2()->ClassForRequest("KALDO_USBPort")->Instances().at(0);
-  EXPECT_THAT(standin::StringsOf(port->AllProperties().at("StatusDescriptions")->Value()),
+  EXPECT_THAT(standin::StringsOf(*port->Find("StatusDescriptions")),
               ElementsAre("Device connected"));
 }
 

@@ -95,6 +95,17 @@ TEST(ClassSchema, FindsClassesByTheirExactNameOnly) {
   }
 }
 
+TEST(ClassSchema, FindsEachPropertyWhereItStandsAndNoneThatResemblesIt) {
+  for (const auto& served : schema::ServedClasses()) {
+    for (std::size_t index = 0; index < served.properties.size(); ++index) {
+      std::string name = served.properties[index].name;
+      EXPECT_EQ(served.IndexOf(name), index) << served.name << " " << name;
+      name[1] = '-';
+      EXPECT_EQ(served.IndexOf(name), schema::ClassSchema::kNone) << served.name << " " << name;
+    }
+  }
+}
+
 TEST(ClassSchema, FindsPropertiesByTheirExactNameOnly) {
   const schema::ClassSchema& port = *schema::FindClass("KALDO_USBPort");
   ASSERT_NE(port.FindProperty("Speed"), nullptr);

@@ -10,6 +10,7 @@
 #include "host/ICIMClass.h"
 #include "host/ICIMInstance.h"
 #include "host/TAddToVectorCallback.h"
+#include "schema/ClassSchema.h"
 #include "standin/Host.h"
 #include "standin/PluginManager.h"
 #include "tests/standin/StandinTest.h"

@@ -15,6 +15,7 @@
 #include "host/TPluginManagerNamespace.h"
 #include "host/TQSVException.h"
 #include "host/TRootObject.h"
+#include "schema/ClassSchema.h"
 #include "standin/HostSeam.h"
 #include "standin/PluginManager.h"
 #include "standin/ValueView.h"
@@ -165,8 +166,8 @@ class HostSeamTest : public usbinfo_test::HostTest, public ::testing::WithParamI
  private:
   static std::string Describe(const standin::Instance& instance) {
     std::string text;
-    for (const auto& [name, property] : instance.AllProperties()) {
-      text += name + "=" + standin::TextOf(property->Value()) + ";";
+    for (const auto& [name, value] : instance.Properties()) {
+      text += name + "=" + standin::TextOf(value) + ";";
     }
     return text + "\n";
   }
@@ -251,7 +252,7 @@ TEST_F(HostSeamAlone, SeesNothingOfThoseWhoRunTheHost) {
     const auto cls = host.Cimv2()->ClassForRequest("KALDO_USBHub");
     const auto& instance = cls->Instances().front();
     EXPECT_EQ(cls->Name(), "KALDO_USBHub");
-    EXPECT_EQ(standin::TypeOf(instance->AllProperties().at("DeviceID")->Value()), Type::kString);
+    EXPECT_EQ(standin::TypeOf(*instance->Find("DeviceID")), Type::kString);
     EXPECT_EQ(standin::ClassNameOf(instance->Path()), "KALDO_USBHub");
     EXPECT_EQ(host.SystemName(), "testhost");
   });

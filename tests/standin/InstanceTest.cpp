@@ -10,6 +10,7 @@
 #include "host/ICIMInstance.h"
 #include "host/ICIMProperty.h"
 #include "host/TCIMReference.h"
+#include "schema/ClassSchema.h"
 #include "standin/ValueView.h"
 #include "tests/standin/StandinTest.h"
 #include "tests/support/HostTest.h"

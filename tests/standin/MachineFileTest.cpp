@@ -122,6 +122,10 @@ TEST_F(MachineFileTest, SaysThatAFileIsMissing) {
   EXPECT_EQ(StatusOfCapture(""), "CIM_ERR_NOT_FOUND");
 }
 
+TEST_F(MachineFileTest, FailsToCaptureAFileWithoutAnEnd) {
+  EXPECT_EQ(StatusOfCapture("/dev/zero"), "CIM_ERR_FAILED");
+}
+
 TEST_F(MachineFileTest, FailsToCaptureADirectory) {
   EXPECT_EQ(StatusOfCapture(directory.Path()), "CIM_ERR_FAILED");
 }

@@ -4,12 +4,16 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "host/TQSVException.h"
+#include "standin/HostSeam.h"
 #include "standin/PluginModule.h"
 #include "tests/standin/StandinTest.h"
+#include "tests/support/Allocations.h"
 #include "tests/support/HostTest.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/system/Processes.h"
@@ -41,6 +45,14 @@ class PluginModuleTest : public usbinfo_test::HostTest {
       return error.what();
     }
     return "";
+  }
+
+  /// Records the log, and throws where `line` is logged.
+  void FailWhenLogged(const std::string& line) {
+    host.CoreLogger().SetSink([this, line](auto severity, const std::string& text) {
+      log.push_back({severity, text});
+      if (text == line) throw std::runtime_error("failed at " + line);
+    });
   }
 
   static bool IsLoaded(const char* path) {
@@ -84,6 +96,35 @@ TEST_F(PluginModuleTest, AsksForNothingWhenNothingIsNamed) {
   EXPECT_THAT(Texts(), ElementsAre("Init", "GetData", "DeInit"));
 }
 
+TEST_F(PluginModuleTest, DeInitializesAfterARequestThatThrows) {
+  PluginModule module(RECORDING_MODULE);
+  log.clear();
+  FailWhenLogged("GetData KALDO_USBHub");
+  EXPECT_THROW(module.Collect({"KALDO_USBHub"}), std::runtime_error);
+  EXPECT_THAT(Texts(), ElementsAre("Init", "GetData KALDO_USBHub", "DeInit"));
+}
+
+TEST_F(PluginModuleTest, PassesOnTheFirstOfTwoFailures) {
+  PluginModule module(RECORDING_MODULE);
+  host.CoreLogger().SetSink([](auto, const std::string& text) {
+    if (text != "Init") throw std::runtime_error("failed at " + text);
+  });
+  try {
+    module.Collect({});
+    FAIL() << "nothing thrown";
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "failed at GetData");
+  }
+}
+
+TEST_F(PluginModuleTest, DoesNotDeInitializeWhatCouldNotBeInitialized) {
+  PluginModule module(RECORDING_MODULE);
+  log.clear();
+  FailWhenLogged("Init");
+  EXPECT_THROW(module.Collect({}), std::runtime_error);
+  EXPECT_THAT(Texts(), ElementsAre("Init"));
+}
+
 TEST_F(PluginModuleTest, PassesQueriesToThePlugin) {
   PluginModule module(RECORDING_MODULE);
   log.clear();
@@ -109,6 +150,49 @@ TEST_F(PluginModuleTest, ForgetsThePluginBeforeItGoes) {
   host.CoreLogger().SetSink([&](auto, const std::string&) { known.push_back(host.Plugins().size()); });
   module.reset();
   EXPECT_THAT(known, ElementsAre(0U, 0U));
+}
+
+TEST_F(PluginModuleTest, UnloadsAModuleWhosePluginFailsToGo) {
+  auto module = std::make_unique<PluginModule>(RECORDING_MODULE);
+  // Keeps the module mapped, so that the test can delete what the plug-in left.
+  void* const handle = ::dlopen(RECORDING_MODULE, RTLD_NOW | RTLD_NOLOAD);
+  std::unique_ptr<NKESTA20::IPluginCallbacks> left(&module->Lifecycle());
+  log.clear();
+  FailWhenLogged("PrepareForUnload");
+  module.reset();
+  EXPECT_THAT(log, ElementsAre(usbinfo_test::LogLine{usbinfo_test::kStatus, "PrepareForUnload"},
+                               usbinfo_test::LogLine{NKESTA20::ILogger::kWarning,
+                                                     std::string(RECORDING_MODULE) +
+                                                         ": the plug-in failed when it was unloaded"}));
+  EXPECT_THAT(host.Plugins(), IsEmpty());
+  left.reset();
+  EXPECT_EQ(::dlclose(handle), 0);
+  EXPECT_FALSE(IsLoaded(RECORDING_MODULE));
+}
+
+TEST_F(PluginModuleTest, RefusesAPluginThatAnswersNoQueriesAndFailsToGo) {
+  FailWhenLogged("PrepareForUnload");
+  EXPECT_EQ(ErrorOfLoading(UNQUERIED_MODULE),
+            std::string(UNQUERIED_MODULE) + ": the module registers no plug-in that answers queries");
+  EXPECT_THAT(host.Plugins(), IsEmpty());
+  EXPECT_FALSE(IsLoaded(UNQUERIED_MODULE));
+}
+
+TEST_F(PluginModuleTest, LeavesNothingBehindWhenMemoryIsShortAfterTheRegistration) {
+  usbinfo_test::IdlePlugin other;
+  host.Register(&other);
+  host.Register(&other);  // so that there is room for one more
+  host.Forget(&other);
+  std::unique_ptr<usbinfo_test::Allocations::Failure> failure;
+  standin::HostSeam::SetObserver([&failure](const standin::HostCall& call) {
+    if (call.operation != standin::HostOperation::kRegisterPlugin) return;
+    failure = std::make_unique<usbinfo_test::Allocations::Failure>(0, [] {});
+  });
+  EXPECT_THROW(const PluginModule module(RECORDING_MODULE), std::bad_alloc);
+  failure.reset();
+  EXPECT_THAT(Texts(), ElementsAre("created", "PrepareForUnload", "destroyed"));
+  EXPECT_THAT(host.Plugins(), IsEmpty());
+  EXPECT_FALSE(IsLoaded(RECORDING_MODULE));
 }
 
 TEST_F(PluginModuleTest, KeepsThePluginsThatWereThereBefore) {

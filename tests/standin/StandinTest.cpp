@@ -7,7 +7,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <system_error>
 
 #include "host/ICIMProperty.h"
 #include "host/TQSVException.h"
@@ -26,15 +25,6 @@ std::string StatusOf(const std::function<void()>& operation) {
     return error.what();
   }
   return "nothing thrown";
-}
-
-int ErrorOf(const std::function<void()>& operation) {
-  try {
-    operation();
-  } catch (const std::system_error& error) {
-    return error.code().value();
-  }
-  return 0;
 }
 
 boost::shared_ptr<ICIMInstance> MakeEntity(const std::string& className, const std::string& deviceId) {
@@ -59,7 +49,7 @@ boost::shared_ptr<standin::CimClass> ClassOf(const std::string& className) {
 std::vector<std::string> DeviceIds(const std::string& className) {
   std::vector<std::string> ids;
   for (const auto& instance : ClassOf(className)->Instances()) {
-    ids.push_back(standin::TextOf(instance->AllProperties().at("DeviceID")->Value()));
+    ids.push_back(standin::TextOf(*instance->Find("DeviceID")));
   }
   return ids;
 }

@@ -17,9 +17,6 @@ namespace usbinfo_test {
 /// The text of the TQSVException that `operation` throws; "nothing thrown" when it returns.
 std::string StatusOf(const std::function<void()>& operation);
 
-/// The errno of the std::system_error that `operation` throws; 0 when it returns.
-int ErrorOf(const std::function<void()>& operation);
-
 /// A new, uncommitted instance of an entity class with all its keys: the class, `deviceId` and fixed names.
 boost::shared_ptr<NKESTA20::ICIMInstance> MakeEntity(const std::string& className,
                                                      const std::string& deviceId);

@@ -9,7 +9,6 @@
 
 #include "standin/Machine.h"
 #include "system/ChildProcess.h"
-#include "tests/standin/StandinTest.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/system/Processes.h"
 

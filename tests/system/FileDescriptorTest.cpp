@@ -14,7 +14,6 @@
 #include <utility>
 
 #include "system/FileDescriptor.h"
-#include "tests/standin/StandinTest.h"
 #include "tests/system/Processes.h"
 
 namespace {

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <iterator>
+#include <system_error>
 
 #include "system/FileDescriptor.h"
 
@@ -54,6 +55,15 @@ void ProcessTest::TearDown() {
   errno = 0;
   EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
   EXPECT_EQ(errno, ECHILD);
+}
+
+int ErrorOf(const std::function<void()>& operation) {
+  try {
+    operation();
+  } catch (const std::system_error& error) {
+    return error.code().value();
+  }
+  return 0;
 }
 
 std::size_t OpenDescriptors() {

@@ -23,6 +23,9 @@ class ProcessTest : public ::testing::Test {
   std::chrono::steady_clock::time_point fStart;
 };
 
+/// The errno of the std::system_error that `operation` throws; 0 when it returns.
+int ErrorOf(const std::function<void()>& operation);
+
 /// How many descriptors this process has open.
 std::size_t OpenDescriptors();
 

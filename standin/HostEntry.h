@@ -1,0 +1,32 @@
+// How an operation of the stand-in passes the seam. Mostly nobody watches, and then passing it costs one
+// comparison: a subject that is not at hand is only made for an observer.
+#pragma once
+
+#include <string>
+
+#include "standin/HostSeam.h"
+
+namespace standin {
+
+class HostEntry {
+ public:
+  static void Pass(HostOperation operation) {
+    if (fIsWatched) Report(operation, std::string());
+  }
+  static void Pass(HostOperation operation, const std::string& subject) {
+    if (fIsWatched) Report(operation, subject);
+  }
+  /// `makeSubject` gives the subject as a std::string.
+  template <typename MakeSubject>
+  static void PassWith(HostOperation operation, const MakeSubject& makeSubject) {
+    if (fIsWatched) Report(operation, makeSubject());
+  }
+
+ private:
+  friend class HostSeam;
+  static void Report(HostOperation operation, const std::string& subject);
+
+  static bool fIsWatched;
+};
+
+}  // namespace standin

@@ -1,0 +1,25 @@
+// What the host says of the system, over the one stand-in host.
+#include "host/TCIMSchemaHelper.h"
+#include "standin/Host.h"
+#include "standin/HostEntry.h"
+
+using standin::Host;
+using standin::HostEntry;
+using standin::HostOperation;
+
+namespace NKESTA20 {
+
+const std::string TCIMSchemaHelper::kContextName = "ContextName";
+const std::string TCIMSchemaHelper::kPluginNSPName = "PluginNamespace";
+
+std::string TCIMSchemaHelper::GetSystemName(boost::shared_ptr<ICIMNamespace>) {
+  HostEntry::Pass(HostOperation::kGetSystemName);
+  return Host::Instance().SystemName();
+}
+
+std::string TCIMSchemaHelper::GetSystemCreationClassName(boost::shared_ptr<ICIMNamespace>) {
+  HostEntry::Pass(HostOperation::kGetSystemCreationClassName);
+  return Host::kSystemCreationClassName;
+}
+
+}  // namespace NKESTA20
