@@ -11,9 +11,9 @@
 #include <tuple>
 #include <unordered_set>
 
-#include "tests/fuzz/ListModel.h"
 #include "tests/fuzz/PluginTarget.h"
 #include "tests/fuzz/RecordsTarget.h"
+#include "tests/model/ListModel.h"
 #include "tests/support/HostTest.h"
 
 namespace usbinfo_test {

@@ -4,8 +4,8 @@
 // model computes for a fault in the call that was running, right after it, or right before the next.
 #include <algorithm>
 
-#include "tests/faults/ModelPlugin.h"
 #include "tests/faults/PluginRun.h"
+#include "tests/model/ModelPlugin.h"
 #include "tests/support/Allocations.h"
 
 namespace usbinfo_test {

@@ -1,8 +1,8 @@
 // Every host call of a whole run fails once, in three ways, for every captured device list: what is logged,
 // skipped and still served must be what the model computes from the call, to the last line, call and
 // property.
-#include "tests/faults/ModelPlugin.h"
 #include "tests/faults/PluginRun.h"
+#include "tests/model/ModelPlugin.h"
 #include "tests/support/Allocations.h"
 
 namespace usbinfo_test {

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "tests/fuzz/ListModel.h"
+#include "tests/model/ListModel.h"
 
 namespace usbinfo_test {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "tests/fuzz/BrokenInvariant.h"
-#include "tests/fuzz/ListModel.h"
+#include "tests/model/ListModel.h"
 #include "usbfs/DeviceListCutter.h"
 
 namespace usbinfo_test {

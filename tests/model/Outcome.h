@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/faults/CallTrace.h"
-#include "tests/faults/Fault.h"
+#include "tests/model/CallTrace.h"
+#include "tests/model/Fault.h"
 #include "tests/support/HostTest.h"
 
 namespace usbinfo_test {

@@ -1,5 +1,5 @@
 // The modelled inventory; see the header.
-#include "tests/faults/ModelInventory.h"
+#include "tests/model/ModelInventory.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "tests/faults/ModelHost.h"
 #include "tests/faults/ModelRecord.h"
+#include "tests/model/ModelHost.h"
 
 namespace usbinfo_test {
 

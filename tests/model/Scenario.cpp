@@ -1,5 +1,5 @@
 // The machines of the runs; see the header.
-#include "tests/faults/Scenario.h"
+#include "tests/model/Scenario.h"
 
 #include <algorithm>
 #include <cctype>

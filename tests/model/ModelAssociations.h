@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/faults/ModelHost.h"
+#include "tests/model/ModelHost.h"
 
 namespace usbinfo_test {
 

@@ -1,5 +1,5 @@
 // Comparing outcomes; see the header.
-#include "tests/faults/Outcome.h"
+#include "tests/model/Outcome.h"
 
 #include <algorithm>
 

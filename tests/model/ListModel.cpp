@@ -1,5 +1,5 @@
 // The second reading; see the header.
-#include "tests/fuzz/ListModel.h"
+#include "tests/model/ListModel.h"
 
 #include <algorithm>
 #include <iterator>

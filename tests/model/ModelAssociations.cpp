@@ -1,5 +1,5 @@
 // The modelled associations; see the header.
-#include "tests/faults/ModelAssociations.h"
+#include "tests/model/ModelAssociations.h"
 
 using standin::HostOperation;
 

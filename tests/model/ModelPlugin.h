@@ -6,9 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "tests/faults/ModelAssociations.h"
-#include "tests/faults/ModelHost.h"
-#include "tests/faults/ModelInventory.h"
+#include "tests/model/ModelAssociations.h"
+#include "tests/model/ModelHost.h"
+#include "tests/model/ModelInventory.h"
 
 namespace usbinfo_test {
 

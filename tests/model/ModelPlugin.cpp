@@ -1,5 +1,5 @@
 // The modelled dispatch and instance making; see the header.
-#include "tests/faults/ModelPlugin.h"
+#include "tests/model/ModelPlugin.h"
 
 #include <memory>
 
