@@ -36,7 +36,7 @@ std::string Taken(const std::string& text) {
   const ListModel list(text);
   std::string taken;
   const auto add = [&taken](std::string_view part) { taken.append(part).push_back('\n'); };
-  for (const ModelRecord& record : list.Records()) {
+  for (const ListRecord& record : list.Records()) {
     for (const Field field : kTaken) add(record.fields[field]);
     for (const std::string_view value : {record.product, record.serial, record.manufacturer}) add(value);
     add(std::to_string(record.usbHost) + (record.isHub ? " hub" : ""));

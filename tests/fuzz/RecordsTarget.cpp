@@ -45,7 +45,7 @@ std::array<std::string, kFieldCount> FieldsOf(const UsbDevice& device) {
   return fields;
 }
 
-void CheckRecord(const UsbDevice& device, const ModelRecord& expected) {
+void CheckRecord(const UsbDevice& device, const ListRecord& expected) {
   const auto fields = FieldsOf(device);
   for (std::size_t field = 0; field < kFieldCount; ++field) {
     if (field == kVersion) continue;

@@ -1,4 +1,3 @@
-// Condensing calls; see the header.
 #include "tests/model/CallTrace.h"
 
 #include <functional>

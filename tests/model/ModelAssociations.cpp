@@ -1,4 +1,3 @@
-// The modelled associations; see the header.
 #include "tests/model/ModelAssociations.h"
 
 using standin::HostOperation;

@@ -19,7 +19,7 @@ class ModelAssociations {
   std::vector<Properties> LinkDevicesToPorts();
 
  private:
-  /// What a device or downstream hub and its port tell alike.
+  /// What a device or downstream hub and its port have in common.
   struct Place {
     unsigned short depth;
     std::string hubName;

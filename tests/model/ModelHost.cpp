@@ -1,4 +1,3 @@
-// The modelled host; see the header.
 #include "tests/model/ModelHost.h"
 
 #include <algorithm>

@@ -35,7 +35,7 @@ class ModelHost {
 
   /// One host call. Throws the fault if this is its call.
   void Call(standin::HostOperation operation, const std::string& subject = std::string());
-  /// Ahead of each step that the plug-in takes on its own and that may fail or leaves a trace.
+  /// Before each step that the plug-in takes on its own and that may fail or leaves a trace.
   void OwnStep();
 
   /// The calls that one line of the core logger takes.

@@ -1,4 +1,3 @@
-// The stand-in's fixture; see the header.
 #include "tests/support/HostTest.h"
 
 #include <algorithm>
@@ -11,10 +10,6 @@
 #include "tests/support/RecordedSystem.h"
 
 namespace usbinfo_test {
-
-std::ostream& operator<<(std::ostream& out, const LogLine& line) {
-  return out << line.severity << " " << ::testing::PrintToString(line.text);
-}
 
 HostTest::HostTest() {
   host.Reset();
