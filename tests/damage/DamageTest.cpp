@@ -3,9 +3,6 @@
 // before, through the whole plug-in and every output format.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cctype>
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <tuple>
@@ -18,8 +15,6 @@
 
 namespace usbinfo_test {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// A run takes ten times as long under the sanitizers, so only every 53rd byte is damaged there. Lines
 /// differ in length, so all places of a line are still hit.
@@ -79,10 +74,7 @@ TEST_P(DamagedCapture, IsReadWhicheverByteIsMissing) {
 }
 
 std::string TestName(const testing::TestParamInfo<Part>& part) {
-  std::string name = fs::path(std::get<0>(part.param)).stem();
-  std::replace_if(
-      name.begin(), name.end(), [](unsigned char letter) { return std::isalnum(letter) == 0; }, '_');
-  return name + "_" + std::to_string(std::get<1>(part.param));
+  return TestNameOf(std::get<0>(part.param)) + "_" + std::to_string(std::get<1>(part.param));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, DamagedCapture,

@@ -1,9 +1,5 @@
 #include "tests/faults/AllScenarios.h"
 
-#include <algorithm>
-#include <cctype>
-#include <filesystem>
-
 #include "tests/support/AllClasses.h"
 #include "tests/support/HostTest.h"
 
@@ -45,10 +41,7 @@ std::string ListOfLongTexts() {
 std::vector<Scenario> AllScenarios() {
   std::vector<Scenario> scenarios;
   for (const std::string& path : CapturePaths()) {
-    std::string name = std::filesystem::path(path).stem();
-    std::replace_if(
-        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
-    scenarios.push_back({name, ReadFile(path), ListPlace::kProcFile, kAllClasses});
+    scenarios.push_back({TestNameOf(path), ReadFile(path), ListPlace::kProcFile, kAllClasses});
   }
   const std::string small = ReadFile(TEST_DATA_DIR "/captures/kerneldoc-acm-2configs-indent2.txt");
   scenarios.push_back({"InDebugfs", small, ListPlace::kDebugfs, kAllClasses});

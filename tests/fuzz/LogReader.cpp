@@ -1,4 +1,3 @@
-// The log, read back; see the header.
 #include "tests/fuzz/LogReader.h"
 
 #include <sys/mman.h>

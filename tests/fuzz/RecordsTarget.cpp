@@ -1,4 +1,3 @@
-// Records against their second reading; see the header.
 #include "tests/fuzz/RecordsTarget.h"
 
 #include <set>

@@ -1,6 +1,7 @@
 #include "tests/support/HostTest.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -45,6 +46,13 @@ std::vector<std::string> CapturePaths() {
   }
   std::sort(paths.begin(), paths.end());
   return paths;
+}
+
+std::string TestNameOf(const std::string& path) {
+  std::string name = std::filesystem::path(path).stem();
+  std::replace_if(
+      name.begin(), name.end(), [](unsigned char letter) { return std::isalnum(letter) == 0; }, '_');
+  return name;
 }
 
 }  // namespace usbinfo_test

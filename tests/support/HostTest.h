@@ -34,4 +34,7 @@ std::string ReadFile(const std::string& path);
 /// The paths of the captured device lists, in order.
 std::vector<std::string> CapturePaths();
 
+/// A file's name, without its extension, in the letters that the name of a parametrised test may have.
+std::string TestNameOf(const std::string& path);
+
 }  // namespace usbinfo_test
