@@ -1,6 +1,5 @@
 // The four providers and the two associations over real device lists, asked for in one request: the whole log
 // and every committed instance against what was derived from the lists by other means.
-#include <cctype>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -102,11 +101,7 @@ TEST_P(Capture, IsServedAgainFromTheListsWithoutBeingReadAgain) {
 }
 
 std::string NameOf(const ::testing::TestParamInfo<std::string>& info) {
-  std::string name = std::filesystem::path(info.param).stem();
-  for (char& c : name) {
-    if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
-  }
-  return name;
+  return TestNameOf(info.param);
 }
 
 INSTANTIATE_TEST_SUITE_P(OfTheTestData, Capture, ::testing::ValuesIn(CapturePaths()), NameOf);

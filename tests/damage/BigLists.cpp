@@ -1,4 +1,3 @@
-// Lists of any size; see the header.
 #include "tests/damage/BigLists.h"
 
 #include <fmt/format.h>

@@ -3,23 +3,18 @@
 // before, through the whole plug-in and every output format.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cctype>
-#include <filesystem>
 #include <functional>
 #include <string>
 #include <tuple>
 #include <unordered_set>
 
-#include "tests/fuzz/ListModel.h"
 #include "tests/fuzz/PluginTarget.h"
 #include "tests/fuzz/RecordsTarget.h"
+#include "tests/model/ListModel.h"
 #include "tests/support/HostTest.h"
 
 namespace usbinfo_test {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// A run takes ten times as long under the sanitizers, so only every 53rd byte is damaged there. Lines
 /// differ in length, so all places of a line are still hit.
@@ -36,7 +31,7 @@ std::string Taken(const std::string& text) {
   const ListModel list(text);
   std::string taken;
   const auto add = [&taken](std::string_view part) { taken.append(part).push_back('\n'); };
-  for (const ModelRecord& record : list.Records()) {
+  for (const ListRecord& record : list.Records()) {
     for (const Field field : kTaken) add(record.fields[field]);
     for (const std::string_view value : {record.product, record.serial, record.manufacturer}) add(value);
     add(std::to_string(record.usbHost) + (record.isHub ? " hub" : ""));
@@ -79,10 +74,7 @@ TEST_P(DamagedCapture, IsReadWhicheverByteIsMissing) {
 }
 
 std::string TestName(const testing::TestParamInfo<Part>& part) {
-  std::string name = fs::path(std::get<0>(part.param)).stem();
-  std::replace_if(
-      name.begin(), name.end(), [](unsigned char letter) { return std::isalnum(letter) == 0; }, '_');
-  return name + "_" + std::to_string(std::get<1>(part.param));
+  return TestNameOf(std::get<0>(part.param)) + "_" + std::to_string(std::get<1>(part.param));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, DamagedCapture,

@@ -4,8 +4,9 @@
 // model computes for a fault in the call that was running, right after it, or right before the next.
 #include <algorithm>
 
-#include "tests/faults/ModelPlugin.h"
+#include "tests/faults/AllScenarios.h"
 #include "tests/faults/PluginRun.h"
+#include "tests/model/ModelPlugin.h"
 #include "tests/support/Allocations.h"
 
 namespace usbinfo_test {
@@ -31,7 +32,7 @@ class EveryAllocation : public ::testing::TestWithParam<Scenario> {
   }
 
   const Scenario& scenario = GetParam();
-  const ModelList list = ReadModelList(scenario.deviceList);
+  const ListValues list = ReadListValues(scenario.deviceList);
 };
 
 TEST_P(EveryAllocation, FailingHasAComputedOutcome) {

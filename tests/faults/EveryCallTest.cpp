@@ -1,8 +1,9 @@
 // Every host call of a whole run fails once, in three ways, for every captured device list: what is logged,
 // skipped and still served must be what the model computes from the call, to the last line, call and
 // property.
-#include "tests/faults/ModelPlugin.h"
+#include "tests/faults/AllScenarios.h"
 #include "tests/faults/PluginRun.h"
+#include "tests/model/ModelPlugin.h"
 #include "tests/support/Allocations.h"
 
 namespace usbinfo_test {
@@ -14,7 +15,7 @@ constexpr std::size_t kStride = SANITIZED ? 151 : 1;
 class EveryCall : public ::testing::TestWithParam<Scenario> {
  protected:
   const Scenario& scenario = GetParam();
-  const ModelList list = ReadModelList(scenario.deviceList);
+  const ListValues list = ReadListValues(scenario.deviceList);
   const Outcome undisturbed = RunPlugin(scenario, std::nullopt);
 
   /// Runs both with every call failing that way, one after the other; ends at the first that differs.

@@ -11,7 +11,7 @@
 
 #include "tests/faults/PluginRun.h"
 #include "tests/plugin/DeviceLists.h"
-#include "tests/plugin/RequestLog.h"
+#include "tests/support/AllClasses.h"
 #include "tests/support/Allocations.h"
 
 namespace usbinfo_test {

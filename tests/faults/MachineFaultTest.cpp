@@ -11,7 +11,7 @@
 
 #include "standin/Machine.h"
 #include "standin/PluginModule.h"
-#include "tests/faults/Scenario.h"
+#include "tests/model/Scenario.h"
 #include "tests/plugin/DeviceLists.h"
 #include "tests/plugin/RequestLog.h"
 #include "tests/support/HostTest.h"

@@ -1,4 +1,3 @@
-// Runs of the module; see the header.
 #include "tests/faults/PluginRun.h"
 
 #include <memory>
@@ -10,8 +9,10 @@
 #include "standin/PluginModule.h"
 #include "standin/StatusCode.h"
 #include "standin/ValueView.h"
-#include "tests/plugin/RequestLog.h"
+#include "tests/faults/AllScenarios.h"
+#include "tests/support/AllClasses.h"
 #include "tests/support/Allocations.h"
+#include "tests/support/FakeOperatingSystem.h"
 #include "tests/support/RecordedSystem.h"
 
 using standin::Host;
@@ -85,7 +86,7 @@ class RecordedHost {
   Outcome& fOutcome;
 };
 
-/// What leaves `request`, as Outcome tells it.
+/// What leaves `request`, as Outcome names it.
 template <typename Request>
 std::string LeavingOf(Request request) {
   try {

@@ -6,9 +6,9 @@
 #include <cstddef>
 #include <optional>
 
-#include "tests/faults/Fault.h"
-#include "tests/faults/Outcome.h"
-#include "tests/faults/Scenario.h"
+#include "tests/model/Fault.h"
+#include "tests/model/Outcome.h"
+#include "tests/model/Scenario.h"
 
 namespace usbinfo_test {
 

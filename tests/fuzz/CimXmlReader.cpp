@@ -1,4 +1,3 @@
-// The CIM-XML export, read back node by node; see the header.
 #include "tests/fuzz/CimXmlReader.h"
 
 #include <libxml/parser.h>

@@ -1,4 +1,3 @@
-// The graph, read back; see the header.
 #include "tests/fuzz/DotReader.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// The page, read back; see the header.
 #include "tests/fuzz/HtmlReader.h"
 
 #include <libxml/parser.h>

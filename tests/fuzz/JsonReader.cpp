@@ -1,4 +1,3 @@
-// The JSON export, read back; see the header.
 #include "tests/fuzz/JsonReader.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// Items and links; see the header.
 #include "tests/fuzz/LinkModel.h"
 
 #include <cstdio>

@@ -1,4 +1,3 @@
-// The log, read back; see the header.
 #include "tests/fuzz/LogReader.h"
 
 #include <sys/mman.h>
@@ -24,7 +23,9 @@ std::vector<std::string> Written(const DistinctLines& log, cli::LogFormat format
   static const int file = ::memfd_create("log", MFD_CLOEXEC);
   Require(file >= 0, "a file in memory");
   cli::LogWriter writer("/proc/self/fd/" + std::to_string(file), ILogger::kVerbose, format);
-  for (const auto& [severity, text] : log) writer.Write(severity, text);
+  for (const LogLine& line : log) {
+    writer.Write(static_cast<ILogger::EQSVLogSeverity>(line.severity), line.text);
+  }
   writer.Finish();
   Require(::lseek(file, 0, SEEK_SET) == 0, "the log is read from its beginning");
   const std::string whole = sys::ReadAll(file);
@@ -61,7 +62,8 @@ void CheckText(const DistinctLines& log) {
   auto line = log.begin();
   for (const std::string& written : Written(log, cli::LogFormat::kText)) {
     RequireFitForTerminal(written, true);
-    RequireEqual(Unspelled(written), kNames.at(line->first) + ": " + line->second, "a line of the text log");
+    RequireEqual(Unspelled(written), kNames.at(static_cast<std::size_t>(line->severity)) + ": " + line->text,
+                 "a line of the text log");
     ++line;
   }
 }
@@ -74,8 +76,8 @@ void CheckJson(const DistinctLines& log) {
     Require(isPlain, "the JSON log is ASCII without control characters");
     const auto parsed = nlohmann::json::parse(written);
     RequireCount(parsed.size(), 2, "members of a line of the JSON log");
-    Require(parsed.at("severity") == static_cast<int>(line->first), "the severity in the JSON log");
-    RequireEqual(parsed.at("text"), ReplaceBrokenUtf8(line->second), "a line of the JSON log");
+    Require(parsed.at("severity") == line->severity, "the severity in the JSON log");
+    RequireEqual(parsed.at("text"), ReplaceBrokenUtf8(line->text), "a line of the JSON log");
     ++line;
   }
 }

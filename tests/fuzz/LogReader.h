@@ -8,7 +8,7 @@
 namespace usbinfo_test {
 
 /// A log of hundreds of lines has a few dozen different ones; each is looked at once.
-using DistinctLines = std::set<LoggedLine>;
+using DistinctLines = std::set<LogLine>;
 
 /// Throws BrokenInvariant unless each line of `log` comes out as one line in either format: as text
 /// fit for a terminal that can be turned back into the line, as JSON that holds severity and line.

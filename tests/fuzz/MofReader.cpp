@@ -1,4 +1,3 @@
-// The MOF export, read back; see the header.
 #include "tests/fuzz/MofReader.h"
 
 #include <algorithm>

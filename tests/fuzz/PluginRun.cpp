@@ -1,4 +1,3 @@
-// One run of the plug-in; see the header.
 #include "tests/fuzz/PluginRun.h"
 
 #include "inventory/TUsbData.h"
@@ -31,7 +30,7 @@ PluginRun::PluginRun(const std::string& text) {
   Host& host = Host::Instance();
   host.SetSystemName(kSystemName);
   host.SetOperatingSystem(std::make_unique<standin::GivenDeviceList>(text));
-  host.CoreLogger().SetSink([this](auto severity, const auto& line) { fLog.emplace_back(severity, line); });
+  host.CoreLogger().SetSink([this](auto severity, const auto& line) { fLog.push_back({severity, line}); });
   std::vector<boost::shared_ptr<NKESTA20::ICIMClass>> classes;
   for (const schema::ClassSchema& schema : schema::ServedClasses()) {
     classes.emplace_back(host.Cimv2()->ClassForRequest(schema.name));

@@ -4,15 +4,12 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "cli/model/Inventory.h"
-#include "host/ILogger.h"
+#include "tests/support/LogLine.h"
 
 namespace usbinfo_test {
-
-using LoggedLine = std::pair<NKESTA20::ILogger::EQSVLogSeverity, std::string>;
 
 class PluginRun {
  public:
@@ -27,10 +24,10 @@ class PluginRun {
 
   const cli::Inventory& Result() const { return *fResult; }
   /// Every line of the core logger.
-  const std::vector<LoggedLine>& Log() const { return fLog; }
+  const std::vector<LogLine>& Log() const { return fLog; }
 
  private:
-  std::vector<LoggedLine> fLog;
+  std::vector<LogLine> fLog;
   std::unique_ptr<cli::Inventory> fResult;
 };
 

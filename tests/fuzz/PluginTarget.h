@@ -12,8 +12,8 @@ namespace usbinfo_test {
 /// How many hubs, ports and devices `text` makes.
 std::size_t ItemsIn(const std::string& text);
 
-/// Throws BrokenInvariant unless `run`, made over `text`, left the instances and links that the second
-/// reading of `text` makes, and the log tells of its unmatched lines and of no failure.
+/// Throws BrokenInvariant unless `run`, made over `text`, left the instances, with every property, and wrote
+/// the log lines that the model computes from `text`.
 void CheckInventory(const PluginRun& run, const std::string& text);
 
 /// Runs the plug-in over `text`; throws BrokenInvariant where its inventory, an output format or the log is

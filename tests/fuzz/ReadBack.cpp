@@ -1,4 +1,3 @@
-// The table of readers; see the header.
 #include "tests/fuzz/ReadBack.h"
 
 #include <algorithm>

@@ -179,6 +179,22 @@ TEST(SecondReading, RefusesTheInventoryOfAnotherList) {
   EXPECT_THROW(CheckInventory(run, kList + "Q\n"), BrokenInvariant);
 }
 
+TEST(SecondReading, RefusesAnInventoryOfWhichOnePropertyDiffers) {
+  const std::string list =
+      "D:  Ver= 2.00 Cls=ff(vend.) Sub=01 Prot=02 MxPS= 8 #Cfgs=  1\n"
+      "P:  Vendor=046d ProdID=c077 Rev=72.00\n"
+      "S:  Manufacturer=maker\n"
+      "S:  SerialNumber=serial\n" +
+      kList;
+  const PluginRun run(list);
+  EXPECT_NO_THROW(CheckInventory(run, list));
+  for (const std::string field : {"Ver= 2", "Cls=f", "Sub=0", "Prot=0", "#Cfgs=  1", "Vendor=0", "ProdID=c",
+                                  "Manufacturer=m", "SerialNumber=s", "Product=R", "Spd=4", "Spd=1"}) {
+    const std::string other = field.substr(0, field.size() - 1) + "7";
+    EXPECT_THROW(CheckInventory(run, Changed(list, field, other)), BrokenInvariant) << field;
+  }
+}
+
 TEST(Utf8Model, ReplacesTheLongestPiecesOfBrokenCharacters) {
   const std::string bad = "\xEF\xBF\xBD";
   EXPECT_EQ(ReplaceBrokenUtf8("\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80"),

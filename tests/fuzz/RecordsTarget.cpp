@@ -1,11 +1,10 @@
-// Records against their second reading; see the header.
 #include "tests/fuzz/RecordsTarget.h"
 
 #include <set>
 #include <vector>
 
 #include "tests/fuzz/BrokenInvariant.h"
-#include "tests/fuzz/ListModel.h"
+#include "tests/model/ListModel.h"
 #include "usbfs/DeviceListCutter.h"
 
 namespace usbinfo_test {
@@ -45,7 +44,7 @@ std::array<std::string, kFieldCount> FieldsOf(const UsbDevice& device) {
   return fields;
 }
 
-void CheckRecord(const UsbDevice& device, const ModelRecord& expected) {
+void CheckRecord(const UsbDevice& device, const ListRecord& expected) {
   const auto fields = FieldsOf(device);
   for (std::size_t field = 0; field < kFieldCount; ++field) {
     if (field == kVersion) continue;

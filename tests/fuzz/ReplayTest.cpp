@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -34,10 +33,7 @@ std::vector<std::string> Inputs(std::vector<std::string> inputs, const std::stri
 }
 
 std::string TestName(const testing::TestParamInfo<std::string>& input) {
-  std::string name = fs::path(input.param).filename();
-  std::replace_if(
-      name.begin(), name.end(), [](unsigned char letter) { return std::isalnum(letter) == 0; }, '_');
-  return name;
+  return TestNameOf(input.param);
 }
 
 class RecordsReplay : public testing::TestWithParam<std::string> {};

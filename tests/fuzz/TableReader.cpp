@@ -1,4 +1,3 @@
-// The tables, read back; see the header.
 #include "tests/fuzz/TableReader.h"
 
 #include <cstdio>

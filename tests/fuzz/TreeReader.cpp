@@ -1,4 +1,3 @@
-// The tree, read back; see the header.
 #include "tests/fuzz/TreeReader.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// UTF-8; see the header.
 #include "tests/fuzz/Utf8.h"
 
 #include <algorithm>

@@ -76,13 +76,8 @@ class Capture : public ModuleTest, public ::testing::WithParamInterface<std::str
   }
 };
 
-INSTANTIATE_TEST_SUITE_P(All, Capture, ::testing::ValuesIn(CapturePaths()), [](const auto& testInfo) {
-  std::string name = Name(testInfo.param);
-  for (char& letter : name) {
-    if (std::isalnum(static_cast<unsigned char>(letter)) == 0) letter = '_';
-  }
-  return name;
-});
+INSTANTIATE_TEST_SUITE_P(All, Capture, ::testing::ValuesIn(CapturePaths()),
+                         [](const auto& testInfo) { return TestNameOf(testInfo.param); });
 
 TEST_P(Capture, LeavesTheExpectedInventoryWithTheHost) {
   const ordered_json expected = ordered_json::parse(ReadFile(Expected(".json"))).at("classes");

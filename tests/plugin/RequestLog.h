@@ -1,18 +1,14 @@
-// The lines that tell how data requests and the plug-in's life go, and the names of the classes that are
-// served: what the tests of the plug-in object and of the module have in common.
+// The lines that the plug-in writes about data requests and its own life: what the tests of the plug-in
+// object and of the module have in common.
 #pragma once
 
 #include <string>
 #include <vector>
 
-#include "tests/support/HostTest.h"
+#include "tests/support/AllClasses.h"
+#include "tests/support/LogLine.h"
 
 namespace usbinfo_test {
-
-/// The six classes in the order in which a host asks for them.
-inline const std::vector<std::string> kAllClasses = {"KALDO_USBController", "KALDO_USBHub",
-                                                     "KALDO_USBPort",       "KALDO_USBDevice",
-                                                     "KALDO_USBPortOnHub",  "KALDO_USBConnection"};
 
 inline const LogLine kInit{kDebug, "TUSBInfoCallbacks::Init - Initializing the plugin."};
 inline const LogLine kDeInit{kDebug, "TUSBInfoCallbacks::DeInit - De-initializing the plugin."};

@@ -1,4 +1,3 @@
-// The counting operators; see the header. All forms of `new` and `delete` for ordinary alignment are replaced
 // together, since a sanitizer's own would not match.
 #include "tests/support/Allocations.h"
 

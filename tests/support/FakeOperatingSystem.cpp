@@ -1,4 +1,3 @@
-// The recorded machine; see the header.
 #include "tests/support/FakeOperatingSystem.h"
 
 #include "standin/StatusCode.h"

@@ -1,7 +1,7 @@
-// The stand-in's fixture; see the header.
 #include "tests/support/HostTest.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -11,10 +11,6 @@
 #include "tests/support/RecordedSystem.h"
 
 namespace usbinfo_test {
-
-std::ostream& operator<<(std::ostream& out, const LogLine& line) {
-  return out << line.severity << " " << ::testing::PrintToString(line.text);
-}
 
 HostTest::HostTest() {
   host.Reset();
@@ -50,6 +46,13 @@ std::vector<std::string> CapturePaths() {
   }
   std::sort(paths.begin(), paths.end());
   return paths;
+}
+
+std::string TestNameOf(const std::string& path) {
+  std::string name = std::filesystem::path(path).stem();
+  std::replace_if(
+      name.begin(), name.end(), [](unsigned char letter) { return std::isalnum(letter) == 0; }, '_');
+  return name;
 }
 
 }  // namespace usbinfo_test

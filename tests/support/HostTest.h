@@ -5,28 +5,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
 #include <vector>
 
 #include "standin/Host.h"
 #include "tests/support/FakeOperatingSystem.h"
+#include "tests/support/LogLine.h"
 
 namespace usbinfo_test {
-
-/// One line of the core logger.
-struct LogLine {
-  int severity;
-  std::string text;
-
-  bool operator==(const LogLine& other) const { return severity == other.severity && text == other.text; }
-};
-
-std::ostream& operator<<(std::ostream& out, const LogLine& line);
-
-constexpr int kStatus = 2;
-constexpr int kDebug = 3;
-constexpr int kVerbose = 4;
 
 class HostTest : public ::testing::Test {
  protected:
@@ -47,5 +33,8 @@ std::string ReadFile(const std::string& path);
 
 /// The paths of the captured device lists, in order.
 std::vector<std::string> CapturePaths();
+
+/// A file's name, without its extension, in the letters that the name of a parametrised test may have.
+std::string TestNameOf(const std::string& path);
 
 }  // namespace usbinfo_test

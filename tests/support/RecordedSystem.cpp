@@ -1,4 +1,3 @@
-// The stand-in for `system`; see the header.
 #include "tests/support/RecordedSystem.h"
 
 extern "C" int system(const char* command) {

@@ -1,4 +1,3 @@
-// The hook behind the stand-ins for `system`; see the header.
 #include <utility>
 
 #include "tests/support/RecordedSystem.h"

@@ -1,4 +1,3 @@
-// A test's own folder; see the header.
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

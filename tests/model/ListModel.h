@@ -1,6 +1,6 @@
-// A second reading of a device list, by the rules and by other means than the plug-in's: the text is parted
-// into groups of lines first, then each group is asked for its last line of a kind. Every value is a view
-// into the text, so whatever equals it is a piece of the text too.
+// A second reading of a device list, by the same rules and by other means than the plug-in's: the text is
+// split into groups of lines first, then each group is asked for its last line of a kind. Every field is a
+// view into the text, so whatever equals it is a piece of the text too.
 #pragma once
 
 #include <array>
@@ -36,17 +36,17 @@ enum Field : std::size_t {
   kFieldCount
 };
 
-/// One device of the list.
-struct ModelRecord {
+/// One device of the list, its fields as texts.
+struct ListRecord {
   std::array<std::string_view, kFieldCount> fields;
   std::string_view product = "Not Available";
   std::string_view serial = "Not Available";
   std::string_view manufacturer = "Not Available";
-  /// As deviceInfo::getUsbHost tells it.
+  /// The kind of host controller, as deviceInfo::getUsbHost gives it.
   int usbHost = 0;
   bool isHub = false;
 
-  /// The version as the descriptor tells it: what stands ahead of a zero byte, without points.
+  /// The version as the descriptor gives it: what stands before a zero byte, without points.
   std::string Version() const;
 };
 
@@ -55,7 +55,7 @@ class ListModel {
   /// `text` must outlive the model.
   explicit ListModel(std::string_view text);
 
-  const std::vector<ModelRecord>& Records() const { return fRecords; }
+  const std::vector<ListRecord>& Records() const { return fRecords; }
   /// The types of the lines that no parser takes, in order.
   const std::vector<std::string>& Unmatched() const { return fUnmatched; }
 
@@ -66,10 +66,10 @@ class ListModel {
   };
 
   static std::vector<Line> Split(std::string_view text);
-  static ModelRecord Read(const Line* first, const Line* behind);
-  static void ReadStrings(std::string_view line, ModelRecord& record);
+  static ListRecord Read(const Line* first, const Line* behind);
+  static void ReadStrings(std::string_view line, ListRecord& record);
 
-  std::vector<ModelRecord> fRecords;
+  std::vector<ListRecord> fRecords;
   std::vector<std::string> fUnmatched;
 };
 

@@ -1,23 +1,9 @@
-// The machines of the runs; see the header.
-#include "tests/faults/Scenario.h"
+#include "tests/faults/AllScenarios.h"
 
-#include <algorithm>
-#include <cctype>
-#include <filesystem>
-
-#include "tests/plugin/RequestLog.h"
+#include "tests/support/AllClasses.h"
 #include "tests/support/HostTest.h"
 
 namespace usbinfo_test {
-
-bool Scenario::HasProcFile(bool isMounted) const {
-  return place == ListPlace::kProcFile || (place == ListPlace::kMountable && isMounted);
-}
-
-std::string Scenario::CommandOutput() const {
-  if (place == ListPlace::kNoCommand) return "/usr/lib/command-not-found: usb-devices\n";
-  return place == ListPlace::kCommand ? deviceList : std::string();
-}
 
 void Furnish(FakeOperatingSystem& machine, const Scenario& scenario) {
   if (scenario.HasProcFile(false)) machine.files[kProcDeviceFile] = scenario.deviceList;
@@ -55,10 +41,7 @@ std::string ListOfLongTexts() {
 std::vector<Scenario> AllScenarios() {
   std::vector<Scenario> scenarios;
   for (const std::string& path : CapturePaths()) {
-    std::string name = std::filesystem::path(path).stem();
-    std::replace_if(
-        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '_');
-    scenarios.push_back({name, ReadFile(path), ListPlace::kProcFile, kAllClasses});
+    scenarios.push_back({TestNameOf(path), ReadFile(path), ListPlace::kProcFile, kAllClasses});
   }
   const std::string small = ReadFile(TEST_DATA_DIR "/captures/kerneldoc-acm-2configs-indent2.txt");
   scenarios.push_back({"InDebugfs", small, ListPlace::kDebugfs, kAllClasses});

@@ -1,5 +1,4 @@
-// The modelled associations; see the header.
-#include "tests/faults/ModelAssociations.h"
+#include "tests/model/ModelAssociations.h"
 
 using standin::HostOperation;
 

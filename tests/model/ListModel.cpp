@@ -1,5 +1,4 @@
-// The second reading; see the header.
-#include "tests/fuzz/ListModel.h"
+#include "tests/model/ListModel.h"
 
 #include <algorithm>
 #include <iterator>
@@ -8,7 +7,7 @@ namespace usbinfo_test {
 
 namespace {
 
-/// Where a field stands: the type of its line, the key ahead of it and what ends it; nothing: the line's end.
+/// Where a field stands: the type of its line, the key before it and what ends it; empty: the line's end.
 struct FieldPlace {
   Field field;
   char line;
@@ -83,7 +82,7 @@ int UsbHostIn(std::string_view line) {
 
 }  // namespace
 
-std::string ModelRecord::Version() const {
+std::string ListRecord::Version() const {
   std::string kept(fields[kVersion].substr(0, fields[kVersion].find('\0')));
   kept.erase(std::remove(kept.begin(), kept.end(), '.'), kept.end());
   return kept;
@@ -119,8 +118,8 @@ std::vector<ListModel::Line> ListModel::Split(std::string_view text) {
   return lines;
 }
 
-ModelRecord ListModel::Read(const Line* first, const Line* behind) {
-  ModelRecord record;
+ListRecord ListModel::Read(const Line* first, const Line* behind) {
+  ListRecord record;
   const auto lastOf = [&](char type) {
     const auto found =
         std::find_if(std::make_reverse_iterator(behind), std::make_reverse_iterator(first),
@@ -140,7 +139,7 @@ ModelRecord ListModel::Read(const Line* first, const Line* behind) {
   return record;
 }
 
-void ListModel::ReadStrings(std::string_view line, ModelRecord& record) {
+void ListModel::ReadStrings(std::string_view line, ListRecord& record) {
   if (Has(line, "Product")) {
     record.product = ValueIn(line, "product=", "");
     record.usbHost = UsbHostIn(line);

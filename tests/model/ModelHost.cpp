@@ -1,5 +1,4 @@
-// The modelled host; see the header.
-#include "tests/faults/ModelHost.h"
+#include "tests/model/ModelHost.h"
 
 #include <algorithm>
 

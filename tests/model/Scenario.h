@@ -1,12 +1,10 @@
-// What a run is given: a device list and the way in which the machine holds it. Builds the machine for the
-// plug-in and answers the same questions to the model.
+// What a run is given: a device list, the way in which the machine holds it, and the classes that are asked
+// for.
 #pragma once
 
 #include <ostream>
 #include <string>
 #include <vector>
-
-#include "tests/support/FakeOperatingSystem.h"
 
 namespace usbinfo_test {
 
@@ -36,16 +34,10 @@ inline std::ostream& operator<<(std::ostream& out, const Scenario& scenario) {
   return out << scenario.name;
 }
 
-/// Gives `machine` the files and commands of `scenario`.
-void Furnish(FakeOperatingSystem& machine, const Scenario& scenario);
-
 inline constexpr const char* kProcDeviceFile = "/proc/bus/usb/devices";
 inline constexpr const char* kDebugfsDeviceFile = "/sys/kernel/debug/usb/devices";
 inline constexpr const char* kListCommand = "usb-devices";
 inline constexpr const char* kMountCommand = "mount -t usbfs usbfs /proc/bus/usb > /dev/null 2>&1";
 inline constexpr const char* kUnmountCommand = "umount usbfs > /dev/null 2>&1";
-
-/// Every capture in /proc's place, the whole request; and one small list in every other place.
-std::vector<Scenario> AllScenarios();
 
 }  // namespace usbinfo_test

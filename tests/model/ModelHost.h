@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/faults/Fault.h"
-#include "tests/faults/Outcome.h"
-#include "tests/faults/Scenario.h"
+#include "tests/model/Fault.h"
+#include "tests/model/Outcome.h"
+#include "tests/model/Scenario.h"
 
 namespace usbinfo_test {
 
@@ -35,7 +35,7 @@ class ModelHost {
 
   /// One host call. Throws the fault if this is its call.
   void Call(standin::HostOperation operation, const std::string& subject = std::string());
-  /// Ahead of each step that the plug-in takes on its own and that may fail or leaves a trace.
+  /// Before each step that the plug-in takes on its own and that may fail or leaves a trace.
   void OwnStep();
 
   /// The calls that one line of the core logger takes.

@@ -15,7 +15,7 @@ enum class FaultKind {
 struct Fault {
   enum class Moment {
     kInCall,       // the call itself throws, before it does anything
-    kRightBefore,  // the plug-in throws when all that it does ahead of the call is done
+    kRightBefore,  // the plug-in throws when all that it does before the call is done
     kRightAfter,   // the plug-in throws in the first step that it takes after the call
   };
 

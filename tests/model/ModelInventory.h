@@ -6,14 +6,14 @@
 #include <string>
 #include <vector>
 
-#include "tests/faults/ModelHost.h"
-#include "tests/faults/ModelRecord.h"
+#include "tests/model/ModelHost.h"
+#include "tests/model/RecordValues.h"
 
 namespace usbinfo_test {
 
 class ModelInventory {
  public:
-  ModelInventory(ModelHost& host, const ModelList& list) : fHost(host), fList(list) {}
+  ModelInventory(ModelHost& host, const ListValues& list) : fHost(host), fList(list) {}
 
   /// Builds the lists unless that was tried before. `className` is the class whose provider collects.
   void Collect(const std::string& className);
@@ -27,21 +27,21 @@ class ModelInventory {
   std::string ReadFiles();
   bool RunListCommand();
   void Populate();
-  void FillController(const ModelRecord& record);
-  void FillPort(const ModelRecord& hub, unsigned int index);
-  void FillPorts(const ModelRecord& hub);
-  void FillDevice(const ModelRecord& record);
-  void Identify(const ModelRecord& record, Properties& properties);
-  void Describe(const ModelRecord& record, Properties& properties);
-  void FinishHub(const ModelRecord& record, Properties& properties);
-  void FinishDevice(const ModelRecord& record, Properties& properties);
+  void FillController(const RecordValues& record);
+  void FillPort(const RecordValues& hub, unsigned int index);
+  void FillPorts(const RecordValues& hub);
+  void FillDevice(const RecordValues& record);
+  void Identify(const RecordValues& record, Properties& properties);
+  void Describe(const RecordValues& record, Properties& properties);
+  void FinishHub(const RecordValues& record, Properties& properties);
+  void FinishDevice(const RecordValues& record, Properties& properties);
   void AddKeys(const std::string& entryClass, Properties& properties);
 
   void InsertText(Properties& properties, const std::string& name, const std::string& text);
   void InsertNumber(Properties& properties, const std::string& name, unsigned long number);
 
   ModelHost& fHost;
-  const ModelList& fList;
+  const ListValues& fList;
   bool fIsTried = false;
   std::string fCollector;
   std::map<std::string, std::vector<Properties>> fEntries;

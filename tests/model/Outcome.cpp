@@ -1,7 +1,10 @@
-// Comparing outcomes; see the header.
-#include "tests/faults/Outcome.h"
+#include "tests/model/Outcome.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
+
+#include "tests/support/AllClasses.h"
 
 namespace usbinfo_test {
 
@@ -24,6 +27,11 @@ std::string FirstDifference(const std::string& what, const std::vector<Item>& ac
 
 }  // namespace
 
+std::vector<Properties> Outcome::InstancesOf(const std::string& className) const {
+  const auto found = instances.find(className);
+  return found == instances.end() ? std::vector<Properties>() : found->second;
+}
+
 bool Outcome::operator==(const Outcome& other) const {
   return leaving == other.leaving && trace == other.trace && log == other.log &&
          machineCalls == other.machineCalls && instances == other.instances;
@@ -36,9 +44,8 @@ std::string Difference(const Outcome& actual, const Outcome& expected) {
   }
   text += FirstDifference("log line", actual.log, expected.log);
   text += FirstDifference("question to the machine", actual.machineCalls, expected.machineCalls);
-  if (actual.instances != expected.instances) {
-    text += "instances: " + ::testing::PrintToString(actual.instances) + ", expected " +
-            ::testing::PrintToString(expected.instances) + "\n";
+  for (const std::string& className : kAllClasses) {
+    text += FirstDifference(className, actual.InstancesOf(className), expected.InstancesOf(className));
   }
   text += FirstDifference("call", actual.trace.Calls(), expected.trace.Calls());
   if (text.empty() && actual != expected) text = "the calls differ\n";

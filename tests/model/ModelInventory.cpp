@@ -1,8 +1,4 @@
-// The modelled inventory; see the header.
-#include "tests/faults/ModelInventory.h"
-
-#include <algorithm>
-#include <cstdio>
+#include "tests/model/ModelInventory.h"
 
 using standin::HostOperation;
 
@@ -64,14 +60,14 @@ bool ModelInventory::AcquireList() {
 
 void ModelInventory::Populate() {
   Debug("TUsbData::PopulateData: Begin");
-  for (const ModelRecord& record : fList.records) {
+  for (const RecordValues& record : fList.records) {
     if (record.isHub && record.isRoot) FillController(record);
     FillDevice(record);
   }
   Debug("TUsbData::PopulateData: End");
 }
 
-void ModelInventory::FillController(const ModelRecord& record) {
+void ModelInventory::FillController(const RecordValues& record) {
   Debug("TUsbData::FillControllerProperties: Begin");
   Properties controller;
   InsertText(controller, "Description", record.product);
@@ -82,17 +78,14 @@ void ModelInventory::FillController(const ModelRecord& record) {
   Debug("TUsbData::FillControllerProperties: End");
 }
 
-void ModelInventory::FillPorts(const ModelRecord& hub) {
-  constexpr unsigned int kMaxPorts = 255;
+void ModelInventory::FillPorts(const RecordValues& hub) {
   Debug("TUsbData::FillPortProperties: Begin");
   Debug("Total Ports" + std::to_string(hub.ports));
-  for (unsigned int index = 0; index < std::min<unsigned int>(hub.ports, kMaxPorts); ++index) {
-    FillPort(hub, index);
-  }
+  for (unsigned int index = 0; index < hub.PortsMade(); ++index) FillPort(hub, index);
   Debug("TUsbData::FillPortProperties: End");
 }
 
-void ModelInventory::FillPort(const ModelRecord& hub, unsigned int index) {
+void ModelInventory::FillPort(const RecordValues& hub, unsigned int index) {
   Properties port;
   InsertNumber(port, "HubDepth", hub.level);
   InsertText(port, "HubName", hub.identifier);
@@ -107,7 +100,7 @@ void ModelInventory::FillPort(const ModelRecord& hub, unsigned int index) {
   File("KALDO_USBPort", port);
 }
 
-void ModelInventory::FillDevice(const ModelRecord& record) {
+void ModelInventory::FillDevice(const RecordValues& record) {
   Debug("TUsbData::FillDeviceProperties: Begin");
   Properties properties;
   InsertText(properties, "Description", record.product);
@@ -121,7 +114,7 @@ void ModelInventory::FillDevice(const ModelRecord& record) {
   Debug("TUsbData::FillDeviceProperties: End");
 }
 
-void ModelInventory::Identify(const ModelRecord& record, Properties& properties) {
+void ModelInventory::Identify(const RecordValues& record, Properties& properties) {
   fHost.InsertByWayOfText(properties, "DeviceID", record.identifier);
   fHost.InsertByWayOfText(properties, "Name", record.identifier);
   if (record.level == 0) return;
@@ -129,7 +122,7 @@ void ModelInventory::Identify(const ModelRecord& record, Properties& properties)
   fHost.InsertByWayOfText(properties, "PortNumber", record.port);
 }
 
-void ModelInventory::Describe(const ModelRecord& record, Properties& properties) {
+void ModelInventory::Describe(const RecordValues& record, Properties& properties) {
   Debug("TUsbData::DisplayDeviceDescriptor: Begin");
   InsertNumber(properties, "USBVersion", record.version);
   InsertNumber(properties, "ClassCode", record.classCode);
@@ -144,7 +137,7 @@ void ModelInventory::Describe(const ModelRecord& record, Properties& properties)
   Debug("TUsbData::DisplayDeviceDescriptor: End");
 }
 
-void ModelInventory::FinishHub(const ModelRecord& record, Properties& properties) {
+void ModelInventory::FinishHub(const RecordValues& record, Properties& properties) {
   InsertNumber(properties, "HubDepth", record.level);
   InsertNumber(properties, "NumberOfPorts", record.ports % 256U);
   AddKeys("KALDO_USBHub", properties);
@@ -152,7 +145,7 @@ void ModelInventory::FinishHub(const ModelRecord& record, Properties& properties
   FillPorts(record);
 }
 
-void ModelInventory::FinishDevice(const ModelRecord& record, Properties& properties) {
+void ModelInventory::FinishDevice(const RecordValues& record, Properties& properties) {
   const unsigned long speed = record.megabits;
   Debug("TUsbData::FillDeviceProperties() speed " + std::to_string(speed));
   const int speedClass = speed == 0 ? 0 : speed == 1 ? 1 : speed <= 12 ? 2 : speed <= 480 ? 3 : 4;

@@ -1,5 +1,4 @@
-// The modelled dispatch and instance making; see the header.
-#include "tests/faults/ModelPlugin.h"
+#include "tests/model/ModelPlugin.h"
 
 #include <memory>
 
@@ -126,7 +125,7 @@ void ModelPlugin::Generate(const Properties& entry, const std::string& className
   fHost.Commit(instance);
 }
 
-Outcome RunModel(const Scenario& scenario, const ModelList& list, const std::optional<Fault>& fault,
+Outcome RunModel(const Scenario& scenario, const ListValues& list, const std::optional<Fault>& fault,
                  bool keepsCalls) {
   ModelHost host(scenario, fault, keepsCalls);
   ModelPlugin plugin(host, list);

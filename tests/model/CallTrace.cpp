@@ -1,5 +1,4 @@
-// Condensing calls; see the header.
-#include "tests/faults/CallTrace.h"
+#include "tests/model/CallTrace.h"
 
 #include <functional>
 #include <string_view>

@@ -1,20 +1,19 @@
 // The model of a whole run: what a host that asks for classes sees of the plug-in, with or without a fault.
-// Written from the rules of what is logged, skipped and served, and sharing no code with the plug-in but the
-// list's cutter.
+// Written from the rules of what is logged, skipped and served, and sharing no code with the plug-in.
 #pragma once
 
 #include <optional>
 #include <string>
 
-#include "tests/faults/ModelAssociations.h"
-#include "tests/faults/ModelHost.h"
-#include "tests/faults/ModelInventory.h"
+#include "tests/model/ModelAssociations.h"
+#include "tests/model/ModelHost.h"
+#include "tests/model/ModelInventory.h"
 
 namespace usbinfo_test {
 
 class ModelPlugin {
  public:
-  ModelPlugin(ModelHost& host, const ModelList& list)
+  ModelPlugin(ModelHost& host, const ListValues& list)
       : fHost(host), fInventory(host, list), fAssociations(host) {}
 
   /// Init, the request, DeInit; what leaves it is thrown.
@@ -35,7 +34,7 @@ class ModelPlugin {
 };
 
 /// The outcome that a run of `scenario` must have.
-Outcome RunModel(const Scenario& scenario, const ModelList& list, const std::optional<Fault>& fault,
+Outcome RunModel(const Scenario& scenario, const ListValues& list, const std::optional<Fault>& fault,
                  bool keepsCalls = false);
 
 }  // namespace usbinfo_test

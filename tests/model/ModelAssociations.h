@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/faults/ModelHost.h"
+#include "tests/model/ModelHost.h"
 
 namespace usbinfo_test {
 
@@ -19,7 +19,7 @@ class ModelAssociations {
   std::vector<Properties> LinkDevicesToPorts();
 
  private:
-  /// What a device or downstream hub and its port tell alike.
+  /// What a device or downstream hub and its port have in common.
   struct Place {
     unsigned short depth;
     std::string hubName;

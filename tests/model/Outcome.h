@@ -4,13 +4,12 @@
 #pragma once
 
 #include <map>
-#include <ostream>
 #include <string>
 #include <vector>
 
-#include "tests/faults/CallTrace.h"
-#include "tests/faults/Fault.h"
-#include "tests/support/HostTest.h"
+#include "tests/model/CallTrace.h"
+#include "tests/model/Fault.h"
+#include "tests/support/LogLine.h"
 
 namespace usbinfo_test {
 
@@ -26,6 +25,8 @@ struct Outcome {
   /// What left the request: "nothing" or the kind of exception.
   std::string leaving = "nothing";
 
+  std::vector<Properties> InstancesOf(const std::string& className) const;
+
   bool operator==(const Outcome& other) const;
   bool operator!=(const Outcome& other) const { return !(*this == other); }
 };
@@ -33,7 +34,7 @@ struct Outcome {
 /// The first thing in which the two differ, for a failing test; empty when they do not.
 std::string Difference(const Outcome& actual, const Outcome& expected);
 
-/// The name under which Outcome::leaving tells an exception of this kind.
+/// The text of Outcome::leaving for an exception of this kind.
 const char* NameOf(FaultKind kind);
 
 }  // namespace usbinfo_test
