@@ -13,14 +13,14 @@
 #include <string>
 #include <vector>
 
-#include "cli/DiffCommand.h"
-#include "cli/ExitStatus.h"
-#include "cli/Output.h"
-#include "cli/SchemaCommand.h"
-#include "cli/ShowCommand.h"
-#include "cli/ShowOptions.h"
-#include "cli/Text.h"
-#include "cli/UserError.h"
+#include "cli/command/DiffCommand.h"
+#include "cli/command/ExitStatus.h"
+#include "cli/command/SchemaCommand.h"
+#include "cli/command/ShowCommand.h"
+#include "cli/command/ShowOptions.h"
+#include "cli/text/Output.h"
+#include "cli/text/Text.h"
+#include "cli/text/UserError.h"
 
 namespace {
 

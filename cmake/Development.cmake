@@ -25,5 +25,5 @@ string(REGEX REPLACE "/$" "" PREFIX_FROM_PKGCONFIG "${PREFIX_FROM_PKGCONFIG}")
 configure_file(cmake/usbinfo.pc.in "${GENERATED_DIR}/usbinfo.pc" @ONLY)
 install(FILES "${GENERATED_DIR}/usbinfo.pc" DESTINATION "${PKGCONFIG_DIR}" COMPONENT usbinfo-dev)
 
-install(DIRECTORY host standin DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/usbinfo" COMPONENT usbinfo-dev
+install(DIRECTORY host schema standin DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/usbinfo" COMPONENT usbinfo-dev
         FILES_MATCHING PATTERN "*.h")

@@ -14,7 +14,7 @@ using NKESTA20::PropertyMap;
 namespace standin {
 
 CimClass::CimClass(const boost::shared_ptr<Namespace>& ns, const std::string& name)
-    : fNamespace(ns), fName(name), fSchema(FindClass(name)) {}
+    : fNamespace(ns), fName(name), fSchema(schema::FindClass(name)) {}
 
 const std::string& CimClass::GetClassName(PropertyMap) {
   HostSeam::Enter(HostOperation::kGetClassName, fName);

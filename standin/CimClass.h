@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/ICIMClass.h"
-#include "standin/ClassSchema.h"
+#include "schema/ClassSchema.h"
 #include "standin/Instance.h"
 
 namespace standin {
@@ -40,7 +40,7 @@ class CimClass : public NKESTA20::ICIMClass, public boost::enable_shared_from_th
  private:
   boost::weak_ptr<Namespace> fNamespace;
   std::string fName;
-  const ClassSchema* fSchema;
+  const schema::ClassSchema* fSchema;
   std::vector<boost::shared_ptr<Instance>> fInstances;
   std::unordered_map<std::string, std::size_t> fIndexByPath;
 };

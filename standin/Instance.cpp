@@ -28,7 +28,7 @@ boost::shared_ptr<CimClass> LockClass(const boost::weak_ptr<CimClass>& cls) {
 
 }  // namespace
 
-Instance::Instance(const boost::shared_ptr<CimClass>& cls, const ClassSchema& schema)
+Instance::Instance(const boost::shared_ptr<CimClass>& cls, const schema::ClassSchema& schema)
     : fClass(cls), fSchema(schema) {}
 
 void Instance::Commit(PropertyMap) {
@@ -56,7 +56,7 @@ boost::shared_ptr<ICIMProperty> Instance::GetProperty(const std::string& name, P
 
 void Instance::SetProperty(const std::string& name, const TCIMValue& value, PropertyMap) {
   HostSeam::Enter(HostOperation::kSetProperty, name);
-  const PropertySchema* const schema = fSchema.FindProperty(name);
+  const schema::PropertySchema* const schema = fSchema.FindProperty(name);
   if (schema == nullptr) Throw(StatusCode::kNoSuchProperty);
   if (TypeOf(value) != schema->type) Throw(StatusCode::kTypeMismatch);
   if (schema->isKey && fCommitted) Throw(StatusCode::kInvalidParameter);
@@ -72,7 +72,7 @@ void Instance::SetProperty(const std::string& name, const TCIMValue& value, Prop
 const TCIMReference& Instance::Path() {
   if (!TextOf(fPath).empty()) return fPath;
   std::vector<std::pair<std::string, TCIMValue>> keys;
-  for (const PropertySchema& schema : fSchema.properties) {
+  for (const schema::PropertySchema& schema : fSchema.properties) {
     if (!schema.isKey) continue;
     const auto found = fProperties.find(schema.name);
     if (found == fProperties.end()) Throw(StatusCode::kInvalidParameter);

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "host/ICIMInstance.h"
-#include "standin/ClassSchema.h"
+#include "schema/ClassSchema.h"
 #include "standin/Property.h"
 
 namespace standin {
@@ -21,7 +21,7 @@ class Instance : public NKESTA20::ICIMInstance, public boost::enable_shared_from
   using Properties = std::map<std::string, boost::shared_ptr<Property>>;
 
   /// `schema` must outlive the instance.
-  Instance(const boost::shared_ptr<CimClass>& cls, const ClassSchema& schema);
+  Instance(const boost::shared_ptr<CimClass>& cls, const schema::ClassSchema& schema);
 
   /// Throws CIM_ERR_INVALID_PARAMETER while a key is missing. An instance of an equal path is replaced.
   void Commit(NKESTA20::PropertyMap context) override;
@@ -43,7 +43,7 @@ class Instance : public NKESTA20::ICIMInstance, public boost::enable_shared_from
 
  private:
   boost::weak_ptr<CimClass> fClass;
-  const ClassSchema& fSchema;
+  const schema::ClassSchema& fSchema;
   Properties fProperties;
   /// The path, made when it is first asked for; empty before and after a change of a key.
   NKESTA20::TCIMReference fPath;

@@ -7,9 +7,9 @@
 #include <cerrno>
 #include <system_error>
 
-#include "standin/ChildProcess.h"
-#include "standin/FileDescriptor.h"
 #include "standin/StatusCode.h"
+#include "system/ChildProcess.h"
+#include "system/FileDescriptor.h"
 
 namespace standin {
 
@@ -37,7 +37,7 @@ bool Machine::FileExists(const std::string& path) {
 
 std::string Machine::CaptureFile(const std::string& path) {
   try {
-    return ReadAll(OpenFile(path, O_RDONLY).Get());
+    return sys::ReadAll(sys::OpenFile(path, O_RDONLY).Get());
   } catch (const std::system_error& error) {
     Throw(StatusOf(error.code().value()));
   }
@@ -45,7 +45,7 @@ std::string Machine::CaptureFile(const std::string& path) {
 
 std::string Machine::SpawnProcess(const std::string& command, int seconds) {
   try {
-    ChildProcess child(command);
+    sys::ChildProcess child(command);
     return child.Collect(std::chrono::seconds(seconds), kMaxOutput);
   } catch (const std::system_error&) {
     Throw(StatusCode::kFailed);

@@ -3,7 +3,7 @@
 
 #include <boost/make_shared.hpp>
 
-#include "standin/ClassSchema.h"
+#include "schema/ClassSchema.h"
 #include "standin/HostSeam.h"
 #include "standin/StatusCode.h"
 
@@ -14,7 +14,7 @@ namespace standin {
 
 boost::shared_ptr<Namespace> Namespace::Make() {
   auto ns = boost::make_shared<Namespace>();
-  for (const ClassSchema& schema : ServedClasses()) {
+  for (const schema::ClassSchema& schema : schema::ServedClasses()) {
     ns->fClasses.emplace(schema.name, boost::make_shared<CimClass>(ns, schema.name));
   }
   return ns;

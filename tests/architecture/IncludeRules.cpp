@@ -29,8 +29,10 @@ const std::vector<Layer>& Layers() {
       {"inventory", {"usbfs", "provider", "host", kVocabulary}, true},
       {"association", {"provider", "host", kVocabulary}, true},
       {"plugin", {"inventory", "association", "provider", "host"}, true},
-      {"standin", {"host"}, false},
-      {"cli", {"standin", "host"}, false},
+      {"system", {}, false},
+      {"schema", {"host"}, false},
+      {"standin", {"host", "schema", "system"}, false},
+      {"cli", {"standin", "schema", "system", "host"}, false},
   };
   return kLayers;
 }

@@ -58,12 +58,12 @@ TEST(IncludeRules, SayWhereAndWhat) {
 TEST(IncludeRules, ReportEveryBadIncludeOfATree) {
   TemporaryFolder tree;
   tree.File("usbfs/B.cpp",
-            Include("cli/Text.h") + Include("host/ILogger.h") + Include("inventory/TUsbData.h"));
+            Include("cli/text/Text.h") + Include("host/ILogger.h") + Include("inventory/TUsbData.h"));
   tree.File("usbfs/deeper/A.h", Include("standin/Host.h"));
   tree.File("host/A.h", Include("provider/TUsb.h"));
   EXPECT_THAT(IncludeRules(tree.Path()).Violations(),
               ElementsAre("host/A.h:1: host may not include provider/TUsb.h",
-                          "usbfs/B.cpp:1: usbfs may not include cli/Text.h",
+                          "usbfs/B.cpp:1: usbfs may not include cli/text/Text.h",
                           "usbfs/B.cpp:3: usbfs may not include inventory/TUsbData.h",
                           "usbfs/deeper/A.h:1: usbfs may not include standin/Host.h"));
 }

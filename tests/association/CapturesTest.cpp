@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "plugin/TUSBInfoCallbacks.h"
-#include "standin/ClassSchema.h"
+#include "schema/ClassSchema.h"
 #include "standin/GivenDeviceList.h"
 #include "tests/inventory/InventoryTest.h"
 
@@ -55,7 +55,7 @@ class Capture : public InventoryTest, public ::testing::WithParamInterface<std::
 
   json CommittedInstances() {
     json classes = json::object();
-    for (const standin::ClassSchema& schema : standin::ServedClasses()) {
+    for (const schema::ClassSchema& schema : schema::ServedClasses()) {
       json& instances = classes[schema.name] = json::array();
       for (const auto& instance : ClassNamed(schema.name)->Instances()) {
         json& properties = instances.emplace_back(json::object());

@@ -8,7 +8,7 @@
 #include <memory>
 
 #include "standin/ValueView.h"
-#include "tests/cli/CimDtd.h"
+#include "tests/cli/support/CimDtd.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/Utf8.h"
 

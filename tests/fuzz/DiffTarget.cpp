@@ -4,11 +4,11 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "cli/DiffJson.h"
-#include "cli/DiffText.h"
-#include "cli/InventoryDiff.h"
-#include "cli/SavedInventory.h"
-#include "cli/UserError.h"
+#include "cli/diff/DiffJson.h"
+#include "cli/diff/DiffText.h"
+#include "cli/diff/InventoryDiff.h"
+#include "cli/model/SavedInventory.h"
+#include "cli/text/UserError.h"
 #include "tests/fuzz/BrokenInvariant.h"
 
 using cli::InventoryDifference;

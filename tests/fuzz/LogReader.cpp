@@ -8,8 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "cli/LogWriter.h"
-#include "standin/FileDescriptor.h"
+#include "cli/text/LogWriter.h"
+#include "system/FileDescriptor.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/Utf8.h"
 
@@ -27,7 +27,7 @@ std::vector<std::string> Written(const DistinctLines& log, cli::LogFormat format
   for (const auto& [severity, text] : log) writer.Write(severity, text);
   writer.Finish();
   Require(::lseek(file, 0, SEEK_SET) == 0, "the log is read from its beginning");
-  const std::string whole = standin::ReadAll(file);
+  const std::string whole = sys::ReadAll(file);
   Require(whole.empty() || whole.back() == '\n', "the log ends with a newline");
   std::vector<std::string> lines;
   std::istringstream stream(whole);

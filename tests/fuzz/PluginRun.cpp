@@ -3,7 +3,7 @@
 
 #include "inventory/TUsbData.h"
 #include "plugin/TUSBInfoCallbacks.h"
-#include "standin/ClassSchema.h"
+#include "schema/ClassSchema.h"
 #include "standin/GivenDeviceList.h"
 #include "standin/Host.h"
 
@@ -33,7 +33,7 @@ PluginRun::PluginRun(const std::string& text) {
   host.SetOperatingSystem(std::make_unique<standin::GivenDeviceList>(text));
   host.CoreLogger().SetSink([this](auto severity, const auto& line) { fLog.emplace_back(severity, line); });
   std::vector<boost::shared_ptr<NKESTA20::ICIMClass>> classes;
-  for (const standin::ClassSchema& schema : standin::ServedClasses()) {
+  for (const schema::ClassSchema& schema : schema::ServedClasses()) {
     classes.emplace_back(host.Cimv2()->ClassForRequest(schema.name));
   }
   NKESTA20::TUSBInfoCallbacks plugin;

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli/Inventory.h"
+#include "cli/model/Inventory.h"
 #include "host/ILogger.h"
 
 namespace usbinfo_test {

@@ -5,8 +5,8 @@
 #include <clocale>
 #include <regex>
 
-#include "cli/OutputFormat.h"
-#include "cli/UsbIds.h"
+#include "cli/format/OutputFormat.h"
+#include "cli/model/UsbIds.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/CimXmlReader.h"
 #include "tests/fuzz/DotReader.h"

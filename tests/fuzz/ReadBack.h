@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/Inventory.h"
+#include "cli/model/Inventory.h"
 
 namespace usbinfo_test {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/OutputFormat.h"
+#include "cli/format/OutputFormat.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/CimXmlReader.h"
 #include "tests/fuzz/PluginTarget.h"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "cli/Inventory.h"
+#include "cli/model/Inventory.h"
 
 namespace usbinfo_test {
 

@@ -44,7 +44,7 @@ class EnumerationTest : public usbinfo_test::HostTest {
 };
 
 TEST_F(EnumerationTest, NamespaceFindsTheServedClassesAndNoOther) {
-  for (const auto& schema : standin::ServedClasses()) {
+  for (const auto& schema : schema::ServedClasses()) {
     EXPECT_EQ(host.Cimv2()->GetClass(schema.name, {})->GetClassName({}), schema.name);
   }
   for (const char* name : {"", "KALDO_USBControllerHasHub", "kaldo_usbhub", "KALDO_USBHu"}) {

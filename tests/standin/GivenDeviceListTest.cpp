@@ -6,10 +6,10 @@
 
 #include "host/TOSSpecific.h"
 #include "standin/GivenDeviceList.h"
-#include "tests/standin/Processes.h"
 #include "tests/standin/StandinTest.h"
 #include "tests/support/HostTest.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/system/Processes.h"
 
 namespace {
 

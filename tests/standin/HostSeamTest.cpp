@@ -150,7 +150,7 @@ class HostSeamTest : public usbinfo_test::HostTest, public ::testing::WithParamI
   /// All that an operation could change, in one text.
   std::string Snapshot() {
     std::string text;
-    for (const auto& schema : standin::ServedClasses()) {
+    for (const auto& schema : schema::ServedClasses()) {
       for (const auto& instance : usbinfo_test::ClassOf(schema.name)->Instances())
         text += Describe(*instance);
     }

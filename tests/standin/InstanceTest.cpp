@@ -20,8 +20,8 @@ using NKESTA20::ICIMInstance;
 using NKESTA20::ICIMProperty;
 using NKESTA20::TCIMReference;
 using NKESTA20::TCIMValue;
-using standin::ClassSchema;
-using standin::PropertySchema;
+using schema::ClassSchema;
+using schema::PropertySchema;
 using standin::TextOf;
 using standin::TypeOf;
 using ::testing::ElementsAre;
@@ -63,7 +63,7 @@ class InstanceTest : public usbinfo_test::HostTest {
 
   /// Calls `check` with every class and each of its keys.
   void ForEachKey(const std::function<void(const ClassSchema&, const std::string& key)>& check) {
-    for (const ClassSchema& schema : standin::ServedClasses()) {
+    for (const ClassSchema& schema : schema::ServedClasses()) {
       for (const PropertySchema& property : schema.properties) {
         if (property.isKey) check(schema, property.name);
       }
@@ -72,7 +72,7 @@ class InstanceTest : public usbinfo_test::HostTest {
 };
 
 TEST_F(InstanceTest, TakesForEachPropertyValuesOfItsTypeOnly) {
-  for (const ClassSchema& schema : standin::ServedClasses()) {
+  for (const ClassSchema& schema : schema::ServedClasses()) {
     const InstancePtr instance = ClassOf(schema.name)->CreateInstance({});
     for (const PropertySchema& property : schema.properties) {
       for (const TCIMValue& value : EveryType()) {
@@ -118,7 +118,7 @@ TEST_F(InstanceTest, HasNoPathAndCannotBeCommittedWithoutAllKeys) {
 }
 
 TEST_F(InstanceTest, CanBeCommittedOnceTheMissingKeyIsThere) {
-  const ClassSchema& schema = *standin::FindClass("KALDO_USBHub");
+  const ClassSchema& schema = *schema::FindClass("KALDO_USBHub");
   const InstancePtr hub = WithoutKey(schema, "DeviceID");
   EXPECT_EQ(StatusOf([&] { hub->Commit({}); }), "CIM_ERR_INVALID_PARAMETER");
   hub->SetProperty("DeviceID", TCIMValue("late"), {});

@@ -9,12 +9,12 @@
 #include <string>
 #include <thread>
 
-#include "standin/FileDescriptor.h"
 #include "standin/Machine.h"
-#include "tests/standin/Processes.h"
+#include "system/FileDescriptor.h"
 #include "tests/standin/StandinTest.h"
 #include "tests/support/HostTest.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/system/Processes.h"
 
 namespace {
 
@@ -108,8 +108,8 @@ TEST_F(MachineFileTest, CapturesAPipeToItsEnd) {
   std::string expected;
   for (int piece = 0; piece < 500; ++piece) expected += std::to_string(piece);
   std::thread writer([&fifo] {
-    const standin::FileDescriptor input(::open(fifo.c_str(), O_WRONLY | O_CLOEXEC));
-    for (int piece = 0; piece < 500; ++piece) standin::WriteAll(input.Get(), std::to_string(piece));
+    const sys::FileDescriptor input(::open(fifo.c_str(), O_WRONLY | O_CLOEXEC));
+    for (int piece = 0; piece < 500; ++piece) sys::WriteAll(input.Get(), std::to_string(piece));
   });
   EXPECT_EQ(machine.CaptureFile(fifo), expected);
   writer.join();

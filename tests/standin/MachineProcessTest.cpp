@@ -8,10 +8,10 @@
 #include <chrono>
 #include <string>
 
-#include "standin/FileDescriptor.h"
 #include "standin/Machine.h"
-#include "tests/standin/Processes.h"
+#include "system/FileDescriptor.h"
 #include "tests/standin/StandinTest.h"
+#include "tests/system/Processes.h"
 
 namespace {
 
@@ -62,7 +62,7 @@ TEST_F(MachineProcessTest, GivesTheCommandNothingToReadAndDropsItsErrors) {
 
 TEST_F(MachineProcessTest, KeepsItsOwnInputToItself) {
   const int exitCode = ExitOfChild([this] {
-    const standin::FileDescriptor input = standin::OpenFile("/proc/filesystems", O_RDONLY);
+    const sys::FileDescriptor input = sys::OpenFile("/proc/filesystems", O_RDONLY);
     ::dup2(input.Get(), STDIN_FILENO);
     return Run("cat; echo end") == "end\n" ? 0 : 1;
   });

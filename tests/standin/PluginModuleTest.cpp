@@ -9,10 +9,10 @@
 
 #include "host/TQSVException.h"
 #include "standin/PluginModule.h"
-#include "tests/standin/Processes.h"
 #include "tests/standin/StandinTest.h"
 #include "tests/support/HostTest.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/system/Processes.h"
 
 namespace {
 

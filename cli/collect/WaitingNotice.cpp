@@ -1,0 +1,75 @@
+// Counting the time of a command; see the header.
+#include "cli/collect/WaitingNotice.h"
+
+#include <fmt/format.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "cli/text/Text.h"
+
+namespace cli {
+
+namespace {
+
+/// Runs an action on a thread of its own after a time, unless the object goes before. The destructor waits
+/// for an action that has begun.
+class Timer {
+ public:
+  Timer(std::chrono::milliseconds time, std::function<void()> action) {
+    try {
+      fThread = std::thread([this, time, action = std::move(action)] { Count(time, action); });
+    } catch (const std::system_error&) {
+      // No thread to be had: the action is not worth failing for.
+    }
+  }
+  Timer(const Timer&) = delete;
+  Timer& operator=(const Timer&) = delete;
+  ~Timer() {
+    {
+      const std::lock_guard<std::mutex> lock(fMutex);
+      fIsOver = true;
+    }
+    fOver.notify_one();
+    if (fThread.joinable()) fThread.join();
+  }
+
+ private:
+  void Count(std::chrono::milliseconds time, const std::function<void()>& action) noexcept {
+    try {
+      std::unique_lock<std::mutex> lock(fMutex);
+      const bool isOver = fOver.wait_for(lock, time, [this] { return fIsOver; });
+      lock.unlock();
+      if (!isOver) action();
+    } catch (...) {
+      // Nobody is there to be told.
+    }
+  }
+
+  std::mutex fMutex;
+  std::condition_variable fOver;
+  bool fIsOver = false;
+  std::thread fThread;
+};
+
+}  // namespace
+
+WaitingNotice::WaitingNotice(std::unique_ptr<standin::OperatingSystem> behind,
+                             std::chrono::milliseconds patience, Tell tell)
+    : ForwardingSystem(std::move(behind)), fPatience(patience), fTell(std::move(tell)) {}
+
+std::string WaitingNotice::SpawnProcess(const std::string& command, int seconds) {
+  if (fIsTold) return ForwardingSystem::SpawnProcess(command, seconds);
+  const std::string line = fmt::format("usbinfo: waiting for {}, for {} seconds at most ...\n",
+                                       EscapeForTerminal(command), seconds);
+  const Timer timer(fPatience, [this, line] {
+    fIsTold = true;
+    fTell(line);
+  });
+  return ForwardingSystem::SpawnProcess(command, seconds);
+}
+
+}  // namespace cli

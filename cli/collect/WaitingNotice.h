@@ -1,0 +1,31 @@
+// Says what is being waited for when a command of the machine takes long, so that a silent terminal does not
+// pass for a hung program. A thread of its own counts the time; it is gone when the command is done.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "cli/collect/ForwardingSystem.h"
+
+namespace cli {
+
+class WaitingNotice : public ForwardingSystem {
+ public:
+  using Tell = std::function<void(const std::string& line)>;
+
+  /// Calls `tell` with one line, from another thread, when a command is not done after `patience`; once only,
+  /// however many commands there are. What `tell` throws is dropped.
+  WaitingNotice(std::unique_ptr<standin::OperatingSystem> behind, std::chrono::milliseconds patience,
+                Tell tell);
+
+  std::string SpawnProcess(const std::string& command, int seconds) override;
+
+ private:
+  std::chrono::milliseconds fPatience;
+  Tell fTell;
+  bool fIsTold = false;
+};
+
+}  // namespace cli

@@ -1,0 +1,12 @@
+// `usbinfo show`, the default: collects an inventory through the plug-in, on the machine or from a given
+// device list, and prints it.
+#pragma once
+
+#include "cli/command/ShowOptions.h"
+
+namespace cli {
+
+/// Runs the command; gives its exit status, throws UserError for what ends it with another line.
+int RunShow(const ShowOptions& options);
+
+}  // namespace cli

@@ -1,0 +1,18 @@
+// The difference of two inventories for people: a line per thing, in the order of the places, and under a
+// thing that changed a line per property.
+#pragma once
+
+#include <string>
+
+#include "cli/diff/InventoryDiff.h"
+
+namespace cli {
+
+/// "bus 1, port 2.0", "bus 1"; for what is on no known bus, its identifier in quotes instead of the bus.
+std::string DescribePlace(const Place& place);
+
+/// Empty when there is no difference. Texts of devices stand in quotes, escaped, so that none can forge a
+/// line, a value or a command to the terminal.
+std::string RenderDiffText(const InventoryDifference& difference, bool isColored);
+
+}  // namespace cli

@@ -1,0 +1,23 @@
+// CIM type names; see the header.
+#include "cli/format/CimTypes.h"
+
+using Type = NKESTA20::TCIMValue::TCIMType;
+
+namespace cli {
+
+std::string CimTypeName(Type::ECIMType type) {
+  switch (type) {
+    case Type::kUint8:
+      return "uint8";
+    case Type::kUint16:
+      return "uint16";
+    case Type::kUint64:
+      return "uint64";
+    case Type::kReference:
+      return "reference";
+    default:
+      return "string";
+  }
+}
+
+}  // namespace cli

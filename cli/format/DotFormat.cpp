@@ -1,0 +1,133 @@
+// The graph for Graphviz; see the header.
+#include "cli/format/DotFormat.h"
+
+#include <fmt/format.h>
+
+#include "cli/model/UsbTree.h"
+#include "cli/model/Wording.h"
+#include "cli/text/Text.h"
+
+namespace cli {
+
+namespace {
+
+using Kind = UsbTreeNode::Kind;
+
+/// One line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; a device's
+/// string holds neither.
+std::string LabelLine(const std::string& text) {
+  std::string line;
+  for (const char c : ReplaceUnprintable(text)) {
+    if (c == '&') {
+      line += "&amp;";
+      continue;
+    }
+    if (c == '"' || c == '\\') line += '\\';
+    line += c;
+  }
+  return line;
+}
+
+/// The lines that are not empty, one below the other.
+std::string Label(const std::vector<std::string>& lines) {
+  std::string label;
+  for (const std::string& line : lines) {
+    if (line.empty()) continue;
+    if (!label.empty()) label += "\\n";
+    label += LabelLine(line);
+  }
+  return '"' + label + '"';
+}
+
+class Graph {
+ public:
+  explicit Graph(const Inventory& inventory)
+      : fSummary(Summary(inventory)), fTree(inventory), fIsTop(fTree.Nodes().size(), false) {
+    for (const std::size_t index : fTree.Top()) fIsTop[index] = true;
+  }
+
+  std::string Text() const {
+    if (fTree.Nodes().empty()) return "digraph usb {\n}\n";
+    std::string text = Head();
+    // Graphviz draws what hangs together bottom up.
+    for (auto top = fTree.Top().rbegin(); top != fTree.Top().rend(); ++top) text += Node(*top);
+    for (std::size_t index = 0; index < fTree.Nodes().size(); ++index) {
+      if (!fIsTop[index]) text += Node(index);
+    }
+    for (std::size_t index = 0; index < fTree.Nodes().size(); ++index) text += Edges(index);
+    return text + "}\n";
+  }
+
+ private:
+  std::string Head() const {
+    return fmt::format(
+        "digraph usb {{\n"
+        "  graph [rankdir=LR, nodesep=0.08, ranksep=0.5, labelloc=t, labeljust=l, fontname=\"sans-serif\",\n"
+        "         fontsize=14, label={}];\n"
+        "  node [shape=box, style=\"rounded,filled\", color=\"#8a94a3\", fillcolor=\"#ffffff\",\n"
+        "        fontname=\"sans-serif\", fontsize=10, height=0.3, margin=\"0.12,0.06\"];\n"
+        "  edge [arrowhead=none, color=\"#8a94a3\"];\n",
+        Label({fSummary}));
+  }
+
+  std::string Node(std::size_t index) const {
+    const UsbTreeNode& node = fTree.Nodes()[index];
+    const std::string place = PlaceOf(node, fIsTop[index]);
+    switch (node.kind) {
+      case Kind::kController:
+        return NodeText(index, "controller", {place, DisplayName(node)},
+                        R"(fillcolor="#24364b", fontcolor="#ffffff")");
+      case Kind::kHub: {
+        const std::string ports = Count(node.item->Number("NumberOfPorts"), "port");
+        return NodeText(index, "hub", {place, DisplayName(node), IdOf(node) + ", " + ports},
+                        R"(fillcolor="#dde8f5")");
+      }
+      case Kind::kPort:
+        return Port(index, place);
+      default:
+        return NodeText(index, "device", {fIsTop[index] ? place : "", DisplayName(node), Facts(node)},
+                        R"(fillcolor="#e3f1e4")");
+    }
+  }
+
+  std::string Port(std::size_t index, const std::string& place) const {
+    const UsbTreeNode& node = fTree.Nodes()[index];
+    if (!IsFree(*node.item)) return NodeText(index, "port used", {place, SpeedOf(fTree, node)}, "fontsize=9");
+    return NodeText(
+        index, "port free", {place + " free"},
+        R"(shape=plaintext, style="", fontcolor="#667080", fontsize=8, height=0.16, margin="0.03,0")");
+  }
+
+  /// A device's identifier and its speed, as far as it is known.
+  std::string Facts(const UsbTreeNode& node) const {
+    const std::string speed = SpeedOf(fTree, node);
+    return speed.empty() ? IdOf(node) : IdOf(node) + ", " + speed;
+  }
+
+  static std::string NodeText(std::size_t index, const char* svgClass, const std::vector<std::string>& lines,
+                              const char* look) {
+    return fmt::format("  n{} [class=\"{}\", label={}, {}];\n", index, svgClass, Label(lines), look);
+  }
+
+  std::string Edges(std::size_t index) const {
+    std::string text;
+    for (const std::size_t child : fTree.Nodes()[index].children) {
+      const UsbTreeNode& node = fTree.Nodes()[child];
+      const bool isToFreePort = node.kind == Kind::kPort && IsFree(*node.item);
+      text += fmt::format("  n{} -> n{}{};\n", index, child, isToFreePort ? " [color=\"#d3d8df\"]" : "");
+    }
+    return text;
+  }
+
+  std::string fSummary;
+  UsbTree fTree;
+  std::vector<bool> fIsTop;
+};
+
+}  // namespace
+
+std::string RenderDot(const Inventory& inventory, const RenderOptions&) {
+  return Graph(inventory).Text();
+}
+
+}  // namespace cli

@@ -1,0 +1,15 @@
+// The inventory as a graph for Graphviz: a node per controller, hub, port and device, an edge per link, drawn
+// from left to right.
+#pragma once
+
+#include <string>
+
+#include "cli/format/OutputFormat.h"
+
+namespace cli {
+
+/// A digraph in the DOT language, in UTF-8; without nodes for an empty inventory. Nodes are named n0, n1, ...
+/// and carry the SVG classes controller, hub, port or device, ports used or free besides.
+std::string RenderDot(const Inventory& inventory, const RenderOptions& options);
+
+}  // namespace cli

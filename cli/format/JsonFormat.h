@@ -1,0 +1,15 @@
+// The inventory as one JSON document, schema "usbinfo.inventory/1": stable key order, all six classes always
+// there, instances in enumeration order, properties ascending by name.
+#pragma once
+
+#include <string>
+
+#include "cli/format/OutputFormat.h"
+
+namespace cli {
+
+/// ASCII only, so that no string of a device reaches a terminal as it is. Bytes that are no UTF-8 become
+/// U+FFFD, references their object path text.
+std::string RenderJson(const Inventory& inventory, const RenderOptions& options);
+
+}  // namespace cli

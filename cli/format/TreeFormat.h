@@ -1,0 +1,14 @@
+// The inventory as a tree for people: each controller, its root hub, every port with its state, what hangs on
+// it, speed and vendor:product.
+#pragma once
+
+#include <string>
+
+#include "cli/format/OutputFormat.h"
+
+namespace cli {
+
+/// Fits a terminal's width, and draws with ASCII where the locale has no UTF-8.
+std::string RenderTree(const Inventory& inventory, const RenderOptions& options);
+
+}  // namespace cli

@@ -1,0 +1,121 @@
+// The page around the picture of the machine; see the header.
+#include "cli/format/html/HtmlFormat.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "cli/format/html/HtmlTree.h"
+#include "cli/format/html/HtmlWriter.h"
+#include "cli/format/html/PageAssets.h"
+#include "cli/model/UsbTree.h"
+#include "cli/model/Wording.h"
+
+namespace cli {
+
+namespace {
+
+/// Nothing is loaded or sent, and only the page's own style and script are taken.
+std::string SecurityPolicy() {
+  return fmt::format("default-src 'none'; style-src {}; script-src {}; base-uri 'none'; form-action 'none'",
+                     kPageStyle.source, kPageScript.source);
+}
+
+void WriteHead(HtmlWriter& writer, const Inventory& inventory) {
+  writer.Open("head");
+  writer.Void("meta", {{"charset", "utf-8"}});
+  writer.Void("meta", {{"http-equiv", "Content-Security-Policy"}, {"content", SecurityPolicy()}});
+  writer.Void("meta", {{"name", "viewport"}, {"content", "width=device-width, initial-scale=1"}});
+  writer.Void("meta", {{"name", "color-scheme"}, {"content", "light dark"}});
+  writer.Element("title", {}, inventory.SystemName() + ": USB");
+  writer.Asset("style", kPageStyle.text);
+  writer.Close();
+}
+
+/// Where a part is selected, the note says of how many.
+void WriteFigure(HtmlWriter& writer, const ClassView& view, const char* noun, const std::string& note = {}) {
+  const std::size_t number = view.instances.size();
+  const std::string shownNote = number == view.total ? note : fmt::format("of {}", view.total);
+  writer.Open("div");
+  writer.Element("dt", {}, fmt::format("{}{}", noun, number == 1 ? "" : "s"));
+  writer.Element("dd", {}, std::to_string(number));
+  if (!shownNote.empty()) writer.Element("dd", {{"class", "note"}}, shownNote);
+  writer.Close();
+}
+
+void WriteHeader(HtmlWriter& writer, const Inventory& inventory) {
+  writer.Open("header");
+  writer.Open("div", {{"class", "title"}});
+  writer.Element("p", {}, "USB inventory");
+  writer.Element("h1", {}, inventory.SystemName());
+  writer.Close();
+  const ClassView& ports = inventory.ClassOf("KALDO_USBPort");
+  const auto free = std::count_if(ports.instances.begin(), ports.instances.end(), IsFree);
+  const auto used = static_cast<std::ptrdiff_t>(ports.instances.size()) - free;
+  writer.Open("dl", {{"class", "figures"}});
+  WriteFigure(writer, inventory.ClassOf("KALDO_USBController"), "Controller");
+  WriteFigure(writer, inventory.ClassOf("KALDO_USBHub"), "Hub");
+  WriteFigure(writer, ports, "Port", fmt::format("{} used, {} free", used, free));
+  WriteFigure(writer, inventory.ClassOf("KALDO_USBDevice"), "Device");
+  writer.Close();
+  writer.Close();
+}
+
+/// The filter does nothing without the script, which therefore is to show it.
+void WriteFilter(HtmlWriter& writer) {
+  writer.Open("div", {{"id", "filter"}, {"role", "search"}, {"hidden", ""}});
+  writer.Element("label", {{"for", "words"}}, "Filter");
+  writer.Void("input", {{"id", "words"},
+                        {"type", "search"},
+                        {"autocomplete", "off"},
+                        {"spellcheck", "false"},
+                        {"placeholder", "Name, ID, serial number, manufacturer"}});
+  writer.Element("button", {{"id", "unfold"}, {"type", "button"}, {"aria-pressed", "false"}}, "All details");
+  writer.Element("p", {{"id", "count"}, {"role", "status"}, {"aria-live", "polite"}}, "");
+  writer.Close();
+}
+
+void WriteLegend(HtmlWriter& writer) {
+  constexpr std::pair<const char*, const char*> kClasses[] = {
+      {"low", "1.5 Mbit/s"}, {"full", "12 Mbit/s"}, {"high", "480 Mbit/s"}, {"super", "5 Gbit/s and above"}};
+  writer.Open("ul", {{"class", "legend"}, {"aria-label", "Colours of the ports"}});
+  for (const auto& [name, text] : kClasses) writer.Element("li", {{"class", name}}, text);
+  writer.Element("li", {{"class", "used"}}, "used");
+  writer.Element("li", {{"class", "free"}}, "free");
+  writer.Close();
+}
+
+void WriteMain(HtmlWriter& writer, const Inventory& inventory, const UsbIds* names) {
+  writer.Open("main");
+  const UsbTree tree(inventory);
+  if (tree.Nodes().empty()) {
+    writer.Element("p", {{"class", "nothing"}}, "No USB device found.");
+  } else {
+    writer.Open("div", {{"class", "tools"}});
+    WriteFilter(writer);
+    WriteLegend(writer);
+    writer.Close();
+    writer.Open("div", {{"class", "buses"}});
+    HtmlTree(writer, tree, names).Write();
+    writer.Close();
+  }
+  writer.Close();
+}
+
+}  // namespace
+
+std::string RenderHtml(const Inventory& inventory, const RenderOptions& options) {
+  HtmlWriter writer;
+  writer.Open("html", {{"lang", "en"}});
+  WriteHead(writer, inventory);
+  writer.Open("body");
+  WriteHeader(writer, inventory);
+  WriteMain(writer, inventory, options.names);
+  writer.Element("footer", {}, "Made by usbinfo " USBINFO_VERSION);
+  writer.Asset("script", kPageScript.text);
+  writer.Close();
+  writer.Close();
+  return writer.Document() + "\n";
+}
+
+}  // namespace cli

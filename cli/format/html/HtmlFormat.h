@@ -1,0 +1,13 @@
+// The inventory as a page for a browser: one file that loads nothing, with or without scripts, on paper too.
+#pragma once
+
+#include <string>
+
+#include "cli/format/OutputFormat.h"
+
+namespace cli {
+
+/// A document in UTF-8, HTML and well-formed XML at once. An empty inventory gives a page that says so.
+std::string RenderHtml(const Inventory& inventory, const RenderOptions& options);
+
+}  // namespace cli

@@ -1,0 +1,212 @@
+// Controllers, hubs, sockets and what hangs on them; see the header.
+#include "cli/format/html/HtmlTree.h"
+
+#include <fmt/format.h>
+
+#include "cli/model/ItemFacts.h"
+#include "cli/model/SpeedClass.h"
+#include "cli/model/Wording.h"
+
+namespace cli {
+
+namespace {
+
+using Kind = UsbTreeNode::Kind;
+
+/// The item that shows a node, as a link's target.
+std::string Anchor(std::size_t node) {
+  return fmt::format("i{}", node);
+}
+
+const char* ClassOf(Kind kind) {
+  constexpr const char* kClasses[] = {"controller", "hub", "port", "device"};
+  return kClasses[static_cast<std::size_t>(kind)];
+}
+
+/// A free port on a hub is a socket and nothing more.
+bool IsSocketOnly(const UsbTreeNode& node) {
+  return node.kind == Kind::kPort && node.children.empty() && IsFree(*node.item);
+}
+
+/// A speed as short as a socket is small: "480M", "5G".
+std::string ShortSpeed(const UsbTreeNode& port) {
+  const std::string speed = FormatSpeed(port.item->Number("Speed"));
+  return speed.empty() ? "?" : speed.substr(0, speed.find(' ')) + speed[speed.find(' ') + 1];
+}
+
+SpeedClass SpeedClassOfNode(const UsbTree& tree, const UsbTreeNode& node) {
+  if (node.kind == Kind::kDevice) return SpeedClassOfDevice(node.item->Number("Speed"));
+  if (node.kind == Kind::kPort) return SpeedClassOf(node.item->Number("Speed"));
+  return node.children.empty() ? SpeedClass::kUnknown
+                               : SpeedClassOf(tree.Nodes()[node.children.front()].item->Number("Speed"));
+}
+
+/// How many ports a hub has, and how many are free where all of them are there to be counted.
+std::string PortsOf(const UsbTree& tree, const UsbTreeNode& hub) {
+  std::size_t ports = 0;
+  std::size_t free = 0;
+  for (const std::size_t child : hub.children) {
+    const UsbTreeNode& port = tree.Nodes()[child];
+    if (port.kind != Kind::kPort) continue;
+    ++ports;
+    if (IsFree(*port.item)) ++free;
+  }
+  const std::uint64_t number = hub.item->Number("NumberOfPorts");
+  return ports == number ? fmt::format("{}, {} free", Count(number, "port"), free) : Count(number, "port");
+}
+
+}  // namespace
+
+void HtmlTree::Write() {
+  std::size_t row = 0;
+  for (; row < fRows.size() && NodeAt(row).kind == Kind::kController; row = EndOf(row)) WriteController(row);
+  if (row < fRows.size()) WriteUnlinked(row);
+}
+
+std::size_t HtmlTree::EndOf(std::size_t row) const {
+  std::size_t end = row + 1;
+  while (end < fRows.size() && fRows[end].depth > fRows[row].depth) ++end;
+  return end;
+}
+
+void HtmlTree::WriteController(std::size_t row) {
+  const std::string anchor = Anchor(fRows[row].node);
+  fWriter.Open("section", {{"class", "bus item"}, {"id", anchor}, {"aria-labelledby", anchor + "h"}});
+  WriteDetails(row);
+  WriteBelow(row);
+  fWriter.Close();
+}
+
+void HtmlTree::WriteUnlinked(std::size_t first) {
+  fWriter.Open("section", {{"class", "bus unlinked item"}, {"aria-labelledby", "unlinked"}});
+  fWriter.Element("h2", {{"id", "unlinked"}}, "Linked to no controller");
+  WriteList(first, fRows.size());
+  fWriter.Close();
+}
+
+void HtmlTree::WriteList(std::size_t first, std::size_t end) {
+  fWriter.Open("ul", {{"class", "items"}});
+  // Below the deepest row that is drawn as such, all rows stand at its depth.
+  for (std::size_t row = first; row < end; row = EndOf(row)) WriteItem(row);
+  fWriter.Close();
+}
+
+void HtmlTree::WriteItem(std::size_t row) {
+  const bool isOnHub = fRows[row].depth > 0;
+  if (isOnHub && IsSocketOnly(NodeAt(row))) return;
+  const UsbTreeNode& shown = fTree.Shown(NodeAt(row));
+  fWriter.Open("li",
+               {{"class", fmt::format("item {}", ClassOf(shown.kind))}, {"id", Anchor(fRows[row].node)}});
+  WriteDetails(row);
+  WriteBelow(row);
+  fWriter.Close();
+}
+
+void HtmlTree::WriteBelow(std::size_t row) {
+  WriteSockets(row);
+  const std::size_t end = EndOf(row);
+  bool hasItems = false;
+  for (std::size_t below = row + 1; below < end; below = EndOf(below)) {
+    hasItems = hasItems || !IsSocketOnly(NodeAt(below));
+  }
+  if (hasItems) WriteList(row + 1, end);
+}
+
+void HtmlTree::WriteDetails(std::size_t row) {
+  fWriter.Open("details");
+  WriteSummary(row);
+  WriteFacts(row);
+  fWriter.Close();
+}
+
+void HtmlTree::WriteSummary(std::size_t row) {
+  const UsbTreeNode& node = NodeAt(row);
+  const UsbTreeNode& shown = fTree.Shown(node);
+  fWriter.Open("summary");
+  const bool isController = node.kind == Kind::kController;
+  if (isController) fWriter.Open("h2", {{"id", Anchor(fRows[row].node) + "h"}});
+  fWriter.Element("span", {{"class", "place"}}, PlaceOf(node, fRows[row].depth == 0));
+  fWriter.Text(" ");
+  WriteName(shown);
+  if (isController) fWriter.Close();
+  const std::string id = IdOf(shown);
+  if (!id.empty()) fWriter.Element("span", {{"class", "id"}, {"data-find", ""}}, id);
+  const std::string speed = SpeedOf(fTree, shown);
+  const std::string speedClass = NameOf(SpeedClassOfNode(fTree, shown));
+  if (!speed.empty()) fWriter.Element("span", {{"class", "speed " + speedClass}}, speed);
+  fWriter.Close();
+}
+
+void HtmlTree::WriteName(const UsbTreeNode& node) {
+  fWriter.Open("span", {{"class", "name"}});
+  if (node.kind == Kind::kPort) {
+    fWriter.Element("span", {}, DisplayName(node));
+  } else if (!node.isRootHub) {
+    fWriter.Element("span", {{"data-find", ""}}, DisplayName(node));
+    const bool isNamed = node.kind == Kind::kController || !Given(*node.item, "Description").empty();
+    const std::string known = isNamed ? std::string() : KnownAs(*node.item, fNames);
+    if (!known.empty()) {
+      fWriter.Text(" ");
+      fWriter.Element("span", {{"class", "known"}}, known);
+    }
+  }
+  if (node.kind == Kind::kHub) {
+    fWriter.Text(" ");
+    fWriter.Element("span", {{"class", "free-ports"}}, PortsOf(fTree, node));
+  }
+  fWriter.Close();
+}
+
+void HtmlTree::WriteFacts(std::size_t row) {
+  fWriter.Open("dl");
+  const auto writeFact = [this](const char* label, const ItemFact& fact) {
+    fWriter.Open("div");
+    fWriter.Element("dt", {}, label);
+    fWriter.Element("dd",
+                    fact.isSearched ? HtmlWriter::Attributes{{"data-find", ""}} : HtmlWriter::Attributes{},
+                    fact.value);
+    fWriter.Close();
+  };
+  const UsbTreeNode& node = NodeAt(row);
+  const UsbTreeNode& shown = fTree.Shown(node);
+  for (const ItemFact& fact : FactsOf(shown, fNames)) writeFact(fact.label, fact);
+  if (&node != &shown) writeFact("Port's speed", {"", SpeedOf(fTree, node)});
+  fWriter.Close();
+}
+
+void HtmlTree::WriteSockets(std::size_t row) {
+  const UsbTreeNode& hub = fTree.Shown(NodeAt(row));
+  std::vector<std::size_t> ports;
+  for (const std::size_t child : hub.children) {
+    if (fTree.Nodes()[child].kind == Kind::kPort) ports.push_back(child);
+  }
+  if (ports.empty()) return;
+  const std::string label = hub.isRootHub ? PlaceOf(hub, false) : DisplayName(hub);
+  fWriter.Open("ul", {{"class", "sockets"}, {"aria-label", "Ports of " + label}});
+  for (const std::size_t port : ports) WriteSocket(fTree.Nodes()[port], port);
+  fWriter.Close();
+}
+
+void HtmlTree::WriteSocket(const UsbTreeNode& port, std::size_t index) {
+  const bool isFree = IsSocketOnly(port);
+  const UsbTreeNode& shown = fTree.Shown(port);
+  const std::string place = PlaceOf(port, false);
+  const std::string speed = SpeedOf(fTree, port);
+  std::string text = fmt::format("{}: {}", place, DisplayName(shown));
+  if (!speed.empty()) text += ", " + speed;
+  fWriter.Open("li", {{"class", fmt::format("socket {} {}", NameOf(SpeedClassOfNode(fTree, port)),
+                                            isFree ? "free" : "used")}});
+  const char* const element = isFree ? "span" : "a";
+  if (isFree) {
+    fWriter.Open(element, {{"title", text}});
+  } else {
+    fWriter.Open(element, {{"title", text}, {"href", "#" + Anchor(index)}});
+  }
+  fWriter.Element("span", {{"class", "number"}, {"aria-hidden", "true"}}, Behind(place, "Port "));
+  fWriter.Element("span", {{"class", "rate"}, {"aria-hidden", "true"}}, ShortSpeed(port));
+  fWriter.Element("span", {{"class", "unseen"}}, text);
+  fWriter.Close();
+  fWriter.Close();
+}
+
+}  // namespace cli

@@ -1,0 +1,50 @@
+// Which part of an inventory the user asked for: hubs and devices by their ids or their place, and classes by
+// name. What the options say is parsed here, and the part is cut out of a collected inventory.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/model/Inventory.h"
+
+namespace cli {
+
+/// VID:[PID], as the vendor and the product have them.
+struct VendorProduct {
+  std::uint16_t vendor = 0;
+  std::optional<std::uint16_t> product;
+};
+
+/// [BUS]:[DEV]; what is not given may be any.
+struct BusDevice {
+  std::optional<unsigned> bus;
+  std::optional<unsigned> device;
+};
+
+/// Everything that is given must hold; nothing given selects all.
+struct Selection {
+  std::optional<VendorProduct> ids;
+  std::optional<BusDevice> place;
+  std::vector<std::string> classes;
+
+  bool IsGiven() const { return ids || place || !classes.empty(); }
+};
+
+/// "1d6b:", "1d6b:0002": one to four hexadecimal digits each, 0x before them or not; nothing for any other
+/// form.
+std::optional<VendorProduct> ParseVendorProduct(const std::string& text);
+
+/// "1:3", "1:", ":3", ":" and "3", which is a device's number too: decimal; nothing for any other form.
+std::optional<BusDevice> ParseBusDevice(const std::string& text);
+
+/// What of `inventory` is selected, in the same order. Ids and places select hubs and devices alone; with
+/// `keepsWay` these come with the controllers, hubs and ports that lead to them and the associations among
+/// all these, unless classes are selected too.
+Inventory Select(const Inventory& inventory, const Selection& selection, bool keepsWay);
+
+/// The selection as options: "-d 1d6b: -s 1:3 --class KALDO_USBHub".
+std::string Describe(const Selection& selection);
+
+}  // namespace cli

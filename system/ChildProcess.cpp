@@ -1,0 +1,130 @@
+// A shell command and its output; see the header.
+#include "system/ChildProcess.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <limits>
+#include <system_error>
+
+extern "C" {
+#include <sys/pidfd.h>  // up to glibc 2.36 without a C++ linkage of its own
+}
+
+namespace sys {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+void Check(int error) {
+  if (error != 0) ThrowSystemError(error);
+}
+
+/// The spawn settings: nothing to read, output to `output`, errors dropped, a group and signals of its own.
+class SpawnSettings {
+ public:
+  explicit SpawnSettings(int output) {
+    Check(posix_spawn_file_actions_init(&fActions));
+    Check(posix_spawnattr_init(&fAttributes));
+    // The output first: where this process lacks a standard stream, `output` may have its number.
+    Check(posix_spawn_file_actions_adddup2(&fActions, output, STDOUT_FILENO));
+    Check(posix_spawn_file_actions_addopen(&fActions, STDIN_FILENO, "/dev/null", O_RDONLY, 0));
+    Check(posix_spawn_file_actions_addopen(&fActions, STDERR_FILENO, "/dev/null", O_WRONLY, 0));
+    sigset_t signals;
+    sigemptyset(&signals);
+    Check(posix_spawnattr_setsigmask(&fAttributes, &signals));
+    sigaddset(&signals, SIGPIPE);
+    sigaddset(&signals, SIGXFSZ);
+    Check(posix_spawnattr_setsigdefault(&fAttributes, &signals));
+    Check(posix_spawnattr_setpgroup(&fAttributes, 0));
+    Check(posix_spawnattr_setflags(&fAttributes,
+                                   POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF));
+  }
+  SpawnSettings(const SpawnSettings&) = delete;
+  SpawnSettings& operator=(const SpawnSettings&) = delete;
+  ~SpawnSettings() {
+    posix_spawnattr_destroy(&fAttributes);
+    posix_spawn_file_actions_destroy(&fActions);
+  }
+
+  const posix_spawn_file_actions_t* Actions() const { return &fActions; }
+  const posix_spawnattr_t* Attributes() const { return &fAttributes; }
+
+ private:
+  posix_spawn_file_actions_t fActions;
+  posix_spawnattr_t fAttributes;
+};
+
+/// Waits until `fd` has something to tell; throws with ETIMEDOUT when `deadline` passes first.
+void AwaitReadable(int fd, Clock::time_point deadline) {
+  for (;;) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    if (left <= 0) ThrowSystemError(ETIMEDOUT);
+    pollfd watched = {fd, POLLIN, 0};
+    const auto wait = std::min<long long>(left, std::numeric_limits<int>::max());
+    const int ready = ::poll(&watched, 1, static_cast<int>(wait));
+    if (ready > 0) return;
+    if (ready < 0 && errno != EINTR) ThrowSystemError(errno);
+  }
+}
+
+}  // namespace
+
+ChildProcess::ChildProcess(const std::string& command) {
+  std::array<int, 2> ends{};
+  if (::pipe2(ends.data(), O_CLOEXEC) != 0) ThrowSystemError(errno);
+  fOutput = FileDescriptor(ends[0]);
+  const FileDescriptor input(ends[1]);
+  const SpawnSettings settings(input.Get());
+  std::string shell = "sh";
+  std::string option = "-c";
+  std::string line = command;
+  const std::array<char*, 4> arguments = {shell.data(), option.data(), line.data(), nullptr};
+  Check(posix_spawn(&fPid, "/bin/sh", settings.Actions(), settings.Attributes(), arguments.data(), environ));
+}
+
+ChildProcess::~ChildProcess() {
+  if (fGone) return;
+  ::kill(-fPid, SIGKILL);
+  while (::waitpid(fPid, nullptr, 0) < 0 && errno == EINTR) {
+  }
+}
+
+std::string ChildProcess::Collect(std::chrono::milliseconds limit, std::size_t maxBytes) {
+  constexpr std::size_t kChunk = 65536;
+  const Clock::time_point deadline = Clock::now() + limit;
+  std::string text;
+  std::array<char, kChunk> chunk;
+  for (;;) {
+    AwaitReadable(fOutput.Get(), deadline);
+    const ssize_t got = ::read(fOutput.Get(), chunk.data(), chunk.size());
+    if (got == 0) break;
+    if (got < 0 && errno != EINTR) ThrowSystemError(errno);
+    if (got > 0) text.append(chunk.data(), static_cast<std::size_t>(got));
+    if (text.size() > maxBytes) ThrowSystemError(EFBIG);
+  }
+  AwaitEnd(deadline);
+  return text;
+}
+
+void ChildProcess::AwaitEnd(Clock::time_point deadline) {
+  const FileDescriptor process(::pidfd_open(fPid, 0));
+  if (process.IsOpen()) {
+    AwaitReadable(process.Get(), deadline);
+  } else if (errno != ESRCH) {
+    ThrowSystemError(errno);
+  }
+  // Where this process ignores the end of its children, there is none to wait for any more.
+  siginfo_t end;
+  fGone = ::waitid(P_PID, static_cast<id_t>(fPid), &end, WEXITED | WNOHANG | WNOWAIT) != 0;
+}
+
+}  // namespace sys

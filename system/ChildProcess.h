@@ -1,0 +1,37 @@
+// A shell command running in a process group of its own, its standard output caught in a pipe. Its owner
+// collects the output; the destructor kills what still runs of the group and reaps the child, so no process,
+// no zombie and no descriptor stays behind.
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+
+#include "system/FileDescriptor.h"
+
+namespace sys {
+
+class ChildProcess {
+ public:
+  /// Starts `/bin/sh -c command`; throws std::system_error when it cannot be started.
+  explicit ChildProcess(const std::string& command);
+  ChildProcess(const ChildProcess&) = delete;
+  ChildProcess& operator=(const ChildProcess&) = delete;
+  ~ChildProcess();
+
+  /// What the command writes until the pipe is closed and the command has ended. Throws std::system_error,
+  /// with ETIMEDOUT when that takes longer than `limit` and EFBIG beyond `maxBytes`.
+  std::string Collect(std::chrono::milliseconds limit, std::size_t maxBytes);
+
+ private:
+  void AwaitEnd(std::chrono::steady_clock::time_point deadline);
+
+  pid_t fPid = -1;
+  FileDescriptor fOutput;
+  /// The system has reaped the child by itself; its number may be another's by now.
+  bool fGone = false;
+};
+
+}  // namespace sys

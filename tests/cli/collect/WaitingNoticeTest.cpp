@@ -1,0 +1,203 @@
+// The notice while a command of the machine takes long. Nothing here waits for a time: the commands wait for
+// what the notice does, and it for them.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <future>
+#include <iterator>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "cli/collect/WaitingNotice.h"
+#include "system/FileDescriptor.h"
+#include "tests/cli/support/CliTest.h"
+#include "tests/cli/support/RunCommand.h"
+
+using namespace std::string_literals;
+using cli::WaitingNotice;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace usbinfo_test {
+namespace {
+
+constexpr std::chrono::milliseconds kAtOnce(0);
+constexpr std::chrono::hours kNever(1);
+constexpr const char* kNotice = "usbinfo: waiting for usb-devices, for 300 seconds at most ...\n";
+
+std::size_t ThreadCount() {
+  namespace fs = std::filesystem;
+  const fs::directory_iterator tasks("/proc/self/task");
+  return static_cast<std::size_t>(std::distance(fs::begin(tasks), fs::end(tasks)));
+}
+
+/// A machine whose commands are what the test makes of them, behind a notice that the test sees.
+class WaitingNoticeTest : public testing::Test {
+ protected:
+  WaitingNotice NoticeAfter(std::chrono::milliseconds patience) {
+    auto fake = std::make_unique<FakeOperatingSystem>(&fCalls);
+    fake->outputs["usb-devices"] = "the list";
+    fake->files["file"] = "text";
+    fake->onCall = [this](const std::string& call) { fOnCall(call); };
+    return WaitingNotice(std::move(fake), patience, [this](const std::string& line) {
+      fTold.push_back(line);
+      fIsTold.set_value();
+    });
+  }
+  void OnCall(std::function<void(const std::string&)> action) { fOnCall = std::move(action); }
+  void AwaitNotice() { fIsTold.get_future().wait(); }
+  const std::vector<std::string>& Told() const { return fTold; }
+  const std::vector<std::string>& Calls() const { return fCalls; }
+
+ private:
+  std::vector<std::string> fCalls;
+  std::vector<std::string> fTold;
+  std::promise<void> fIsTold;
+  std::function<void(const std::string&)> fOnCall = [](const std::string&) {};
+};
+
+TEST_F(WaitingNoticeTest, IsGivenWhileTheCommandRunsAndItsOutputStays) {
+  WaitingNotice system = NoticeAfter(kAtOnce);
+  OnCall([this](const std::string&) { AwaitNotice(); });
+  EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
+  EXPECT_THAT(Told(), ElementsAre(kNotice));
+  EXPECT_THAT(Calls(), ElementsAre("spawn usb-devices 300"));
+}
+
+TEST_F(WaitingNoticeTest, IsGivenOnceForAllCommands) {
+  WaitingNotice system = NoticeAfter(kAtOnce);
+  OnCall([this](const std::string&) { AwaitNotice(); });
+  system.SpawnProcess("usb-devices", 300);
+  OnCall([](const std::string&) { EXPECT_EQ(ThreadCount(), 1U); });
+  EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
+  EXPECT_EQ(Told().size(), 1U);
+}
+
+TEST_F(WaitingNoticeTest, IsNotGivenForACommandThatIsDoneBefore) {
+  WaitingNotice system = NoticeAfter(kNever);
+  EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
+  EXPECT_THAT(Told(), IsEmpty());
+}
+
+TEST_F(WaitingNoticeTest, LeavesNoThreadBehind) {
+  const std::size_t before = ThreadCount();
+  WaitingNotice never = NoticeAfter(kNever);
+  OnCall([before](const std::string&) { EXPECT_EQ(ThreadCount(), before + 1); });
+  never.SpawnProcess("usb-devices", 300);
+  EXPECT_EQ(ThreadCount(), before);
+}
+
+TEST_F(WaitingNoticeTest, PassesAnExceptionThroughAndLeavesNoThreadBehind) {
+  const std::size_t before = ThreadCount();
+  for (const std::chrono::milliseconds patience : {std::chrono::milliseconds(kNever), kAtOnce}) {
+    WaitingNotice system = NoticeAfter(patience);
+    OnCall([](const std::string&) { throw std::runtime_error("no luck"); });
+    EXPECT_THROW(system.SpawnProcess("usb-devices", 300), std::runtime_error);
+    EXPECT_EQ(ThreadCount(), before);
+  }
+}
+
+TEST_F(WaitingNoticeTest, DropsWhatItsOwnWritingThrows) {
+  std::promise<void> tried;
+  std::vector<std::string> calls;
+  auto fake = std::make_unique<FakeOperatingSystem>(&calls);
+  fake->outputs["usb-devices"] = "the list";
+  fake->onCall = [&tried](const std::string&) { tried.get_future().wait(); };
+  WaitingNotice system(std::move(fake), kAtOnce, [&tried](const std::string&) {
+    tried.set_value();
+    throw std::runtime_error("no terminal");
+  });
+  EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
+}
+
+TEST_F(WaitingNoticeTest, NamesTheCommandOnOneLine) {
+  WaitingNotice system = NoticeAfter(kAtOnce);
+  OnCall([this](const std::string&) { AwaitNotice(); });
+  system.SpawnProcess("a\n\x1B[2J", 5);
+  EXPECT_THAT(Told(), ElementsAre("usbinfo: waiting for a\\n\\x1b[2J, for 5 seconds at most ...\n"));
+}
+
+TEST_F(WaitingNoticeTest, IsNotForFiles) {
+  WaitingNotice system = NoticeAfter(kAtOnce);
+  OnCall([](const std::string&) { EXPECT_EQ(ThreadCount(), 1U); });
+  EXPECT_TRUE(system.FileExists("file"));
+  EXPECT_EQ(system.CaptureFile("file"), "text");
+  EXPECT_THAT(Told(), IsEmpty());
+}
+
+/// The whole command on a machine whose only list is what a usb-devices of the test's own prints.
+class WaitingCommandTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    for (const char* const list : {"/proc/bus/usb/devices", "/sys/kernel/debug/usb/devices"}) {
+      if (::access(list, F_OK) == 0) GTEST_SKIP() << "this machine has " << list;
+    }
+  }
+
+  /// Makes a usb-devices that writes down how many threads its caller has, does `wait`, and prints a list.
+  Command WithListCommand(const std::string& wait) {
+    fFolder.Script("usb-devices",
+                   "caller=$PPID\n"
+                   "while read -r pid name state caller_of rest < /proc/$caller/stat && [ \"$name\" != "
+                   "'(usbinfo)' ]; do caller=$caller_of; done\n"
+                   "set -- /proc/$caller/task/*\n"
+                   "echo $# > '" +
+                       fFolder.File("threads") + "'\n" + wait + "\n/bin/cat '" +
+                       CapturePath("vm-desktop-usb-devices") + "'");
+    return Command({"--system-name", "testhost"}).Set("PATH", fFolder.Path());
+  }
+  std::string Threads() const { return ReadFile(fFolder.File("threads")); }
+  const TemporaryFolder& Folder() const { return fFolder; }
+
+ private:
+  TemporaryFolder fFolder;
+};
+
+TEST_F(WaitingCommandTest, SaysOnATerminalWhatItWaitsFor) {
+  const std::string go = Folder().File("go");
+  ASSERT_EQ(::mkfifo(go.c_str(), 0600), 0);
+  bool isReleased = false;
+  const CommandResult result = WithListCommand("read -r word < '" + go + "'")
+                                   .ErrorsToTerminal([&](const std::string& text) {
+                                     if (isReleased || text.find('\n') == std::string::npos) return;
+                                     isReleased = true;
+                                     sys::WriteAll(sys::OpenFile(go, O_WRONLY).Get(), "go\n");
+                                   })
+                                   .Run();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors, kNotice);
+  EXPECT_EQ(
+      result.output,
+      RunUsbinfo({"--devices", CapturePath("vm-desktop-usb-devices"), "--system-name", "testhost"}).output);
+  EXPECT_EQ(Threads(), "2\n");
+}
+
+TEST_F(WaitingCommandTest, NeverCountsTheTimeWhereStandardErrorIsNoTerminal) {
+  const CommandResult result = WithListCommand("").Run();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_EQ(Threads(), "1\n");
+}
+
+TEST_F(WaitingCommandTest, MasksWhatTheListCommandPrintsAsAGivenList) {
+  const std::string key = Folder().File("key", "key");
+  const auto run = [&](std::vector<std::string> arguments) {
+    for (const std::string& option : {"--system-name"s, "testhost"s, "--mask-serials"s, "--mask-key"s, key}) {
+      arguments.push_back(option);
+    }
+    return Command(arguments).Set("PATH", Folder().Path()).Run().output;
+  };
+  WithListCommand("");
+  EXPECT_EQ(run({"--format", "json"}),
+            run({"--format", "json", "--devices", CapturePath("vm-desktop-usb-devices")}));
+}
+
+}  // namespace
+}  // namespace usbinfo_test

@@ -1,0 +1,279 @@
+// `usbinfo diff` as people run it: both kinds of input, both forms, exit statuses, and every failure in one
+// line that says what, where and what to do.
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "tests/cli/support/CliTest.h"
+#include "tests/cli/support/HostileDevices.h"
+#include "tests/cli/support/InventoryBuilder.h"
+#include "tests/cli/support/RunCommand.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace usbinfo_test {
+namespace {
+
+std::string Capture() {
+  return CapturePath("vm-desktop-debugfs");
+}
+
+std::string OtherCapture() {
+  return CapturePath("vm-desktop-usb-devices");
+}
+
+std::string ExpectedPath(const std::string& name) {
+  return std::string(TEST_DATA_DIR "/expected/").append(name).append(".json");
+}
+
+CommandResult Diff(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), "diff");
+  return RunUsbinfo(std::move(arguments));
+}
+
+class DiffOfCaptures : public testing::TestWithParam<std::string> {};
+
+TEST_P(DiffOfCaptures, IsEmptyBetweenACaptureAndItself) {
+  const std::string list = CapturePath(GetParam());
+  const CommandResult result = Diff({list, list});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "");
+}
+
+TEST_P(DiffOfCaptures, IsEmptyBetweenAListAndItsInventory) {
+  for (const auto& [before, after] : {std::pair(CapturePath(GetParam()), ExpectedPath(GetParam())),
+                                      std::pair(ExpectedPath(GetParam()), CapturePath(GetParam()))}) {
+    const CommandResult result = Diff({before, after});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "");
+  }
+}
+
+TEST_P(DiffOfCaptures, WorksWithEveryOtherCapture) {
+  for (const std::string& other : CaptureNames()) {
+    const CommandResult text = Diff({ExpectedPath(GetParam()), CapturePath(other)});
+    EXPECT_EQ(text.status, text.output.empty() ? 0 : 1);
+    EXPECT_EQ(text.errors, "");
+    const CommandResult document = Diff({ExpectedPath(GetParam()), CapturePath(other), "--format", "json"});
+    EXPECT_EQ(document.status, text.status);
+    EXPECT_EQ(json::parse(document.output)["schema"], "usbinfo.diff/1");
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Captures, DiffOfCaptures, testing::ValuesIn(CaptureNames()),
+                         [](const auto& row) { return ToTestName(row.param); });
+
+TEST(Diff, TellsWhatDiffersWithStatusOne) {
+  const CommandResult result = Diff({Capture(), OtherCapture()});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.errors, "");
+  EXPECT_EQ(result.output,
+            "> bus 1, port 2.1 -> \"Bus 01  Device   4 Port 01\": device 0627:0001 \"QEMU USB Mouse\", "
+            "serial \"89126-0000:00:01.0-3.2\"\n"
+            "> bus 1, port 3 -> \"Bus 01  Device   5 Port 03\": device 46f4:0002 \"QEMU USB Audio\", "
+            "serial \"1-0000:00:01.0-4\"\n"
+            "> bus 2, port 1 -> \"Bus 02  Device   2 Port 01\": device 46f4:0003 \"USB Attached SCSI HBA\", "
+            "serial \"27842-0000:00:01.0-2\"\n");
+}
+
+TEST(Diff, ReadsEitherInventoryFromStandardInput) {
+  const std::string document = Expected("vm-desktop-debugfs.json");
+  EXPECT_EQ(Command({"diff", "-", Capture()}).Input(document).Run().status, 0);
+  EXPECT_EQ(Command({"diff", Capture(), "-"}).Input("\n \t\r\n" + document).Run().status, 0);
+  EXPECT_EQ(
+      Command({"diff", "-", ExpectedPath("vm-desktop-debugfs")}).Input(ReadFile(Capture())).Run().status, 0);
+}
+
+TEST(Diff, PrintsADocumentEvenWhereNothingDiffers) {
+  const CommandResult result = Diff({Capture(), Capture(), "--format", "json"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(json::parse(result.output)["changed"], json::array());
+}
+
+TEST(Diff, TakesNamesOfSubcommandsForFiles) {
+  const CommandResult result = Diff({"show", "schema"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot read show: No such file or directory; "));
+}
+
+TEST(Diff, WritesAFileInstead) {
+  const TemporaryFolder folder;
+  const std::string file = folder.File("diff", "old");
+  const CommandResult result = Diff({Capture(), OtherCapture(), "--output", file});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(ReadFile(file), Diff({Capture(), OtherCapture()}).output);
+  EXPECT_EQ(Diff({Capture(), Capture(), "--output", file}).status, 0);
+  EXPECT_EQ(ReadFile(file), "");
+}
+
+TEST(Diff, ColoursAFileOnlyWhereThatIsSaid) {
+  const TemporaryFolder folder;
+  Diff({Capture(), OtherCapture(), "--output", folder.File("diff"), "--color", "always"});
+  EXPECT_THAT(ReadFile(folder.File("diff")), StartsWith("\x1B[36m> bus 1"));
+}
+
+TEST(Diff, UsesThePluginThatIsNamedForListsAlone) {
+  const CommandResult failing = Diff({Capture(), Capture(), "--plugin", "/nonexistent/plugin.so"});
+  EXPECT_EQ(failing.status, 2);
+  EXPECT_THAT(failing.errors, StartsWith("usbinfo: cannot use the plug-in: /nonexistent/plugin.so: "));
+  const std::string saved = ExpectedPath("vm-desktop-debugfs");
+  EXPECT_EQ(Diff({saved, saved, "--plugin", "/nonexistent/plugin.so"}).status, 0);
+  EXPECT_EQ(Diff({Capture(), saved, "--plugin", MODULE_PATH}).status, 0);
+}
+
+TEST(Diff, HasHelpOfItsOwnWithinEightyColumns) {
+  for (const char* option : {"-h", "--help"}) {
+    const CommandResult result = Diff({option});
+    EXPECT_EQ(result.status, 0);
+    for (const char* part : {"usbinfo diff", "OLD", "NEW", "--format FORMAT", "--color WHEN", "--output FILE",
+                             "--plugin FILE", "standard input"}) {
+      EXPECT_THAT(result.output, HasSubstr(part));
+    }
+    for (const std::string& line : Lines(result.output)) EXPECT_LE(line.size(), 80U) << line;
+  }
+}
+
+struct Refused {
+  const char* name;
+  std::vector<std::string> arguments;
+  std::string message;
+};
+
+std::ostream& operator<<(std::ostream& out, const Refused& refused) {
+  return out << refused.name;
+}
+
+const std::string kInput = "; name a file that holds a JSON inventory or a device list";
+const std::string kHelp = "; see usbinfo diff --help";
+
+const Refused kRefused[] = {
+    {"NoOperand", {"diff"}, "OLD is required" + kHelp},
+    {"OneOperand", {"diff", Capture()}, "NEW is required" + kHelp},
+    {"ThreeOperands", {"diff", "a", "b", "c"}, "The following argument was not expected: c" + kHelp},
+    {"EmptyOperand", {"diff", "", Capture()}, "OLD: must not be empty" + kHelp},
+    {"EmptyOutput", {"diff", "a", "b", "--output", ""}, "--output: must not be empty" + kHelp},
+    {"UnknownOption",
+     {"diff", "--bogus", "a", "b"},
+     "The following argument was not expected: --bogus" + kHelp},
+    {"UnknownFormat", {"diff", "a", "b", "--format", "tree"}, "--format: tree not in {text,json}" + kHelp},
+    {"UnknownColor", {"diff", "a", "b", "--color", "red"}, "--color: red not in {auto,always,never}" + kHelp},
+    {"OptionOfTheInventory",
+     {"--devices", "x", "diff", "a", "b"},
+     "--devices is no option of usbinfo diff" + kHelp},
+    {"TwiceStandardInput",
+     {"diff", "-", "-"},
+     "standard input holds one inventory; give a file for OLD or for NEW"},
+    {"MissingFile",
+     {"diff", "/nonexistent/a", Capture()},
+     "cannot read /nonexistent/a: No such file or directory" + kInput},
+    {"Folder", {"diff", Capture(), "/"}, "cannot read /: Is a directory" + kInput},
+    {"EmptyFile",
+     {"diff", "/dev/null", Capture()},
+     "/dev/null holds neither a JSON inventory nor a device list; save one with usbinfo --format json"},
+    {"NoInventory",
+     {"diff", Capture(), SOURCE_DIR "/README.md"},
+     SOURCE_DIR
+     "/README.md holds neither a JSON inventory nor a device list; save one with usbinfo --format json"},
+    {"OtherJson",
+     {"diff", Capture(), SOURCE_DIR "/CMakePresets.json"},
+     SOURCE_DIR "/CMakePresets.json holds no inventory: /schema: is missing; save it anew with usbinfo "
+                "--format json"},
+    {"MissingFolderOfOutput",
+     {"diff", Capture(), Capture(), "--output", "/nonexistent/a"},
+     "cannot write /nonexistent/a: No such file or directory; name a writable file with --output"},
+};
+
+class RefusedDiff : public testing::TestWithParam<Refused> {};
+
+TEST_P(RefusedDiff, SaysWhatWhereAndWhatToDoInOneLine) {
+  const CommandResult result = RunUsbinfo(GetParam().arguments);
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "usbinfo: " + GetParam().message + "\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Refusals, RefusedDiff, testing::ValuesIn(kRefused),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST(Diff, RefusesTheTreeThatIsPrintedForPeople) {
+  const std::string tree = RunUsbinfo({"--devices", Capture()}).output;
+  const CommandResult result = Command({"diff", "-", Capture()}).Input(tree).Run();
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.errors, StartsWith("usbinfo: standard input holds neither a JSON inventory nor "));
+}
+
+TEST(Diff, KeepsAForgedMemberNameOnTheLineOfItsMessage) {
+  const CommandResult result =
+      Command({"diff", "-", Capture()})
+          .Input(
+              "{\"schema\": \"usbinfo.inventory/1\", \"system\": {}, \"classes\": {}, \"\\n\\u001b[2J\": 1}")
+          .Run();
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.errors,
+            "usbinfo: standard input holds no inventory: /\\n\\x1b[2J: is no member of an inventory; save it "
+            "anew with usbinfo --format json\n");
+}
+
+TEST(Diff, TellsAnOutputThatFails) {
+  for (const char* format : {"text", "json"}) {
+    const std::vector<std::string> arguments = {"diff", Capture(), OtherCapture(), "--format", format};
+    EXPECT_THAT(Command(arguments).OutputToClosedPipe().Run().errors,
+                StartsWith("usbinfo: cannot write standard output: Broken pipe; "));
+    EXPECT_EQ(Command(arguments).OutputToClosedPipe().Run().status, 2);
+    EXPECT_EQ(Command(arguments).CloseOutput().Run().status, 2);
+    EXPECT_THAT(Command(arguments).OutputTo("/dev/full").Run().errors,
+                StartsWith("usbinfo: cannot write standard output: No space left on device; "));
+  }
+}
+
+TEST(Diff, LeavesTheOldFileWhereTheNewOneCannotBeWritten) {
+  const TemporaryFolder folder;
+  const std::string file = folder.File("diff", "old");
+  {
+    const FileSizeLimit limit(10);
+    EXPECT_EQ(Diff({Capture(), OtherCapture(), "--output", file}).status, 2);
+  }
+  EXPECT_EQ(ReadFile(file), "old");
+  EXPECT_THAT(folder.Names(), testing::ElementsAre("diff"));
+}
+
+TEST(Diff, PrintsAsciiOnlyWhereItsLocaleHasNothingElse) {
+  // The second byte of this letter alone introduces a command, as ESC and a bracket do.
+  const TemporaryFolder folder;
+  const std::string list = folder.File("list", DeviceListWith("\xC3\x9B"
+                                                              "31mred"));
+  for (const char* locale : {"C", "C.UTF-8"}) {
+    const CommandResult result =
+        Command({"diff", list, "-"}).Input(DeviceListWith("plain")).Set("LC_ALL", locale).Run();
+    const bool isAscii = std::string(locale) == "C";
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.output, HasSubstr(isAscii ? "\"\\xc3\\x9b31mred\", serial "
+                                                 : "\"\xC3\x9B"
+                                                   "31mred\", serial "));
+    EXPECT_EQ(isAscii, result.output.find('\xC3') == std::string::npos);
+  }
+}
+
+TEST(Diff, SendsNothingOfAHostileListToATerminal) {
+  const TemporaryFolder folder;
+  const std::string hostile = folder.File("hostile", HostileDeviceList());
+  const std::string harmless = folder.File("harmless", HarmlessDeviceList());
+  for (const auto& [before, after] : {std::pair(hostile, harmless), std::pair(harmless, hostile)}) {
+    const CommandResult result = Diff({before, after});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_FALSE(ActsOnTerminal(result.output) || HasDirectionMark(result.output));
+    for (const std::string& line : Lines(result.output)) {
+      EXPECT_THAT(line, testing::MatchesRegex("[-+~] bus 1, port [0-9]+: device 0627:0001 \".*|    [A-Z].*"));
+    }
+  }
+}
+
+}  // namespace
+}  // namespace usbinfo_test

@@ -1,0 +1,223 @@
+// What ends the command with exit status 2 other than wrong usage: unreadable input, no plug-in, failed
+// output. One line on standard error says what, where and what to do about it.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "tests/cli/support/CliTest.h"
+#include "tests/cli/support/RunCommand.h"
+
+using testing::StartsWith;
+
+namespace usbinfo_test {
+namespace {
+
+std::string Capture() {
+  return CapturePath("vm-desktop-debugfs");
+}
+
+/// The options that have the command fail with `message`; "@" stands for a folder of the test's own.
+struct Failure {
+  const char* name;
+  std::vector<std::string> arguments;
+  std::string message;
+};
+
+std::ostream& operator<<(std::ostream& out, const Failure& failure) {
+  return out << failure.name;
+}
+
+const Failure kFailures[] = {
+    {"MissingDeviceList", {"--devices", "@/missing"}, "cannot read @/missing: No such file or directory"},
+    {"FolderAsDeviceList", {"--devices", "@"}, "cannot read @: Is a directory"},
+    {"FileAsFolderOfDeviceList", {"--devices", "@/text/list"}, "cannot read @/text/list: Not a directory"},
+    {"MissingKey",
+     {"--devices", Capture(), "--mask-serials", "--mask-key", "@/missing"},
+     "cannot read the key in @/missing: No such file or directory"},
+    {"FolderAsKey",
+     {"--devices", Capture(), "--mask-serials", "--mask-key", "@"},
+     "cannot read the key in @: Is a directory"},
+    {"EmptyKey",
+     {"--devices", Capture(), "--mask-serials", "--mask-key", "/dev/null"},
+     "the key in /dev/null is empty"},
+    {"EmptyKeyOnStandardInput",
+     {"--devices", Capture(), "--mask-serials", "--mask-key", "-"},
+     "the key in standard input is empty"},
+    {"EndlessKey",
+     {"--devices", Capture(), "--mask-serials", "--mask-key", "/dev/zero"},
+     "cannot read the key in /dev/zero: File too large"},
+    {"ListAndKeyOnStandardInput",
+     {"--devices", "-", "--mask-serials", "--mask-key", "-"},
+     "--devices and --mask-key cannot both be standard input"},
+    {"MissingPlugin",
+     {"--devices", Capture(), "--plugin", "@/missing.so"},
+     "cannot use the plug-in: @/missing.so: cannot open shared object file: No such file or directory"},
+    {"TextAsPlugin",
+     {"--devices", Capture(), "--plugin", "@/text"},
+     "cannot use the plug-in: @/text: file too short"},
+    {"FolderAsPlugin",
+     {"--devices", Capture(), "--plugin", "@"},
+     "cannot use the plug-in: @: cannot read file data: Is a directory"},
+    {"ModuleWithoutPlugin",
+     {"--devices", Capture(), "--plugin", STANDIN_PATH},
+     "cannot use the plug-in: " STANDIN_PATH ": the module registers no plug-in that answers queries"},
+    {"MissingFolderOfOutput",
+     {"--devices", Capture(), "--output", "@/missing/out"},
+     "cannot write @/missing/out: No such file or directory"},
+    {"FolderAsOutput", {"--devices", Capture(), "--output", "@"}, "cannot write @: Is a directory"},
+    {"MissingFolderOfLog",
+     {"--devices", Capture(), "--log", "@/missing/log"},
+     "cannot write the log @/missing/log: No such file or directory"},
+    {"FolderAsLog", {"--devices", Capture(), "--log", "@"}, "cannot write the log @: Is a directory"},
+};
+
+std::string Replace(std::string text, const std::string& folder) {
+  for (std::size_t at = 0; (at = text.find('@', at)) != std::string::npos; at += folder.size()) {
+    text.replace(at, 1, folder);
+  }
+  return text;
+}
+
+class FailureTest : public testing::TestWithParam<Failure> {
+ protected:
+  FailureTest() { fFolder.File("text", "text\n"); }
+
+  std::string InFolder(const std::string& text) const { return Replace(text, fFolder.Path()); }
+  CommandResult RunInFolder() const {
+    std::vector<std::string> arguments;
+    for (const std::string& argument : GetParam().arguments) arguments.push_back(InFolder(argument));
+    return RunUsbinfo(std::move(arguments));
+  }
+  std::vector<std::string> Names() const { return fFolder.Names(); }
+
+ private:
+  TemporaryFolder fFolder;
+};
+
+TEST_P(FailureTest, SaysWhatAndWhereInOneLine) {
+  const CommandResult result = RunInFolder();
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "");
+  EXPECT_THAT(result.errors, StartsWith("usbinfo: " + InFolder(GetParam().message)));
+  EXPECT_EQ(Lines(result.errors).size(), 1U) << result.errors;
+}
+
+TEST_P(FailureTest, SaysWhatToDoAboutIt) {
+  const std::string line = RunInFolder().errors;
+  const std::string known = "usbinfo: " + InFolder(GetParam().message);
+  EXPECT_THAT(line.substr(std::min(known.size(), line.size())), testing::MatchesRegex("; [^\n]+\n")) << line;
+}
+
+TEST_P(FailureTest, LeavesNothingBehind) {
+  RunInFolder();
+  EXPECT_THAT(Names(), testing::ElementsAre("text"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Failures, FailureTest, testing::ValuesIn(kFailures),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+/// What the command says when the plug-in throws what `request` names.
+std::string ErrorsOfThrowingPlugin(const std::string& request) {
+  const CommandResult result = RunUsbinfo({"--plugin", THROWING_MODULE, "--request", request});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "");
+  return result.errors;
+}
+
+TEST(FailingPlugin, IsNamedWithWhatItThrows) {
+  EXPECT_EQ(ErrorsOfThrowingPlugin("exception"),
+            "usbinfo: the plug-in " THROWING_MODULE " failed: no luck; name another with --plugin FILE\n");
+  EXPECT_EQ(ErrorsOfThrowingPlugin("number"),
+            "usbinfo: the plug-in " THROWING_MODULE " failed; name another with --plugin FILE\n");
+}
+
+TEST(FailingPlugin, IsNotBlamedForALackOfMemory) {
+  EXPECT_EQ(ErrorsOfThrowingPlugin("lack of memory"), "usbinfo: out of memory\n");
+}
+
+CommandResult RunInto(const std::function<void(Command&)>& place, std::vector<std::string> arguments) {
+  Command command(std::move(arguments));
+  place(command);
+  return command.Run();
+}
+
+TEST(UnreadableInput, NamesStandardInput) {
+  const CommandResult result = Command({"--devices", "-"}).InputFrom("/").Run();
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "");
+  EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot read standard input: Is a directory; "));
+  EXPECT_EQ(Lines(result.errors).size(), 1U) << result.errors;
+}
+
+TEST(FailedOutput, IsToldForAFullDevice) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--devices", Capture()}, {"--help"}, {"--version"}}) {
+    const CommandResult result = RunInto([](Command& command) { command.OutputTo("/dev/full"); }, arguments);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot write standard output: No space left on device"));
+    EXPECT_EQ(Lines(result.errors).size(), 1U) << result.errors;
+  }
+}
+
+TEST(FailedOutput, IsToldForAPipeThatNobodyReads) {
+  for (const char* format : {"tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html"}) {
+    const CommandResult result = RunInto([](Command& command) { command.OutputToClosedPipe(); },
+                                         {"--devices", Capture(), "--format", format});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot write standard output: Broken pipe"));
+    EXPECT_EQ(Lines(result.errors).size(), 1U) << result.errors;
+  }
+}
+
+TEST(FailedOutput, IsToldForAClosedStandardOutput) {
+  const CommandResult result =
+      RunInto([](Command& command) { command.CloseOutput(); }, {"--devices", Capture()});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot write standard output: Bad file descriptor"));
+}
+
+TEST(FailedOutput, NeverGoesIntoTheLogInsteadOfAClosedStandardOutput) {
+  const TemporaryFolder folder;
+  const CommandResult result =
+      RunInto([](Command& command) { command.CloseOutput(); },
+              {"--devices", Capture(), "--log", folder.File("log"), "--log-level", "error"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(ReadFile(folder.File("log")), "");
+}
+
+TEST(FailedOutput, NeverPutsAMessageIntoTheLogInsteadOfAClosedStandardError) {
+  const TemporaryFolder folder;
+  const CommandResult result =
+      Command({"--devices", "/dev/null", "--log", folder.File("log"), "--log-level", "error"})
+          .CloseErrors()
+          .Run();
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(ReadFile(folder.File("log")), "");
+}
+
+TEST(FailedOutput, IsToldForALogThatLostLines) {
+  const TemporaryFolder folder;
+  const std::string log = folder.File("log");
+  CommandResult result;
+  {
+    const FileSizeLimit limit(10000);
+    result = RunUsbinfo({"--devices", Capture(), "--log", log, "--log-level", "verbose"});
+  }
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, RunUsbinfo({"--devices", Capture()}).output);
+  EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot write the log " + log + ": File too large; "));
+  EXPECT_EQ(Lines(result.errors).size(), 1U) << result.errors;
+}
+
+TEST(FailedOutput, OfANoisyLogDoesNotTakeThePlaceOfTheData) {
+  const CommandResult result = RunUsbinfo({"--devices", Capture(), "--log-level", "verbose"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, RunUsbinfo({"--devices", Capture()}).output);
+}
+
+}  // namespace
+}  // namespace usbinfo_test

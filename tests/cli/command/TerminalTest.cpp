@@ -1,0 +1,151 @@
+// The tree on a terminal: it fits eighty columns, gives up names first on a narrower one, and keeps ports,
+// ids and speeds readable.
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "tests/cli/support/CliTest.h"
+#include "tests/cli/support/HostileDevices.h"
+#include "tests/cli/support/RunCommand.h"
+
+namespace usbinfo_test {
+namespace {
+
+std::string OnTerminal(const std::string& list, unsigned short columns, const std::string& locale,
+                       const std::vector<std::string>& options = {}) {
+  std::vector<std::string> arguments = {"--devices", "-", "--system-name", "testhost"};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  return Command(arguments).Input(list).Set("LC_ALL", locale).OutputToTerminal(columns).Run().output;
+}
+
+constexpr const char* kNarrowTree = R"(USB           DEVICE          ID             SPEED
+Bus 01        xHCI Host Contr
+`-Root hub    6 ports         1d6b:0002 480 Mbit/s
+  |-Port 00   free                      480 Mbit/s
+  |-Port 01   free                      480 Mbit/s
+  |-Port 02   QEMU USB Hub, 8 0409:55aa  12 Mbit/s
+  | |-Port 00 QEMU USB Keyboa 0627:0001  12 Mbit/s
+  | |-Port 01 QEMU USB Mouse  0627:0001  12 Mbit/s
+  | |-Port 02 free                       12 Mbit/s
+  | |-Port 03 free                       12 Mbit/s
+  | |-Port 04 free                       12 Mbit/s
+  | |-Port 05 free                       12 Mbit/s
+  | |-Port 06 free                       12 Mbit/s
+  | `-Port 07 free                       12 Mbit/s
+  |-Port 03   QEMU USB Audio  46f4:0002  12 Mbit/s
+  |-Port 04   free                      480 Mbit/s
+  `-Port 05   free                      480 Mbit/s
+Bus 02        xHCI Host Contr
+`-Root hub    4 ports         1d6b:0003   5 Gbit/s
+  |-Port 00   QEMU USB HARDDR 46f4:0001  5+ Gbit/s
+  |-Port 01   USB Attached SC 46f4:0003  5+ Gbit/s
+  |-Port 02   free                        5 Gbit/s
+  `-Port 03   free                        5 Gbit/s
+Bus 03        EHCI Host Contr
+`-Root hub    6 ports         1d6b:0002 480 Mbit/s
+  |-Port 00   free                      480 Mbit/s
+  |-Port 01   free                      480 Mbit/s
+  |-Port 02   free                      480 Mbit/s
+  |-Port 03   free                      480 Mbit/s
+  |-Port 04   free                      480 Mbit/s
+  `-Port 05   free                      480 Mbit/s
+Bus 04        UHCI Host Contr
+`-Root hub    2 ports         1d6b:0001  12 Mbit/s
+  |-Port 00   Wacom PenPartne 056a:0000  12 Mbit/s
+  `-Port 01   free                       12 Mbit/s
+)";
+
+const std::vector<std::vector<std::string>> kForms = {
+    {},
+    {"-v"},
+    {"--format", "table"},
+    {"--format", "table", "--columns", "Description,SerialNumber,DeviceID"}};
+
+TEST(Terminal, OfEightyColumnsHoldsEveryCapture) {
+  for (const std::string& path : CapturePaths()) {
+    for (const char* locale : {"C", "C.UTF-8"}) {
+      for (const std::vector<std::string>& form : kForms) {
+        for (const std::string& line : Lines(OnTerminal(ReadFile(path), 80, locale, form))) {
+          EXPECT_LE(DisplayWidth(line), 80) << path << "\n" << line;
+        }
+      }
+    }
+  }
+}
+
+TEST(Terminal, OfEightyColumnsHoldsTablesOfHostileStrings) {
+  for (const std::vector<std::string>& form : kForms) {
+    for (const std::string& line : Lines(OnTerminal(HostileDeviceList(), 80, "C.UTF-8", form))) {
+      EXPECT_LE(DisplayWidth(line), 80) << line;
+    }
+  }
+}
+
+TEST(Terminal, GetsAsciiOnlyWhereItsLocaleHasNothingElse) {
+  for (const std::vector<std::string>& form : kForms) {
+    for (const std::string& list : {HostileDeviceList(), ReadFile(CapturePath("usbdevices-4.2-nonascii"))}) {
+      const std::string text = OnTerminal(list, 80, "C", form);
+      EXPECT_TRUE(std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; }));
+      EXPECT_NE(text, "");
+    }
+  }
+}
+
+TEST(Terminal, GetsTheNameOfTheSystemInAsciiWhereItsLocaleHasNothingElse) {
+  const std::vector<std::string> arguments = {"--devices", CapturePath("vm-desktop-debugfs"), "--system-name",
+                                              "caf\xC3\xA9"};
+  EXPECT_THAT(Command(arguments).Set("LC_ALL", "C").Run().output, testing::StartsWith("caf\\xc3\\xa9: "));
+  EXPECT_THAT(Command(arguments).Set("LC_ALL", "C.UTF-8").Run().output, testing::StartsWith("caf\xC3\xA9: "));
+}
+
+TEST(Terminal, OfEightyColumnsShowsTheWholeDesktopMachine) {
+  const std::string name = "vm-desktop-debugfs";
+  EXPECT_EQ(
+      OnTerminal(ReadFile(CapturePath(name)), 80, "C"),
+      Command({"--devices", CapturePath(name), "--system-name", "testhost"}).Set("LC_ALL", "C").Run().output);
+}
+
+TEST(Terminal, GetsTheLinesThatItsLocaleHas) {
+  const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
+  EXPECT_EQ(Lines(OnTerminal(list, 80, "C")).at(5),
+            "  |-Port 00   free                            480 Mbit/s");
+  EXPECT_EQ(Lines(OnTerminal(list, 80, "C.UTF-8")).at(5),
+            "  ├─Port 00   free                            480 Mbit/s");
+}
+
+TEST(Terminal, OfFiftyColumnsCutsNamesOnly) {
+  const std::string text = OnTerminal(ReadFile(CapturePath("vm-desktop-debugfs")), 50, "C");
+  const std::size_t heading = text.find("\n\n");
+  ASSERT_NE(heading, std::string::npos);
+  EXPECT_EQ(text.substr(heading + 2), kNarrowTree);
+}
+
+TEST(Terminal, ShowsIdAndSpeedWhateverTheLengthOfAName) {
+  for (const char* locale : {"C", "C.UTF-8"}) {
+    for (const std::string& name : {std::string(300, 'x'), std::string(300, '\x1B')}) {
+      const std::vector<std::string> lines = Lines(OnTerminal(DeviceListWith(name), 80, locale));
+      EXPECT_THAT(lines.back(), testing::EndsWith(" 0627:0001  12 Mbit/s"));
+      EXPECT_LE(DisplayWidth(lines.back()), 80);
+    }
+  }
+}
+
+TEST(Terminal, GetsNoEscapeSequences) {
+  for (const auto columns : std::vector<unsigned short>{20, 80, 300}) {
+    for (const std::vector<std::string>& form : kForms) {
+      const std::string text = OnTerminal(HostileDeviceList(), columns, "C.UTF-8", form);
+      EXPECT_EQ(text.find('\x1B'), std::string::npos) << columns;
+      EXPECT_NE(text, "");
+    }
+  }
+}
+
+TEST(Terminal, MayBeOfUnknownWidth) {
+  const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
+  EXPECT_EQ(OnTerminal(list, 0, "C"), OnTerminal(list, 80, "C"));
+}
+
+}  // namespace
+}  // namespace usbinfo_test

@@ -1,0 +1,293 @@
+#!/usr/bin/env python3
+"""Hold the published JSON schemas against what usbinfo prints.
+
+Valid must be every expected inventory, and what the built command prints for
+every captured list, for parts of one, for an empty one and hostile ones:
+inventories, differences, classes.  The schemas must be strict: each of many
+small damages to a valid document must be refused, damaged inventories by
+``usbinfo diff`` too.  And the schema's properties must be those of ``usbinfo
+schema``.
+
+Usage:
+    check_schemas.py USBINFO       the command to try
+
+Prints a line per failure; exits 1 if there is any.
+"""
+
+import copy
+import itertools
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+import jsonschema
+
+TESTS = pathlib.Path(__file__).resolve().parents[2]
+DOCS = TESTS.parent / "docs"
+CAPTURES = sorted((TESTS / "data/captures").glob("*.txt"))
+EXPECTED = sorted((TESTS / "data/expected").glob("*.json"))
+# Two lists between which things are added, removed and changed.
+OLD = TESTS / "data/captures/vm-desktop-debugfs.txt"
+NEW = TESTS / "data/captures/usbdevices-rpi-nested-mtt-nostrings.txt"
+# And one in which things of the first have moved.
+MOVED = TESTS / "data/captures/vm-desktop-usb-devices.txt"
+
+# What leaves things out of an inventory or changes them; the last two find
+# nothing.
+SELECTIONS = (
+    ("-d", "0627:"), ("-s", "1:"), ("-s", "1:2", "--mask-serials"),
+    ("--class", "KALDO_USBPort"), ("--class", "KALDO_USBConnection"),
+    ("--request", "KALDO_USBDevice,KALDO_USBController"),
+    ("--request", "KALDO_USBConnection"), ("-d", "ffff:ffff"),
+)
+
+HOSTILE = (
+    b"\x1b[31mred", b"\x00\x01\x7f", b"\xff\xfe\xc0\x80", b"\xed\xa0\x80",
+    b'"}],"KALDO_USBHub":[{"a":"\\', b"\\u0000\\ud800", b"\xe2\x80\xae",
+    "\U0001f600\uffff".encode(), b"x" * 5000, b"a\rb\tc",
+)
+
+# What may be done to a document without making it invalid: texts may be any
+# texts, lists may be empty, some members missing or null on purpose.
+ALLOWED = {
+    "usbinfo": (
+        r"system: name = '\?'",
+        r"classes: \w+ = \[\]",
+        r"classes/KALDO_USB(Controller|Hub|Device)/0: without Description",
+        r"classes/KALDO_USB(Hub|Device)/0: "
+        r"without (HubName|Manufacturer|PortNumber|SerialNumber)",
+        r"classes/KALDO_USBPort/0: without Speed",
+        r"classes/\w+/0: (Description|DeviceID|HubName|Manufacturer|Name"
+        r"|PortNumber|SerialNumber|SystemCreationClassName|SystemName) = '\?'",
+        r"classes/KALDO_USBPort/0: StatusDescriptions = \[\]",
+        r"classes/KALDO_USBPort/0/StatusDescriptions: 0 = '\?'",
+    ),
+    "usbinfo-classes": (),
+    "usbinfo-diff": (
+        r"(old|new): system = '\?'",
+        r": (added|removed|moved|changed) = \[\]",
+        r"(added|removed|moved|changed)/0(/old|/new)?: "
+        r"((name|deviceId) = '\?'|name = None)",
+        r"(added|removed|moved)/0(/old|/new)?: serial = ('\?'|None)",
+        r"\w+/0(/old|/new)?/place: (text = '\?'|ports = \[1?\])",
+        r"moved/0/new/place: identifier = '\?'",
+        r"moved/0: properties = \[\]",
+        r"changed/0/properties/0: (from|to) = (None|'\?'|\[\])",
+    ),
+}
+
+
+class Failures:
+    """Counts what went wrong and tells it."""
+
+    def __init__(self):
+        self.count = 0
+
+    def tell(self, what):
+        """Tell one failure."""
+        self.count += 1
+        print(what)
+
+
+class Usbinfo:
+    """The command, run on files of a folder of its own."""
+
+    def __init__(self, path, folder):
+        self.path = path
+        self.folder = pathlib.Path(folder)
+
+    def run(self, *arguments):
+        """Run it; return the exit status and the output."""
+        done = subprocess.run(
+            [self.path, *map(str, arguments)], stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+        return done.returncode, done.stdout
+
+    def document(self, *arguments):
+        """Run it; return the JSON document it prints, None without one."""
+        status, output = self.run(*arguments)
+        return json.loads(output) if status in (0, 1) else None
+
+    def inventory(self, devices, *options):
+        """Return the inventory of a device list."""
+        return self.document("--format", "json", "--devices", devices,
+                             *options)
+
+    def difference(self, old, new):
+        """Return the difference of two inventories."""
+        return self.document("diff", "--format", "json", old, new)
+
+    def file(self, name, content):
+        """Write a file; return its path."""
+        path = self.folder / name
+        path.write_bytes(content)
+        return path
+
+
+def schema(name):
+    """Return a validator for a published schema, itself checked."""
+    document = json.loads((DOCS / f"{name}.schema.json").read_text())
+    jsonschema.Draft202012Validator.check_schema(document)
+    return jsonschema.Draft202012Validator(document)
+
+
+def hostile_list(text):
+    """Return a list of a root hub and a device with `text` everywhere."""
+    return (
+        b"T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 1\n"
+        b"D:  Ver= 2.00 Cls=09(hub  ) Sub=00 Prot=01 MxPS=64 #Cfgs=  1\n"
+        b"P:  Vendor=1d6b ProdID=0002 Rev= 6.01\n"
+        b"I:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 Prot=00 Driver=hub\n"
+        b"\n"
+        b"T:  Bus=01 Lev=01 Prnt=01 Port=00 Cnt=01 Dev#=  2 Spd=12   MxCh= 0\n"
+        b"D:  Ver= 2.00 Cls=00(>ifc ) Sub=00 Prot=00 MxPS= 8 #Cfgs=  1\n"
+        b"P:  Vendor=0627 ProdID=0001 Rev= 0.00\n"
+        b"S:  Manufacturer=" + text + b"\nS:  Product=" + text
+        + b"\nS:  SerialNumber=" + text
+        + b"\nI:* If#= 0 Alt= 0 #EPs= 1 Cls=03(HID  ) Sub=01 Prot=01"
+        b" Driver=usbhid\n\n")
+
+
+def require_valid(failures, validator, document, what):
+    """Tell where a document that must be valid is not."""
+    if document is None:
+        failures.tell(f"{what}: no document")
+        return
+    for error in validator.iter_errors(document):
+        failures.tell(f"{what}: {error.json_path}: {error.message}")
+
+
+def check_valid_documents(failures, usbinfo):
+    """Validate all that the command prints."""
+    inventory, difference = schema("usbinfo"), schema("usbinfo-diff")
+    for path in EXPECTED:
+        require_valid(failures, inventory, json.loads(path.read_text()),
+                      path.name)
+    lists = [usbinfo.file(f"hostile-{number}", hostile_list(text))
+             for number, text in enumerate(HOSTILE)]
+    empty = usbinfo.file("empty", b"")
+    for path in [*CAPTURES, *lists, empty]:
+        require_valid(failures, inventory, usbinfo.inventory(path), path.name)
+    for options in SELECTIONS:
+        require_valid(failures, inventory, usbinfo.inventory(OLD, *options),
+                      " ".join(options))
+    pairs = [*itertools.product(CAPTURES, CAPTURES),
+             *((CAPTURES[0], path) for path in lists), *zip(lists, lists[1:])]
+    for old, new in pairs:
+        require_valid(failures, difference, usbinfo.difference(old, new),
+                      f"{old.name} and {new.name}")
+    require_valid(failures, schema("usbinfo-classes"),
+                  usbinfo.document("schema", "--format", "json"), "classes")
+
+
+def check_names(failures, usbinfo):
+    """Compare the schema's properties with those of the classes."""
+    classes = usbinfo.document("schema", "--format", "json")["classes"]
+    published = schema("usbinfo").schema
+    lists = published["properties"]["classes"]["properties"]
+    if list(lists) != list(classes):
+        failures.tell(f"classes: {list(lists)}, not {list(classes)}")
+    for name, entry in lists.items():
+        definition = published["$defs"][entry["items"]["$ref"].split("/")[-1]]
+        names = list(definition["properties"])
+        if names != list(classes[name]["properties"]):
+            failures.tell(f"{name}: the properties are not those of the class")
+        for number in names:
+            reference = definition["properties"][number].get("$ref", "")
+            kind = classes[name]["properties"][number]["type"]
+            is_number = kind.startswith("uint")
+            if is_number and reference != f"#/$defs/{kind}":
+                failures.tell(f"{name}.{number}: is no {kind} in the schema")
+
+
+def damages(document, path=()):
+    """Yield copies of a document, each damaged in one place, with a name.
+
+    Every member is taken away, renamed and given a value of each other type;
+    every object gets one more member; numbers leave their range.
+    """
+    here = document
+    for step in path:
+        here = here[step]
+    if isinstance(here, dict):
+        yield damaged(document, path, lambda it: it.update(extra=1), "extra")
+        for name in list(here):
+            yield damaged(document, path, lambda it, n=name: it.pop(n),
+                          f"without {name}")
+            yield from damages(document, (*path, name))
+    elif isinstance(here, list):
+        for index in range(min(len(here), 1)):
+            yield from damages(document, (*path, index))
+    for value in (None, True, -1, 1.5, 2 ** 64, "?", [], [1], {}, {"a": 1}):
+        if path:
+            yield damaged(document, path[:-1],
+                          lambda it, v=value: it.__setitem__(path[-1], v),
+                          f"{path[-1]} = {value!r}")
+
+
+def damaged(document, path, change, name):
+    """Return a copy with what is at `path` changed, and where that is."""
+    copied = copy.deepcopy(document)
+    here = copied
+    for step in path:
+        here = here[step]
+    change(here)
+    return "/".join(map(str, path)) + ": " + name, copied
+
+
+def is_allowed(name, what):
+    """Tell whether a damage leaves a document that is still valid."""
+    return any(re.fullmatch(pattern, what) for pattern in ALLOWED[name])
+
+
+def check_strict(failures, usbinfo, name, document):
+    """Damage a document; the schema must refuse it, and so must diff."""
+    validator = schema(name)
+    require_valid(failures, validator, document, f"the {name} to be damaged")
+    for what, broken in damages(document):
+        if broken == document:
+            continue
+        is_valid = validator.is_valid(broken)
+        if is_valid != is_allowed(name, what):
+            failures.tell(f"{name}: {what}: valid is {is_valid}")
+        if name == "usbinfo":
+            path = usbinfo.file("damaged.json", json.dumps(broken).encode())
+            status, _ = usbinfo.run("diff", path, path)
+            if (status == 0) != is_valid:
+                failures.tell(f"{what}: valid is {is_valid}, but diff gives "
+                              f"the status {status}")
+
+
+def small_inventory(usbinfo):
+    """Return an inventory with one instance of each class and all names."""
+    document = usbinfo.inventory(OLD)
+    for name, instances in document["classes"].items():
+        complete = [it for it in instances if name != "KALDO_USBHub"
+                    or "HubName" in it]
+        document["classes"][name] = complete[:1]
+    return document
+
+
+def main(command):
+    """Run all checks; return the exit status."""
+    failures = Failures()
+    with tempfile.TemporaryDirectory() as folder:
+        usbinfo = Usbinfo(command, folder)
+        check_valid_documents(failures, usbinfo)
+        check_names(failures, usbinfo)
+        check_strict(failures, usbinfo, "usbinfo", small_inventory(usbinfo))
+        check_strict(failures, usbinfo, "usbinfo-classes",
+                     usbinfo.document("schema", "--format", "json"))
+        for new in (NEW, MOVED):
+            check_strict(failures, usbinfo, "usbinfo-diff",
+                         usbinfo.difference(OLD, new))
+    return 1 if failures.count else 0
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    sys.exit(main(sys.argv[1]))

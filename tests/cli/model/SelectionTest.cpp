@@ -1,0 +1,254 @@
+// What a selection is parsed from, and what it cuts out of an inventory: on inventories made by hand, and for
+// every hub and device of every capture.
+#include <gmock/gmock.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "cli/model/Selection.h"
+#include "cli/model/UsbTree.h"
+#include "tests/cli/support/CliTest.h"
+
+using cli::Inventory;
+using cli::ParseBusDevice;
+using cli::ParseVendorProduct;
+using cli::Select;
+using cli::Selection;
+using NKESTA20::TCIMValue;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace usbinfo_test {
+namespace {
+
+constexpr const char* kItemClasses[] = {"KALDO_USBController", "KALDO_USBHub", "KALDO_USBPort",
+                                        "KALDO_USBDevice"};
+
+Selection ByIds(const std::string& ids) {
+  Selection selection;
+  selection.ids = ParseVendorProduct(ids);
+  EXPECT_TRUE(selection.ids) << ids;
+  return selection;
+}
+
+Selection ByPlace(const std::string& place) {
+  Selection selection;
+  selection.place = ParseBusDevice(place);
+  EXPECT_TRUE(selection.place) << place;
+  return selection;
+}
+
+Selection ByClass(const std::vector<std::string>& names) {
+  Selection selection;
+  selection.classes = names;
+  return selection;
+}
+
+class SelectionTest : public CliTest {
+ protected:
+  void AddIds(const char* className, const std::string& deviceId, int vendor, int product) {
+    CommitEntity(className, deviceId,
+                 {{"VendorID", TCIMValue(static_cast<unsigned short>(vendor))},
+                  {"USBDeviceID", TCIMValue(static_cast<unsigned short>(product))}});
+  }
+
+  /// A line per selected instance that is no association: the class's last word, the identifier.
+  std::vector<std::string> Selected(const Selection& selection, bool keepsWay = false) const {
+    const Inventory inventory = Select(Inventory(host), selection, keepsWay);
+    std::vector<std::string> lines;
+    for (const char* const name : kItemClasses) {
+      for (const cli::InstanceView& item : inventory.InstancesOf(name)) {
+        lines.push_back(std::string(name).substr(sizeof("KALDO_USB") - 1) + " " + item.Text("DeviceID"));
+      }
+    }
+    return lines;
+  }
+};
+
+TEST(VendorProduct, AreHexadecimalWithOrWithoutProduct) {
+  EXPECT_EQ(ParseVendorProduct("1d6b:")->vendor, 0x1D6B);
+  EXPECT_FALSE(ParseVendorProduct("1d6b:")->product);
+  EXPECT_EQ(ParseVendorProduct("1D6B:0002")->product, 2);
+  EXPECT_EQ(ParseVendorProduct("0:ffff")->product, 0xFFFF);
+  EXPECT_EQ(ParseVendorProduct("0x0409:0X55aa")->vendor, 0x409);
+  EXPECT_EQ(ParseVendorProduct("0x0409:0X55aa")->product, 0x55AA);
+  EXPECT_EQ(ParseVendorProduct("x:"), std::nullopt);
+}
+
+TEST(BusDevice, IsABusADeviceOrBothInDecimal) {
+  EXPECT_EQ(ParseBusDevice("010:")->bus, 10U);
+  EXPECT_FALSE(ParseBusDevice("1:")->device);
+  EXPECT_FALSE(ParseBusDevice(":3")->bus);
+  EXPECT_EQ(ParseBusDevice(":3")->device, 3U);
+  EXPECT_FALSE(ParseBusDevice("003")->bus);
+  EXPECT_EQ(ParseBusDevice("003")->device, 3U);
+  EXPECT_EQ(ParseBusDevice("123:127")->bus, 123U);
+  EXPECT_EQ(ParseBusDevice("123:127")->device, 127U);
+  EXPECT_EQ(ParseBusDevice("0x1:"), std::nullopt);
+}
+
+TEST(DescriptionOfASelection, SpellsTheOptions) {
+  EXPECT_EQ(cli::Describe({}), "");
+  EXPECT_EQ(cli::Describe(ByIds("0xAB:")), "-d 00ab:");
+  EXPECT_EQ(cli::Describe(ByIds("ab:1")), "-d 00ab:0001");
+  EXPECT_EQ(cli::Describe(ByPlace("001:002")), "-s 1:2");
+  EXPECT_EQ(cli::Describe(ByPlace("3")), "-s :3");
+  EXPECT_EQ(cli::Describe(ByPlace(":")), "-s :");
+  Selection all = ByIds("1:");
+  all.place = ParseBusDevice("2:");
+  all.classes = {"A", "B"};
+  EXPECT_EQ(cli::Describe(all), "-d 0001: -s 2: --class A --class B");
+}
+
+TEST_F(SelectionTest, OfNothingIsEverything) {
+  Collect(ReadFile(CapturePath("vm-desktop-debugfs")));
+  const Inventory all(host);
+  const Inventory same = Select(all, {}, false);
+  for (std::size_t index = 0; index < all.Classes().size(); ++index) {
+    EXPECT_EQ(same.Classes()[index].instances.size(), all.Classes()[index].instances.size());
+  }
+}
+
+TEST_F(SelectionTest, ByIdsTakesHubsAndDevicesAlike) {
+  AddIds("KALDO_USBHub", "Bus 01  Device   1", 0x1D6B, 2);
+  AddIds("KALDO_USBHub", "Bus 01  Device   2", 0x1D6B, 3);
+  AddIds("KALDO_USBDevice", "Bus 01  Device   3", 0x1D6B, 2);
+  AddIds("KALDO_USBDevice", "Bus 01  Device   4", 0x1D6C, 2);
+  EXPECT_THAT(Selected(ByIds("1d6b:")),
+              ElementsAre("Hub Bus 01  Device   1", "Hub Bus 01  Device   2", "Device Bus 01  Device   3"));
+  EXPECT_THAT(Selected(ByIds("1d6b:2")), ElementsAre("Hub Bus 01  Device   1", "Device Bus 01  Device   3"));
+  EXPECT_THAT(Selected(ByIds("2:")), IsEmpty());
+}
+
+TEST_F(SelectionTest, ByIdsPassesOverWhatHasNone) {
+  AddDevice("Bus 01  Device   2", "d", 1);
+  AddIds("KALDO_USBDevice", "Bus 01  Device   3", 0, 0);
+  EXPECT_THAT(Selected(ByIds("0:0")), ElementsAre("Device Bus 01  Device   3"));
+}
+
+TEST_F(SelectionTest, ByPlaceTakesNumbersWhateverTheirZerosAndBlanks) {
+  AddDevice("Bus 123  Device 127", "d", 1);
+  AddDevice("Bus 12  Device  12", "d", 1);
+  AddDevice("Bus 1 Device 2", "d", 1);
+  AddHub("Bus 01  Device   1", "h", 1);
+  EXPECT_THAT(Selected(ByPlace("123:127")), ElementsAre("Device Bus 123  Device 127"));
+  EXPECT_THAT(Selected(ByPlace("12:")), ElementsAre("Device Bus 12  Device  12"));
+  EXPECT_THAT(Selected(ByPlace("012:0012")), ElementsAre("Device Bus 12  Device  12"));
+  EXPECT_THAT(Selected(ByPlace("1:")), ElementsAre("Hub Bus 01  Device   1", "Device Bus 1 Device 2"));
+  EXPECT_THAT(Selected(ByPlace("2")), ElementsAre("Device Bus 1 Device 2"));
+  EXPECT_THAT(Selected(ByPlace("3:1")), IsEmpty());
+}
+
+TEST_F(SelectionTest, ByPlacePassesOverAForgedPlaceButForAnyPlace) {
+  AddDevice("Bus 01x  Device   2", "d", 1);
+  AddDevice("", "d", 1);
+  EXPECT_THAT(Selected(ByPlace("1:")), IsEmpty());
+  EXPECT_THAT(Selected(ByPlace("0:0")), IsEmpty());
+  EXPECT_THAT(Selected(ByPlace("2")), ElementsAre("Device Bus 01x  Device   2"));
+  EXPECT_THAT(Selected(ByPlace(":")), ElementsAre("Device Bus 01x  Device   2", "Device "));
+}
+
+TEST_F(SelectionTest, ByPlaceTakesNoControllerAndNoPort) {
+  AddController("Bus 01  Device   1", "c");
+  AddPort("Bus 01  Device   1 Port 00", 1, "x");
+  EXPECT_THAT(Selected(ByPlace("1:1")), IsEmpty());
+  EXPECT_THAT(Selected(ByPlace(":")), IsEmpty());
+}
+
+TEST_F(SelectionTest, WantsAllThatIsGiven) {
+  AddIds("KALDO_USBHub", "Bus 01  Device   1", 1, 1);
+  AddIds("KALDO_USBDevice", "Bus 01  Device   2", 1, 1);
+  AddIds("KALDO_USBDevice", "Bus 02  Device   2", 1, 1);
+  AddIds("KALDO_USBDevice", "Bus 01  Device   3", 2, 1);
+  Selection selection = ByIds("1:");
+  selection.place = ParseBusDevice("1:");
+  EXPECT_THAT(Selected(selection), ElementsAre("Hub Bus 01  Device   1", "Device Bus 01  Device   2"));
+  selection.classes = {"KALDO_USBDevice"};
+  EXPECT_THAT(Selected(selection), ElementsAre("Device Bus 01  Device   2"));
+  selection.classes = {"KALDO_USBPort"};
+  EXPECT_THAT(Selected(selection), IsEmpty());
+}
+
+TEST_F(SelectionTest, ByClassLeavesTheOthersEmptyAndKeepsTheTotals) {
+  Collect(ReadFile(CapturePath("vm-desktop-debugfs")));
+  const Inventory all(host);
+  for (const cli::ClassView& chosen : all.Classes()) {
+    for (const bool keepsWay : {false, true}) {
+      const Inventory part = Select(all, ByClass({chosen.schema.name}), keepsWay);
+      ASSERT_EQ(part.Classes().size(), 6U);
+      for (const cli::ClassView& view : part.Classes()) {
+        const bool isChosen = view.schema.name == chosen.schema.name;
+        EXPECT_EQ(view.instances.size(), isChosen ? chosen.instances.size() : 0U) << view.schema.name;
+        EXPECT_EQ(view.total, all.ClassOf(view.schema.name).instances.size());
+      }
+    }
+  }
+}
+
+TEST_F(SelectionTest, ByClassAndPlaceKeepsNoWay) {
+  Collect(ReadFile(CapturePath("vm-desktop-debugfs")));
+  Selection selection = ByPlace("1:4");
+  selection.classes = {"KALDO_USBDevice"};
+  EXPECT_THAT(Selected(selection, true), ElementsAre("Device Bus 01  Device   4"));
+}
+
+TEST_F(SelectionTest, KeepsTheWayToADeviceAndTheAssociationsAlongIt) {
+  Collect(ReadFile(CapturePath("vm-desktop-debugfs")));
+  EXPECT_THAT(Selected(ByPlace("1:4"), true),
+              ElementsAre("Controller Bus 01  Device   1", "Hub Bus 01  Device   1", "Hub Bus 01  Device   2",
+                          "Port Bus 01  Device   1 Port 02", "Port Bus 01  Device   2 Port 00",
+                          "Device Bus 01  Device   4"));
+  const Inventory part = Select(Inventory(host), ByPlace("1:4"), true);
+  EXPECT_EQ(part.InstancesOf("KALDO_USBPortOnHub").size(), 2U);
+  EXPECT_EQ(part.InstancesOf("KALDO_USBConnection").size(), 2U);
+}
+
+TEST_F(SelectionTest, KeepsNoWayToWhatDoesNotMatch) {
+  Collect(ReadFile(CapturePath("vm-desktop-debugfs")));
+  EXPECT_TRUE(Select(Inventory(host), ByIds("dead:"), true).IsEmpty());
+}
+
+TEST_F(SelectionTest, EndsTheWayInACircle) {
+  Path hub = AddHub("Bus 01  Device   2", "h", 1);
+  Path port = AddPort("Bus 01  Device   2 Port 00", 1, "x");
+  Associate("KALDO_USBPortOnHub", hub, port);
+  Associate("KALDO_USBConnection", port, hub);
+  EXPECT_THAT(Selected(ByPlace("1:2"), true),
+              ElementsAre("Hub Bus 01  Device   2", "Port Bus 01  Device   2 Port 00"));
+}
+
+/// For each item the one it hangs on, by their paths; empty for one at the top.
+std::map<std::string, std::string> ParentsIn(const Inventory& inventory) {
+  const cli::UsbTree tree(inventory);
+  std::map<std::string, std::string> parents;
+  for (const cli::UsbTreeNode& node : tree.Nodes()) parents[node.item->PathText()];
+  for (const cli::UsbTreeNode& node : tree.Nodes()) {
+    for (const std::size_t child : node.children) {
+      parents[tree.Nodes()[child].item->PathText()] = node.item->PathText();
+    }
+  }
+  return parents;
+}
+
+TEST_F(SelectionTest, KeepsTheWholeWayToEveryItemOfEveryCaptureAndNothingElse) {
+  for (const std::string& path : CapturePaths()) {
+    host.Reset();
+    Collect(ReadFile(path));
+    const Inventory all(host);
+    const auto parents = ParentsIn(all);
+    for (const char* const name : {"KALDO_USBHub", "KALDO_USBDevice"}) {
+      for (const cli::InstanceView& item : all.InstancesOf(name)) {
+        std::string place = item.Text("DeviceID").substr(sizeof("Bus ") - 1);
+        place.replace(place.find(' '), place.find_last_of(' ') + 1 - place.find(' '), ":");
+        std::map<std::string, std::string> way;
+        for (std::string at = item.PathText(); !at.empty(); at = parents.at(at)) way[at] = parents.at(at);
+        EXPECT_EQ(ParentsIn(Select(all, ByPlace(place), true)), way) << path << " " << place;
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace usbinfo_test

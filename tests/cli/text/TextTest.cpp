@@ -1,0 +1,161 @@
+// Foreign texts made fit for JSON, for one line on a terminal and for a place where the reading direction
+// matters.
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include "cli/text/Text.h"
+#include "tests/cli/support/CliTest.h"
+
+using cli::EscapeForTerminal;
+using cli::ReplaceDirectionMarks;
+using cli::ReplaceInvalidUtf8;
+using cli::ReplaceUnprintable;
+
+namespace usbinfo_test {
+namespace {
+
+// The replacement character, U+FFFD.
+const std::string kFFFD = "\xEF\xBF\xBD";
+
+TEST(ReplaceInvalidUtf8, LeavesValidTextOfEveryLengthAsItIs) {
+  for (const char* text :
+       {"", "plain", "\x7F", "\xC2\x80", "\xC3\xA9", "\xDF\xBF", "\xE0\xA0\x80", "\xE2\x82\xAC",
+        "\xED\x9F\xBF", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+    EXPECT_EQ(ReplaceInvalidUtf8(text), text);
+  }
+}
+
+TEST(ReplaceInvalidUtf8, KeepsControlCharactersQuotesAndZeroBytes) {
+  const std::string text("a\0b\n\t\r\x1B\"\\/", 10);
+  EXPECT_EQ(ReplaceInvalidUtf8(text), text);
+}
+
+TEST(ReplaceInvalidUtf8, ReplacesEachByteThatBeginsNoCharacter) {
+  EXPECT_EQ(ReplaceInvalidUtf8("a\xFF\xFE\x80z"), "a" + kFFFD + kFFFD + kFFFD + "z");
+  EXPECT_EQ(ReplaceInvalidUtf8("\xC0\xAF"), kFFFD + kFFFD);
+  EXPECT_EQ(ReplaceInvalidUtf8("\xC1\xBF"), kFFFD + kFFFD);
+  EXPECT_EQ(ReplaceInvalidUtf8("\xF5\x80"), kFFFD + kFFFD);
+}
+
+TEST(ReplaceInvalidUtf8, ReplacesOverlongFormsSurrogatesAndNumbersBeyondTheLast) {
+  EXPECT_EQ(ReplaceInvalidUtf8("\xE0\x80\x80"), kFFFD + kFFFD + kFFFD);
+  EXPECT_EQ(ReplaceInvalidUtf8("\xED\xA0\x80"), kFFFD + kFFFD + kFFFD);
+  EXPECT_EQ(ReplaceInvalidUtf8("\xF4\x90\x80\x80"), kFFFD + kFFFD + kFFFD + kFFFD);
+}
+
+TEST(ReplaceInvalidUtf8, TurnsACharacterThatBreaksOffIntoOneReplacement) {
+  EXPECT_EQ(ReplaceInvalidUtf8("\xE2\x82"), kFFFD);
+  EXPECT_EQ(ReplaceInvalidUtf8("\xE2\x82z"), kFFFD + "z");
+  EXPECT_EQ(ReplaceInvalidUtf8("\xF0\x9F\x98\xC3\xA9"), kFFFD + "\xC3\xA9");
+}
+
+class EscapeForTerminalTest : public testing::Test {
+ private:
+  const CharacterSet fCharacters{"C.UTF-8"};
+};
+
+TEST_F(EscapeForTerminalTest, LeavesLettersBlanksAndTabsAsTheyAre) {
+  EXPECT_EQ(EscapeForTerminal(""), "");
+  EXPECT_EQ(EscapeForTerminal("a b\t\tc ~"), "a b\t\tc ~");
+  EXPECT_EQ(EscapeForTerminal("\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80"),
+            "\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80");
+}
+
+TEST_F(EscapeForTerminalTest, PutsEverythingOnOneLine) {
+  EXPECT_EQ(EscapeForTerminal("a\nb\n"), "a\\nb\\n");
+}
+
+TEST_F(EscapeForTerminalTest, DoublesBackslashesSoThatNoEscapeCanBeFeigned) {
+  EXPECT_EQ(EscapeForTerminal("\\"), "\\\\");
+  EXPECT_EQ(EscapeForTerminal("\\n\\x1b"), "\\\\n\\\\x1b");
+}
+
+TEST_F(EscapeForTerminalTest, SpellsControlCharactersOfTheFirstSet) {
+  EXPECT_EQ(EscapeForTerminal(std::string("\0", 1)), "\\x00");
+  EXPECT_EQ(EscapeForTerminal("\x01\x07\x08\x0B\x0C\r\x1B\x1F\x7F"),
+            "\\x01\\x07\\x08\\x0b\\x0c\\x0d\\x1b\\x1f\\x7f");
+  EXPECT_EQ(EscapeForTerminal("\x1B[31mred"), "\\x1b[31mred");
+}
+
+TEST_F(EscapeForTerminalTest, SpellsControlCharactersOfTheSecondSetButNotTheNextCharacter) {
+  EXPECT_EQ(EscapeForTerminal("\xC2\x80\xC2\x9B\xC2\x9F"), "\\xc2\\x80\\xc2\\x9b\\xc2\\x9f");
+  EXPECT_EQ(EscapeForTerminal("\xC2\xA0\xC3\x80"), "\xC2\xA0\xC3\x80");
+}
+
+TEST_F(EscapeForTerminalTest, SpellsTheUnicodeLineEnds) {
+  EXPECT_EQ(EscapeForTerminal("\xE2\x80\xA8|\xE2\x80\xA9"), "\\xe2\\x80\\xa8|\\xe2\\x80\\xa9");
+  EXPECT_EQ(EscapeForTerminal("\xE2\x80\xA7"), "\xE2\x80\xA7");
+}
+
+TEST_F(EscapeForTerminalTest, SpellsEveryDirectionMark) {
+  EXPECT_EQ(EscapeForTerminal("\xD8\x9C"), "\\xd8\\x9c");
+  EXPECT_EQ(EscapeForTerminal("\xE2\x80\x8E\xE2\x80\x8F"), "\\xe2\\x80\\x8e\\xe2\\x80\\x8f");
+  EXPECT_EQ(EscapeForTerminal("\xE2\x80\xAA\xE2\x80\xAB\xE2\x80\xAC\xE2\x80\xAD\xE2\x80\xAE"),
+            "\\xe2\\x80\\xaa\\xe2\\x80\\xab\\xe2\\x80\\xac\\xe2\\x80\\xad\\xe2\\x80\\xae");
+  EXPECT_EQ(EscapeForTerminal("\xE2\x81\xA6\xE2\x81\xA7\xE2\x81\xA8\xE2\x81\xA9"),
+            "\\xe2\\x81\\xa6\\xe2\\x81\\xa7\\xe2\\x81\\xa8\\xe2\\x81\\xa9");
+}
+
+TEST_F(EscapeForTerminalTest, SpellsBytesThatAreNoUtf8AndGoesOnBehindThem) {
+  EXPECT_EQ(EscapeForTerminal("a\xFFz"), "a\\xffz");
+  EXPECT_EQ(EscapeForTerminal("\xE2\x82"), "\\xe2\\x82");
+  EXPECT_EQ(EscapeForTerminal("\xF0\xE2\x80\xAEz"), "\\xf0\\xe2\\x80\\xaez");
+  EXPECT_EQ(EscapeForTerminal("\xC0\x9B"), "\\xc0\\x9b");
+}
+
+TEST_F(EscapeForTerminalTest, SpellsAllBeyondAsciiWhereTheLocaleIsNotOneOfUtf8) {
+  const CharacterSet ascii("C");
+  EXPECT_EQ(EscapeForTerminal("a\xC3\x9B"
+                              "31mz\t\n\\"),
+            "a\\xc3\\x9b31mz\t\\n\\\\");
+  EXPECT_EQ(EscapeForTerminal("\xF0\x9F\x98\x80\xFF"), "\\xf0\\x9f\\x98\\x80\\xff");
+}
+
+TEST(ReplaceDirectionMarks, ReplacesEveryMark) {
+  for (const char* mark :
+       {"\xD8\x9C", "\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA", "\xE2\x80\xAB", "\xE2\x80\xAC",
+        "\xE2\x80\xAD", "\xE2\x80\xAE", "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"}) {
+    EXPECT_EQ(ReplaceDirectionMarks(std::string("a").append(mark).append("b")), "a" + kFFFD + "b");
+  }
+}
+
+TEST(ReplaceDirectionMarks, LeavesTheirNeighboursAndAllElseAsItIs) {
+  for (const char* text : {"", "abc\x1B", "\xD8\x9B\xD8\x9D", "\xE2\x80\x8D\xE2\x80\x90",
+                           "\xE2\x80\xA9\xE2\x80\xAF", "\xE2\x81\xA5\xE2\x81\xAA", "\xF0\x9F\x98\x80"}) {
+    EXPECT_EQ(ReplaceDirectionMarks(text), text);
+  }
+}
+
+TEST(ReplaceDirectionMarks, FindsAMarkBehindBytesThatAreNoUtf8) {
+  const std::string mark = "\xE2\x80\xAE";
+  for (const char* bytes : {"\xF0", "\xF0\x9F", "\xE2", "\xE2\x80", "\xC2", "\xFF", "\x80"}) {
+    EXPECT_EQ(ReplaceDirectionMarks(bytes + mark).find(mark), std::string::npos)
+        << testing::PrintToString(bytes);
+  }
+}
+
+TEST(ReplaceUnprintable, ReplacesEachCharacterThatNobodyCanSee) {
+  for (const char* text : {"\n", "\t", "\x1B", "\x7F", "\xC2\x80", "\xC2\x9F", "\xE2\x80\xA8", "\xE2\x80\xAE",
+                           "\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xFF", "\xC2", "\xF0\x9F\x98"}) {
+    EXPECT_EQ(ReplaceUnprintable(std::string("a").append(text).append("b")), "a" + kFFFD + "b")
+        << testing::PrintToString(text);
+  }
+  EXPECT_EQ(ReplaceUnprintable(std::string("a\0b", 3)), "a" + kFFFD + "b");
+}
+
+TEST(ReplaceUnprintable, LeavesAllElseAsItIs) {
+  for (const char* text :
+       {"", "a <b>&\"'\\", "\xC2\xA0", "\xC3\xA4", "\xE2\x80\xA7", "\xEF\xBF\xBD", "\xF0\x9F\x98\x80"}) {
+    EXPECT_EQ(ReplaceUnprintable(text), text);
+  }
+}
+
+TEST(SplitAtCommas, GivesTheParts) {
+  EXPECT_THAT(cli::SplitAtCommas(""), testing::IsEmpty());
+  EXPECT_THAT(cli::SplitAtCommas("a"), testing::ElementsAre("a"));
+  EXPECT_THAT(cli::SplitAtCommas("a,b c,,d"), testing::ElementsAre("a", "b c", "", "d"));
+}
+
+}  // namespace
+}  // namespace usbinfo_test

@@ -1,0 +1,1 @@
+// Holds no code: its program exists for the precompiled header that all tests share.
