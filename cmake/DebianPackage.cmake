@@ -1,5 +1,8 @@
 # The Debian packages, built by scripts/package: usbinfo holds what the command needs to run, usbinfo-dev what a host's
 # developer needs. This file says what goes into them besides what is installed anyway.
+if(NOT USBINFO_COMMAND)
+  message(FATAL_ERROR "USBINFO_PACKAGE takes USBINFO_COMMAND: the packages hold the command")
+endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL usbinfo usbinfo-dev)
