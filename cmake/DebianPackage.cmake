@@ -22,8 +22,9 @@ set(CPACK_DEBIAN_USBINFO_PACKAGE_NAME usbinfo)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-# Beside the loader's cache that the generated scripts bring up to date, Debian asks for the trigger.
+# The loader's cache is brought up to date by dpkg's trigger, not by scripts.
 set(CPACK_DEBIAN_USBINFO_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
+set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/debian/DropLdconfig.cmake")
 set(CPACK_DEBIAN_USBINFO_PACKAGE_RECOMMENDS usbutils)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS usb.ids)
 set(CPACK_COMPONENT_USBINFO_DESCRIPTION
