@@ -1,5 +1,8 @@
 # The Debian packages, built by scripts/package: usbinfo holds what the command needs to run, usbinfo-dev what a host's
 # developer needs. This file says what goes into them besides what is installed anyway.
+if(NOT USBINFO_COMMAND)
+  message(FATAL_ERROR "USBINFO_PACKAGE takes USBINFO_COMMAND: the packages hold the command")
+endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL usbinfo usbinfo-dev)
@@ -19,8 +22,9 @@ set(CPACK_DEBIAN_USBINFO_PACKAGE_NAME usbinfo)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-# Beside the loader's cache that the generated scripts bring up to date, Debian asks for the trigger.
+# The loader's cache is brought up to date by dpkg's trigger, not by scripts.
 set(CPACK_DEBIAN_USBINFO_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
+set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/debian/DropLdconfig.cmake")
 set(CPACK_DEBIAN_USBINFO_PACKAGE_RECOMMENDS usbutils)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS usb.ids)
 set(CPACK_COMPONENT_USBINFO_DESCRIPTION

@@ -3,22 +3,33 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2034  # the lists are used by the scripts that source this
 
-# What building the product and its tests takes on Debian 12.
-BUILD_PACKAGES=(
-  cmake g++ libboost-dev libboost-thread-dev libcli11-dev libfmt-dev libgmock-dev libgtest-dev libsodium-dev
-  libtinyxml2-dev libxml2-dev locales ninja-build nlohmann-json3-dev pkgconf python3
+# debian_clang: the version of this Debian's clang, which some packages are named after.
+debian_clang() {
+  case $(. /etc/os-release && echo "${VERSION_ID:-}") in
+    12) echo 14 ;;
+    *) echo 19 ;;
+  esac
+}
+
+# The libraries of the product and its tests, which a cross build needs for the other architecture.
+LIBRARY_PACKAGES=(
+  libboost-dev libboost-thread-dev libfmt-dev libgmock-dev libgtest-dev libsodium-dev libtinyxml2-dev
+  libxml2-dev
 )
-# What running the tests takes on top: the programs that are made to read what the command writes and what is told of
-# it, among them a browser.
-TEST_PACKAGES=(
-  chromium chromium-driver graphviz groff-base jq libxml2-utils mandoc python3-jsonschema python3-selenium zsh
-)
+# What a build takes besides, the same on every architecture.
+TOOL_PACKAGES=(cmake g++ libcli11-dev locales ninja-build nlohmann-json3-dev pkgconf python3)
+# What building the product and its tests takes on Debian 12 and 13.
+BUILD_PACKAGES=("${LIBRARY_PACKAGES[@]}" "${TOOL_PACKAGES[@]}")
+# What running the tests takes on top: the programs that read what the command writes.
+TEST_PACKAGES=(groff-base jq libxml2-utils mandoc python3-jsonschema zsh)
+# What the tests with the label "page" take on top of those: a browser, and Graphviz.
+PAGE_PACKAGES=(chromium chromium-driver graphviz python3-selenium)
 # What the slower checks take on top.
 CHECK_PACKAGES=(clang clang-format clang-tidy pyflakes3 shellcheck)
 # What telling the coverage takes on top of the first ones.
 COVERAGE_PACKAGES=(gcovr)
 # What the fuzzers take on top of the first ones; without llvm's symbolizer, reports and known leaks have no names.
-FUZZ_PACKAGES=(clang libclang-rt-14-dev llvm)
+FUZZ_PACKAGES=(clang "libclang-rt-$(debian_clang)-dev" llvm)
 # What the test on a real kernel takes on top of the first ones.
 VM_PACKAGES=(busybox-static cpio kmod qemu-system-x86 usbutils)
 # What building the Debian packages takes on top of the first ones.

@@ -163,7 +163,7 @@ class FormTest(unittest.TestCase):
         self.check("mandoc", "-T", "lint", "-W", "warning")
 
     def test_groff_finds_nothing(self):
-        self.check("groff", "-man", "-ww", "-T", "utf8")
+        self.check("groff", "-mandoc", "-ww", "-T", "utf8")
 
 
 def examples():

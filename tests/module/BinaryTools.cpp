@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <map>
 #include <regex>
 #include <sstream>
@@ -65,13 +66,14 @@ Section FindSection(const std::string& path, const std::string& name) {
 /// the address of what it points to.
 std::map<std::uint64_t, std::string> RelocatedPointers(const std::string& path, const Section& section) {
   const std::regex entry(
-      "([0-9a-f]{16}) +[0-9a-f]+ R_X86_64_(RELATIVE|64) +(?:[0-9a-f]{16} )?([^ @]+)(?:@.*| \\+ 0)?");
+      "([0-9a-f]{16}) +[0-9a-f]+ R_(?:X86_64_(?:RELATIVE|64)|AARCH64_(?:RELATIVE|ABS64)) +"
+      "(?:[0-9a-f]{16} )?([^ @]+)(?:@.*| \\+ 0)?");
   std::map<std::uint64_t, std::string> pointers;
   for (const std::string& line : LinesOf("readelf -rW '" + path + "'")) {
     std::smatch parts;
     if (!std::regex_match(line, parts, entry)) continue;
     const std::uint64_t place = Hex(parts[1]);
-    if (place >= section.address && place < section.address + section.size) pointers[place] = parts[3];
+    if (place >= section.address && place < section.address + section.size) pointers[place] = parts[2];
   }
   return pointers;
 }
@@ -100,6 +102,18 @@ std::map<std::string, std::set<std::string>> NamesByPointer(const std::string& p
     if (!address.empty()) names[address.substr(address.find_first_not_of('0'))].insert(name);
   }
   return names;
+}
+
+/// The loader of this very program, and so the one for the module.
+std::string Loader() {
+  const std::regex entry(" *\\[Requesting program interpreter: (.*)\\]");
+  const std::string program = std::filesystem::read_symlink("/proc/self/exe");
+  for (const std::string& line : LinesOf("readelf -lW '" + program + "'")) {
+    std::smatch parts;
+    if (std::regex_match(line, parts, entry)) return parts[1];
+  }
+  ADD_FAILURE() << program << " has no loader";
+  return {};
 }
 
 /// The sanitizers tell their runtime about the module's globals first of all.
@@ -145,7 +159,7 @@ std::vector<std::string> NeededLibraries(const std::string& path) {
 std::vector<std::string> NeededFiles(const std::string& path) {
   const std::regex entry("\\s*(?:\\S+ => )?(/\\S+) \\(0x[0-9a-f]+\\)");
   std::vector<std::string> files;
-  for (const std::string& line : LinesOf("ldd '" + path + "'")) {
+  for (const std::string& line : LinesOf(Loader() + " --list '" + path + "'")) {
     std::smatch parts;
     if (std::regex_match(line, parts, entry)) files.push_back(parts[1]);
   }
