@@ -22,6 +22,8 @@ struct Source {
   bool maskSerials = false;
   /// The file with the key to hash with, "-" for standard input; empty for one drawn for this run.
   std::string maskKey;
+  /// Lists are taken that are larger than any machine's.
+  bool noLimits = false;
 };
 
 /// How a device list is called in messages.

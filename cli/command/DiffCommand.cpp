@@ -1,4 +1,3 @@
-// `usbinfo diff`: options, reading, printing; see the header.
 #include "cli/command/DiffCommand.h"
 
 #include <fmt/format.h>
@@ -13,7 +12,6 @@
 #include "cli/diff/InventoryDiff.h"
 #include "cli/format/JsonFormat.h"
 #include "cli/model/SavedInventory.h"
-#include "cli/option/OptionForms.h"
 #include "cli/text/Color.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
@@ -35,7 +33,7 @@ bool LooksLikeDeviceList(const std::string& text) {
   return false;
 }
 
-SavedInventory ReadInventory(const std::string& path, const std::string& plugin, LogWriter& log) {
+SavedInventory ReadInventory(const std::string& path, const DiffOptions& options, LogWriter& log) {
   std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
   const std::string name = NameOfList(path);
   if (LooksLikeJson(text)) return ReadSavedInventory(text, name);
@@ -44,7 +42,8 @@ SavedInventory ReadInventory(const std::string& path, const std::string& plugin,
         "{} holds neither a JSON inventory nor a device list; save one with usbinfo --format json", name));
   }
   Source source;
-  source.plugin = plugin;
+  source.plugin = options.plugin;
+  source.systemName = options.systemName;
   const Inventory inventory = CollectFrom(std::move(text), source, AllClasses(), log);
   return ReadSavedInventory(RenderJson(inventory, RenderOptions()), name);
 }
@@ -56,25 +55,13 @@ std::string Render(const DiffOptions& options, const InventoryDifference& differ
 
 }  // namespace
 
-void AddDiffOptions(CLI::App& command, DiffOptions& options) {
-  AddText(command, "OLD", options.before, "FILE",
-          "The inventory before: a JSON inventory\nor a device list; - is standard input")
-      ->required();
-  AddText(command, "NEW", options.after, "FILE", "The inventory after, likewise")->required();
-  AddChoice(command, "--format", options.format, "FORMAT", {"text", "json"}, "How to print");
-  AddChoice(command, "--color", options.color, "WHEN", ColorNames(), "Colour the text");
-  AddText(command, "--output", options.output, "FILE", "Write there, whole or not at all [standard output]");
-  AddText(command, "--plugin", options.plugin, "FILE",
-          "The plug-in module that reads device lists\n[the one that came along]");
-}
-
 int RunDiff(const DiffOptions& options) {
   if (options.before == "-" && options.after == "-") {
     throw UserError("standard input holds one inventory; give a file for OLD or for NEW");
   }
   LogWriter log("", NKESTA20::ILogger::kWarning, LogFormat::kText);
-  const SavedInventory before = ReadInventory(options.before, options.plugin, log);
-  const SavedInventory after = ReadInventory(options.after, options.plugin, log);
+  const SavedInventory before = ReadInventory(options.before, options, log);
+  const SavedInventory after = ReadInventory(options.after, options, log);
   const InventoryDifference difference = Compare(before, after);
   WriteOutput(options.output, Render(options, difference));
   log.Finish();

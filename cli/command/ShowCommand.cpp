@@ -1,20 +1,18 @@
-// `usbinfo show`; see the header.
 #include "cli/command/ShowCommand.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iostream>
 #include <optional>
 #include <vector>
 
 #include "cli/collect/EmptyAdvice.h"
 #include "cli/command/ExitStatus.h"
+#include "cli/command/Message.h"
 #include "cli/format/OutputFormat.h"
 #include "cli/model/UsbIds.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
-#include "cli/text/Text.h"
 #include "host/ILogger.h"
 
 using NKESTA20::ILogger;
@@ -30,8 +28,8 @@ ILogger::EQSVLogSeverity SeverityOf(const std::string& name) {
 }
 
 /// The classes to ask for: those named, else all in the order in which they build on each other.
-std::vector<std::string> RequestedClasses(const std::string& request) {
-  return request.empty() ? AllClasses() : SplitAtCommas(request);
+std::vector<std::string> RequestedClasses(const std::vector<std::string>& request) {
+  return request.empty() ? AllClasses() : request;
 }
 
 std::string Render(const ShowOptions& options, const OutputFormat& format, const Inventory& inventory) {
@@ -40,7 +38,7 @@ std::string Render(const ShowOptions& options, const OutputFormat& format, const
   rendering.isStandardOutput = options.output.empty();
   rendering.color = ColorOf(options.color);
   rendering.isVerbose = options.isVerbose;
-  rendering.columns = SplitAtCommas(options.columns);
+  rendering.columns = options.columns;
   rendering.names = names ? &*names : nullptr;
   return format.render(inventory, rendering);
 }
@@ -77,7 +75,7 @@ std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& in
                        Describe(options.selection));
   }
   return fmt::format("nothing to show: no class that has instances has {}; see usbinfo schema",
-                     options.columns);
+                     fmt::join(options.columns, ", "));
 }
 
 /// The log is made anew before anything is read: named like an input, it would empty that. The list alone may
@@ -103,7 +101,7 @@ int RunShow(const ShowOptions& options) {
   const bool isPrinted = Print(options, format, shown);
   log.Finish();
   if (isPrinted) return kPrinted;
-  std::cerr << "usbinfo: " << EscapeForTerminal(AdviseOnNothingShown(options, inventory, shown)) << "\n";
+  PrintMessage(AdviseOnNothingShown(options, inventory, shown));
   return kNothingFound;
 }
 

@@ -148,6 +148,30 @@ TEST(SelectionOptions, TakeSeveralClassesInTheOrderOfTheInventory) {
   EXPECT_EQ(SelectedOnDesktop({"--class", "KALDO_USBHub", "--class", "KALDO_USBHub"}).size(), 5U);
 }
 
+TEST(SelectionOptions, TakeClassesByShortNamesInAnyCase) {
+  for (const auto& [name, className] :
+       {std::pair("device", "KALDO_USBDevice"), std::pair("PORT", "KALDO_USBPort"),
+        std::pair("Hub", "KALDO_USBHub"), std::pair("controller", "KALDO_USBController"),
+        std::pair("kaldo_usbport", "KALDO_USBPort"), std::pair("portonhub", "KALDO_USBPortOnHub"),
+        std::pair("Connection", "KALDO_USBConnection")}) {
+    const std::string wanted = RunOnDesktop({"--class", className, "-j"}).output;
+    EXPECT_NE(wanted, RunOnDesktop({"-j"}).output);
+    EXPECT_EQ(RunOnDesktop({"--class", name, "-j"}).output, wanted) << name;
+  }
+}
+
+TEST(ColumnsOption, TakesNamesInAnyCase) {
+  const std::vector<std::string> table = {"--format", "table", "--columns"};
+  const auto run = [&table](const char* columns) {
+    std::vector<std::string> all = table;
+    all.emplace_back(columns);
+    return RunOnDesktop(all).output;
+  };
+  const std::string wanted = run("SerialNumber,Name");
+  EXPECT_THAT(wanted, HasSubstr("SerialNumber"));
+  EXPECT_EQ(run("serialnumber,NAME"), wanted);
+}
+
 TEST(SelectionOptions, MayStandOnEitherSideOfShow) {
   const std::string wanted = RunOnDesktop({"-s", "1:4", "--class", "KALDO_USBDevice"}).output;
   EXPECT_NE(wanted, "");
