@@ -7,28 +7,26 @@ namespace cli {
 
 namespace {
 
-const std::string kPrefix = "kaldo_usb";
+const std::string kPrefix = "KALDO_USB";
 
-/// "port" of "KALDO_USBPort" and of "Port".
-std::string ShortNameOf(const std::string& name) {
-  const std::string lower = ToLower(name);
-  return lower.compare(0, kPrefix.size(), kPrefix) == 0 ? lower.substr(kPrefix.size()) : lower;
+std::string ShortNameOf(const schema::ClassSchema& schema) {
+  return ToLower(schema.name.substr(kPrefix.size()));
 }
 
 }  // namespace
 
 std::vector<std::string> ShortClassNames() {
   std::vector<std::string> names;
-  for (const schema::ClassSchema& schema : schema::ServedClasses()) names.push_back(ShortNameOf(schema.name));
+  for (const schema::ClassSchema& schema : schema::ServedClasses()) names.push_back(ShortNameOf(schema));
   return names;
 }
 
 std::string ClassOfName(const std::string& name) {
-  const std::string shortName = NameOf(ShortNameOf(name), ShortClassNames());
+  const std::string lower = ToLower(name);
   for (const schema::ClassSchema& schema : schema::ServedClasses()) {
-    if (ShortNameOf(schema.name) == shortName) return schema.name;
+    if (lower == ShortNameOf(schema) || lower == ToLower(schema.name)) return schema.name;
   }
-  return name;
+  throw NotAmong(name, ShortClassNames());
 }
 
 }  // namespace cli

@@ -75,7 +75,7 @@ std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& in
                        Describe(options.selection));
   }
   return fmt::format("nothing to show: no class that has instances has {}; see usbinfo schema",
-                     fmt::join(options.columns, ", "));
+                     fmt::join(options.columns, ","));
 }
 
 /// The log is made anew before anything is read: named like an input, it would empty that. The list alone may

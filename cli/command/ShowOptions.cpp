@@ -59,13 +59,7 @@ Such a list can take minutes and gigabytes of memory.)",
            .defaultValue = "the host name",
            .manual = R"(The name of the system in the instances' keys.
 The default is the host name.)",
-           .store = StoreText(source.systemName)},
-          {.names = {"--plugin"},
-           .value = "FILE",
-           .help = "The plug-in module to load",
-           .defaultValue = "the installed one",
-           .manual = "Load this plug-in module instead of the installed one.",
-           .store = StoreText(source.plugin)}};
+           .store = StoreText(source.systemName)}};
 }
 
 StoreValue StoreFormat(ShowOptions& options, std::string format) {
@@ -82,7 +76,7 @@ Option ColumnsOption(std::vector<std::string>& columns) {
           .manual = R"(Show these properties in the tables, in this order; a class shows those that it
 has.
 Capital and small letters are the same.
-The properties are)",
+Each is one of)",
           .store = [&columns](const std::string& list) {
             columns.clear();
             for (const std::string& name : SplitList(list, "property names")) {
@@ -133,7 +127,7 @@ May be given more than once.
 Full names, as
 .Cm KALDO_USBPort ,
 are understood as well; capital and small letters are the same.
-The classes are)",
+It is one of)",
        .store = [&selection](const std::string& name) { selection.classes.push_back(ClassOfName(name)); }},
       {.names = {"-d"},
        .value = "VID:[PID]",
@@ -160,8 +154,7 @@ Option RequestOption(std::vector<std::string>& request) {
           .isList = true,
           .manual = R"(Ask the plug-in for exactly these classes, in this order, in one request.
 The associations link what was asked for before them.
-The names are handed over as they are.
-The plug-in knows)",
+The names are handed over as they are; what is printed is of one of)",
           .store = [&request](const std::string& list) { request = SplitList(list, "class names"); }};
 }
 
@@ -188,6 +181,15 @@ the file;
 makes one.
 The default is a new key for every run.)",
            .store = StoreText(source.maskKey)}};
+}
+
+Option PluginOption(std::string& path) {
+  return {.names = {"--plugin"},
+          .value = "FILE",
+          .help = "The plug-in module to load",
+          .defaultValue = "the installed one",
+          .manual = "Load this plug-in module instead of the installed one.",
+          .store = StoreText(path)};
 }
 
 std::vector<Option> LogOptions(ShowOptions& options) {
@@ -230,6 +232,7 @@ std::vector<Option> ShowOptionTable(ShowOptions& options) {
   table.push_back(RequestOption(options.request));
   Append(table, MaskOptions(options.source));
   table.push_back(OutputOption(options.output));
+  table.push_back(PluginOption(options.source.plugin));
   Append(table, LogOptions(options));
   return table;
 }

@@ -11,34 +11,23 @@ namespace {
 /// Plain text as an argument of a macro or a line of its own.
 std::string Escaped(const std::string& text) {
   std::string escaped;
-  for (const char letter : text) {
-    if (letter == '\\') {
-      escaped += "\\e";
-    } else {
-      escaped += letter;
-    }
-  }
+  for (const char letter : text) escaped += letter == '\\' ? std::string("\\e") : std::string{letter};
   const bool looksLikeMacro = !text.empty() && (text.front() == '.' || text.front() == '\'');
   return looksLikeMacro ? "\\&" + escaped : escaped;
 }
 
 /// The macros of a value like "[BUS]:[DEV]".
 std::string ValueMacros(const std::string& value) {
-  std::string macros = " Ar ";
-  if (value.front() == '[') macros.clear();
+  std::string macros = value.front() == '[' ? "" : " Ar ";
   for (const char letter : value) {
-    switch (letter) {
-      case '[':
-        macros += " Oo Ar ";
-        break;
-      case ']':
-        macros += " Oc";
-        break;
-      case ':':
-        macros += " : Ns";
-        break;
-      default:
-        macros += letter;
+    if (letter == '[') {
+      macros += " Oo Ar ";
+    } else if (letter == ']') {
+      macros += " Oc";
+    } else if (letter == ':') {
+      macros += " : Ns";
+    } else {
+      macros += letter;
     }
   }
   return macros;
@@ -52,9 +41,10 @@ std::string Heading(const Option& option) {
 }
 
 std::string ChoiceList(const Option& option) {
-  std::size_t width = 0;
-  for (const Choice& choice : option.choices) width = std::max(width, choice.name.size());
-  std::string text = fmt::format(".Bl -tag -width {} -compact\n", std::string(width, 'x'));
+  const auto longest = std::max_element(
+      option.choices.begin(), option.choices.end(),
+      [](const Choice& left, const Choice& right) { return left.name.size() < right.name.size(); });
+  std::string text = fmt::format(".Bl -tag -width {} -compact\n", longest->name);
   for (const Choice& choice : option.choices) {
     const char* const remark = choice.name == option.defaultValue ? "; the default" : "";
     text += fmt::format(".It Cm {}\n{}{}\n", choice.name, Escaped(choice.description), remark);

@@ -4,16 +4,11 @@
 
 #include <algorithm>
 
-#include "cli/option/UsageError.h"
 #include "cli/text/Text.h"
 
 namespace cli {
 
 namespace {
-
-UsageError NotAmong(const std::string& word, const std::vector<std::string>& names) {
-  return UsageError(fmt::format("\"{}\" is not one of {}", word, fmt::join(names, ", ")));
-}
 
 std::vector<std::string> NamesOf(const std::vector<Choice>& choices) {
   std::vector<std::string> names;
@@ -52,6 +47,10 @@ std::vector<std::string> SplitList(const std::string& list, const std::string& w
       list.empty() || list.front() == ',' || list.back() == ',' || list.find(",,") != std::string::npos;
   if (hasEmptyPart) throw UsageError(fmt::format("needs {} separated by commas", what));
   return SplitAtCommas(list);
+}
+
+UsageError NotAmong(const std::string& word, const std::vector<std::string>& names) {
+  return UsageError(fmt::format("\"{}\" is not one of {}", word, fmt::join(names, ", ")));
 }
 
 std::string NameOf(const std::string& word, const std::vector<std::string>& names) {

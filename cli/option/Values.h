@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/option/Option.h"
+#include "cli/option/UsageError.h"
 
 namespace cli {
 
@@ -28,8 +29,11 @@ std::vector<Choice> ChoicesOf(const std::vector<std::string>& names);
 /// them is empty.
 std::vector<std::string> SplitList(const std::string& list, const std::string& what);
 
-/// The one of `names` that `word` is without regard to the case of its letters. Throws UsageError, which
-/// lists them all, when it is none.
+/// To be thrown for a `word` that is none of `names`; the message lists them.
+UsageError NotAmong(const std::string& word, const std::vector<std::string>& names);
+
+/// The one of `names` that `word` is without regard to the case of its letters. Throws UsageError when
+/// it is none.
 std::string NameOf(const std::string& word, const std::vector<std::string>& names);
 
 /// `text` with small letters of ASCII in the place of capitals.
