@@ -35,7 +35,7 @@ generated_document(usbinfo.fish fish)
 # The same text gives the same bytes, which takes gzip's -n.
 add_custom_command(
   OUTPUT documents/usbinfo.1 documents/usbinfo.1.gz
-  COMMAND sed -e "/^%OPTIONS%$/{r options.mdoc" -e "d}" usbinfo.1.in > usbinfo.1
+  COMMAND sed -e "/^%OPTIONS%/r options.mdoc" -e "/^%OPTIONS%/d" usbinfo.1.in > usbinfo.1
   COMMAND "${GZIP}" -9nc usbinfo.1 > usbinfo.1.gz
   DEPENDS "${PROJECT_BINARY_DIR}/documents/usbinfo.1.in" documents/options.mdoc
   WORKING_DIRECTORY "${PROJECT_BINARY_DIR}/documents"

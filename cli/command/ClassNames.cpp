@@ -1,7 +1,6 @@
 #include "cli/command/ClassNames.h"
 
 #include "cli/option/Values.h"
-#include "schema/ClassSchema.h"
 
 namespace cli {
 
@@ -21,10 +20,10 @@ std::vector<std::string> ShortClassNames() {
   return names;
 }
 
-std::string ClassOfName(const std::string& name) {
+schema::ClassId ClassOfName(const std::string& name) {
   const std::string lower = ToLower(name);
   for (const schema::ClassSchema& schema : schema::ServedClasses()) {
-    if (lower == ShortNameOf(schema) || lower == ToLower(schema.name)) return schema.name;
+    if (lower == ShortNameOf(schema) || lower == ToLower(schema.name)) return schema.id;
   }
   throw NotAmong(name, ShortClassNames());
 }

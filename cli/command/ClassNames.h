@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "schema/ClassSchema.h"
+
 namespace cli {
 
 /// The short names of all classes, in the order of the schema: small letters, without what all have in
@@ -12,6 +14,6 @@ std::vector<std::string> ShortClassNames();
 
 /// The class of that short or full name, without regard to the case of its letters. Throws UsageError when
 /// there is none.
-std::string ClassOfName(const std::string& name);
+schema::ClassId ClassOfName(const std::string& name);
 
 }  // namespace cli

@@ -10,6 +10,7 @@
 #include "cli/command/ExitStatus.h"
 #include "cli/command/Message.h"
 #include "cli/format/OutputFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "cli/model/UsbIds.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
@@ -97,7 +98,7 @@ int RunShow(const ShowOptions& options) {
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);
   const OutputFormat& format = FindOutputFormat(options.format);
-  const Inventory shown = Select(inventory, options.selection, format.keepsWay);
+  const Inventory shown = Select(inventory, options.selection, format.keepsPath);
   const bool isPrinted = Print(options, format, shown);
   log.Finish();
   if (isPrinted) return kPrinted;

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <optional>
 #include <utility>
 
 #include "cli/command/ClassNames.h"
@@ -22,14 +23,15 @@ std::vector<Choice> Formats() {
   return formats;
 }
 
-/// Stores what `parse` makes of the value; where that is nothing, the value must have the `form`.
-template <typename Parsed, typename Target>
-StoreValue StoreParsed(Target& target, Parsed (*parse)(const std::string&), std::string form) {
-  return [&target, parse, form = std::move(form)](const std::string& value) {
-    const Parsed parsed = parse(value);
-    if (!parsed) throw UsageError("must be " + form);
-    target = *parsed;
-  };
+void AddIds(std::vector<VendorProduct>& ids, const std::string& text) {
+  const std::optional<VendorProduct> parsed = ParseVendorProduct(text);
+  if (!parsed) throw UsageError("must be [VID]:[PID], hexadecimal numbers of up to four digits");
+  ids.push_back(*parsed);
+}
+
+void SetPlace(std::optional<BusDevice>& place, const std::string& text) {
+  place = ParseBusDevice(text);
+  if (!place) throw UsageError("must be [BUS]:[DEV] or DEV, decimal numbers");
 }
 
 std::vector<Option> SourceOptions(Source& source) {
@@ -130,20 +132,21 @@ are understood as well; capital and small letters are the same.
 It is one of)",
        .store = [&selection](const std::string& name) { selection.classes.push_back(ClassOfName(name)); }},
       {.names = {"-d"},
-       .value = "VID:[PID]",
+       .value = "[VID]:[PID]",
        .help = "Print only the devices and hubs of this vendor and product, in hexadecimal",
+       .isRepeatable = true,
        .manual = R"(Print only the hubs and devices with this vendor and product, hexadecimal
 numbers, as
 .Xr lsusb 8
-does.)",
-       .store = StoreParsed(selection.ids, ParseVendorProduct,
-                            "VID:[PID], hexadecimal numbers of up to four digits")},
+does.
+May be given more than once, for any of them.)",
+       .store = [&selection](const std::string& text) { AddIds(selection.ids, text); }},
       {.names = {"-s"},
        .value = "[BUS]:[DEV]",
        .help = "Print only the devices and hubs of this bus and number, in decimal",
        .manual = R"(Print only the hubs and devices on this bus and with this device number, decimal
 numbers.)",
-       .store = StoreParsed(selection.place, ParseBusDevice, "[BUS]:[DEV] or DEV, decimal numbers")}};
+       .store = [&selection](const std::string& text) { SetPlace(selection.place, text); }}};
 }
 
 Option RequestOption(std::vector<std::string>& request) {

@@ -1,10 +1,11 @@
-// The tree for people; see the header.
 #include "cli/format/TreeFormat.h"
 
 #include <utility>
 
+#include "cli/format/RenderOptions.h"
+#include "cli/model/Description.h"
+#include "cli/model/DeviceText.h"
 #include "cli/model/UsbTree.h"
-#include "cli/model/Wording.h"
 #include "cli/text/Text.h"
 #include "cli/text/TextTable.h"
 
@@ -12,29 +13,27 @@ namespace cli {
 
 namespace {
 
-using Kind = UsbTreeNode::Kind;
-
 enum Column : std::size_t { kPlace, kDevice, kId, kSpeed, kKnownAs };
 
-std::string Device(const UsbTreeNode& node) {
-  if (node.kind != Kind::kHub) return DisplayName(node);
-  const std::string ports = Count(node.item->Number("NumberOfPorts"), "port");
-  return node.isRootHub ? ports : DisplayName(node) + ", " + ports;
+std::string Device(const Inventory& inventory, const UsbTreeNode& node) {
+  if (node.Class() != ClassId::kHub) return DisplayName(inventory, node);
+  const std::string ports = Count(node.item->Number(PropertyId::kNumberOfPorts), "port");
+  return node.isRootHub ? ports : DisplayName(inventory, node) + ", " + ports;
 }
 
-/// Hubs and devices tell of themselves; controllers and ports do not.
+/// Hubs and devices describe themselves; controllers and ports do not.
 bool IsDescribed(const UsbTreeNode& node) {
-  return node.kind == Kind::kHub || node.kind == Kind::kDevice;
+  return node.Class() == ClassId::kHub || node.Class() == ClassId::kDevice;
 }
 
-Tone ToneOf(const UsbTreeNode& node) {
-  switch (node.kind) {
-    case Kind::kController:
+Tone ToneOf(const Inventory& inventory, const UsbTreeNode& node) {
+  switch (node.Class()) {
+    case ClassId::kController:
       return Tone::kHeading;
-    case Kind::kHub:
+    case ClassId::kHub:
       return Tone::kHub;
-    case Kind::kPort:
-      return IsFree(*node.item) ? Tone::kFree : Tone::kPlain;
+    case ClassId::kPort:
+      return inventory.StateOf(*node.item) == PortState::kFree ? Tone::kFree : Tone::kPlain;
     default:
       return Tone::kPlain;
   }
@@ -43,8 +42,9 @@ Tone ToneOf(const UsbTreeNode& node) {
 /// The tree's columns and rows.
 class TreeTable {
  public:
-  TreeTable(const UsbTree& tree, const RenderOptions& options)
-      : fTree(tree),
+  TreeTable(const Inventory& inventory, const UsbTree& tree, const RenderOptions& options)
+      : fInventory(inventory),
+        fTree(tree),
         fOptions(options),
         fTable(options),
         fHasNamesColumn(options.names != nullptr && !options.isVerbose && fTable.HasRoomForNames()) {
@@ -77,24 +77,25 @@ class TreeTable {
     if (fOptions.isVerbose) {
       fTable.SetLines(row, kDevice, Lines(shown));
     } else {
-      fTable.SetCell(row, kDevice, Device(shown));
+      fTable.SetCell(row, kDevice, Device(fInventory, shown));
     }
-    fTable.SetCell(row, kId, IdOf(shown));
+    fTable.SetCell(row, kId, FormatId(*shown.item));
     fTable.SetCell(row, kSpeed, SpeedOf(fTree, shown));
     if (fHasNamesColumn && IsDescribed(shown)) {
       fTable.SetCell(row, kKnownAs, KnownAs(*shown.item, fOptions.names));
     }
-    fTable.SetTone(row, ToneOf(shown));
+    fTable.SetTone(row, ToneOf(fInventory, shown));
     return row;
   }
 
   std::vector<std::string> Lines(const UsbTreeNode& node) const {
-    std::vector<std::string> lines = {Device(node)};
+    std::vector<std::string> lines = {Device(fInventory, node)};
     if (!IsDescribed(node)) return lines;
     for (std::string& detail : DetailsOf(*node.item, fOptions.names)) lines.push_back(std::move(detail));
     return lines;
   }
 
+  const Inventory& fInventory;
   const UsbTree& fTree;
   const RenderOptions& fOptions;
   TextTable fTable;
@@ -107,7 +108,7 @@ std::string RenderTree(const Inventory& inventory, const RenderOptions& options)
   const UsbTree tree(inventory);
   const std::string heading = EscapeForTerminal(Summary(inventory)) + "\n\n";
   if (tree.Nodes().empty()) return heading + "Associations alone have no rows in a tree.\n";
-  return heading + TreeTable(tree, options).Print();
+  return heading + TreeTable(inventory, tree, options).Print();
 }
 
 }  // namespace cli

@@ -1,100 +1,117 @@
-// libxml2's writer, owned; see the header.
 #include "cli/format/XmlWriter.h"
 
 #include <fmt/format.h>
+#include <tinyxml2.h>
 
-#include <new>
+#include <cstddef>
+#include <iterator>
+#include <utility>
 
-#include "cli/text/Text.h"
+#include "cli/text/MapCharacters.h"
 
 namespace cli {
 
 namespace {
 
-const xmlChar* Xml(const char* text) {
-  return reinterpret_cast<const xmlChar*>(text);
+/// Whether XML 1.0 has no such character (production 2).
+bool IsForbidden(char32_t code) {
+  const bool isBlank = code == U'\t' || code == U'\n' || code == U'\r';
+  return (code < 0x20 && !isBlank) || code == 0xFFFE || code == 0xFFFF;
 }
 
-void Check(int result) {
-  if (result < 0) throw std::bad_alloc();
-}
-
-bool IsForbidden(unsigned char byte) {
-  return byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r';
-}
-
-/// What XML 1.0 has no character for, as U+FFFD; `text` is valid UTF-8.
-std::string ReplaceForbidden(const std::string& text) {
-  std::string fit;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const std::string three = text.substr(at, 3);
-    if (three == "\xEF\xBF\xBE" || three == "\xEF\xBF\xBF") {
-      fit += "\xEF\xBF\xBD";
-      at += 2;
-    } else if (IsForbidden(static_cast<unsigned char>(text[at]))) {
-      fit += "\xEF\xBF\xBD";
-    } else {
-      fit += text[at];
-    }
+/// None for a character that markup does not consist of.
+const char* EntityOf(char32_t code) {
+  switch (code) {
+    case U'&':
+      return "&amp;";
+    case U'<':
+      return "&lt;";
+    case U'>':
+      return "&gt;";
+    case U'"':
+      return "&quot;";
+    default:
+      return nullptr;
   }
-  return fit;
 }
 
-/// What needs a reference where a reader of the plain document is not to meet it; the library knows what the
-/// ASCII characters before it need.
-bool NeedsReference(unsigned int control) {
-  return control >= 0x7F;
+void AppendText(const Character& character, bool isUnprintable, std::string& out) {
+  const bool isKeptBlank = character.code == U'\t' || character.code == U'\n';
+  if (const char* const entity = EntityOf(character.code)) {
+    out += entity;
+  } else if (!character.isValid || IsForbidden(character.code)) {
+    out += kReplacement;
+  } else if (character.code == U'\r') {
+    // A reader makes a newline of the character itself.
+    out += "&#13;";
+  } else if (isUnprintable && !isKeptBlank) {
+    fmt::format_to(std::back_inserter(out), "&#x{:X};", static_cast<unsigned int>(character.code));
+  } else {
+    out += character.bytes;
+  }
+}
+
+/// A reader makes blanks of tabs and newlines that stand in an attribute.
+void AppendAttribute(const Character& character, bool isUnprintable, std::string& out) {
+  const bool isLostBlank = character.code == U'\t' || character.code == U'\n';
+  if (isLostBlank) {
+    fmt::format_to(std::back_inserter(out), "&#{};", static_cast<unsigned int>(character.code));
+  } else {
+    AppendText(character, isUnprintable, out);
+  }
 }
 
 }  // namespace
 
-XmlWriter::XmlWriter() : fBuffer(xmlBufferCreate()) {
-  if (fBuffer) fWriter.reset(xmlNewTextWriterMemory(fBuffer.get(), 0));
-  if (!fWriter) throw std::bad_alloc();
-  Check(xmlTextWriterSetIndent(fWriter.get(), 1));
-  Check(xmlTextWriterStartDocument(fWriter.get(), nullptr, "UTF-8", nullptr));
+/// The printer's own memory has sizes of type int in some versions, so what it writes is kept here.
+class XmlWriter::Printer : public tinyxml2::XMLPrinter {
+ public:
+  Printer() {
+    // Texts arrive with their entities.
+    constexpr bool kProcessEntities = false;
+    tinyxml2::XMLPrinter::VisitEnter(tinyxml2::XMLDocument(kProcessEntities));
+  }
+
+  std::string Take() { return std::exchange(fText, std::string()); }
+
+ protected:
+  void PrintSpace(int depth) override { fText.append(static_cast<std::size_t>(depth), ' '); }
+  void Write(const char* data, std::size_t size) override { fText.append(data, size); }
+  void Putc(char character) override { fText += character; }
+
+ private:
+  std::string fText;
+};
+
+XmlWriter::XmlWriter() : fPrinter(std::make_unique<Printer>()) {
+  fPrinter->PushDeclaration(R"(xml version="1.0" encoding="UTF-8")");
 }
+
+XmlWriter::~XmlWriter() = default;
 
 void XmlWriter::Start(const char* element) {
-  Check(xmlTextWriterStartElement(fWriter.get(), Xml(element)));
+  fPrinter->OpenElement(element);
+  fIsElementEmpty = true;
 }
 
-void XmlWriter::Attribute(const char* name, const std::string& value) {
-  const std::string fit = ReplaceForbidden(ReplaceInvalidUtf8(value));
-  Check(xmlTextWriterWriteAttribute(fWriter.get(), Xml(name), Xml(fit.c_str())));
+void XmlWriter::Attribute(const char* name, std::string_view value) {
+  fPrinter->PushAttribute(name, MapCharacters(value, AppendAttribute).c_str());
 }
 
-void XmlWriter::Text(const std::string& text) {
-  const std::string fit = ReplaceForbidden(ReplaceInvalidUtf8(text));
-  std::string plain;
-  for (std::size_t at = 0; at < fit.size();) {
-    const std::size_t length = CharacterLength(fit[at]);
-    const unsigned int control = ControlAt(fit, at);
-    if (NeedsReference(control)) {
-      WriteText(plain);
-      plain.clear();
-      Check(xmlTextWriterWriteRaw(fWriter.get(), Xml(fmt::format("&#x{:X};", control).c_str())));
-    } else {
-      plain.append(fit, at, length);
-    }
-    at += length;
-  }
-  WriteText(plain);
-}
-
-void XmlWriter::WriteText(const std::string& text) {
-  Check(xmlTextWriterWriteString(fWriter.get(), Xml(text.c_str())));
+void XmlWriter::Text(std::string_view text) {
+  fPrinter->PushText(MapCharacters(text, AppendText).c_str());
+  fIsElementEmpty = false;
 }
 
 void XmlWriter::End() {
-  Check(xmlTextWriterFullEndElement(fWriter.get()));
+  // The printer closes an element by itself that never got a text.
+  if (fIsElementEmpty) fPrinter->PushText("");
+  fPrinter->CloseElement();
+  fIsElementEmpty = false;
 }
 
 std::string XmlWriter::Finish() {
-  Check(xmlTextWriterEndDocument(fWriter.get()));
-  Check(xmlTextWriterFlush(fWriter.get()));
-  return std::string(reinterpret_cast<const char*>(xmlBufferContent(fBuffer.get())),
-                     static_cast<std::size_t>(xmlBufferLength(fBuffer.get())));
+  return fPrinter->Take();
 }
 
 }  // namespace cli

@@ -1,51 +1,50 @@
-// A thin owner of libxml2's text writer: it keeps the elements balanced, turns failures into exceptions and
-// makes any text fit for XML 1.0.
+// An XML document written from its beginning to its end through tinyxml2's printer. It keeps the elements
+// balanced and makes any text fit for XML 1.0.
 #pragma once
-
-#include <libxml/xmlwriter.h>
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace cli {
 
 class XmlWriter {
  public:
-  /// Begins a document in UTF-8. All operations throw std::bad_alloc when the writer fails.
+  /// Begins a document in UTF-8.
   XmlWriter();
+  XmlWriter(const XmlWriter&) = delete;
+  XmlWriter& operator=(const XmlWriter&) = delete;
+  ~XmlWriter();
 
-  /// An element around what `body` writes.
+  /// An element around what `body` writes, never self-closed.
   template <typename Body>
   void Element(const char* name, Body body) {
     Start(name);
     body();
     End();
   }
-  /// An element with nothing but text in it, never self-closed.
-  void TextElement(const char* name, const std::string& text) {
+  /// An element with nothing but text in it.
+  void TextElement(const char* name, std::string_view text) {
     Element(name, [&] { Text(text); });
   }
   /// Only at the beginning of an element's body.
-  void Attribute(const char* name, const std::string& value);
-  /// Text as the content of the open element. What XML forbids becomes U+FFFD; control characters that it
-  /// allows are written as character references, so that none reaches a terminal.
-  void Text(const std::string& text);
+  void Attribute(const char* name, std::string_view value);
+  /// Text as the content of the open element. What XML forbids becomes U+FFFD; unprintable characters
+  /// (cli/text/Unprintable.h) that it allows are written as character references, so that none reaches a
+  /// terminal.
+  void Text(std::string_view text);
 
   /// Ends the document and gives its text.
   std::string Finish();
 
  private:
-  struct Deleter {
-    void operator()(xmlBuffer* buffer) const { xmlBufferFree(buffer); }
-    void operator()(xmlTextWriter* writer) const { xmlFreeTextWriter(writer); }
-  };
+  class Printer;
 
   void Start(const char* element);
   void End();
-  void WriteText(const std::string& text);
 
-  std::unique_ptr<xmlBuffer, Deleter> fBuffer;
-  std::unique_ptr<xmlTextWriter, Deleter> fWriter;
+  std::unique_ptr<Printer> fPrinter;
+  bool fIsElementEmpty = false;
 };
 
 }  // namespace cli

@@ -5,10 +5,11 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstring>
-#include <nlohmann/json.hpp>
 #include <system_error>
 
+#include "cli/text/JsonWriter.h"
 #include "cli/text/Text.h"
 #include "cli/text/UserError.h"
 
@@ -23,11 +24,14 @@ std::string FormatText(ILogger::EQSVLogSeverity severity, const std::string& tex
 }
 
 std::string FormatJson(ILogger::EQSVLogSeverity severity, const std::string& text) {
-  using nlohmann::ordered_json;
-  ordered_json line;
-  line["severity"] = static_cast<int>(severity);
-  line["text"] = text;
-  return line.dump(-1, ' ', true, ordered_json::error_handler_t::replace) + "\n";
+  JsonWriter line(JsonWriter::Layout::kOneLine);
+  line.BeginObject();
+  line.Key("severity");
+  line.Number(static_cast<std::uint64_t>(severity));
+  line.Key("text");
+  line.String(text);
+  line.EndObject();
+  return line.Take() + "\n";
 }
 
 std::string Complaint(const std::string& path, int error) {

@@ -1,4 +1,3 @@
-// Well-formed HTML; see the header.
 #include "cli/format/html/HtmlWriter.h"
 
 #include <string_view>

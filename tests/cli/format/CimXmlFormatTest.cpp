@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/CimXmlFormat.h"
 #include "cli/format/XmlWriter.h"
 #include "tests/cli/support/CliTest.h"
@@ -24,7 +25,7 @@ using Strings = std::vector<std::string>;
 
 class CimXmlFormatTest : public CliTest {
  protected:
-  std::string Render() const { return cli::RenderCimXml(cli::Inventory(host), {}); }
+  std::string Render() const { return cli::RenderCimXml(Collected(), {}); }
   XmlDocument Parse() const { return XmlDocument(Render()); }
 };
 
@@ -254,13 +255,14 @@ TEST_F(CimXmlFormatTest, WritesControlCharactersAsReferences) {
   EXPECT_THAT(Render(), HasSubstr("<VALUE>&#x7F;&#x80;&#x9F;\xC2\xA0</VALUE>"));
 }
 
-TEST_F(CimXmlFormatTest, WritesDirectionMarksAndUnicodeLineEndsAsReferences) {
-  AddDevice("device", "\xD8\x9C\xE2\x80\x8E\xE2\x80\xA8\xE2\x80\xAE\xE2\x81\xA9|\xE2\x80\x8D\xE2\x82\xAC", 1);
-  EXPECT_THAT(Render(),
-              HasSubstr("<VALUE>&#x61C;&#x200E;&#x2028;&#x202E;&#x2069;|\xE2\x80\x8D\xE2\x82\xAC</VALUE>"));
+TEST_F(CimXmlFormatTest, WritesEveryOtherUnprintableCharacterAsAReference) {
+  const std::string text =
+      "\xD8\x9C\xE2\x80\x8E\xE2\x80\xA8\xE2\x80\xAE\xE2\x81\xA9|\xE2\x80\x8D\xF3\xA0\x81\x81\xE2\x82\xAC";
+  AddDevice("device", text, 1);
   EXPECT_THAT(
-      Parse().Select("//PROPERTY[@NAME='Description']/VALUE"),
-      ElementsAre("\xD8\x9C\xE2\x80\x8E\xE2\x80\xA8\xE2\x80\xAE\xE2\x81\xA9|\xE2\x80\x8D\xE2\x82\xAC"));
+      Render(),
+      HasSubstr("<VALUE>&#x61C;&#x200E;&#x2028;&#x202E;&#x2069;|&#x200D;&#xE0041;\xE2\x82\xAC</VALUE>"));
+  EXPECT_THAT(Parse().Select("//PROPERTY[@NAME='Description']/VALUE"), ElementsAre(text));
 }
 
 TEST_F(CimXmlFormatTest, IndentsWhatIsNested) {
@@ -280,8 +282,9 @@ TEST_F(CimXmlFormatTest, IndentsWhatIsNested) {
 
 TEST(XmlWriter, MakesAnyTextFitForAnAttribute) {
   cli::XmlWriter xml;
-  xml.Element("A", [&xml] { xml.Attribute("B", "a\xFF<\x01\"\xC3\xA9"); });
-  EXPECT_THAT(XmlDocument(xml.Finish()).Select("/A/@B"), ElementsAre("a\xEF\xBF\xBD<\xEF\xBF\xBD\"\xC3\xA9"));
+  xml.Element("A", [&xml] { xml.Attribute("B", "a\xFF<\x01\"\xC3\xA9\t\n\r&"); });
+  EXPECT_THAT(XmlDocument(xml.Finish()).Select("/A/@B"),
+              ElementsAre("a\xEF\xBF\xBD<\xEF\xBF\xBD\"\xC3\xA9\t\n\r&"));
 }
 
 }  // namespace

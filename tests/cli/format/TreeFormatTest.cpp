@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/TreeFormat.h"
 #include "tests/cli/support/CliTest.h"
 
@@ -21,7 +22,7 @@ class TreeFormatTest : public CliTest {
  protected:
   std::string Render(const char* locale) const {
     const CharacterSet characters(locale);
-    return cli::RenderTree(cli::Inventory(host), {false});
+    return cli::RenderTree(Collected(), {false});
   }
   /// The rows below the two lines of heading and the line of titles, with ASCII lines.
   std::string Rows() const {

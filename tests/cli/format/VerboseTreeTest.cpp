@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/TreeFormat.h"
 #include "cli/model/UsbIds.h"
 #include "tests/cli/support/CliTest.h"
@@ -20,7 +21,7 @@ namespace {
 
 class VerboseTreeTest : public CliTest {
  protected:
-  std::string Render() const { return cli::RenderTree(cli::Inventory(host), options); }
+  std::string Render() const { return cli::RenderTree(Collected(), options); }
   /// The rows below the heading and the titles.
   std::vector<std::string> Rows() const {
     const CharacterSet characters("C.UTF-8");

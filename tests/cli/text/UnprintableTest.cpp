@@ -1,0 +1,97 @@
+// Which characters count as unprintable, against the C library's own table of what takes no room.
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cwchar>
+#include <string>
+#include <vector>
+
+#include "cli/text/CombiningMarks.h"
+#include "cli/text/Unprintable.h"
+#include "tests/cli/support/CliTest.h"
+
+using testing::ElementsAre;
+
+namespace usbinfo_test {
+namespace {
+
+constexpr char32_t kEnd = 0x110000;
+
+std::string Hexadecimal(char32_t code) {
+  return fmt::format("U+{:04X}", static_cast<unsigned int>(code));
+}
+
+cli::Character CharacterOf(char32_t code) {
+  return {"?", code, true};
+}
+
+/// For each of `codes`, in their order, whether it is unprintable.
+std::vector<bool> Unprintable(const std::vector<char32_t>& codes) {
+  cli::UnprintableFinder finder;
+  std::vector<bool> found;
+  for (const char32_t code : codes) found.push_back(finder.IsUnprintable(CharacterOf(code)));
+  return found;
+}
+
+bool IsUnprintable(char32_t code) {
+  return Unprintable({code}).front();
+}
+
+bool IsMark(char32_t code) {
+  return std::any_of(
+      std::begin(cli::kCombiningMarks), std::end(cli::kCombiningMarks),
+      [code](const cli::CodeRange& range) { return range.first <= code && code <= range.last; });
+}
+
+TEST(Unprintable, IsEveryCharacterWithoutAWidthThatIsNoMark) {
+  const CharacterSet utf8("C.UTF-8");
+  std::vector<char32_t> wide;
+  for (char32_t code = 0; code < kEnd; ++code) {
+    const int width = ::wcwidth(static_cast<wchar_t>(code));
+    EXPECT_TRUE(width != 0 || IsUnprintable(code) != IsMark(code)) << Hexadecimal(code);
+    if (width > 0 && IsUnprintable(code)) wide.push_back(code);
+  }
+  // The soft hyphen and the fillers of Hangul are drawn as blanks or not at all.
+  EXPECT_THAT(wide, ElementsAre(0xAD, 0x115F, 0x3164, 0xFFA0));
+}
+
+TEST(CombiningMarks, AreSortedAndHaveNoWidth) {
+  const CharacterSet utf8("C.UTF-8");
+  char32_t before = 0;
+  for (const cli::CodeRange& range : cli::kCombiningMarks) {
+    EXPECT_TRUE(before < range.first && range.first <= range.last) << Hexadecimal(range.first);
+    before = range.last;
+    // Those that the library does not know yet have a negative width.
+    for (char32_t code = range.first; code <= range.last; ++code) {
+      EXPECT_LE(::wcwidth(static_cast<wchar_t>(code)), 0) << Hexadecimal(code);
+    }
+  }
+}
+
+TEST(Unprintable, AreControlsNoncharactersAndBytesThatAreNotUtf8) {
+  for (const char32_t code : {0x00U, 0x09U, 0x1FU, 0x7FU, 0x9FU, 0x2028U, 0x2029U, 0xFDD0U, 0xFDEFU, 0xFFFEU,
+                              0xFFFFU, 0x1FFFEU, 0x10FFFFU}) {
+    EXPECT_TRUE(IsUnprintable(code)) << Hexadecimal(code);
+  }
+  EXPECT_TRUE(cli::UnprintableFinder().IsUnprintable({"\xFF", 0xFFFD, false}));
+  for (const char32_t code : {0x20U, 0x7EU, 0xA0U, 0xE9U, 0x200AU, 0x2010U, 0x20ACU, 0xFFFDU, 0x1F600U}) {
+    EXPECT_FALSE(IsUnprintable(code)) << Hexadecimal(code);
+  }
+}
+
+TEST(Unprintable, IsEveryMarkBehindFourOthersUntilAnotherCharacterComes) {
+  EXPECT_THAT(Unprintable({U'a', 0x301, 0x302, 0x303, 0xE47, 0x304, 0x305, U'b', 0x301}),
+              ElementsAre(false, false, false, false, false, true, true, false, false));
+}
+
+TEST(Unprintable, IsNoVariationSelectorBehindASymbolButAnyOther) {
+  EXPECT_THAT(Unprintable({0x2764, 0xFE0F, 0xFE0F}), ElementsAre(false, false, true));
+  EXPECT_THAT(Unprintable({0x845B, 0xE0100, 0xE0101}), ElementsAre(false, false, true));
+  EXPECT_THAT(Unprintable({U'a', 0xFE0F, 0xE9, 0xFE0E}), ElementsAre(false, true, false, true));
+  EXPECT_THAT(Unprintable({0xFE0F}), ElementsAre(true));
+  EXPECT_THAT(Unprintable({0x2764, 0x200D, 0xFE0F}), ElementsAre(false, true, true));
+}
+
+}  // namespace
+}  // namespace usbinfo_test
