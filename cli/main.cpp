@@ -6,8 +6,10 @@
 #include <clocale>
 #include <csignal>
 #include <exception>
+#include <filesystem>
 #include <new>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "cli/command/CommandLine.h"
@@ -19,6 +21,13 @@ namespace {
 int Fail(const std::string& message) {
   cli::PrintMessage(message);
   return cli::kFailure;
+}
+
+std::string Describe(const std::filesystem::filesystem_error& error) {
+  std::error_code code;
+  static_cast<void>(std::filesystem::current_path(code));
+  if (code) return "the current folder does not exist any more; change to one that does";
+  return error.path1().string() + ": " + error.code().message();
 }
 
 /// Where the command is started without one of the standard streams, its number must not go to a file of
@@ -50,6 +59,8 @@ int main(int argc, char** argv) {
     return cli::CommandLine().Run({argv + (argc > 0 ? 1 : 0), argv + argc});
   } catch (const std::bad_alloc&) {
     return Fail("out of memory");
+  } catch (const std::filesystem::filesystem_error& error) {
+    return Fail(Describe(error));
   } catch (const std::exception& error) {
     return Fail(error.what());
   } catch (...) {

@@ -26,9 +26,9 @@ std::vector<Option> DiffOptionTable(DiffOptions& options) {
           {.names = {"--system-name"},
            .value = "NAME",
            .help = "The system name of device lists",
-           .defaultValue = "the host name",
-           .manual = R"(The name of the system that device lists are of, in the instances' keys.
-Inventories keep theirs.)",
+           .manual = R"(The name of the system in the keys of device lists, as in
+.Cm show .
+JSON inventories keep theirs.)",
            .store = StoreText(options.systemName)},
           {.names = {"--plugin"},
            .value = "FILE",

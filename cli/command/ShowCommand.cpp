@@ -15,6 +15,7 @@
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
 #include "host/ILogger.h"
+#include "schema/ClassSchema.h"
 
 using NKESTA20::ILogger;
 
@@ -31,6 +32,17 @@ ILogger::EQSVLogSeverity SeverityOf(const std::string& name) {
 /// The classes to ask for: those named, else all in the order in which they build on each other.
 std::vector<std::string> RequestedClasses(const std::vector<std::string>& request) {
   return request.empty() ? AllClasses() : request;
+}
+
+/// The plug-in is asked for any class; one that nobody serves is most often a mistyped one.
+void ReportUnknownClasses(const std::vector<std::string>& request) {
+  std::vector<std::string> unknown;
+  for (const std::string& name : request) {
+    if (schema::FindClass(name) == nullptr) unknown.push_back(name);
+  }
+  if (unknown.empty()) return;
+  PrintMessage(fmt::format("the schema has no class {}; the plug-in is asked for it all the same",
+                           fmt::join(unknown, ",")));
 }
 
 std::string Render(const ShowOptions& options, const OutputFormat& format, const Inventory& inventory) {
@@ -57,8 +69,8 @@ bool Print(const ShowOptions& options, const OutputFormat& format, const Invento
 
 std::string AdviseOnEmpty(const ShowOptions& options) {
   if (!options.request.empty()) {
-    return "nothing to show: the requested classes have no instance; ask for hubs, ports and devices ahead "
-           "of the associations, or leave --request out to see whether there is any USB device";
+    return "nothing to show: the requested classes have no instance; ask for hubs, ports and devices "
+           "before the associations, or leave --request out to see whether there is any USB device";
   }
   if (options.source.devices.empty()) return AdviseOnEmptyMachine(MachineFacts::OfThisMachine());
   return fmt::format(
@@ -96,6 +108,7 @@ int RunShow(const ShowOptions& options) {
   KeepFilesApart(options);
   LogWriter log(options.log, SeverityOf(options.logLevel),
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
+  ReportUnknownClasses(options.request);
   const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);
   const OutputFormat& format = FindOutputFormat(options.format);
   const Inventory shown = Select(inventory, options.selection, format.keepsPath);

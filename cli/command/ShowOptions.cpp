@@ -58,9 +58,19 @@ Such a list can take minutes and gigabytes of memory.)",
           {.names = {"--system-name"},
            .value = "NAME",
            .help = "The system name in the keys",
-           .defaultValue = "the host name",
+           .defaultValue = "the host name, or the name of the list's file",
            .manual = R"(The name of the system in the instances' keys.
-The default is the host name.)",
+The default is the host name; of a list that
+.Fl -devices
+names, the file's name without
+.Pa .txt ,
+.Pa .list
+or
+.Pa .log ,
+and
+.Li unknown
+where the list comes from a pipe.
+A JSON inventory keeps its own.)",
            .store = StoreText(source.systemName)}};
 }
 

@@ -80,7 +80,7 @@ constexpr const char* kScript =
   elif [[ ${#words[@]} -eq 0 ]]; then
     read -ra words <<< "$(@FUNCTION@_operand "$subcommand")"
   fi
-  @FUNCTION@_offer "${words[@]}"
+  [[ ${#words[@]} -eq 0 ]] || @FUNCTION@_offer "${words[@]}"
 }
 
 complete -F @FUNCTION@ @COMMAND@

@@ -8,17 +8,39 @@ namespace cli {
 
 namespace {
 
+constexpr const char* kScript =
+    R"sh(# Completion of @COMMAND@'s arguments for fish, made by @COMMAND@ --generate fish.
+
+# @FUNCTION@_is SUBCOMMAND...: whether the first subcommand that stands before the cursor, and is not the value of an
+# option, is one of these; "none" where there is none.
+function @FUNCTION@_is
+  set -l found none
+  set -l before ''
+  for word in (commandline -opc)[2..]
+    if contains -- $word @SUBCOMMANDS@; and not contains -- $before @TAKERS@
+      set found $word
+      break
+    end
+    set before $word
+  end
+  contains -- $found $argv
+end
+
+complete -c @COMMAND@ -f
+@LINES@)sh";
+
 std::string Quoted(const std::string& text) {
   return "'" + Filled(text, {{"\\", R"(\\)"}, {"'", R"(\')"}}) + "'";
 }
 
-/// The words that a choice is made among, each with what it means on its line.
+/// The words that a choice is made among, each with what it means. Fish expands them once more.
 std::string Words(const std::vector<Choice>& choices) {
-  std::vector<std::string> lines;
+  std::vector<std::string> words;
   for (const Choice& choice : choices) {
-    lines.push_back(choice.description.empty() ? choice.name : choice.name + "\t" + choice.description);
+    words.push_back(choice.description.empty() ? choice.name
+                                               : choice.name + R"(\t)" + Quoted(choice.description));
   }
-  return Quoted(fmt::format("{}", fmt::join(lines, "\n")));
+  return Quoted(fmt::format("{}", fmt::join(words, " ")));
 }
 
 std::string ValueOf(const Option& option) {
@@ -38,18 +60,12 @@ std::string NamesOf(const Option& option) {
 
 /// When the options and operands of `part` are offered.
 std::string ConditionOf(const CommandSpec& command, const CommandSpec& part) {
-  if (&part == &command) return "true";
-  if (!part.isDefault) return "__fish_seen_subcommand_from " + part.name;
-  std::vector<std::string> others;
-  for (const CommandSpec& subcommand : command.subcommands) {
-    if (!subcommand.isDefault) others.push_back(subcommand.name);
-  }
-  return fmt::format("not __fish_seen_subcommand_from {}", fmt::join(others, " "));
+  const bool isMeantByNone = part.isDefault || &part == &command;
+  return Quoted(FunctionName(command) + "_is " + part.name + (isMeantByNone ? " none" : ""));
 }
 
 std::string LinesOf(const CommandSpec& command, const CommandSpec& part) {
-  const std::string beginning =
-      fmt::format("complete -c {} -n {}", command.name, Quoted(ConditionOf(command, part)));
+  const std::string beginning = fmt::format("complete -c {} -n {}", command.name, ConditionOf(command, part));
   std::string lines;
   for (const Option* const option : VisibleOptions(part)) {
     lines += beginning + NamesOf(*option) + ValueOf(*option) + " -d " + Quoted(option->help) + "\n";
@@ -62,16 +78,17 @@ std::string LinesOf(const CommandSpec& command, const CommandSpec& part) {
 }  // namespace
 
 std::string FishCompletion(const CommandSpec& command) {
-  std::string script = Filled(
-      "# Completion of @COMMAND@'s arguments for fish, made by @COMMAND@ --generate fish.\n"
-      "complete -c @COMMAND@ -f\n",
-      {{"@COMMAND@", command.name}});
+  std::string lines;
   for (const CommandSpec& subcommand : command.subcommands) {
-    script += fmt::format("complete -c {} -n __fish_use_subcommand -a {} -d {}\n", command.name,
-                          subcommand.name, Quoted(subcommand.summary));
+    lines += fmt::format("complete -c {} -n '{}_is none' -a {} -d {}\n", command.name, FunctionName(command),
+                         subcommand.name, Quoted(subcommand.summary));
   }
-  for (const CommandSpec* const part : PartsOf(command)) script += LinesOf(command, *part);
-  return script;
+  for (const CommandSpec* const part : PartsOf(command)) lines += LinesOf(command, *part);
+  return Filled(kScript, {{"@COMMAND@", command.name},
+                          {"@FUNCTION@", FunctionName(command)},
+                          {"@SUBCOMMANDS@", JoinedSubcommands(command, " ")},
+                          {"@TAKERS@", JoinedTakers(command, " ")},
+                          {"@LINES@", lines}});
 }
 
 }  // namespace cli

@@ -25,6 +25,14 @@ std::string JoinedSubcommands(const CommandSpec& command, const std::string& sep
   return fmt::format("{}", fmt::join(names, separator));
 }
 
+std::string JoinedTakers(const CommandSpec& command, const std::string& separator) {
+  std::vector<std::string> names;
+  for (const Option* const option : VisibleOptions(command.Default())) {
+    if (option->TakesValue()) names.insert(names.end(), option->names.begin(), option->names.end());
+  }
+  return fmt::format("{}", fmt::join(names, separator));
+}
+
 std::string FunctionName(const CommandSpec& command) {
   std::string name = "_" + command.name;
   std::replace(name.begin(), name.end(), '-', '_');

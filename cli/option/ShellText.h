@@ -18,6 +18,10 @@ std::string Joined(const std::vector<Choice>& choices, const std::string& separa
 /// The names of the subcommands with `separator` between them.
 std::string JoinedSubcommands(const CommandSpec& command, const std::string& separator);
 
+/// The names of the options that take a value and may stand before a subcommand, with `separator` between
+/// them.
+std::string JoinedTakers(const CommandSpec& command, const std::string& separator);
+
 /// The name that the command's functions begin with in a shell: "_usbinfo".
 std::string FunctionName(const CommandSpec& command);
 

@@ -112,15 +112,6 @@ std::string Subcommands(const CommandSpec& command) {
   return lines;
 }
 
-/// The options that take a value, as alternatives of a pattern.
-std::string Takers(const CommandSpec& command) {
-  std::vector<std::string> takers;
-  for (const Option* const option : VisibleOptions(command.Default())) {
-    if (option->TakesValue()) takers.insert(takers.end(), option->names.begin(), option->names.end());
-  }
-  return fmt::format("{}", fmt::join(takers, "|"));
-}
-
 }  // namespace
 
 std::string ZshCompletion(const CommandSpec& command) {
@@ -131,7 +122,7 @@ std::string ZshCompletion(const CommandSpec& command) {
                           {"@SUBCOMMANDS@", Subcommands(command)},
                           {"@OPTIONS@", arrays},
                           {"@PATTERN@", JoinedSubcommands(command, "|")},
-                          {"@TAKERS@", Takers(command)},
+                          {"@TAKERS@", JoinedTakers(command, "|")},
                           {"@CASES@", Cases(command)}});
 }
 

@@ -131,6 +131,14 @@ TEST(SelectionOptions, TakeTheFormsOfTheUsualTools) {
   EXPECT_EQ(SelectedOnDesktop({"-s", ":"}).size(), 11U);
 }
 
+TEST(SelectionOptions, TakeProductsOfAnyVendorAndSeveralIds) {
+  EXPECT_THAT(SelectedOnDesktop({"-d", ":55aa"}), ElementsAre("Bus 01  Device   2"));
+  EXPECT_THAT(SelectedOnDesktop({"-d", "0627:", "-d", ":55aa"}),
+              UnorderedElementsAre("Bus 01  Device   2", "Bus 01  Device   4", "Bus 01  Device   5"));
+  EXPECT_THAT(SelectedOnDesktop({"-d", "0627:", "-d", "0627:"}),
+              ElementsAre("Bus 01  Device   4", "Bus 01  Device   5"));
+}
+
 TEST(SelectionOptions, MustAllHold) {
   EXPECT_THAT(SelectedOnDesktop({"-d", "46f4:", "-s", "2:"}),
               ElementsAre("Bus 02  Device   2", "Bus 02  Device   3"));

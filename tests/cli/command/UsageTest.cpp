@@ -253,6 +253,18 @@ TEST(Usage, ShortensAMessageOfMegabytesToOneLine) {
   EXPECT_THAT(result.errors, HasSubstr("x [...] x"));
 }
 
+TEST(Usage, SaysInOneLineThatTheCurrentFolderIsGone) {
+  const TemporaryFolder folder;
+  const std::string script =
+      "/bin/mkdir \"$1\" && cd \"$1\" && /bin/rmdir \"$1\" && exec \"$2\" --devices \"$3\" --plugin x.so";
+  const CommandResult result =
+      Command({"-c", script, "sh", folder.File("gone"), COMMAND_PATH, CapturePath("vm-desktop-debugfs")})
+          .Program("/bin/sh")
+          .Run();
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.errors, "usbinfo: the current folder does not exist any more; change to one that does\n");
+}
+
 TEST(Usage, CutsALongMessageBetweenCharacters) {
   for (std::size_t offset = 0; offset < 3; ++offset) {
     std::string argument(offset, 'a');
