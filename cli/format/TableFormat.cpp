@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <functional>
 #include <optional>
 #include <set>
@@ -43,17 +45,15 @@ std::string ItemName(const Item& item) {
   return NameOf(item);
 }
 
-TableColumn Text(const char* title, Getter text) {
-  return {{title, TextTable::Kind::kText, 0}, std::move(text)};
+/// Cut to less, a text does not help any more.
+constexpr std::size_t kSmallestText = 16;
+
+TableColumn Text(const char* title, Getter text, Importance importance = Importance::kIdentifier) {
+  return {{title, TextTable::Kind::kLeft, importance, kSmallestText}, std::move(text)};
 }
 
-TableColumn Right(const char* title, Getter text) {
-  return {{title, TextTable::Kind::kRight, 0}, std::move(text)};
-}
-
-/// Keeps `share` of the terminal's width where that is scarce.
-TableColumn Cut(const std::string& title, double share, Getter text) {
-  return {{title, TextTable::Kind::kCut, share}, std::move(text)};
+TableColumn Right(const char* title, Getter text, Importance importance = Importance::kIdentifier) {
+  return {{title, TextTable::Kind::kRight, importance, kSmallestText}, std::move(text)};
 }
 
 TableColumn Bus(PropertyId property) {
@@ -78,8 +78,9 @@ TableColumn Port(PropertyId property) {
               [property](const Item& item) { return std::string(PortOf(Identifier(item, property))); });
 }
 
-TableColumn SentStringColumn(const char* title, double share, PropertyId property) {
-  return Cut(title, share, [property](const Item& item) { return SentString(item, property); });
+TableColumn SentStringColumn(const char* title, Importance importance, PropertyId property) {
+  return Text(
+      title, [property](const Item& item) { return SentString(item, property); }, importance);
 }
 
 /// The columns that suit each class.
@@ -94,7 +95,7 @@ class ChosenColumns {
   TableColumns Of(ClassId classId) const {
     switch (classId) {
       case ClassId::kController:
-        return {Bus(kOwn), Cut("CONTROLLER", 0.5, ItemName)};
+        return {Bus(kOwn), Text("CONTROLLER", ItemName, Importance::kMain)};
       case ClassId::kPort:
         return {Bus(kOwn), HubOfPort(kOwn), Port(kOwn), SpeedOfPort(), Status()};
       case ClassId::kPortOnHub:
@@ -110,16 +111,23 @@ class ChosenColumns {
 
  private:
   TableColumn Status() const {
-    return Text("STATUS", [this](const Item& port) { return std::string(NameOf(fInventory.StateOf(port))); });
+    return Text(
+        "STATUS", [this](const Item& port) { return std::string(NameOf(fInventory.StateOf(port))); },
+        Importance::kMain);
   }
   static TableColumn SpeedOfPort() {
-    return Right("SPEED", [](const Item& port) { return FormatSpeed(port.Number(PropertyId::kSpeed)); });
+    return Right(
+        "SPEED", [](const Item& port) { return FormatSpeed(port.Number(PropertyId::kSpeed)); },
+        Importance::kUseful);
   }
   static TableColumn SpeedOfDevice() {
-    return Right("SPEED", [](const Item& item) { return FormatSpeedClass(item.Number(PropertyId::kSpeed)); });
+    return Right(
+        "SPEED", [](const Item& item) { return FormatSpeedClass(item.Number(PropertyId::kSpeed)); },
+        Importance::kUseful);
   }
   static TableColumn Ports() {
-    return Right("PORTS", [](const Item& hub) { return hub.Text(PropertyId::kNumberOfPorts); });
+    return Right(
+        "PORTS", [](const Item& hub) { return hub.Text(PropertyId::kNumberOfPorts); }, Importance::kUseful);
   }
 
   /// Of hubs and devices, which have names; `own` is what only one of the classes has.
@@ -128,22 +136,23 @@ class ChosenColumns {
                             Device("DEV", kOwn),
                             Text("ID", FormatId),
                             own,
-                            Cut("PRODUCT", 0.2, ItemName),
-                            SentStringColumn("MAKER", 0.05, PropertyId::kManufacturer),
-                            SentStringColumn("SERIAL", 0.2, PropertyId::kSerialNumber)};
+                            Text("PRODUCT", ItemName, Importance::kMain),
+                            SentStringColumn("MAKER", Importance::kMinor, PropertyId::kManufacturer),
+                            SentStringColumn("SERIAL", Importance::kIdentifier, PropertyId::kSerialNumber)};
     if (fNames != nullptr) {
       const auto knownAs = [names = fNames](const Item& item) { return KnownAs(item, names); };
-      columns.push_back(Cut("KNOWN AS", 0.1, knownAs));
+      columns.push_back(Text("KNOWN AS", knownAs, Importance::kMinor));
     }
     return columns;
   }
 
   /// The name of what a link leads to.
   TableColumn Name(const char* title, PropertyId property) const {
-    return Cut(title, 0.5, [this, property](const Item& link) {
+    const auto name = [this, property](const Item& link) {
       const auto found = fItemsByPath.find(link.String(property));
       return found == fItemsByPath.end() ? std::string() : NameOf(*found->second);
-    });
+    };
+    return Text(title, name, Importance::kMain);
   }
 
   const Inventory& fInventory;
@@ -151,13 +160,24 @@ class ChosenColumns {
   std::unordered_map<std::string, const Item*> fItemsByPath;
 };
 
+/// Whether the property distinguishes instances.
+bool IsIdentifier(PropertyId property) {
+  constexpr std::array<PropertyId, 6> kIdentifiers = {PropertyId::kAntecedent,  PropertyId::kDependent,
+                                                      PropertyId::kDeviceID,    PropertyId::kSerialNumber,
+                                                      PropertyId::kUSBDeviceID, PropertyId::kVendorID};
+  return std::find(kIdentifiers.begin(), kIdentifiers.end(), property) != kIdentifiers.end();
+}
+
 /// The properties asked for that the class has.
 TableColumns AskedColumns(const schema::ClassSchema& schema, const std::vector<std::string>& names) {
   TableColumns columns;
   for (const std::string& name : names) {
     const std::size_t index = schema.IndexOf(name);
     if (index == schema::ClassSchema::kNone) continue;
-    columns.push_back(Cut(name, 0.1, [index](const Item& item) { return TextOf(item.At(index)); }));
+    const Importance importance =
+        IsIdentifier(schema.properties[index].id) ? Importance::kIdentifier : Importance::kMain;
+    columns.push_back(Text(
+        name.c_str(), [index](const Item& item) { return TextOf(item.At(index)); }, importance));
   }
   return columns;
 }
@@ -168,8 +188,8 @@ Tone ToneOf(const Inventory& inventory, const Item& item) {
 }
 
 std::string Section(const Inventory& inventory, const ItemsOfClass& ofClass, const TableColumns& columns,
-                    const RenderOptions& options) {
-  TextTable table(options);
+                    const Surface& surface) {
+  TextTable table(surface);
   for (const TableColumn& column : columns) table.AddColumn(column.column);
   for (const Item& item : ofClass.items) {
     const TextTable::Row row = table.AddRow();
@@ -179,21 +199,21 @@ std::string Section(const Inventory& inventory, const ItemsOfClass& ofClass, con
     table.SetTone(row, ToneOf(inventory, item));
   }
   const std::string heading = ofClass.schema->name + ": " + Count(ofClass.items.size(), "instance");
-  const bool isColored = UsesColor(options.color, options.isStandardOutput);
-  return Toned(heading, isColored ? Tone::kHeading : Tone::kPlain) + "\n" + table.Print();
+  return Toned(heading, surface.isColored ? Tone::kHeading : Tone::kPlain) + "\n" + table.Print();
 }
 
 }  // namespace
 
 std::string RenderTable(const Inventory& inventory, const RenderOptions& options) {
-  const ChosenColumns chosen(inventory, TextTable(options).HasRoomForNames() ? options.names : nullptr);
+  const Surface surface = SurfaceOf(options.isStandardOutput, options.color);
+  const ChosenColumns chosen(inventory, options.names);
   std::string text;
   for (const ItemsOfClass& ofClass : inventory.Classes()) {
     if (ofClass.items.empty()) continue;
     const TableColumns columns = options.columns.empty() ? chosen.Of(ofClass.schema->id)
                                                          : AskedColumns(*ofClass.schema, options.columns);
     if (columns.empty()) continue;
-    text += (text.empty() ? "" : "\n") + Section(inventory, ofClass, columns, options);
+    text += (text.empty() ? "" : "\n") + Section(inventory, ofClass, columns, surface);
   }
   return text;
 }

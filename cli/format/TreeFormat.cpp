@@ -1,5 +1,7 @@
 #include "cli/format/TreeFormat.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "cli/format/RenderOptions.h"
@@ -19,6 +21,12 @@ std::string Device(const Inventory& inventory, const UsbTreeNode& node) {
   if (node.Class() != ClassId::kHub) return DisplayName(inventory, node);
   const std::string ports = Count(node.item->Number(PropertyId::kNumberOfPorts), "port");
   return node.isRootHub ? ports : DisplayName(inventory, node) + ", " + ports;
+}
+
+/// `speed`, if there is one, at least as wide as "480 Mbit/s", so that trees without such a port look the
+/// same.
+std::string Aligned(const std::string& speed) {
+  return speed.empty() ? speed : fmt::format("{:>10}", speed);
 }
 
 /// Hubs and devices describe themselves; controllers and ports do not.
@@ -46,14 +54,14 @@ class TreeTable {
       : fInventory(inventory),
         fTree(tree),
         fOptions(options),
-        fTable(options),
-        fHasNamesColumn(options.names != nullptr && !options.isVerbose && fTable.HasRoomForNames()) {
+        fTable(SurfaceOf(options.isStandardOutput, options.color)),
+        fHasNamesColumn(options.names != nullptr && !options.isVerbose) {
     using Cells = TextTable::Kind;
-    fTable.AddColumn({"USB", Cells::kTree, 0.2});
-    fTable.AddColumn({"DEVICE", options.isVerbose ? Cells::kLines : Cells::kCut, 0.5});
-    fTable.AddColumn({"ID", Cells::kText, 9});
-    fTable.AddColumn({"SPEED", Cells::kRight, 10});
-    if (fHasNamesColumn) fTable.AddColumn({"KNOWN AS", Cells::kCut, 0.2});
+    fTable.AddColumn({"USB", Cells::kTree, Importance::kIdentifier, 32});
+    fTable.AddColumn({"DEVICE", Cells::kLeft, Importance::kMain, 12});
+    fTable.AddColumn({"ID", Cells::kLeft, Importance::kIdentifier, 9});
+    fTable.AddColumn({"SPEED", Cells::kRight, Importance::kUseful, 12});
+    if (fHasNamesColumn) fTable.AddColumn({"KNOWN AS", Cells::kLeft, Importance::kMinor, 16});
     AddRows();
   }
 
@@ -61,31 +69,24 @@ class TreeTable {
 
  private:
   void AddRows() {
-    // The last row at each depth.
-    std::vector<TextTable::Row> rows;
-    for (const UsbTreeRow& row : fTree.Rows()) {
-      const TextTable::Row parent = row.depth == 0 ? nullptr : rows[row.depth - 1];
-      rows.resize(row.depth);
-      rows.push_back(AddRow(parent, fTree.Nodes()[row.node]));
-    }
+    for (const UsbTreeRow& row : fTree.Rows()) AddRow(row.depth, fTree.Nodes()[row.node]);
   }
 
-  TextTable::Row AddRow(TextTable::Row parent, const UsbTreeNode& node) {
+  void AddRow(std::size_t depth, const UsbTreeNode& node) {
     const UsbTreeNode& shown = fTree.Shown(node);
-    const TextTable::Row row = fTable.AddRow(parent);
-    fTable.SetCell(row, kPlace, PlaceOf(node, parent == nullptr));
+    const TextTable::Row row = fTable.AddRow(depth);
+    fTable.SetCell(row, kPlace, PlaceOf(node, depth == 0));
     if (fOptions.isVerbose) {
       fTable.SetLines(row, kDevice, Lines(shown));
     } else {
       fTable.SetCell(row, kDevice, Device(fInventory, shown));
     }
     fTable.SetCell(row, kId, FormatId(*shown.item));
-    fTable.SetCell(row, kSpeed, SpeedOf(fTree, shown));
+    fTable.SetCell(row, kSpeed, Aligned(SpeedOf(fTree, shown)));
     if (fHasNamesColumn && IsDescribed(shown)) {
       fTable.SetCell(row, kKnownAs, KnownAs(*shown.item, fOptions.names));
     }
     fTable.SetTone(row, ToneOf(fInventory, shown));
-    return row;
   }
 
   std::vector<std::string> Lines(const UsbTreeNode& node) const {
