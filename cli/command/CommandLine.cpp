@@ -16,7 +16,8 @@ namespace cli {
 CommandLine::CommandLine() {
   fCommand.name = "usbinfo";
   fCommand.summary = "Show a machine's USB inventory: controllers, hubs, ports and devices";
-  fCommand.subcommands = {Show(), Diff(), Schema(), Help()};
+  fCommand.subcommands = {Show(), Diff(), Schema()};
+  fCommand.subcommands.push_back(Help());
 }
 
 int CommandLine::Run(const std::vector<std::string>& arguments) {
@@ -81,7 +82,9 @@ CommandSpec CommandLine::Schema() {
 }
 
 CommandSpec CommandLine::Help() {
-  const std::vector<Choice> topics = ChoicesOf({"show", "diff", "schema", "help"});
+  std::vector<Choice> topics;
+  for (const CommandSpec& subcommand : fCommand.subcommands) topics.push_back({subcommand.name});
+  topics.push_back({"help"});
   return {.name = "help",
           .summary = "Print the help of a subcommand",
           .operands = {{.name = "SUBCOMMAND",

@@ -50,12 +50,22 @@ class DeclaredCommand {
     return unknown;
   }
 
-  /// The first option that was given, of the exclusive ones only if `isExclusive`; null when there is none.
-  const Option* FirstGiven(bool isExclusive) const {
+  /// The first option that was given; null when there is none.
+  const Option* FirstGiven() const {
     for (const auto& [option, parsed] : fOptions) {
-      if (parsed->count() > 0 && (option->isExclusive || !isExclusive)) return option;
+      if (parsed->count() > 0) return option;
     }
     return nullptr;
+  }
+
+  /// Stores the first exclusive option that was given; false when there is none.
+  bool StoreExclusive() const {
+    for (const auto& [option, parsed] : fOptions) {
+      if (!option->isExclusive || parsed->count() == 0) continue;
+      Store(*option, parsed->results());
+      return true;
+    }
+    return false;
   }
 
   void StoreOptions() const {
@@ -63,12 +73,6 @@ class DeclaredCommand {
       if (parsed->count() == 0) continue;
       CheckUse(*option, parsed->count());
       Store(*option, parsed->results());
-    }
-  }
-
-  void StoreExclusive(const Option& exclusive) const {
-    for (const auto& [option, parsed] : fOptions) {
-      if (option == &exclusive) Store(*option, parsed->results());
     }
   }
 
@@ -185,20 +189,15 @@ class CommandParser {
   }
 
   bool StoreExclusive() const {
-    for (const DeclaredCommand* const declared : {Named(), &fDeclared}) {
-      const Option* const option = declared == nullptr ? nullptr : declared->FirstGiven(true);
-      if (option == nullptr) continue;
-      declared->StoreExclusive(*option);
-      return true;
-    }
-    return false;
+    const DeclaredCommand* const named = Named();
+    return (named != nullptr && named->StoreExclusive()) || fDeclared.StoreExclusive();
   }
 
   void CheckAndStore(const std::vector<std::string>& arguments) const {
     CheckEqualsSigns(arguments);
     RefuseUnknown();
     const DeclaredCommand* const named = Named();
-    const Option* const foreign = named == nullptr ? nullptr : fDeclared.FirstGiven(false);
+    const Option* const foreign = named == nullptr ? nullptr : fDeclared.FirstGiven();
     if (foreign != nullptr) throw UsageError(DescribeForeign(foreign->LastName()));
     const DeclaredCommand& chosen = named == nullptr ? fDeclared : *named;
     chosen.StoreOptions();

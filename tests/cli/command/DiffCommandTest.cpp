@@ -218,9 +218,10 @@ TEST(Diff, KeepsAForgedMemberNameOnTheLineOfItsMessage) {
               "{\"schema\": \"usbinfo.inventory/1\", \"system\": {}, \"classes\": {}, \"\\n\\u001b[2J\": 1}")
           .Run();
   EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.errors,
-            "usbinfo: standard input holds no inventory: /\\n\\x1b[2J: is no member of an inventory; save it "
-            "anew with usbinfo --format json\n");
+  EXPECT_EQ(
+      result.errors,
+      "usbinfo: standard input holds no inventory: /\\n\\x1b[2J: is not a member of an inventory; save it "
+      "anew with usbinfo --format json\n");
 }
 
 TEST(Diff, TellsAnOutputThatFails) {
