@@ -1,4 +1,3 @@
-// `usbinfo diff`: options, reading, printing; see the header.
 #include "cli/command/DiffCommand.h"
 
 #include <fmt/format.h>
@@ -12,7 +11,6 @@
 #include "cli/diff/DiffText.h"
 #include "cli/diff/InventoryDiff.h"
 #include "cli/model/FromJson.h"
-#include "cli/option/OptionForms.h"
 #include "cli/text/Color.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
@@ -22,7 +20,7 @@ namespace cli {
 
 namespace {
 
-Inventory ReadInventory(const std::string& path, const std::string& plugin, LogWriter& log) {
+Inventory ReadInventory(const std::string& path, const DiffOptions& options, LogWriter& log) {
   std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
   const std::string name = NameOfList(path);
   if (LooksLikeJson(text)) return FromJson(text, name);
@@ -32,7 +30,8 @@ Inventory ReadInventory(const std::string& path, const std::string& plugin, LogW
   }
   Source source;
   source.devices = path;
-  source.plugin = plugin;
+  source.plugin = options.plugin;
+  source.systemName = options.systemName;
   return CollectFrom(std::move(text), source, AllClasses(), log);
 }
 
@@ -43,18 +42,6 @@ std::string Render(const DiffOptions& options, const InventoryDifference& differ
 
 }  // namespace
 
-void AddDiffOptions(CLI::App& command, DiffOptions& options) {
-  AddText(command, "OLD", options.before, "FILE",
-          "The inventory before: a JSON inventory\nor a device list; - is standard input")
-      ->required();
-  AddText(command, "NEW", options.after, "FILE", "The inventory after, likewise")->required();
-  AddChoice(command, "--format", options.format, "FORMAT", {"text", "json"}, "How to print");
-  AddChoice(command, "--color", options.color, "WHEN", ColorNames(), "Colour the text");
-  AddText(command, "--output", options.output, "FILE", "Write there, whole or not at all [standard output]");
-  AddText(command, "--plugin", options.plugin, "FILE",
-          "The plug-in module that reads device lists\n[the one that came along]");
-}
-
 int RunDiff(const DiffOptions& options) {
   if (options.before == "-" && options.after == "-") {
     throw UserError("standard input holds one inventory; give a file for OLD or for NEW");
@@ -62,8 +49,8 @@ int RunDiff(const DiffOptions& options) {
   RequireDistinctFiles({"--output", options.output},
                        {{"OLD", options.before}, {"NEW", options.after}, {"--plugin", options.plugin}});
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
-  const Inventory before = ReadInventory(options.before, options.plugin, log);
-  const Inventory after = ReadInventory(options.after, options.plugin, log);
+  const Inventory before = ReadInventory(options.before, options, log);
+  const Inventory after = ReadInventory(options.after, options, log);
   const InventoryDifference difference = Compare(before, after);
   WriteOutput(options.output, Render(options, difference));
   log.Finish();

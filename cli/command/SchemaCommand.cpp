@@ -1,4 +1,3 @@
-// `usbinfo schema`; see the header.
 #include "cli/command/SchemaCommand.h"
 
 #include <nlohmann/json.hpp>
@@ -6,7 +5,6 @@
 #include "cli/command/ExitStatus.h"
 #include "cli/format/CimTypes.h"
 #include "cli/format/MofFormat.h"
-#include "cli/option/OptionForms.h"
 #include "cli/text/Output.h"
 #include "schema/ClassSchema.h"
 
@@ -36,11 +34,6 @@ ordered_json ToJson(const schema::ClassSchema& schema) {
 }
 
 }  // namespace
-
-void AddSchemaOptions(CLI::App& command, SchemaOptions& options) {
-  AddChoice(command, "--format", options.format, "FORMAT", {"mof", "json"}, "How to print");
-  AddText(command, "--output", options.output, "FILE", "Write there, whole or not at all [standard output]");
-}
 
 int RunSchema(const SchemaOptions& options) {
   WriteOutput(options.output, options.format == "json" ? RenderJsonSchema() : RenderMofSchema());

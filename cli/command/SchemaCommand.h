@@ -2,18 +2,11 @@
 // plug-in is loaded.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
+#include "cli/command/SchemaOptions.h"
+
 namespace cli {
-
-struct SchemaOptions {
-  std::string format = "mof";
-  std::string output;
-};
-
-/// Adds the options to the subcommand.
-void AddSchemaOptions(CLI::App& command, SchemaOptions& options);
 
 /// Prints the definitions; gives the exit status. Throws UserError when they cannot be written.
 int RunSchema(const SchemaOptions& options);

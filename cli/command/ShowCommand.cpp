@@ -1,21 +1,20 @@
-// `usbinfo show`; see the header.
 #include "cli/command/ShowCommand.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iostream>
 #include <optional>
 #include <vector>
 
 #include "cli/collect/EmptyAdvice.h"
 #include "cli/command/ExitStatus.h"
+#include "cli/command/Message.h"
 #include "cli/format/OutputFormat.h"
 #include "cli/format/RenderOptions.h"
 #include "cli/model/UsbIds.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
-#include "cli/text/Text.h"
+#include "schema/ClassSchema.h"
 
 namespace cli {
 
@@ -28,8 +27,19 @@ LogSeverity SeverityOf(const std::string& name) {
 }
 
 /// The classes to ask for: those named, else all in the order in which they build on each other.
-std::vector<std::string> RequestedClasses(const std::string& request) {
-  return request.empty() ? AllClasses() : SplitAtCommas(request);
+std::vector<std::string> RequestedClasses(const std::vector<std::string>& request) {
+  return request.empty() ? AllClasses() : request;
+}
+
+/// The plug-in is asked for any class; one that nobody serves is most often a mistyped one.
+void ReportUnknownClasses(const std::vector<std::string>& request) {
+  std::vector<std::string> unknown;
+  for (const std::string& name : request) {
+    if (schema::FindClass(name) == nullptr) unknown.push_back(name);
+  }
+  if (unknown.empty()) return;
+  PrintMessage(fmt::format("the schema has no class {}; the plug-in is asked for it all the same",
+                           fmt::join(unknown, ",")));
 }
 
 std::string Render(const ShowOptions& options, const OutputFormat& format, const Inventory& inventory) {
@@ -38,7 +48,7 @@ std::string Render(const ShowOptions& options, const OutputFormat& format, const
   rendering.isStandardOutput = IsStandardOutput(options.output);
   rendering.color = ColorOf(options.color);
   rendering.isVerbose = options.isVerbose;
-  rendering.columns = SplitAtCommas(options.columns);
+  rendering.columns = options.columns;
   rendering.names = names ? &*names : nullptr;
   return format.render(inventory, rendering);
 }
@@ -56,8 +66,8 @@ bool Print(const ShowOptions& options, const OutputFormat& format, const Invento
 
 std::string AdviseOnEmpty(const ShowOptions& options) {
   if (!options.request.empty()) {
-    return "nothing to show: the requested classes have no instance; ask for hubs, ports and devices ahead "
-           "of the associations, or leave --request out to see whether there is any USB device";
+    return "nothing to show: the requested classes have no instance; ask for hubs, ports and devices "
+           "before the associations, or leave --request out to see whether there is any USB device";
   }
   if (options.source.devices.empty()) return AdviseOnEmptyMachine(MachineFacts::OfThisMachine());
   return fmt::format(
@@ -75,7 +85,7 @@ std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& in
                        Describe(options.selection));
   }
   return fmt::format("nothing to show: no class that has instances has {}; see usbinfo schema",
-                     options.columns);
+                     fmt::join(options.columns, ","));
 }
 
 /// The log is made anew before anything is read: named like an input, it would empty that.
@@ -95,13 +105,14 @@ int RunShow(const ShowOptions& options) {
   CheckFiles(options);
   LogWriter log(options.log, SeverityOf(options.logLevel),
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
+  ReportUnknownClasses(options.request);
   const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);
   const OutputFormat& format = FindOutputFormat(options.format);
   const Inventory shown = Select(inventory, options.selection, format.keepsPath);
   const bool isPrinted = Print(options, format, shown);
   log.Finish();
   if (isPrinted) return kPrinted;
-  std::cerr << "usbinfo: " << EscapeForTerminal(AdviseOnNothingShown(options, inventory, shown)) << "\n";
+  PrintMessage(AdviseOnNothingShown(options, inventory, shown));
   return kNothingFound;
 }
 

@@ -1,12 +1,12 @@
-// The options of `usbinfo show`: what the command line may say, checked as it is parsed.
+// The options of `usbinfo show`.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 #include <vector>
 
 #include "cli/collect/Collection.h"
 #include "cli/model/Selection.h"
+#include "cli/option/Option.h"
 
 namespace cli {
 
@@ -16,11 +16,11 @@ struct ShowOptions {
   /// The formats that were asked for, one way or the other.
   std::vector<std::string> askedFormats;
   bool isVerbose = false;
-  /// Property names to show, separated by commas; empty for what the format chooses.
-  std::string columns;
+  /// Names of properties to show; empty for what the format chooses.
+  std::vector<std::string> columns;
   std::string color = "auto";
-  /// Class names to ask for, separated by commas; empty for all.
-  std::string request;
+  /// Names of classes to ask for, as they were given; empty for all.
+  std::vector<std::string> request;
   /// The part of the inventory to print.
   Selection selection;
   /// Empty for standard output.
@@ -31,11 +31,11 @@ struct ShowOptions {
   std::string logFormat = "text";
 };
 
-/// Declares the options on `app`, to be parsed into `options`.
-void AddShowOptions(CLI::App& app, ShowOptions& options);
+/// The table of options, which store what they are given in `options`. That must outlive them.
+std::vector<Option> ShowOptionTable(ShowOptions& options);
 
-/// To be called once the command line is parsed: settles the format. Throws CLI::ValidationError for options
-/// that contradict each other.
+/// To be called once the command line is read: settles the format. Throws UsageError for options that
+/// contradict each other.
 void CompleteShowOptions(ShowOptions& options);
 
 }  // namespace cli

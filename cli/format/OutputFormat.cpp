@@ -15,14 +15,14 @@ namespace cli {
 
 const std::vector<OutputFormat>& OutputFormats() {
   static const std::vector<OutputFormat> formats = {
-      {"tree", false, RenderTree, true, true},
-      {"table", false, RenderTable, false, true},
-      {"json", true, RenderJson},
-      {"jsonl", true, RenderJsonLines},
-      {"cimxml", true, RenderCimXml},
-      {"mof", true, RenderMof},
-      {"dot", true, RenderDot, true},
-      {"html", true, RenderHtml, true, true},
+      {"tree", "a tree of controllers, hubs, ports and devices", false, RenderTree, true, true},
+      {"table", "a table per class, with a row per instance", false, RenderTable, false, true},
+      {"json", "one JSON object with all classes", true, RenderJson},
+      {"jsonl", "JSON Lines, one object per instance", true, RenderJsonLines},
+      {"cimxml", "a CIM-XML declaration", true, RenderCimXml},
+      {"mof", "class declarations and instances in the Managed Object Format", true, RenderMof},
+      {"dot", "a graph for dot(1)", true, RenderDot, true},
+      {"html", "a page that stands alone", true, RenderHtml, true, true},
   };
   return formats;
 }

@@ -12,6 +12,8 @@ struct RenderOptions;
 
 struct OutputFormat {
   std::string name;
+  /// A few words of plain text.
+  std::string description;
   /// For programs rather than people: an empty inventory is still a document.
   bool isMachineReadable;
   std::string (*render)(const Inventory& inventory, const RenderOptions& options);

@@ -2,7 +2,7 @@
 # Prints what the bash completion offers, one per line: complete.bash COMPLETION WORD...
 # The last word is the one at the cursor.
 set -u
-# shellcheck source=completions/usbinfo.bash
+# shellcheck disable=SC1090  # generated
 source "$1"
 shift
 COMP_WORDS=(usbinfo "$@")

@@ -1,23 +1,21 @@
-"""The completions against the command: subcommands, options and values.
+"""The completions in their shells: subcommands, options and values.
 
 Each shell is asked what it offers on a command line.  Takes the command from
-USBINFO and the project's folder from SOURCE.
+USBINFO and the folder of the built completions from DOCUMENTS.
 """
 
-import json
 import os
 import pathlib
 import pty
+import re
+import shutil
 import subprocess
 import tempfile
 import unittest
 
-import options
-
 USBINFO = pathlib.Path(os.environ["USBINFO"])
-SOURCE = pathlib.Path(os.environ["SOURCE"])
 HERE = pathlib.Path(__file__).resolve().parent
-COMPLETIONS = SOURCE / "completions"
+COMPLETIONS = pathlib.Path(os.environ["DOCUMENTS"])
 
 
 def run_usbinfo(*arguments):
@@ -66,19 +64,42 @@ class Zsh:
                 while screen.read(4096):
                     pass
             except OSError:
-                pass  # The end, as a terminal tells it.
+                pass  # The end, as a terminal reports it.
         _, status = os.waitpid(process, 0)
         if status != 0:
             raise RuntimeError(f"zsh ended with {status}")
         return file.read_text(encoding="utf-8").splitlines()
 
 
+class Fish:
+    """Asks fish; what an option and its value are in one word is left out."""
+
+    @staticmethod
+    def offers(folder, *words):
+        """List what is offered for the last word."""
+        script = f'source {COMPLETIONS}/usbinfo.fish; complete -C "$argv"'
+        lines = subprocess.run(
+            ["fish", "--no-config", "-c", script, "usbinfo " + " ".join(words)],
+            check=True, cwd=folder, text=True, stdout=subprocess.PIPE,
+            env={**os.environ, "HOME": str(folder.parent)}).stdout.splitlines()
+        offered = [line.split("\t")[0].rstrip("/") for line in lines]
+        return [word.split("=")[-1] if "=" in words[-1] else word
+                for word in offered]
+
+
+def options_of_help(*command):
+    """List the names of the options that a subcommand's help lists."""
+    entries = re.findall(r"^  (-.*?)(?:  |$)",
+                         run_usbinfo(*command, "--help"), re.MULTILINE)
+    return [name.split()[0] for entry in entries for name in entry.split(", ")]
+
+
 class CompletionTest:
     """What every shell has to offer; SHELL is the one that is asked."""
 
     SHELL = None
-    CLASSES = list(json.loads(run_usbinfo("schema", "--format", "json"))
-                   ["classes"])
+    FORMATS = ["tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html"]
+    SUBCOMMANDS = ["show", "diff", "schema", "help"]
 
     def setUp(self):
         parent = tempfile.TemporaryDirectory()
@@ -88,79 +109,61 @@ class CompletionTest:
         (self.folder / "afile").touch()
         (self.folder / "afolder").mkdir()
 
-    def offers(self, *words):
-        """Ask the shell."""
-        return self.SHELL.offers(self.folder, *words)
-
     def assert_offers(self, words, expected):
-        self.assertCountEqual(self.offers(*words), expected, words)
+        """Hold what is offered for the last of the words to the expected."""
+        self.assertCountEqual(self.SHELL.offers(self.folder, *words), expected,
+                              words)
 
-    def check_options(self, *command):
-        """Hold what is offered against the command's help."""
-        wanted = options.from_help(run_usbinfo(*command, "--help"))
-        self.assert_offers((*command, "-"),
-                           [name for names in wanted for name in names])
-        return wanted
-
-    def check_values(self, *command):
-        """Hold every option's values against the command's help."""
-        for names, option in self.check_options(*command).items():
-            for name in names:
-                self.check_value(command, name, option)
-
-    def check_value(self, command, name, option):
-        """Hold the values offered for an option against the help."""
-        with self.subTest(command=command, option=name):
-            if option.value == "FILE":
-                self.assert_offers((*command, name, "af"),
-                                   ["afile", "afolder"])
-            elif option.choices:
-                self.assert_offers((*command, name, ""), option.choices)
-            elif option.value:
-                self.assertNotIn("afile", self.offers(*command, name, ""))
-
-    def test_show(self):
-        self.check_values("show")
-
-    def test_command_itself(self):
-        self.check_options()
-
-    def test_schema(self):
-        self.check_values("schema")
-
-    def test_diff(self):
-        self.check_values("diff")
+    def test_every_option_of_the_help_and_no_other(self):
+        for command in [[], *([name] for name in self.SUBCOMMANDS)]:
+            with self.subTest(command):
+                names = options_of_help(*command)
+                self.assertIn("--help", names)
+                self.assert_offers((*command, "-"), names)
 
     def test_subcommands(self):
-        names = options.subcommands_of_help(run_usbinfo("--help"))
-        self.assert_offers(("",), names)
-        self.assert_offers(("--format", "json", ""), names)
+        self.assert_offers(("",), self.SUBCOMMANDS)
+        self.assert_offers(("--format", "json", ""), self.SUBCOMMANDS)
         self.assert_offers(("d",), ["diff"])
 
-    def test_option_value_is_no_subcommand(self):
-        self.assert_offers(("--log", "diff", "schema", "--f"),
-                           ["--format"])
+    def test_option_value_is_not_taken_for_a_subcommand(self):
+        self.assert_offers(("--log", "diff", "schema", "--f"), ["--format"])
 
-    def test_value_behind_an_equals_sign(self):
+    def test_choices_of_each_subcommand(self):
+        self.assert_offers(("--format", ""), self.FORMATS)
+        self.assert_offers(("show", "--format", ""), self.FORMATS)
+        self.assert_offers(("diff", "--format", ""), ["text", "json"])
+        self.assert_offers(("schema", "--format", ""), ["mof", "json"])
+        self.assert_offers(("--log-level", "e"), ["error"])
+        self.assert_offers(("--class", "port"), ["port", "portonhub"])
+
+    def test_value_after_an_equals_sign(self):
         self.assert_offers(("--log-format=j",), ["json"])
-        self.assertIn("tree", self.offers("--format="))
+        self.assert_offers(("--format=",), self.FORMATS)
 
-    def test_classes(self):
-        self.assert_offers(("--class", ""), self.CLASSES)
-        self.assert_offers(("--class", "KALDO_USBPo"),
-                           ["KALDO_USBPort", "KALDO_USBPortOnHub"])
+    def test_files_for_options_that_take_one(self):
+        for name in ("--devices", "--output", "--mask-key"):
+            self.assert_offers((name, "af"), ["afile", "afolder"])
 
-    def test_several_classes(self):
-        offers = self.offers("--request", "KALDO_USBHub,KALDO_USBPo")
-        # Bash offers the whole word, zsh its last part.
+    def test_nothing_for_a_value_that_nobody_can_know(self):
+        for name in ("--system-name", "-d", "-s"):
+            self.assert_offers((name, "a"), [])
+
+    def test_lists(self):
+        self.assert_last_parts(("--request", "KALDO_USBHub,KALDO_USBPo"),
+                               ["KALDO_USBPort", "KALDO_USBPortOnHub"])
+        self.assert_last_parts(("--columns", "Name,Sp"), ["Speed"])
+
+    def assert_last_parts(self, words, expected):
+        """Hold the last part of each list; some shells offer it alone."""
+        offers = self.SHELL.offers(self.folder, *words)
         self.assertCountEqual([offer.split(",")[-1] for offer in offers],
-                              ["KALDO_USBPort", "KALDO_USBPortOnHub"])
+                              expected)
 
-    def test_diff_takes_files(self):
+    def test_operands(self):
         self.assert_offers(("diff", "a"), ["afile", "afolder"])
         self.assert_offers(("diff", "afile", "a"), ["afile", "afolder"])
-
-    def test_nothing_follows_schema(self):
+        self.assert_offers(("help", "s"), ["show", "schema"])
         self.assert_offers(("schema", "a"), [])
 
 
@@ -170,6 +173,11 @@ class BashTest(CompletionTest, unittest.TestCase):
 
 class ZshTest(CompletionTest, unittest.TestCase):
     SHELL = Zsh
+
+
+@unittest.skipUnless(shutil.which("fish"), "fish is not installed")
+class FishTest(CompletionTest, unittest.TestCase):
+    SHELL = Fish
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
-"""The manual page against the command: its options, its form, its examples.
+"""The manual page as it is built: its form, its subcommands, its examples.
 
-Takes the command from USBINFO and the project's folder from SOURCE.
+Takes the command from USBINFO, the project's folder from SOURCE and that of the
+built documents from DOCUMENTS.
 """
 
 import os
@@ -10,136 +11,15 @@ import subprocess
 import tempfile
 import unittest
 
-import options
-
 USBINFO = pathlib.Path(os.environ["USBINFO"])
 SOURCE = pathlib.Path(os.environ["SOURCE"])
-PAGE = SOURCE / "docs" / "usbinfo.1"
+PAGE = pathlib.Path(os.environ["DOCUMENTS"]) / "usbinfo.1"
 CAPTURE = SOURCE / "tests" / "data" / "captures" / "vm-desktop-debugfs.txt"
-
-HELP = """Shows.
-Usage: usbinfo [OPTIONS]
-
-Options:
-  -h,--help             Print this help
-  --format FORMAT       How to print [tree]:
-                        tree (on a
-                        terminal), json,
-                        mof
-  -d VID:[PID]          Only these
-  --class NAME ...      Print only this class; may be repeated:
-                        or not
-  --mask-key FILE Needs: --mask-serials
-                        The key
-  -v,--verbose          More
-                        of it
-
-Subcommands:
-  show                  Print the inventory
-  schema                Print the classes
-"""
-
-MANUAL = """.Sh NAME
-.It Fl no
-.Sh OPTIONS
-.Ss Options of show
-.Bl -tag
-.It Fl h , Fl -help
-Help with
-.Fl x .
-.It Fl -format Ar FORMAT
-.Bl -tag
-.It Cm tree
-a tree
-.It Cm json
-.Cm mof ,
-.El
-.It Fl d Ar VID : Ns Op Ar PID
-.It Fl s Oo Ar BUS Oc : Ns Op Ar DEV
-.El
-.Ss Options of diff
-.It Fl -output Ar FILE
-.Sh FILES
-.It Fl -none
-"""
-
 
 def run_usbinfo(*arguments):
     """Return what the command printed."""
     return subprocess.run([USBINFO, *arguments], check=True, text=True,
                           stdout=subprocess.PIPE).stdout
-
-
-class ReadersTest(unittest.TestCase):
-    """The readers of both texts, on texts made up for them."""
-
-    def test_help_is_read_with_names_values_and_choices(self):
-        self.assertEqual(options.from_help(HELP), {
-            ("-h", "--help"): ("", frozenset()),
-            ("--format",): ("FORMAT", {"tree", "json", "mof"}),
-            ("-d",): ("VID:[PID]", frozenset()),
-            ("--class",): ("NAME", {"or", "not"}),
-            ("--mask-key",): ("FILE", frozenset()),
-            ("-v", "--verbose"): ("", frozenset())})
-
-    def test_help_is_read_with_its_subcommands(self):
-        self.assertEqual(options.subcommands_of_help(HELP),
-                         ["show", "schema"])
-
-    def test_manual_is_read_section_by_section(self):
-        self.assertEqual(options.from_manual(MANUAL), {
-            "show": {("-h", "--help"): ("", frozenset()),
-                     ("--format",): ("FORMAT", {"tree", "json", "mof"}),
-                     ("-d",): ("VID:[PID]", frozenset()),
-                     ("-s",): ("[BUS]:[DEV]", frozenset())},
-            "diff": {("--output",): ("FILE", frozenset())}})
-
-    def test_every_kind_of_difference_is_told(self):
-        none = frozenset()
-        wanted = {("-a",): options.Option("", none),
-                  ("-b",): options.Option("FILE", none),
-                  ("-c",): options.Option("X", frozenset({"on", "off"})),
-                  ("-e",): options.Option("", none)}
-        found = {("-b",): options.Option("NAME", none),
-                 ("-c",): options.Option("X", frozenset({"on"})),
-                 ("-e",): options.Option("", none),
-                 ("-f",): options.Option("", none)}
-        self.assertEqual(options.differences(wanted, found), [
-            "-a is missing",
-            "-b takes 'FILE', not 'NAME'",
-            "-c may be ['off', 'on'], not ['on']",
-            "-f is no option of the command"])
-
-
-class OptionsTest(unittest.TestCase):
-    """The page has the options of the help, and none besides."""
-
-    def setUp(self):
-        self.page = options.from_manual(PAGE.read_text(encoding="utf-8"))
-
-    def differences(self, command, *arguments):
-        wanted = options.from_help(run_usbinfo(*arguments, "--help"))
-        self.assertIn(("-h", "--help"), wanted)
-        return options.differences(wanted, self.page[command])
-
-    def test_sections_are_those_of_the_subcommands(self):
-        self.assertEqual(tuple(self.page), options.SUBCOMMANDS)
-        self.assertCountEqual(
-            options.subcommands_of_help(run_usbinfo("--help")),
-            options.SUBCOMMANDS)
-
-    def test_show_is_the_command_itself(self):
-        self.assertEqual(run_usbinfo("show", "--help"),
-                         run_usbinfo("--help"))
-
-    def test_show(self):
-        self.assertEqual(self.differences("show"), [])
-
-    def test_schema(self):
-        self.assertEqual(self.differences("schema", "schema"), [])
-
-    def test_diff(self):
-        self.assertEqual(self.differences("diff", "diff"), [])
 
 
 class FormTest(unittest.TestCase):
@@ -151,6 +31,17 @@ class FormTest(unittest.TestCase):
         self.assertEqual(sections, [
             "NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "ENVIRONMENT",
             "FILES", "EXIT STATUS", "EXAMPLES", "SEE ALSO", "CAVEATS"])
+
+    def test_every_subcommand_is_named_and_has_its_options(self):
+        page = PAGE.read_text(encoding="utf-8")
+        _, _, listed = run_usbinfo("--help").partition("\nSubcommands:\n")
+        names = re.findall(r"^  (\S+)", listed, re.MULTILINE)
+        self.assertIn("diff", names)
+        for name in names:
+            self.assertIn(f"\n.It Cm {name}\n", page)
+        self.assertEqual(
+            re.findall(r"^\.Ss Options of (.*)", page, re.MULTILINE),
+            [name for name in names if name != "help"])
 
     def check(self, *command):
         # Whether the pages referred to are installed is another matter.

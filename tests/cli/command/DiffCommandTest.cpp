@@ -156,19 +156,21 @@ const std::string kInput = "; name a file that holds a JSON inventory or a devic
 const std::string kHelp = "; see usbinfo diff --help";
 
 const Refused kRefused[] = {
-    {"NoOperand", {"diff"}, "OLD is required" + kHelp},
-    {"OneOperand", {"diff", Capture()}, "NEW is required" + kHelp},
-    {"ThreeOperands", {"diff", "a", "b", "c"}, "The following argument was not expected: c" + kHelp},
+    {"NoOperand", {"diff"}, "OLD is missing" + kHelp},
+    {"OneOperand", {"diff", Capture()}, "NEW is missing" + kHelp},
+    {"ThreeOperands", {"diff", "a", "b", "c"}, "unexpected argument c" + kHelp},
     {"EmptyOperand", {"diff", "", Capture()}, "OLD: must not be empty" + kHelp},
     {"EmptyOutput", {"diff", "a", "b", "--output", ""}, "--output: must not be empty" + kHelp},
-    {"UnknownOption",
-     {"diff", "--bogus", "a", "b"},
-     "The following argument was not expected: --bogus" + kHelp},
-    {"UnknownFormat", {"diff", "a", "b", "--format", "tree"}, "--format: tree not in {text,json}" + kHelp},
-    {"UnknownColor", {"diff", "a", "b", "--color", "red"}, "--color: red not in {auto,always,never}" + kHelp},
+    {"UnknownOption", {"diff", "--bogus", "a", "b"}, "unknown option --bogus" + kHelp},
+    {"UnknownFormat",
+     {"diff", "a", "b", "--format", "tree"},
+     "--format: \"tree\" is not one of text, json" + kHelp},
+    {"UnknownColor",
+     {"diff", "a", "b", "--color", "red"},
+     "--color: \"red\" is not one of auto, always, never" + kHelp},
     {"OptionOfTheInventory",
      {"--devices", "x", "diff", "a", "b"},
-     "--devices is no option of usbinfo diff" + kHelp},
+     "--devices is not supported by usbinfo diff" + kHelp},
     {"TwiceStandardInput",
      {"diff", "-", "-"},
      "standard input holds one inventory; give a file for OLD or for NEW"},
@@ -218,9 +220,10 @@ TEST(Diff, KeepsAForgedMemberNameOnTheLineOfItsMessage) {
               "{\"schema\": \"usbinfo.inventory/1\", \"system\": {}, \"classes\": {}, \"\\n\\u001b[2J\": 1}")
           .Run();
   EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.errors,
-            "usbinfo: standard input holds no inventory: /\\n\\x1b[2J: is no member of an inventory; save it "
-            "anew with usbinfo --format json\n");
+  EXPECT_EQ(
+      result.errors,
+      "usbinfo: standard input holds no inventory: /\\n\\x1b[2J: is not a member of an inventory; save it "
+      "anew with usbinfo --format json\n");
 }
 
 TEST(Diff, TellsAnOutputThatFails) {

@@ -71,12 +71,13 @@ TEST(Schema, TellsAnOutputThatCannotBeWritten) {
 TEST(Schema, RefusesOptionsThatAreNotItsOwn) {
   const CommandResult before = RunUsbinfo({"--devices", "list", "schema"});
   EXPECT_EQ(before.status, 2);
-  EXPECT_EQ(before.errors, "usbinfo: --devices is no option of usbinfo schema; see usbinfo schema --help\n");
+  EXPECT_EQ(before.errors,
+            "usbinfo: --devices is not supported by usbinfo schema; see usbinfo schema --help\n");
   const CommandResult behind = RunUsbinfo({"schema", "--devices", "list"});
   EXPECT_EQ(behind.status, 2);
   EXPECT_EQ(behind.output, "");
   EXPECT_EQ(RunUsbinfo({"schema", "--format", "yaml"}).errors,
-            "usbinfo: --format: yaml not in {mof,json}; see usbinfo schema --help\n");
+            "usbinfo: --format: \"yaml\" is not one of mof, json; see usbinfo schema --help\n");
 }
 
 TEST(Schema, HasHelpOfItsOwn) {

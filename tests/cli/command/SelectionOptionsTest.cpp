@@ -131,6 +131,14 @@ TEST(SelectionOptions, TakeTheFormsOfTheUsualTools) {
   EXPECT_EQ(SelectedOnDesktop({"-s", ":"}).size(), 11U);
 }
 
+TEST(SelectionOptions, TakeProductsOfAnyVendorAndSeveralIds) {
+  EXPECT_THAT(SelectedOnDesktop({"-d", ":55aa"}), ElementsAre("Bus 01  Device   2"));
+  EXPECT_THAT(SelectedOnDesktop({"-d", "0627:", "-d", ":55aa"}),
+              UnorderedElementsAre("Bus 01  Device   2", "Bus 01  Device   4", "Bus 01  Device   5"));
+  EXPECT_THAT(SelectedOnDesktop({"-d", "0627:", "-d", "0627:"}),
+              ElementsAre("Bus 01  Device   4", "Bus 01  Device   5"));
+}
+
 TEST(SelectionOptions, MustAllHold) {
   EXPECT_THAT(SelectedOnDesktop({"-d", "46f4:", "-s", "2:"}),
               ElementsAre("Bus 02  Device   2", "Bus 02  Device   3"));
@@ -146,6 +154,30 @@ TEST(SelectionOptions, TakeSeveralClassesInTheOrderOfTheInventory) {
   EXPECT_EQ(both.size(), 9U);
   EXPECT_EQ(SelectedOnDesktop({"--class", "KALDO_USBController", "--class", "KALDO_USBHub"}), both);
   EXPECT_EQ(SelectedOnDesktop({"--class", "KALDO_USBHub", "--class", "KALDO_USBHub"}).size(), 5U);
+}
+
+TEST(SelectionOptions, TakeClassesByShortNamesInAnyCase) {
+  for (const auto& [name, className] :
+       {std::pair("device", "KALDO_USBDevice"), std::pair("PORT", "KALDO_USBPort"),
+        std::pair("Hub", "KALDO_USBHub"), std::pair("controller", "KALDO_USBController"),
+        std::pair("kaldo_usbport", "KALDO_USBPort"), std::pair("portonhub", "KALDO_USBPortOnHub"),
+        std::pair("Connection", "KALDO_USBConnection")}) {
+    const std::string wanted = RunOnDesktop({"--class", className, "-j"}).output;
+    EXPECT_NE(wanted, RunOnDesktop({"-j"}).output);
+    EXPECT_EQ(RunOnDesktop({"--class", name, "-j"}).output, wanted) << name;
+  }
+}
+
+TEST(ColumnsOption, TakesNamesInAnyCase) {
+  const std::vector<std::string> table = {"--format", "table", "--columns"};
+  const auto run = [&table](const char* columns) {
+    std::vector<std::string> all = table;
+    all.emplace_back(columns);
+    return RunOnDesktop(all).output;
+  };
+  const std::string wanted = run("SerialNumber,Name");
+  EXPECT_THAT(wanted, HasSubstr("SerialNumber"));
+  EXPECT_EQ(run("serialnumber,NAME"), wanted);
 }
 
 TEST(SelectionOptions, MayStandOnEitherSideOfShow) {
@@ -290,7 +322,7 @@ TEST(SelectionOfARequest, TakesFromWhatWasRequested) {
   EXPECT_THAT(SelectedOnDesktop({"--request", request, "-s", "1:4"}), ElementsAre("Bus 01  Device   4"));
   EXPECT_THAT(SelectedOnDesktop({"--request", request, "--class", "KALDO_USBPort"}), IsEmpty());
   EXPECT_EQ(RunOnDesktop({"--request", request, "-s", "1:4"}).output,
-            "testhost: 0 controllers, 0 of 5 hubs, 0 ports (0 free), 1 of 6 devices\n\n"
+            "testhost: 0 controllers, 0 of 5 hubs, 0 ports, 1 of 6 devices\n\n"
             "USB              DEVICE            ID             SPEED\n"
             "Bus 01, device 4 QEMU USB Keyboard 0627:0001  12 Mbit/s\n");
 }

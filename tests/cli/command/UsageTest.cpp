@@ -14,11 +14,9 @@ using testing::HasSubstr;
 namespace usbinfo_test {
 namespace {
 
-constexpr const char* kWrongIds = "-d: must be VID:[PID], hexadecimal numbers of up to four digits";
+constexpr const char* kWrongIds = "-d: must be [VID]:[PID], hexadecimal numbers of up to four digits";
 constexpr const char* kWrongPlace = "-s: must be [BUS]:[DEV] or DEV, decimal numbers";
-#define USBINFO_TEST_CLASSES                                                            \
-  "{KALDO_USBController,KALDO_USBHub,KALDO_USBPort,KALDO_USBDevice,KALDO_USBPortOnHub," \
-  "KALDO_USBConnection}"
+#define USBINFO_TEST_CLASSES " is not one of controller, hub, port, device, portonhub, connection"
 
 struct WrongUse {
   const char* name;
@@ -31,45 +29,63 @@ std::ostream& operator<<(std::ostream& out, const WrongUse& use) {
 }
 
 const WrongUse kWrongUses[] = {
-    {"UnknownOption", {"--bogus"}, "The following argument was not expected: --bogus"},
-    {"UnknownShortOption", {"-x"}, "The following argument was not expected: -x"},
-    {"UnknownSubcommand", {"extra"}, "The following argument was not expected: extra"},
-    {"UnknownOptionOfShow", {"show", "--bogus"}, "The following argument was not expected: --bogus"},
-    {"OperandOfShow", {"show", "extra"}, "The following argument was not expected: extra"},
-    {"AbbreviatedOption", {"--form=json"}, "The following argument was not expected: --form=json"},
-    {"NoDevices", {"--devices"}, "--devices: 1 required FILE missing"},
-    {"NoFormat", {"--format"}, "--format: 1 required FORMAT missing"},
-    {"NoRequest", {"--request"}, "--request: 1 required A,B,... missing"},
-    {"NoSystemName", {"--system-name"}, "--system-name: 1 required NAME missing"},
-    {"NoOutput", {"--output"}, "--output: 1 required FILE missing"},
-    {"NoPlugin", {"--plugin"}, "--plugin: 1 required FILE missing"},
-    {"NoLog", {"--log"}, "--log: 1 required FILE missing"},
-    {"NoLogLevel", {"--log-level"}, "--log-level: 1 required LEVEL missing"},
-    {"NoLogFormat", {"--log-format"}, "--log-format: 1 required FORMAT missing"},
+    {"UnknownOption", {"--bogus"}, "unknown option --bogus"},
+    {"UnknownShortOption", {"-x"}, "unknown option -x"},
+    {"UnknownSubcommand", {"extra"}, "unexpected argument extra (did you mean --devices extra?)"},
+    {"UnknownOptionOfShow", {"show", "--bogus"}, "unknown option --bogus"},
+    {"OperandOfShow", {"show", "extra"}, "unexpected argument extra (did you mean --devices extra?)"},
+    {"AbbreviatedOption", {"--form=json"}, "unknown option --form (did you mean --format?)"},
+    {"SeveralUnknownOptionsInTheirOrder",
+     {"--zebra", "--devcies=a", "-x", "--apple"},
+     "unknown option --zebra, unknown option --devcies (did you mean --devices?), unknown option -x, "
+     "unknown option --apple"},
+    {"UnknownOptionWithAValue",
+     {"--colour", "never", "--bogus"},
+     "unknown option --colour (did you mean --color?), unknown option --bogus"},
+    {"MistypedSubcommand", {"shcema"}, "unexpected argument shcema (did you mean schema?)"},
+    {"File", {"list.txt"}, "unexpected argument list.txt (did you mean --devices list.txt?)"},
+    {"EmptyArgument", {""}, "unexpected argument  (did you mean --devices ?)"},
+    {"SwitchWithAValue", {"--mask-serials=no"}, "--mask-serials takes no value"},
+    {"EmptyValueAfterAnEqualsSign", {"--output=", "list"}, "--output: must not be empty"},
+    {"EmptyValueAfterAnEqualsSignAtTheEnd", {"--output="}, "--output requires a value: FILE"},
+    {"NoValueAfterShortOptionsInOneWord", {"-td"}, "-d requires a value: [VID]:[PID]"},
+    {"NoDevices", {"--devices"}, "--devices requires a value: FILE"},
+    {"NoFormat", {"--format"}, "--format requires a value: FORMAT"},
+    {"NoRequest", {"--request"}, "--request requires a value: A,B,..."},
+    {"NoSystemName", {"--system-name"}, "--system-name requires a value: NAME"},
+    {"NoOutput", {"--output"}, "--output requires a value: FILE"},
+    {"NoPlugin", {"--plugin"}, "--plugin requires a value: FILE"},
+    {"NoLog", {"--log"}, "--log requires a value: FILE"},
+    {"NoLogLevel", {"--log-level"}, "--log-level requires a value: LEVEL"},
+    {"NoLogFormat", {"--log-format"}, "--log-format requires a value: FORMAT"},
     {"EmptyDevices", {"--devices", ""}, "--devices: must not be empty"},
     {"EmptySystemName", {"--system-name", ""}, "--system-name: must not be empty"},
     {"EmptyOutput", {"--output", ""}, "--output: must not be empty"},
     {"EmptyPlugin", {"--plugin", ""}, "--plugin: must not be empty"},
     {"EmptyLog", {"--log", ""}, "--log: must not be empty"},
-    {"EmptyFormat", {"--format", ""}, "--format:  not in {tree,table,json,jsonl,cimxml,mof,dot,html}"},
+    {"EmptyFormat",
+     {"--format", ""},
+     "--format: \"\" is not one of tree, table, json, jsonl, cimxml, mof, dot, html"},
     {"EmptyRequest", {"--request", ""}, "--request: needs class names separated by commas"},
     {"RequestBeginsWithComma", {"--request", ",A"}, "--request: needs class names separated by commas"},
     {"RequestEndsWithComma", {"--request", "A,"}, "--request: needs class names separated by commas"},
     {"RequestWithEmptyName", {"--request", "A,,B"}, "--request: needs class names separated by commas"},
     {"WrongFormat",
      {"--format", "yaml"},
-     "--format: yaml not in {tree,table,json,jsonl,cimxml,mof,dot,html}"},
+     "--format: \"yaml\" is not one of tree, table, json, jsonl, cimxml, mof, dot, html"},
     {"FormatInCapitals",
      {"--format", "JSON"},
-     "--format: JSON not in {tree,table,json,jsonl,cimxml,mof,dot,html}"},
+     "--format: \"JSON\" is not one of tree, table, json, jsonl, cimxml, mof, dot, html"},
     {"WrongFormatOfShow",
      {"show", "--format", "yaml"},
-     "--format: yaml not in {tree,table,json,jsonl,cimxml,mof,dot,html}"},
+     "--format: \"yaml\" is not one of tree, table, json, jsonl, cimxml, mof, dot, html"},
     {"WrongLogLevel",
      {"--log-level", "loud"},
-     "--log-level: loud not in {error,warning,status,debug,verbose}"},
-    {"NumberAsLogLevel", {"--log-level", "3"}, "--log-level: 3 not in {error,warning,status,debug,verbose}"},
-    {"WrongLogFormat", {"--log-format", "xml"}, "--log-format: xml not in {text,json}"},
+     "--log-level: \"loud\" is not one of error, warning, status, debug, verbose"},
+    {"NumberAsLogLevel",
+     {"--log-level", "3"},
+     "--log-level: \"3\" is not one of error, warning, status, debug, verbose"},
+    {"WrongLogFormat", {"--log-format", "xml"}, "--log-format: \"xml\" is not one of text, json"},
     {"TreeAndJson", {"-t", "-j"}, "the formats tree and json contradict each other: ask for one of them"},
     {"JsonAndFormatTree",
      {"-j", "--format", "tree"},
@@ -89,24 +105,22 @@ const WrongUse kWrongUses[] = {
      "--columns is for the table: leave it out, or use --format table"},
     {"UnknownColumn",
      {"--format", "table", "--columns", "Name,Colour"},
-     "--columns: Colour not in "
-     "{Antecedent,ClassCode,CreationClassName,Dependent,Description,DeviceID,HubDepth,HubName,InterfaceType,"
-     "Manufacturer,Name,NumberOfConfigs,NumberOfPorts,PortNumber,ProtocolCode,SerialNumber,Speed,"
-     "StatusDescriptions,SubclassCode,SystemCreationClassName,SystemName,USBDeviceID,USBVersion,VendorID}"},
-    {"NoColumns", {"--columns"}, "--columns: 1 required A,B,... missing"},
+     "--columns: \"Colour\" is not one of Antecedent, ClassCode, CreationClassName, Dependent, Description, "
+     "DeviceID, HubDepth, HubName, InterfaceType, Manufacturer, Name, NumberOfConfigs, NumberOfPorts, "
+     "PortNumber, ProtocolCode, SerialNumber, Speed, StatusDescriptions, SubclassCode, "
+     "SystemCreationClassName, SystemName, USBDeviceID, USBVersion, VendorID"},
+    {"NoColumns", {"--columns"}, "--columns requires a value: A,B,..."},
     {"EmptyColumns", {"--columns", ""}, "--columns: needs property names separated by commas"},
     {"ColumnsWithEmptyName",
      {"--columns", "Name,,Speed"},
      "--columns: needs property names separated by commas"},
-    {"WrongColor", {"--color", "green"}, "--color: green not in {auto,always,never}"},
-    {"NoColor", {"--color"}, "--color: 1 required WHEN missing"},
-    {"DevicesTwice", {"--devices", "a", "--devices", "b"}, "--devices: At Most 1 required but received 2"},
-    {"OutputTwice", {"--output", "a", "--output", "b"}, "--output: At Most 1 required but received 2"},
-    {"IdsTwice", {"-d", "1:", "-d", "2:"}, "-d: At Most 1 required but received 2"},
-    {"NoIds", {"-d"}, "-d: 1 required VID:[PID] missing"},
+    {"WrongColor", {"--color", "green"}, "--color: \"green\" is not one of auto, always, never"},
+    {"NoColor", {"--color"}, "--color requires a value: WHEN"},
+    {"DevicesTwice", {"--devices", "a", "--devices", "b"}, "--devices may be given only once"},
+    {"OutputTwice", {"--output", "a", "--output", "b"}, "--output may be given only once"},
+    {"NoIds", {"-d"}, "-d requires a value: [VID]:[PID]"},
     {"EmptyIds", {"-d", ""}, kWrongIds},
     {"IdsWithoutColon", {"-d", "1d6b"}, kWrongIds},
-    {"IdsWithoutVendor", {"-d", ":0002"}, kWrongIds},
     {"IdsOfColonAlone", {"-d", ":"}, kWrongIds},
     {"LongVendor", {"-d", "01d6b:"}, kWrongIds},
     {"LongProduct", {"-d", "1d6b:00002"}, kWrongIds},
@@ -115,8 +129,8 @@ const WrongUse kWrongUses[] = {
     {"VendorWithSign", {"-d", "-1:"}, kWrongIds},
     {"VendorWithBlank", {"-d", " 1:"}, kWrongIds},
     {"ThreeIds", {"-d", "1:2:3"}, kWrongIds},
-    {"PlaceTwice", {"-s", "1", "-s", "2"}, "-s: At Most 1 required but received 2"},
-    {"NoPlace", {"-s"}, "-s: 1 required [BUS]:[DEV] missing"},
+    {"PlaceTwice", {"-s", "1", "-s", "2"}, "-s may be given only once"},
+    {"NoPlace", {"-s"}, "-s requires a value: [BUS]:[DEV]"},
     {"EmptyPlace", {"-s", ""}, kWrongPlace},
     {"BusThatIsNoNumber", {"-s", "a:"}, kWrongPlace},
     {"DeviceThatIsNoNumber", {"-s", ":a"}, kWrongPlace},
@@ -126,22 +140,22 @@ const WrongUse kWrongUses[] = {
     {"DeviceWithBlank", {"-s", "1 "}, kWrongPlace},
     {"DeviceTooBig", {"-s", "4294967296"}, kWrongPlace},
     {"ThreePlaces", {"-s", "1:2:3"}, kWrongPlace},
-    {"NoClass", {"--class"}, "--class: 1 required NAME missing"},
-    {"UnknownClass", {"--class", "KALDO_USB"}, "--class: KALDO_USB not in " USBINFO_TEST_CLASSES},
-    {"ClassInSmallLetters",
-     {"--class", "kaldo_usbhub"},
-     "--class: kaldo_usbhub not in " USBINFO_TEST_CLASSES},
-    {"EmptyClass", {"--class", ""}, "--class:  not in " USBINFO_TEST_CLASSES},
-    {"UnknownClassBehindAKnownOne",
+    {"NoClass", {"--class"}, "--class requires a value: NAME"},
+    {"UnknownClass", {"--class", "KALDO_USB"}, "--class: \"KALDO_USB\"" USBINFO_TEST_CLASSES},
+    {"ClassOfTwoPrefixes",
+     {"--class", "KALDO_USBKALDO_USBHub"},
+     "--class: \"KALDO_USBKALDO_USBHub\"" USBINFO_TEST_CLASSES},
+    {"EmptyClass", {"--class", ""}, "--class: \"\"" USBINFO_TEST_CLASSES},
+    {"UnknownClassAfterAKnownOne",
      {"--class", "KALDO_USBHub", "--class", "x"},
-     "--class: x not in " USBINFO_TEST_CLASSES},
+     "--class: \"x\"" USBINFO_TEST_CLASSES},
     {"TwoClassesBehindOneOption",
      {"--class", "KALDO_USBHub", "KALDO_USBPort"},
-     "The following argument was not expected: KALDO_USBPort"},
+     "unexpected argument KALDO_USBPort (did you mean --devices KALDO_USBPort?)"},
     {"KeyWithoutMask", {"--mask-key", "key"}, "--mask-key requires --mask-serials"},
-    {"NoKey", {"--mask-serials", "--mask-key"}, "--mask-key: 1 required FILE missing"},
+    {"NoKey", {"--mask-serials", "--mask-key"}, "--mask-key requires a value: FILE"},
     {"EmptyKeyName", {"--mask-serials", "--mask-key", ""}, "--mask-key: must not be empty"},
-    {"ShowTwice", {"show", "show"}, "The following argument was not expected: show"},
+    {"ShowTwice", {"show", "show"}, "unexpected argument show (did you mean --devices show?)"},
 };
 
 class UsageTest : public testing::TestWithParam<WrongUse> {};
@@ -190,12 +204,12 @@ TEST(Usage, PrintsHelpThatNamesEveryOptionWithinEightyColumns) {
     const CommandResult result = RunUsbinfo(arguments);
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.errors, "");
-    for (const char* option : {"-h",       "--devices", "--format",    "--request",      "--system-name",
-                               "-d ",      "-s ",       "--class",     "--mask-serials", "--mask-key",
-                               "--output", "--plugin",  "--log ",      "--log-level",    "--log-format",
-                               "tree",     "json",      "jsonl",       "cimxml",         "mof",
-                               "dot",      "html",      "table",       "--columns",      "--color",
-                               "-t ",      "-j ",       "-v,--verbose"}) {
+    for (const char* option : {"-h",       "--devices", "--format",     "--request",      "--system-name",
+                               "-d ",      "-s ",       "--class",      "--mask-serials", "--mask-key",
+                               "--output", "--plugin",  "--log ",       "--log-level",    "--log-format",
+                               "tree",     "json",      "jsonl",        "cimxml",         "mof",
+                               "dot",      "html",      "table",        "--columns",      "--color",
+                               "-t ",      "-j ",       "-v, --verbose"}) {
       EXPECT_THAT(result.output, HasSubstr(option));
     }
     for (const std::string& line : Lines(result.output)) EXPECT_LE(line.size(), 80U) << line;
@@ -205,7 +219,58 @@ TEST(Usage, PrintsHelpThatNamesEveryOptionWithinEightyColumns) {
 TEST(Usage, PrintsHelpThatNamesTheSubcommandAndTheVersionOption) {
   const CommandResult result = RunUsbinfo({"--help"});
   EXPECT_THAT(result.output, HasSubstr("  show "));
-  EXPECT_THAT(result.output, HasSubstr("-V,--version"));
+  EXPECT_THAT(result.output, HasSubstr("-V, --version"));
+}
+
+TEST(Usage, PrintsTheHelpOfASubcommandBothWays) {
+  for (const char* subcommand : {"show", "diff", "schema", "help"}) {
+    const CommandResult result = RunUsbinfo({"help", subcommand});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, RunUsbinfo({subcommand, "--help"}).output);
+  }
+  EXPECT_EQ(RunUsbinfo({"help"}).output, RunUsbinfo({"--help"}).output);
+  EXPECT_EQ(
+      RunUsbinfo({"help", "shwo"}).errors,
+      "usbinfo: SUBCOMMAND: \"shwo\" is not one of show, diff, schema, help; see usbinfo help --help\n");
+}
+
+TEST(Usage, PrintsHelpWhateverElseIsWrong) {
+  const std::string help = RunUsbinfo({"--help"}).output;
+  EXPECT_EQ(RunUsbinfo({"--bogus", "--help"}).output, help);
+  EXPECT_EQ(RunUsbinfo({"--help", "--format", "yaml"}).output, help);
+  EXPECT_EQ(RunUsbinfo({"-vh"}).output, help);
+  EXPECT_EQ(RunUsbinfo({"-h", "diff"}).output, RunUsbinfo({"diff", "--help"}).output);
+}
+
+TEST(Usage, ShortensAMessageOfMegabytesToOneLine) {
+  const std::string argument = "--" + std::string(120000, 'x');
+  const CommandResult result = RunUsbinfo(std::vector<std::string>(15, argument));
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(Lines(result.errors).size(), 1U);
+  EXPECT_LE(result.errors.size(), 2100U);
+  EXPECT_THAT(result.errors, testing::StartsWith("usbinfo: unknown option --xxx"));
+  EXPECT_THAT(result.errors, testing::EndsWith("xxx; see usbinfo --help\n"));
+  EXPECT_THAT(result.errors, HasSubstr("x [...] x"));
+}
+
+TEST(Usage, SaysInOneLineThatTheCurrentFolderIsGone) {
+  const TemporaryFolder folder;
+  const std::string script =
+      "/bin/mkdir \"$1\" && cd \"$1\" && /bin/rmdir \"$1\" && exec \"$2\" --devices \"$3\" --plugin x.so";
+  const CommandResult result =
+      Command({"-c", script, "sh", folder.File("gone"), COMMAND_PATH, CapturePath("vm-desktop-debugfs")})
+          .Program("/bin/sh")
+          .Run();
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.errors, "usbinfo: the current folder does not exist any more; change to one that does\n");
+}
+
+TEST(Usage, CutsALongMessageBetweenCharacters) {
+  for (std::size_t offset = 0; offset < 3; ++offset) {
+    std::string argument(offset, 'a');
+    for (int count = 0; count < 2000; ++count) argument += "\xE2\x82\xAC";
+    EXPECT_THAT(RunUsbinfo({argument}).errors, testing::Not(HasSubstr("\\x"))) << offset;
+  }
 }
 
 }  // namespace

@@ -1,0 +1,19 @@
+// The inventory's classes as people name them on the command line: "port" for KALDO_USBPort.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "schema/ClassSchema.h"
+
+namespace cli {
+
+/// The short names of all classes, in the order of the schema: small letters, without what all have in
+/// common.
+std::vector<std::string> ShortClassNames();
+
+/// The class of that short or full name, without regard to the case of its letters. Throws UsageError when
+/// there is none.
+schema::ClassId ClassOfName(const std::string& name);
+
+}  // namespace cli

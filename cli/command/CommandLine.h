@@ -1,0 +1,44 @@
+// The command line of usbinfo: its subcommands with their options, and running what was asked for.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/command/DiffOptions.h"
+#include "cli/command/SchemaOptions.h"
+#include "cli/command/ShowOptions.h"
+#include "cli/option/CommandSpec.h"
+
+namespace cli {
+
+class CommandLine {
+ public:
+  CommandLine();
+  // The table of options points into it.
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+
+  /// Does what `arguments`, which do not include the program's name, ask for; gives the exit status. Throws
+  /// UserError for what ends the command with status 2.
+  int Run(const std::vector<std::string>& arguments);
+
+ private:
+  CommandSpec Show();
+  CommandSpec Diff();
+  CommandSpec Schema();
+  CommandSpec Help();
+  std::vector<Option> WithHelp(const std::vector<Option>& options);
+
+  ShowOptions fShow;
+  DiffOptions fDiff;
+  SchemaOptions fSchema;
+  bool fAsksForHelp = false;
+  bool fAsksForVersion = false;
+  /// What to generate from the table of options; empty for nothing.
+  std::string fGenerated;
+  /// The subcommand whose help is asked for; empty for the whole command's.
+  std::string fTopic;
+  CommandSpec fCommand;
+};
+
+}  // namespace cli

@@ -1,0 +1,42 @@
+#include "cli/command/DiffOptions.h"
+
+#include "cli/command/CommonOptions.h"
+#include "cli/option/Values.h"
+
+namespace cli {
+
+std::vector<Operand> DiffOperands(DiffOptions& options) {
+  return {{.name = "OLD",
+           .help = "The inventory before: a JSON inventory or a device list; - is standard input",
+           .store = StoreText(options.before)},
+          {.name = "NEW", .help = "The inventory after, likewise", .store = StoreText(options.after)}};
+}
+
+std::vector<Option> DiffOptionTable(DiffOptions& options) {
+  const std::vector<Choice> formats = ChoicesOf({"text", "json"});
+  return {{.names = {"--format"},
+           .value = "FORMAT",
+           .help = "How to print",
+           .defaultValue = options.format,
+           .choices = formats,
+           .manual = "How to print:",
+           .store = StoreChoice(options.format, formats)},
+          ColorOption(options.color),
+          OutputOption(options.output),
+          {.names = {"--system-name"},
+           .value = "NAME",
+           .help = "The system name of device lists",
+           .manual = R"(The name of the system in the keys of device lists, as in
+.Cm show .
+JSON inventories keep theirs.)",
+           .store = StoreText(options.systemName)},
+          {.names = {"--plugin"},
+           .value = "FILE",
+           .help = "The plug-in module that reads lists",
+           .defaultValue = "the installed one",
+           .manual = R"(The plug-in module that reads device lists.
+The default is the installed one.)",
+           .store = StoreText(options.plugin)}};
+}
+
+}  // namespace cli

@@ -1,0 +1,31 @@
+// The options and operands of `usbinfo diff`.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/option/CommandSpec.h"
+
+namespace cli {
+
+struct DiffOptions {
+  /// Files that hold a JSON inventory or a device list, "-" for standard input.
+  std::string before;
+  std::string after;
+  std::string format = "text";
+  std::string color = "auto";
+  /// Empty for standard output.
+  std::string output;
+  /// The system name of device lists; empty for the host name.
+  std::string systemName;
+  /// Empty for the installed one.
+  std::string plugin;
+};
+
+/// OLD and NEW, stored in `options`.
+std::vector<Operand> DiffOperands(DiffOptions& options);
+
+/// The table of options, which store what they are given in `options`. That must outlive them.
+std::vector<Option> DiffOptionTable(DiffOptions& options);
+
+}  // namespace cli

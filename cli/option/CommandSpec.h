@@ -1,0 +1,57 @@
+// A command or a subcommand: its options, its operands and what it does.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "cli/option/Option.h"
+
+namespace cli {
+
+/// An argument that belongs to no option.
+struct Operand {
+  std::string name;
+  /// One sentence of plain text without its period.
+  std::string help = {};
+  /// What shells complete it with; none for the names of files.
+  std::vector<Choice> choices = {};
+  bool isOptional = false;
+  /// Takes the argument. Throws UsageError, which says what it must be.
+  std::function<void(const std::string& argument)> store = {};
+};
+
+struct CommandSpec {
+  /// One word.
+  std::string name;
+  /// One sentence of plain text without its period.
+  std::string summary = {};
+  /// What stands before the options in the manual page, as mdoc source.
+  std::string manual = {};
+  std::vector<Operand> operands = {};
+  std::vector<Option> options = {};
+  std::vector<CommandSpec> subcommands = {};
+  /// This subcommand is run where none is named. Its options may stand before its name, too.
+  bool isDefault = false;
+  /// The option that was probably meant where the command is given a file's name without one; empty for none.
+  std::string fileOption = {};
+  /// Called once everything is stored, for what depends on several options. Throws UsageError.
+  std::function<void()> check = {};
+  /// Gives the exit status.
+  std::function<int()> run = {};
+
+  /// The default subcommand; the command itself where it has none.
+  const CommandSpec& Default() const;
+  /// Null when there is none of that name.
+  const CommandSpec* FindSubcommand(const std::string& word) const;
+  /// Null when there is none of that name.
+  const Option* FindOption(const std::string& optionName) const;
+  /// How `chosen`, which is this command, or one of its subcommands, is called: "usbinfo diff". The default
+  /// subcommand needs no word.
+  std::string CallOf(const CommandSpec& chosen) const;
+};
+
+/// The options that texts name.
+std::vector<const Option*> VisibleOptions(const CommandSpec& command);
+
+}  // namespace cli

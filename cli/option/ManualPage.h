@@ -1,0 +1,14 @@
+// The part of a manual page that a command's table of options makes.
+#pragma once
+
+#include <string>
+
+#include "cli/option/CommandSpec.h"
+
+namespace cli {
+
+/// What stands under OPTIONS, in the mdoc language: a section for each subcommand that has options besides
+/// its help.
+std::string ManualOptions(const CommandSpec& command);
+
+}  // namespace cli
