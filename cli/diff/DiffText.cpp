@@ -16,21 +16,6 @@ namespace cli {
 
 namespace {
 
-/// A text that is not ours, recognisable as a whole wherever it stands.
-std::string Quote(const std::string& text) {
-  std::string quoted = "\"";
-  for (const char c : EscapeForTerminal(text)) {
-    if (c == '\t') {
-      quoted += "\\t";
-    } else if (c == '"') {
-      quoted += "\\\"";
-    } else {
-      quoted += c;
-    }
-  }
-  return quoted + "\"";
-}
-
 std::string NounOf(ItemKind kind) {
   switch (kind) {
     case ItemKind::kController:
@@ -49,12 +34,12 @@ std::string DescribeModel(const SavedItem& item) {
   const std::string id = IdOf(item);
   const std::string product = ProductOf(item);
   if (product.empty()) return id.empty() ? id : id + " (no name)";
-  return id + (id.empty() ? "" : " ") + Quote(product);
+  return id + (id.empty() ? "" : " ") + QuoteForTerminal(product);
 }
 
 std::string DescribeSerial(const SavedItem& item) {
   const std::string serial = SerialOf(item);
-  return serial.empty() ? serial : ", serial " + Quote(serial);
+  return serial.empty() ? serial : ", serial " + QuoteForTerminal(serial);
 }
 
 std::string WithBlank(const std::string& text) {
@@ -84,11 +69,11 @@ std::string DescribeValue(const std::string& property, const json& value) {
   if (value.is_number()) return DescribeNumber(property, value.get<std::uint64_t>());
   if (value.is_array()) {
     std::vector<std::string> elements;
-    for (const json& element : value) elements.push_back(Quote(element.get<std::string>()));
+    for (const json& element : value) elements.push_back(QuoteForTerminal(element.get<std::string>()));
     return fmt::format("{}", fmt::join(elements, ", "));
   }
   const std::string text = value.is_null() ? "" : Given(value.get<std::string>());
-  return text.empty() ? "none" : Quote(text);
+  return text.empty() ? "none" : QuoteForTerminal(text);
 }
 
 /// In words, where they tell the two apart.
@@ -160,7 +145,7 @@ std::string Colored(char mark, const std::string& line) {
 }  // namespace
 
 std::string DescribePlace(const Place& place) {
-  std::string text = place.hasBus ? fmt::format("bus {}", place.bus) : Quote(place.identifier);
+  std::string text = place.hasBus ? fmt::format("bus {}", place.bus) : QuoteForTerminal(place.identifier);
   if (!place.ports.empty()) text += fmt::format(", port {}", fmt::join(place.ports, "."));
   return text;
 }
@@ -169,7 +154,8 @@ std::string RenderDiffText(const InventoryDifference& difference, bool isColored
   if (difference.IsEmpty()) return std::string();
   std::string text;
   if (difference.oldSystem != difference.newSystem) {
-    text = fmt::format("system {} -> {}\n", Quote(difference.oldSystem), Quote(difference.newSystem));
+    text = fmt::format("system {} -> {}\n", QuoteForTerminal(difference.oldSystem),
+                       QuoteForTerminal(difference.newSystem));
   }
   for (const Entry& entry : EntriesOf(difference)) {
     const std::string line = fmt::format("{} {}", entry.mark, entry.line);

@@ -5,7 +5,7 @@
 
 #include "cli/model/UsbTree.h"
 #include "cli/model/Wording.h"
-#include "cli/text/Text.h"
+#include "cli/text/MapCharacters.h"
 
 namespace cli {
 
@@ -13,19 +13,16 @@ namespace {
 
 using Kind = UsbTreeNode::Kind;
 
-/// One line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; a device's
-/// string holds neither.
-std::string LabelLine(const std::string& text) {
-  std::string line;
-  for (const char c : ReplaceUnprintable(text)) {
-    if (c == '&') {
-      line += "&amp;";
-      continue;
-    }
-    if (c == '"' || c == '\\') line += '\\';
-    line += c;
+/// For a line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; a
+/// device's string holds neither.
+void AppendToLabel(const Character& character, bool isUnprintable, std::string& out) {
+  if (character.code == U'&') {
+    out += "&amp;";
+  } else if (character.code == U'"' || character.code == U'\\') {
+    out.append("\\").append(character.bytes);
+  } else {
+    out += isUnprintable ? kReplacement : character.bytes;
   }
-  return line;
 }
 
 /// The lines that are not empty, one below the other.
@@ -34,7 +31,7 @@ std::string Label(const std::vector<std::string>& lines) {
   for (const std::string& line : lines) {
     if (line.empty()) continue;
     if (!label.empty()) label += "\\n";
-    label += LabelLine(line);
+    AppendMapped(line, AppendToLabel, label);
   }
   return '"' + label + '"';
 }

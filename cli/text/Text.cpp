@@ -63,11 +63,6 @@ void AppendForMof(const Character& character, bool isUnprintable, std::string& o
   }
 }
 
-bool IsDirectionMark(char32_t code) {
-  return code == 0x061C || code == 0x200E || code == 0x200F || (0x202A <= code && code <= 0x202E) ||
-         (0x2066 <= code && code <= 0x2069);
-}
-
 }  // namespace
 
 std::string ReplaceInvalidUtf8(std::string_view text) {
@@ -102,14 +97,10 @@ std::string EscapeForMof(std::string_view text) {
 }
 
 std::string ReplaceDirectionMarks(std::string_view text) {
-  return MapCharacters(text, [](const Character& character, bool /*isUnprintable*/, std::string& out) {
-    out += IsDirectionMark(character.code) ? kReplacement : character.bytes;
-  });
-}
-
-std::string ReplaceUnprintable(std::string_view text) {
   return MapCharacters(text, [](const Character& character, bool isUnprintable, std::string& out) {
-    out += isUnprintable ? kReplacement : character.bytes;
+    constexpr char32_t kBeyondControls = 0xA0;
+    const bool isReplaced = isUnprintable && character.isValid && character.code >= kBeyondControls;
+    out += isReplaced ? kReplacement : character.bytes;
   });
 }
 
