@@ -1,7 +1,7 @@
-// The schema table; see the header.
 #include "schema/ClassSchema.h"
 
 #include <algorithm>
+#include <utility>
 
 using Type = NKESTA20::TCIMValue::TCIMType;
 
@@ -9,60 +9,128 @@ namespace schema {
 
 namespace {
 
-template <typename Named>
-const Named* FindByName(const std::vector<Named>& list, const std::string& name) {
-  const auto found =
-      std::find_if(list.begin(), list.end(), [&name](const Named& item) { return item.name == name; });
-  return found == list.end() ? nullptr : &*found;
+using Id = PropertyId;
+
+constexpr std::array<const char*, kPropertyCount> kNames = {"Antecedent",
+                                                            "ClassCode",
+                                                            "CreationClassName",
+                                                            "Dependent",
+                                                            "Description",
+                                                            "DeviceID",
+                                                            "HubDepth",
+                                                            "HubName",
+                                                            "InterfaceType",
+                                                            "Manufacturer",
+                                                            "Name",
+                                                            "NumberOfConfigs",
+                                                            "NumberOfPorts",
+                                                            "PortNumber",
+                                                            "ProtocolCode",
+                                                            "SerialNumber",
+                                                            "Speed",
+                                                            "StatusDescriptions",
+                                                            "SubclassCode",
+                                                            "SystemCreationClassName",
+                                                            "SystemName",
+                                                            "USBDeviceID",
+                                                            "USBVersion",
+                                                            "VendorID"};
+
+PropertySchema Required(Id id, Type::ECIMType type) {
+  return {id, NameOf(id), type};
 }
 
-/// An entity's own properties together with the keys of every entity, in order.
-ClassSchema Entity(const std::string& name, std::vector<PropertySchema> own) {
-  for (const char* key : {"CreationClassName", "DeviceID", "SystemCreationClassName", "SystemName"}) {
-    own.push_back({key, Type::kString, true});
+PropertySchema Optional(Id id, Type::ECIMType type) {
+  return {id, NameOf(id), type, false, true};
+}
+
+PropertySchema Key(Id id) {
+  return {id, NameOf(id), Type::kString, true};
+}
+
+PropertySchema ReferenceKey(Id id, const std::string& className) {
+  return {id, NameOf(id), Type::kReference, true, false, className};
+}
+
+/// An entity's own properties together with the keys of every entity.
+ClassSchema Entity(ClassId id, const std::string& name, std::vector<PropertySchema> properties) {
+  for (const Id key :
+       {Id::kCreationClassName, Id::kDeviceID, Id::kSystemCreationClassName, Id::kSystemName}) {
+    properties.push_back(Key(key));
   }
-  std::sort(own.begin(), own.end(),
-            [](const auto& left, const auto& right) { return left.name < right.name; });
-  return {name, ClassSchema::Kind::kEntity, std::move(own)};
+  std::sort(properties.begin(), properties.end(),
+            [](const auto& left, const auto& right) { return left.id < right.id; });
+  return {id, name, ClassSchema::Kind::kEntity, std::move(properties)};
 }
 
-ClassSchema Association(const std::string& name, const std::string& antecedent,
+ClassSchema Association(ClassId id, const std::string& name, const std::string& antecedent,
                         const std::string& dependent) {
-  return {
-      name,
-      ClassSchema::Kind::kAssociation,
-      {{"Antecedent", Type::kReference, true, antecedent}, {"Dependent", Type::kReference, true, dependent}}};
+  return {id,
+          name,
+          ClassSchema::Kind::kAssociation,
+          {ReferenceKey(Id::kAntecedent, antecedent), ReferenceKey(Id::kDependent, dependent)}};
 }
 
-/// What a hub and a device have in common, and one number that tells them apart.
-std::vector<PropertySchema> DeviceProperties(const std::string& distinctNumber) {
-  return {{"Description", Type::kString},    {"Name", Type::kString},         {"HubName", Type::kString},
-          {"PortNumber", Type::kString},     {"USBVersion", Type::kUint16},   {"ClassCode", Type::kUint8},
-          {"SubclassCode", Type::kUint8},    {"ProtocolCode", Type::kUint8},  {"VendorID", Type::kUint16},
-          {"USBDeviceID", Type::kUint16},    {"Manufacturer", Type::kString}, {"SerialNumber", Type::kString},
-          {"NumberOfConfigs", Type::kUint8}, {"HubDepth", Type::kUint16},     {distinctNumber, Type::kUint8}};
+/// What hubs and devices have in common, and `own`, which only one of them has.
+std::vector<PropertySchema> DescriptorProperties(Id own) {
+  return {Optional(Id::kDescription, Type::kString),
+          Required(Id::kName, Type::kString),
+          Optional(Id::kHubName, Type::kString),
+          Optional(Id::kPortNumber, Type::kString),
+          Required(Id::kUSBVersion, Type::kUint16),
+          Required(Id::kClassCode, Type::kUint8),
+          Required(Id::kSubclassCode, Type::kUint8),
+          Required(Id::kProtocolCode, Type::kUint8),
+          Required(Id::kVendorID, Type::kUint16),
+          Required(Id::kUSBDeviceID, Type::kUint16),
+          Optional(Id::kManufacturer, Type::kString),
+          Optional(Id::kSerialNumber, Type::kString),
+          Required(Id::kNumberOfConfigs, Type::kUint8),
+          Required(Id::kHubDepth, Type::kUint16),
+          Required(own, Type::kUint8)};
 }
 
 std::vector<ClassSchema> MakeServedClasses() {
   return {
-      Entity("KALDO_USBController", {{"Description", Type::kString}, {"InterfaceType", Type::kUint16}}),
-      Entity("KALDO_USBHub", DeviceProperties("NumberOfPorts")),
-      Entity("KALDO_USBPort", {{"HubDepth", Type::kUint16},
-                               {"HubName", Type::kString},
-                               {"Name", Type::kString},
-                               {"PortNumber", Type::kString},
-                               {"Speed", Type::kUint64},
-                               {"StatusDescriptions", Type::kStringArray}}),
-      Entity("KALDO_USBDevice", DeviceProperties("Speed")),
-      Association("KALDO_USBPortOnHub", "KALDO_USBHub", "KALDO_USBPort"),
-      Association("KALDO_USBConnection", "KALDO_USBPort", kEntityBaseClass),
+      Entity(ClassId::kController, "KALDO_USBController",
+             {Optional(Id::kDescription, Type::kString), Required(Id::kInterfaceType, Type::kUint16)}),
+      Entity(ClassId::kHub, "KALDO_USBHub", DescriptorProperties(Id::kNumberOfPorts)),
+      Entity(ClassId::kPort, "KALDO_USBPort",
+             {Required(Id::kHubDepth, Type::kUint16), Required(Id::kHubName, Type::kString),
+              Required(Id::kName, Type::kString), Required(Id::kPortNumber, Type::kString),
+              Optional(Id::kSpeed, Type::kUint64), Required(Id::kStatusDescriptions, Type::kStringArray)}),
+      Entity(ClassId::kDevice, "KALDO_USBDevice", DescriptorProperties(Id::kSpeed)),
+      Association(ClassId::kPortOnHub, "KALDO_USBPortOnHub", "KALDO_USBHub", "KALDO_USBPort"),
+      Association(ClassId::kConnection, "KALDO_USBConnection", "KALDO_USBPort", kEntityBaseClass),
   };
 }
 
 }  // namespace
 
-const PropertySchema* ClassSchema::FindProperty(const std::string& propertyName) const {
-  return FindByName(properties, propertyName);
+const char* NameOf(PropertyId property) {
+  return kNames[static_cast<std::size_t>(property)];
+}
+
+ClassSchema::ClassSchema(ClassId classId, std::string className, Kind classKind,
+                         std::vector<PropertySchema> sorted)
+    : id(classId), name(std::move(className)), kind(classKind), properties(std::move(sorted)) {
+  fIndexes.fill(kNone);
+  for (std::size_t index = 0; index < properties.size(); ++index) {
+    fIndexes[static_cast<std::size_t>(properties[index].id)] = index;
+  }
+}
+
+std::size_t ClassSchema::IndexOf(std::string_view propertyName) const {
+  const auto found = std::lower_bound(
+      properties.begin(), properties.end(), propertyName,
+      [](const PropertySchema& property, std::string_view wanted) { return property.name < wanted; });
+  const bool isFound = found != properties.end() && found->name == propertyName;
+  return isFound ? static_cast<std::size_t>(found - properties.begin()) : kNone;
+}
+
+const PropertySchema* ClassSchema::FindProperty(std::string_view propertyName) const {
+  const std::size_t index = IndexOf(propertyName);
+  return index == kNone ? nullptr : &properties[index];
 }
 
 const std::vector<ClassSchema>& ServedClasses() {
@@ -70,8 +138,16 @@ const std::vector<ClassSchema>& ServedClasses() {
   return classes;
 }
 
-const ClassSchema* FindClass(const std::string& className) {
-  return FindByName(ServedClasses(), className);
+const ClassSchema& ClassOf(ClassId id) {
+  return ServedClasses()[static_cast<std::size_t>(id)];
+}
+
+const ClassSchema* FindClass(std::string_view className) {
+  const auto& classes = ServedClasses();
+  const auto found = std::find_if(classes.begin(), classes.end(), [className](const ClassSchema& candidate) {
+    return candidate.name == className;
+  });
+  return found == classes.end() ? nullptr : &*found;
 }
 
 }  // namespace schema

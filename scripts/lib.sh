@@ -5,7 +5,7 @@
 
 # What building the product and its tests takes on Debian 12.
 BUILD_PACKAGES=(
-  cmake g++ libboost-dev libboost-thread-dev libcli11-dev libfmt-dev libgmock-dev libgtest-dev libsmartcols-dev
+  cmake g++ libboost-dev libboost-thread-dev libcli11-dev libfmt-dev libgmock-dev libgtest-dev
   libssl-dev libxml2-dev locales ninja-build nlohmann-json3-dev pkgconf python3
 )
 # What running the tests takes on top: the programs that are made to read what the command writes and what is told of

@@ -1,4 +1,3 @@
-// Drives the plug-in through the stand-in host; see the header.
 #include "cli/collect/Collection.h"
 
 #include <fcntl.h>
@@ -17,6 +16,8 @@
 #include "cli/collect/ModulePath.h"
 #include "cli/collect/SerialMask.h"
 #include "cli/collect/WaitingNotice.h"
+#include "cli/model/FromHost.h"
+#include "cli/model/FromJson.h"
 #include "cli/text/UserError.h"
 #include "host/ILogger.h"
 #include "schema/ClassSchema.h"
@@ -117,19 +118,20 @@ Inventory Collect(const Source& source, const std::vector<std::string>& classNam
     throw UserError("--devices and --mask-key cannot both be standard input; name a file for one of them");
   }
   if (!source.devices.empty()) {
-    return CollectFrom(ReadInput(source.devices, "name a file that holds a device list with --devices"),
-                       source, classNames, log);
+    std::string text = ReadInput(source.devices, "name a file that holds a device list with --devices");
+    if (LooksLikeJson(text)) return FromJson(text, NameOfList(source.devices));
+    return CollectFrom(std::move(text), source, classNames, log);
   }
   ConfigureHost(source, std::nullopt, log);
   DrivePlugin(source.plugin, classNames);
-  return Inventory(Host::Instance());
+  return FromHost(Host::Instance(), classNames);
 }
 
 Inventory CollectFrom(std::string deviceList, const Source& source,
                       const std::vector<std::string>& classNames, LogWriter& log) {
   ConfigureHost(source, std::move(deviceList), log);
   DrivePlugin(source.plugin, classNames);
-  return Inventory(Host::Instance());
+  return FromHost(Host::Instance(), classNames);
 }
 
 }  // namespace cli

@@ -11,8 +11,7 @@
 #include "cli/diff/DiffJson.h"
 #include "cli/diff/DiffText.h"
 #include "cli/diff/InventoryDiff.h"
-#include "cli/format/JsonFormat.h"
-#include "cli/model/SavedInventory.h"
+#include "cli/model/FromJson.h"
 #include "cli/option/OptionForms.h"
 #include "cli/text/Color.h"
 #include "cli/text/LogWriter.h"
@@ -35,18 +34,17 @@ bool LooksLikeDeviceList(const std::string& text) {
   return false;
 }
 
-SavedInventory ReadInventory(const std::string& path, const std::string& plugin, LogWriter& log) {
+Inventory ReadInventory(const std::string& path, const std::string& plugin, LogWriter& log) {
   std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
   const std::string name = NameOfList(path);
-  if (LooksLikeJson(text)) return ReadSavedInventory(text, name);
+  if (LooksLikeJson(text)) return FromJson(text, name);
   if (!LooksLikeDeviceList(text)) {
     throw UserError(fmt::format(
         "{} holds neither a JSON inventory nor a device list; save one with usbinfo --format json", name));
   }
   Source source;
   source.plugin = plugin;
-  const Inventory inventory = CollectFrom(std::move(text), source, AllClasses(), log);
-  return ReadSavedInventory(RenderJson(inventory, RenderOptions()), name);
+  return CollectFrom(std::move(text), source, AllClasses(), log);
 }
 
 std::string Render(const DiffOptions& options, const InventoryDifference& difference) {
@@ -73,8 +71,8 @@ int RunDiff(const DiffOptions& options) {
     throw UserError("standard input holds one inventory; give a file for OLD or for NEW");
   }
   LogWriter log("", NKESTA20::ILogger::kWarning, LogFormat::kText);
-  const SavedInventory before = ReadInventory(options.before, options.plugin, log);
-  const SavedInventory after = ReadInventory(options.after, options.plugin, log);
+  const Inventory before = ReadInventory(options.before, options.plugin, log);
+  const Inventory after = ReadInventory(options.after, options.plugin, log);
   const InventoryDifference difference = Compare(before, after);
   WriteOutput(options.output, Render(options, difference));
   log.Finish();

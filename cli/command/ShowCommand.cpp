@@ -11,6 +11,7 @@
 #include "cli/collect/EmptyAdvice.h"
 #include "cli/command/ExitStatus.h"
 #include "cli/format/OutputFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "cli/model/UsbIds.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
@@ -99,7 +100,7 @@ int RunShow(const ShowOptions& options) {
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);
   const OutputFormat& format = FindOutputFormat(options.format);
-  const Inventory shown = Select(inventory, options.selection, format.keepsWay);
+  const Inventory shown = Select(inventory, options.selection, format.keepsPath);
   const bool isPrinted = Print(options, format, shown);
   log.Finish();
   if (isPrinted) return kPrinted;

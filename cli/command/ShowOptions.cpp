@@ -53,17 +53,31 @@ std::function<void(const std::string&)> ParseInto(Parsed& parsed, Parsed (*parse
 }
 
 void AddSelectionOptions(CLI::App& app, Selection& selection) {
-  app.add_option_function("-d",
-                          ParseInto(selection.ids, ParseVendorProduct, "-d",
-                                    "must be VID:[PID], hexadecimal numbers of up to four digits"),
-                          "Print only the devices and hubs of this vendor and\nproduct, in hexadecimal")
-      ->type_name("VID:[PID]");
+  app.add_option_function<std::vector<std::string>>(
+         "-d",
+         [&selection](const std::vector<std::string>& texts) {
+           for (const std::string& text : texts) {
+             const auto ids = ParseVendorProduct(text);
+             if (!ids)
+               throw CLI::ValidationError("-d",
+                                          "must be [VID]:[PID], hexadecimal numbers of up to four digits");
+             selection.ids.push_back(*ids);
+           }
+         },
+         "Print only the devices and hubs of this vendor and\nproduct, in hexadecimal")
+      ->type_name("[VID]:[PID]")
+      ->allow_extra_args(false);
   app.add_option_function(
          "-s",
          ParseInto(selection.place, ParseBusDevice, "-s", "must be [BUS]:[DEV] or DEV, decimal numbers"),
          "Print only the devices and hubs of this bus and\nnumber, in decimal")
       ->type_name("[BUS]:[DEV]");
-  app.add_option("--class", selection.classes, "Print only this class; may be repeated")
+  app.add_option_function<std::vector<std::string>>(
+         "--class",
+         [&selection](const std::vector<std::string>& names) {
+           for (const std::string& name : names) selection.classes.push_back(schema::FindClass(name)->id);
+         },
+         "Print only this class; may be repeated")
       ->type_name("NAME")
       ->allow_extra_args(false)
       ->check(CLI::IsMember(AllClasses()).description(""));

@@ -1,75 +1,124 @@
-// The difference as a JSON document; see the header.
 #include "cli/diff/DiffJson.h"
 
 #include "cli/diff/DiffText.h"
-
-using nlohmann::ordered_json;
+#include "cli/diff/InventoryDiff.h"
+#include "cli/model/DeviceText.h"
+#include "cli/model/JsonValues.h"
+#include "cli/text/JsonWriter.h"
 
 namespace cli {
 
 namespace {
 
-/// Null for a text that there is not.
-ordered_json TextOrNull(const std::string& text) {
-  return text.empty() ? ordered_json() : ordered_json(text);
-}
-
-ordered_json ToJson(const Place& place) {
-  ordered_json object;
-  object["text"] = DescribePlace(place);
-  object["bus"] = place.hasBus ? ordered_json(place.bus) : ordered_json();
-  object["identifier"] = place.hasBus ? ordered_json() : ordered_json(place.identifier);
-  object["ports"] = place.ports;
-  return object;
-}
-
-ordered_json ToJson(const Thing& thing) {
-  ordered_json object;
-  object["class"] = ClassOf(thing.item->kind);
-  object["id"] = TextOrNull(IdOf(*thing.item));
-  object["name"] = TextOrNull(ProductOf(*thing.item));
-  object["serial"] = TextOrNull(SerialOf(*thing.item));
-  object["place"] = ToJson(thing.place);
-  object["deviceId"] = thing.item->Text("DeviceID");
-  object["ports"] = thing.item->kind == ItemKind::kHub ? ordered_json(thing.ports) : ordered_json();
-  return object;
-}
-
-ordered_json ToJson(const ThingChange& change) {
-  ordered_json object;
-  object["old"] = ToJson(change.before);
-  object["new"] = ToJson(change.after);
-  object["properties"] = ordered_json::array();
-  for (const PropertyChange& property : change.properties) {
-    ordered_json entry;
-    entry["name"] = property.name;
-    entry["from"] = property.before;
-    entry["to"] = property.after;
-    object["properties"].push_back(std::move(entry));
+/// A member that is null where there is no text.
+void WriteTextOrNull(JsonWriter& json, const char* key, const std::string& text) {
+  json.Key(key);
+  if (text.empty()) {
+    json.Null();
+  } else {
+    json.String(text);
   }
-  return object;
+}
+
+void WritePlace(JsonWriter& json, const Place& place) {
+  json.BeginObject();
+  json.Key("text");
+  json.String(DescribePlace(place));
+  json.Key("bus");
+  if (place.hasBus) {
+    json.Number(place.bus);
+  } else {
+    json.Null();
+  }
+  json.Key("identifier");
+  if (place.hasBus) {
+    json.Null();
+  } else {
+    json.String(place.identifier);
+  }
+  json.Key("ports");
+  json.BeginArray();
+  for (const std::uint32_t port : place.ports) json.Number(port);
+  json.EndArray();
+  json.EndObject();
+}
+
+void Write(JsonWriter& json, const PlacedItem& placed) {
+  const Item& item = *placed.item;
+  json.BeginObject();
+  json.Key("class");
+  json.String(item.Schema().name);
+  WriteTextOrNull(json, "id", FormatId(item));
+  WriteTextOrNull(json, "name", SentString(item, PropertyId::kDescription));
+  WriteTextOrNull(json, "serial", SentString(item, PropertyId::kSerialNumber));
+  json.Key("place");
+  WritePlace(json, placed.place);
+  json.Key("deviceId");
+  json.String(item.String(PropertyId::kDeviceID));
+  json.Key("ports");
+  if (item.Class() == ClassId::kHub) {
+    json.Number(placed.ports);
+  } else {
+    json.Null();
+  }
+  json.EndObject();
+}
+
+void Write(JsonWriter& json, const PropertyChange& change) {
+  json.BeginObject();
+  json.Key("name");
+  json.String(schema::NameOf(change.property));
+  json.Key("from");
+  WriteValue(json, change.before);
+  json.Key("to");
+  WriteValue(json, change.after);
+  json.EndObject();
+}
+
+void Write(JsonWriter& json, const ItemChange& change) {
+  json.BeginObject();
+  json.Key("old");
+  Write(json, change.before);
+  json.Key("new");
+  Write(json, change.after);
+  json.Key("properties");
+  json.BeginArray();
+  for (const PropertyChange& property : change.properties) Write(json, property);
+  json.EndArray();
+  json.EndObject();
+}
+
+void WriteSystem(JsonWriter& json, const char* key, const std::string& name) {
+  json.Key(key);
+  json.BeginObject();
+  json.Key("system");
+  json.String(name);
+  json.EndObject();
 }
 
 template <typename Entry>
-ordered_json ToJson(const std::vector<Entry>& entries) {
-  ordered_json list = ordered_json::array();
-  for (const Entry& entry : entries) list.push_back(ToJson(entry));
-  return list;
+void WriteList(JsonWriter& json, const char* key, const std::vector<Entry>& entries) {
+  json.Key(key);
+  json.BeginArray();
+  for (const Entry& entry : entries) Write(json, entry);
+  json.EndArray();
 }
 
 }  // namespace
 
 std::string RenderDiffJson(const InventoryDifference& difference) {
-  constexpr int kIndent = 2;
-  ordered_json document;
-  document["schema"] = "usbinfo.diff/1";
-  document["old"]["system"] = difference.oldSystem;
-  document["new"]["system"] = difference.newSystem;
-  document["added"] = ToJson(difference.added);
-  document["removed"] = ToJson(difference.removed);
-  document["moved"] = ToJson(difference.moved);
-  document["changed"] = ToJson(difference.changed);
-  return document.dump(kIndent, ' ', true, ordered_json::error_handler_t::replace) + "\n";
+  JsonWriter json(JsonWriter::Layout::kIndented);
+  json.BeginObject();
+  json.Key("schema");
+  json.String("usbinfo.diff/1");
+  WriteSystem(json, "old", difference.oldSystem);
+  WriteSystem(json, "new", difference.newSystem);
+  WriteList(json, "added", difference.added);
+  WriteList(json, "removed", difference.removed);
+  WriteList(json, "moved", difference.moved);
+  WriteList(json, "changed", difference.changed);
+  json.EndObject();
+  return json.Take() + "\n";
 }
 
 }  // namespace cli

@@ -1,12 +1,12 @@
 // The difference of two inventories for programs, schema "usbinfo.diff/1"; docs/usbinfo-diff.schema.json
-// tells its form.
+// describes its form.
 #pragma once
 
 #include <string>
 
-#include "cli/diff/InventoryDiff.h"
-
 namespace cli {
+
+struct InventoryDifference;
 
 /// One object, all lists always there, keys in a fixed order. ASCII only.
 std::string RenderDiffJson(const InventoryDifference& difference);

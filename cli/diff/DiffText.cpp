@@ -1,4 +1,3 @@
-// Lines for people; see the header.
 #include "cli/diff/DiffText.h"
 
 #include <fmt/format.h>
@@ -7,38 +6,37 @@
 #include <tuple>
 #include <vector>
 
-#include "cli/model/Wording.h"
+#include "cli/model/DeviceText.h"
+#include "cli/model/Speed.h"
 #include "cli/text/Text.h"
-
-using nlohmann::json;
 
 namespace cli {
 
 namespace {
 
-std::string NounOf(ItemKind kind) {
-  switch (kind) {
-    case ItemKind::kController:
+std::string NounOf(ClassId classId) {
+  switch (classId) {
+    case ClassId::kController:
       return "controller";
-    case ItemKind::kHub:
+    case ClassId::kHub:
       return "hub";
-    case ItemKind::kPort:
+    case ClassId::kPort:
       return "port";
     default:
       return "device";
   }
 }
 
-/// The model: vendor and product number, and the product string, as far as the thing has them.
-std::string DescribeModel(const SavedItem& item) {
-  const std::string id = IdOf(item);
-  const std::string product = ProductOf(item);
+/// The model: vendor and product number, and the product string, as far as the item has them.
+std::string DescribeModel(const Item& item) {
+  const std::string id = FormatId(item);
+  const std::string product = SentString(item, PropertyId::kDescription);
   if (product.empty()) return id.empty() ? id : id + " (no name)";
   return id + (id.empty() ? "" : " ") + QuoteForTerminal(product);
 }
 
-std::string DescribeSerial(const SavedItem& item) {
-  const std::string serial = SerialOf(item);
+std::string DescribeSerial(const Item& item) {
+  const std::string serial = SentString(item, PropertyId::kSerialNumber);
   return serial.empty() ? serial : ", serial " + QuoteForTerminal(serial);
 }
 
@@ -46,61 +44,69 @@ std::string WithBlank(const std::string& text) {
   return text.empty() ? text : " " + text;
 }
 
-std::string DescribeThing(const Thing& thing) {
-  const std::string ports = thing.ports == 0 ? "" : ", with " + Count(thing.ports, "port");
-  return NounOf(thing.item->kind) + WithBlank(DescribeModel(*thing.item)) + DescribeSerial(*thing.item) +
-         ports;
+std::string DescribeItem(const PlacedItem& placed) {
+  const std::string ports = placed.ports == 0 ? "" : ", with " + Count(placed.ports, "port");
+  return NounOf(placed.item->Class()) + WithBlank(DescribeModel(*placed.item)) +
+         DescribeSerial(*placed.item) + ports;
 }
 
 /// Where what is there now is another model, the old one stands before it.
-std::string DescribeChanged(const ThingChange& change) {
+std::string DescribeChanged(const ItemChange& change) {
   const std::string before = DescribeModel(*change.before.item);
   const std::string after = DescribeModel(*change.after.item);
   const std::string models = before == after ? after : before + " -> " + after;
-  return NounOf(change.after.item->kind) + WithBlank(models) + DescribeSerial(*change.after.item);
+  return NounOf(change.after.item->Class()) + WithBlank(models) + DescribeSerial(*change.after.item);
 }
 
-std::string DescribeNumber(const std::string& property, std::uint64_t number) {
-  const bool isId = property == "VendorID" || property == "USBDeviceID";
-  return isId ? fmt::format("{:04x}", number) : std::to_string(number);
-}
+/// A value of the property, as a person reads it.
+struct ValueDescription {
+  PropertyId property;
 
-std::string DescribeValue(const std::string& property, const json& value) {
-  if (value.is_number()) return DescribeNumber(property, value.get<std::uint64_t>());
-  if (value.is_array()) {
+  std::string operator()(std::monostate) const { return "none"; }
+  std::string operator()(std::uint64_t number) const {
+    const bool isId = property == PropertyId::kVendorID || property == PropertyId::kUSBDeviceID;
+    return isId ? fmt::format("{:04x}", number) : std::to_string(number);
+  }
+  std::string operator()(const std::string& text) const {
+    const std::string sent = SentString(text);
+    return sent.empty() ? "none" : QuoteForTerminal(sent);
+  }
+  std::string operator()(const std::vector<std::string>& texts) const {
     std::vector<std::string> elements;
-    for (const json& element : value) elements.push_back(QuoteForTerminal(element.get<std::string>()));
+    for (const std::string& text : texts) elements.push_back(QuoteForTerminal(text));
     return fmt::format("{}", fmt::join(elements, ", "));
   }
-  const std::string text = value.is_null() ? "" : Given(value.get<std::string>());
-  return text.empty() ? "none" : QuoteForTerminal(text);
-}
+  std::string operator()(const Reference& reference) const { return QuoteForTerminal(reference.path); }
+};
 
-/// In words, where they tell the two apart.
-std::string DescribeSpeeds(ItemKind kind, const PropertyChange& change) {
-  const auto inWords = [kind](const json& value) {
-    if (!value.is_number()) return std::string();
-    const auto number = value.get<std::uint64_t>();
-    return kind == ItemKind::kPort ? FormatSpeed(number) : FormatSpeedClass(number);
+/// In words, where these differ; empty otherwise.
+std::string DescribeSpeeds(ClassId classId, const PropertyChange& change) {
+  const auto inWords = [classId](const Value& value) {
+    const auto* const number = std::get_if<std::uint64_t>(&value);
+    if (number == nullptr) return std::string();
+    return classId == ClassId::kPort ? FormatSpeed(*number) : FormatSpeedClass(*number);
   };
   const std::string before = inWords(change.before);
   const std::string after = inWords(change.after);
-  if (before.empty() || after.empty() || before == after) return std::string();
+  if (before.empty() || after.empty() || before == after) return {};
   return before + " -> " + after;
 }
 
-std::string DescribeProperty(ItemKind kind, const PropertyChange& change) {
-  const std::string speeds = change.name == "Speed" ? DescribeSpeeds(kind, change) : std::string();
-  if (!speeds.empty()) return "    Speed: " + speeds + "\n";
-  return fmt::format("    {}: {} -> {}\n", change.name, DescribeValue(change.name, change.before),
-                     DescribeValue(change.name, change.after));
+std::string DescribeProperty(ClassId classId, const PropertyChange& change) {
+  if (change.property == PropertyId::kSpeed) {
+    const std::string speeds = DescribeSpeeds(classId, change);
+    if (!speeds.empty()) return "    Speed: " + speeds + "\n";
+  }
+  const ValueDescription describe{change.property};
+  return fmt::format("    {}: {} -> {}\n", schema::NameOf(change.property),
+                     std::visit(describe, change.before), std::visit(describe, change.after));
 }
 
-/// What is told of one thing, and where in the text it belongs: of one kind at one place, what went stands
-/// ahead of what came.
+/// What is reported of one item, and where in the text it belongs: of one class at one place, what went
+/// stands before what came.
 struct Entry {
   const Place* place;
-  ItemKind kind;
+  ClassId classId;
   char mark;
   std::string line;
   std::string properties;
@@ -109,30 +115,31 @@ struct Entry {
     static const std::string kMarks = "->~+";
     const auto rank = kMarks.find(mark);
     const auto otherRank = kMarks.find(other.mark);
-    return std::tie(*place, kind, rank) < std::tie(*other.place, other.kind, otherRank);
+    return std::tie(*place, classId, rank) < std::tie(*other.place, other.classId, otherRank);
   }
 };
 
-Entry EntryOf(char mark, const Thing& thing) {
-  return {&thing.place, thing.item->kind, mark, DescribePlace(thing.place) + ": " + DescribeThing(thing), ""};
+Entry EntryOf(char mark, const PlacedItem& placed) {
+  return {&placed.place, placed.item->Class(), mark,
+          DescribePlace(placed.place) + ": " + DescribeItem(placed), ""};
 }
 
-Entry EntryOf(char mark, const ThingChange& change) {
+Entry EntryOf(char mark, const ItemChange& change) {
   std::string properties;
   for (const PropertyChange& property : change.properties) {
-    properties += DescribeProperty(change.after.item->kind, property);
+    properties += DescribeProperty(change.after.item->Class(), property);
   }
   const std::string from = mark == '>' ? DescribePlace(change.before.place) + " -> " : "";
-  return {&change.after.place, change.after.item->kind, mark,
+  return {&change.after.place, change.after.item->Class(), mark,
           from + DescribePlace(change.after.place) + ": " + DescribeChanged(change), properties};
 }
 
 std::vector<Entry> EntriesOf(const InventoryDifference& difference) {
   std::vector<Entry> entries;
-  for (const Thing& thing : difference.removed) entries.push_back(EntryOf('-', thing));
-  for (const Thing& thing : difference.added) entries.push_back(EntryOf('+', thing));
-  for (const ThingChange& change : difference.moved) entries.push_back(EntryOf('>', change));
-  for (const ThingChange& change : difference.changed) entries.push_back(EntryOf('~', change));
+  for (const PlacedItem& placed : difference.removed) entries.push_back(EntryOf('-', placed));
+  for (const PlacedItem& placed : difference.added) entries.push_back(EntryOf('+', placed));
+  for (const ItemChange& change : difference.moved) entries.push_back(EntryOf('>', change));
+  for (const ItemChange& change : difference.changed) entries.push_back(EntryOf('~', change));
   std::stable_sort(entries.begin(), entries.end());
   return entries;
 }

@@ -1,5 +1,5 @@
-// The difference of two inventories for people: a line per thing, in the order of the places, and under a
-// thing that changed a line per property.
+// The difference of two inventories for people: a line per item, in the order of the places, and under an
+// item that changed a line per property.
 #pragma once
 
 #include <string>

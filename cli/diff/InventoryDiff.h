@@ -1,37 +1,36 @@
-// What differs between two inventories: things added, removed, moved to another port and changed. A thing is
+// What differs between two inventories: items added, removed, moved to another port and changed. An item is
 // known again by its vendor, product and serial number where it has one, else by its place; docs/comparing.md
-// gives the rules. Pure: two inventories in, the difference out.
+// gives the rules.
 #pragma once
 
 #include <cstddef>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "cli/model/SavedInventory.h"
-#include "cli/model/SavedTree.h"
+#include "cli/model/Inventory.h"
+#include "cli/model/Place.h"
 
 namespace cli {
 
-struct Thing {
+struct PlacedItem {
   /// Owned by its inventory.
-  const SavedItem* item;
+  const Item* item;
   Place place;
   /// Of a hub: how many ports it has in the inventory.
   std::size_t ports;
 };
 
-/// A property with two values; null where the thing lacks it.
+/// A property with two values; std::monostate where the item lacks it.
 struct PropertyChange {
-  std::string name;
-  nlohmann::json before;
-  nlohmann::json after;
+  PropertyId property;
+  Value before;
+  Value after;
 };
 
-/// The same thing in both inventories.
-struct ThingChange {
-  Thing before;
-  Thing after;
+/// The same item in both inventories.
+struct ItemChange {
+  PlacedItem before;
+  PlacedItem after;
   /// Ascending by name.
   std::vector<PropertyChange> properties;
 };
@@ -40,24 +39,17 @@ struct ThingChange {
 struct InventoryDifference {
   std::string oldSystem;
   std::string newSystem;
-  std::vector<Thing> added;
-  std::vector<Thing> removed;
+  std::vector<PlacedItem> added;
+  std::vector<PlacedItem> removed;
   /// With what changed about them, too.
-  std::vector<ThingChange> moved;
-  std::vector<ThingChange> changed;
+  std::vector<ItemChange> moved;
+  std::vector<ItemChange> changed;
 
   /// True when nothing differs but perhaps the systems' names.
   bool IsEmpty() const { return added.empty() && removed.empty() && moved.empty() && changed.empty(); }
 };
 
-/// Both inventories must outlive the difference. Takes about as long as sorting their things does.
-InventoryDifference Compare(const SavedInventory& before, const SavedInventory& after);
-
-/// "046d:c52b" of a hub or device; empty for the rest.
-std::string IdOf(const SavedItem& item);
-/// The product string; empty when there is none.
-std::string ProductOf(const SavedItem& item);
-/// The serial number; empty when there is none.
-std::string SerialOf(const SavedItem& item);
+/// Both inventories must outlive the difference. Takes about as long as sorting their items does.
+InventoryDifference Compare(const Inventory& before, const Inventory& after);
 
 }  // namespace cli

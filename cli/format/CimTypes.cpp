@@ -1,4 +1,3 @@
-// CIM type names; see the header.
 #include "cli/format/CimTypes.h"
 
 using Type = NKESTA20::TCIMValue::TCIMType;

@@ -1,13 +1,13 @@
-// The CIM-XML export; see the header.
 #include "cli/format/CimXmlFormat.h"
+
+#include <optional>
 
 #include "cli/format/CimTypes.h"
 #include "cli/format/XmlWriter.h"
-#include "standin/ValueView.h"
+#include "cli/model/Inventory.h"
+#include "cli/model/ObjectPath.h"
 
-using NKESTA20::TCIMReference;
-using NKESTA20::TCIMValue;
-using Type = TCIMValue::TCIMType;
+using schema::PropertySchema;
 
 namespace cli {
 
@@ -19,86 +19,103 @@ void WriteNamespacePath(XmlWriter& xml) {
   });
 }
 
-void WriteInstanceName(XmlWriter& xml, const TCIMReference& path);
+template <typename Body>
+void WriteKeyBinding(XmlWriter& xml, const PropertySchema& key, Body body) {
+  xml.Element("KEYBINDING", [&] {
+    xml.Attribute("NAME", key.name);
+    body();
+  });
+}
 
-void WriteReference(XmlWriter& xml, const TCIMReference& path) {
-  xml.Element("VALUE.REFERENCE", [&] {
-    xml.Element("LOCALINSTANCEPATH", [&] {
-      WriteNamespacePath(xml);
-      WriteInstanceName(xml, path);
+void WriteKeyValue(XmlWriter& xml, const PropertySchema& key, const std::string& value) {
+  WriteKeyBinding(xml, key, [&] {
+    xml.Element("KEYVALUE", [&] {
+      xml.Attribute("VALUETYPE", "string");
+      xml.Attribute("TYPE", CimTypeName(key.type));
+      xml.Text(value);
     });
   });
 }
 
-void WriteKeyValue(XmlWriter& xml, const TCIMValue& value) {
-  xml.Element("KEYVALUE", [&] {
-    xml.Attribute("VALUETYPE", standin::TypeOf(value) == Type::kString ? "string" : "numeric");
-    xml.Attribute("TYPE", CimTypeName(standin::TypeOf(value)));
-    xml.Text(standin::TextOf(value));
-  });
-}
-
-void WriteKeyBinding(XmlWriter& xml, const std::string& name, const TCIMValue& value) {
-  xml.Element("KEYBINDING", [&] {
-    xml.Attribute("NAME", name);
-    if (standin::TypeOf(value) == Type::kReference) {
-      WriteReference(xml, standin::ReferenceOf(value));
-    } else {
-      WriteKeyValue(xml, value);
+void WriteEntityName(XmlWriter& xml, const ObjectPath& path) {
+  xml.Element("INSTANCENAME", [&] {
+    xml.Attribute("CLASSNAME", path.schema->name);
+    auto value = path.keys.begin();
+    for (const PropertySchema& property : path.schema->properties) {
+      if (property.isKey) WriteKeyValue(xml, property, *value++);
     }
   });
 }
 
-void WriteInstanceName(XmlWriter& xml, const TCIMReference& path) {
-  xml.Element("INSTANCENAME", [&] {
-    xml.Attribute("CLASSNAME", standin::ClassNameOf(path));
-    for (const auto& [name, value] : standin::KeysOf(path)) WriteKeyBinding(xml, name, value);
-  });
-}
-
-void WriteScalar(XmlWriter& xml, const std::string& name, const TCIMValue& value) {
-  xml.Element("PROPERTY", [&] {
-    xml.Attribute("NAME", name);
-    xml.Attribute("TYPE", CimTypeName(standin::TypeOf(value)));
-    xml.TextElement("VALUE", standin::TextOf(value));
-  });
-}
-
-void WriteArray(XmlWriter& xml, const std::string& name, const TCIMValue& value) {
-  xml.Element("PROPERTY.ARRAY", [&] {
-    xml.Attribute("NAME", name);
-    xml.Attribute("TYPE", CimTypeName(standin::TypeOf(value)));
-    xml.Element("VALUE.ARRAY", [&] {
-      for (const std::string& element : standin::StringsOf(value)) xml.TextElement("VALUE", element);
+void WriteReference(XmlWriter& xml, const Reference& reference) {
+  const std::optional<ObjectPath> path = ParseObjectPath(reference.path);
+  xml.Element("VALUE.REFERENCE", [&] {
+    xml.Element("LOCALINSTANCEPATH", [&] {
+      WriteNamespacePath(xml);
+      WriteEntityName(xml, path.value());
     });
   });
 }
 
-void WriteReferenceProperty(XmlWriter& xml, const std::string& name, const TCIMValue& value) {
-  xml.Element("PROPERTY.REFERENCE", [&] {
-    xml.Attribute("NAME", name);
-    xml.Attribute("REFERENCECLASS", standin::ClassNameOf(standin::ReferenceOf(value)));
-    WriteReference(xml, standin::ReferenceOf(value));
+void WriteInstanceName(XmlWriter& xml, const Item& item) {
+  xml.Element("INSTANCENAME", [&] {
+    xml.Attribute("CLASSNAME", item.Schema().name);
+    for (const PropertySchema& property : item.Schema().properties) {
+      if (!property.isKey) continue;
+      if (const auto* const reference = std::get_if<Reference>(&item.Get(property.id))) {
+        WriteKeyBinding(xml, property, [&] { WriteReference(xml, *reference); });
+      } else {
+        WriteKeyValue(xml, property, item.String(property.id));
+      }
+    }
   });
 }
 
-void WriteProperty(XmlWriter& xml, const std::string& name, const TCIMValue& value) {
-  switch (standin::TypeOf(value)) {
-    case Type::kStringArray:
-      return WriteArray(xml, name, value);
-    case Type::kReference:
-      return WriteReferenceProperty(xml, name, value);
-    default:
-      return WriteScalar(xml, name, value);
-  }
-}
+/// Writes a property of which the value is present, as its type wants it.
+struct PropertyWriter {
+  XmlWriter& xml;
+  const PropertySchema& property;
 
-void WriteInstance(XmlWriter& xml, const std::string& className, const InstanceView& instance) {
+  void operator()(std::monostate) const {}
+  void operator()(std::uint64_t number) const { WriteScalar(std::to_string(number)); }
+  void operator()(const std::string& text) const { WriteScalar(text); }
+  void operator()(const std::vector<std::string>& texts) const {
+    xml.Element("PROPERTY.ARRAY", [&] {
+      WriteNameAndType();
+      xml.Element("VALUE.ARRAY", [&] {
+        for (const std::string& text : texts) xml.TextElement("VALUE", text);
+      });
+    });
+  }
+  void operator()(const Reference& reference) const {
+    xml.Element("PROPERTY.REFERENCE", [&] {
+      xml.Attribute("NAME", property.name);
+      xml.Attribute("REFERENCECLASS", ParseObjectPath(reference.path).value().schema->name);
+      WriteReference(xml, reference);
+    });
+  }
+
+ private:
+  void WriteScalar(const std::string& text) const {
+    xml.Element("PROPERTY", [&] {
+      WriteNameAndType();
+      xml.TextElement("VALUE", text);
+    });
+  }
+  void WriteNameAndType() const {
+    xml.Attribute("NAME", property.name);
+    xml.Attribute("TYPE", CimTypeName(property.type));
+  }
+};
+
+void WriteItem(XmlWriter& xml, const Item& item) {
   xml.Element("VALUE.NAMEDOBJECT", [&] {
-    WriteInstanceName(xml, instance.Path());
+    WriteInstanceName(xml, item);
     xml.Element("INSTANCE", [&] {
-      xml.Attribute("CLASSNAME", className);
-      for (const auto& [name, property] : instance.Properties()) WriteProperty(xml, name, property->Value());
+      xml.Attribute("CLASSNAME", item.Schema().name);
+      for (const PropertySchema& property : item.Schema().properties) {
+        std::visit(PropertyWriter{xml, property}, item.Get(property.id));
+      }
     });
   });
 }
@@ -106,8 +123,8 @@ void WriteInstance(XmlWriter& xml, const std::string& className, const InstanceV
 void WriteGroup(XmlWriter& xml, const Inventory& inventory) {
   xml.Element("DECLGROUP.WITHNAME", [&] {
     WriteNamespacePath(xml);
-    for (const ClassView& view : inventory.Classes()) {
-      for (const InstanceView& instance : view.instances) WriteInstance(xml, view.schema.name, instance);
+    for (const ItemsOfClass& ofClass : inventory.Classes()) {
+      for (const Item& item : ofClass.items) WriteItem(xml, item);
     }
   });
 }

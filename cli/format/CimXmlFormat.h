@@ -4,9 +4,10 @@
 
 #include <string>
 
-#include "cli/format/OutputFormat.h"
-
 namespace cli {
+
+class Inventory;
+struct RenderOptions;
 
 /// One CIM document with every instance as a VALUE.NAMEDOBJECT of the namespace.
 std::string RenderCimXml(const Inventory& inventory, const RenderOptions& options);

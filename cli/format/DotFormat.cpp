@@ -1,17 +1,15 @@
-// The graph for Graphviz; see the header.
 #include "cli/format/DotFormat.h"
 
 #include <fmt/format.h>
 
+#include "cli/model/Description.h"
+#include "cli/model/DeviceText.h"
 #include "cli/model/UsbTree.h"
-#include "cli/model/Wording.h"
 #include "cli/text/MapCharacters.h"
 
 namespace cli {
 
 namespace {
-
-using Kind = UsbTreeNode::Kind;
 
 /// For a line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; a
 /// device's string holds neither.
@@ -39,7 +37,7 @@ std::string Label(const std::vector<std::string>& lines) {
 class Graph {
  public:
   explicit Graph(const Inventory& inventory)
-      : fSummary(Summary(inventory)), fTree(inventory), fIsTop(fTree.Nodes().size(), false) {
+      : fInventory(inventory), fTree(inventory), fIsTop(fTree.Nodes().size(), false) {
     for (const std::size_t index : fTree.Top()) fIsTop[index] = true;
   }
 
@@ -64,41 +62,45 @@ class Graph {
         "  node [shape=box, style=\"rounded,filled\", color=\"#8a94a3\", fillcolor=\"#ffffff\",\n"
         "        fontname=\"sans-serif\", fontsize=10, height=0.3, margin=\"0.12,0.06\"];\n"
         "  edge [arrowhead=none, color=\"#8a94a3\"];\n",
-        Label({fSummary}));
+        Label({Summary(fInventory)}));
   }
 
   std::string Node(std::size_t index) const {
     const UsbTreeNode& node = fTree.Nodes()[index];
     const std::string place = PlaceOf(node, fIsTop[index]);
-    switch (node.kind) {
-      case Kind::kController:
-        return NodeText(index, "controller", {place, DisplayName(node)},
+    switch (node.Class()) {
+      case ClassId::kController:
+        return NodeText(index, "controller", {place, DisplayName(fInventory, node)},
                         R"(fillcolor="#24364b", fontcolor="#ffffff")");
-      case Kind::kHub: {
-        const std::string ports = Count(node.item->Number("NumberOfPorts"), "port");
-        return NodeText(index, "hub", {place, DisplayName(node), IdOf(node) + ", " + ports},
+      case ClassId::kHub: {
+        const std::string ports = Count(node.item->Number(PropertyId::kNumberOfPorts), "port");
+        return NodeText(index, "hub",
+                        {place, DisplayName(fInventory, node), FormatId(*node.item) + ", " + ports},
                         R"(fillcolor="#dde8f5")");
       }
-      case Kind::kPort:
+      case ClassId::kPort:
         return Port(index, place);
       default:
-        return NodeText(index, "device", {fIsTop[index] ? place : "", DisplayName(node), Facts(node)},
+        return NodeText(index, "device",
+                        {fIsTop[index] ? place : "", DisplayName(fInventory, node), Facts(node)},
                         R"(fillcolor="#e3f1e4")");
     }
   }
 
   std::string Port(std::size_t index, const std::string& place) const {
     const UsbTreeNode& node = fTree.Nodes()[index];
-    if (!IsFree(*node.item)) return NodeText(index, "port used", {place, SpeedOf(fTree, node)}, "fontsize=9");
+    if (!IsFree(node)) return NodeText(index, "port used", {place, SpeedOf(fTree, node)}, "fontsize=9");
     return NodeText(
         index, "port free", {place + " free"},
         R"(shape=plaintext, style="", fontcolor="#667080", fontsize=8, height=0.16, margin="0.03,0")");
   }
 
+  bool IsFree(const UsbTreeNode& port) const { return fInventory.StateOf(*port.item) == PortState::kFree; }
+
   /// A device's identifier and its speed, as far as it is known.
   std::string Facts(const UsbTreeNode& node) const {
     const std::string speed = SpeedOf(fTree, node);
-    return speed.empty() ? IdOf(node) : IdOf(node) + ", " + speed;
+    return speed.empty() ? FormatId(*node.item) : FormatId(*node.item) + ", " + speed;
   }
 
   static std::string NodeText(std::size_t index, const char* svgClass, const std::vector<std::string>& lines,
@@ -110,13 +112,13 @@ class Graph {
     std::string text;
     for (const std::size_t child : fTree.Nodes()[index].children) {
       const UsbTreeNode& node = fTree.Nodes()[child];
-      const bool isToFreePort = node.kind == Kind::kPort && IsFree(*node.item);
+      const bool isToFreePort = node.Class() == ClassId::kPort && IsFree(node);
       text += fmt::format("  n{} -> n{}{};\n", index, child, isToFreePort ? " [color=\"#d3d8df\"]" : "");
     }
     return text;
   }
 
-  std::string fSummary;
+  const Inventory& fInventory;
   UsbTree fTree;
   std::vector<bool> fIsTop;
 };

@@ -4,9 +4,10 @@
 
 #include <string>
 
-#include "cli/format/OutputFormat.h"
-
 namespace cli {
+
+class Inventory;
+struct RenderOptions;
 
 /// A digraph in the DOT language, in UTF-8; without nodes for an empty inventory. Nodes are named n0, n1, ...
 /// and carry the SVG classes controller, hub, port or device, ports used or free besides.

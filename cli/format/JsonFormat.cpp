@@ -1,33 +1,46 @@
-// The JSON export; see the header.
 #include "cli/format/JsonFormat.h"
 
-#include "cli/format/JsonValues.h"
-#include "standin/Host.h"
-
-using nlohmann::ordered_json;
+#include "cli/model/Inventory.h"
+#include "cli/model/JsonValues.h"
+#include "cli/text/JsonWriter.h"
 
 namespace cli {
 
 namespace {
 
-ordered_json ToJson(const std::vector<InstanceView>& instances) {
-  ordered_json list = ordered_json::array();
-  for (const InstanceView& instance : instances) list.push_back(PropertiesAsJson(instance));
-  return list;
+void WriteSystem(JsonWriter& json, const Inventory& inventory) {
+  json.Key("system");
+  json.BeginObject();
+  json.Key("name");
+  json.String(inventory.SystemName());
+  json.Key("creationClassName");
+  json.String(schema::kSystemClass);
+  json.EndObject();
+}
+
+void WriteClasses(JsonWriter& json, const Inventory& inventory) {
+  json.Key("classes");
+  json.BeginObject();
+  for (const ItemsOfClass& ofClass : inventory.Classes()) {
+    json.Key(ofClass.schema->name);
+    json.BeginArray();
+    for (const Item& item : ofClass.items) WriteProperties(json, item);
+    json.EndArray();
+  }
+  json.EndObject();
 }
 
 }  // namespace
 
 std::string RenderJson(const Inventory& inventory, const RenderOptions&) {
-  constexpr int kIndent = 2;
-  ordered_json document;
-  document["schema"] = "usbinfo.inventory/1";
-  document["system"]["name"] = inventory.SystemName();
-  document["system"]["creationClassName"] = standin::Host::kSystemCreationClassName;
-  for (const ClassView& view : inventory.Classes()) {
-    document["classes"][view.schema.name] = ToJson(view.instances);
-  }
-  return document.dump(kIndent, ' ', true, ordered_json::error_handler_t::replace) + "\n";
+  JsonWriter json(JsonWriter::Layout::kIndented);
+  json.BeginObject();
+  json.Key("schema");
+  json.String("usbinfo.inventory/1");
+  WriteSystem(json, inventory);
+  WriteClasses(json, inventory);
+  json.EndObject();
+  return json.Take() + "\n";
 }
 
 }  // namespace cli

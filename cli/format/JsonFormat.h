@@ -4,9 +4,10 @@
 
 #include <string>
 
-#include "cli/format/OutputFormat.h"
-
 namespace cli {
+
+class Inventory;
+struct RenderOptions;
 
 /// ASCII only, so that no string of a device reaches a terminal as it is. Bytes that are no UTF-8 become
 /// U+FFFD, references their object path text.

@@ -1,24 +1,34 @@
-// The JSON Lines export; see the header.
 #include "cli/format/JsonLinesFormat.h"
 
-#include "cli/format/JsonValues.h"
-
-using nlohmann::ordered_json;
+#include "cli/model/Inventory.h"
+#include "cli/model/JsonValues.h"
+#include "cli/text/JsonWriter.h"
 
 namespace cli {
 
+namespace {
+
+std::string LineOf(const Inventory& inventory, const Item& item) {
+  JsonWriter json(JsonWriter::Layout::kOneLine);
+  json.BeginObject();
+  json.Key("host");
+  json.String(inventory.SystemName());
+  json.Key("class");
+  json.String(item.Schema().name);
+  json.Key("path");
+  json.String(item.Path());
+  json.Key("properties");
+  WriteProperties(json, item);
+  json.EndObject();
+  return json.Take() + "\n";
+}
+
+}  // namespace
+
 std::string RenderJsonLines(const Inventory& inventory, const RenderOptions&) {
-  constexpr int kOneLine = -1;
   std::string text;
-  for (const ClassView& view : inventory.Classes()) {
-    for (const InstanceView& instance : view.instances) {
-      ordered_json line;
-      line["host"] = inventory.SystemName();
-      line["class"] = view.schema.name;
-      line["path"] = instance.PathText();
-      line["properties"] = PropertiesAsJson(instance);
-      text += line.dump(kOneLine, ' ', true, ordered_json::error_handler_t::replace) + "\n";
-    }
+  for (const ItemsOfClass& ofClass : inventory.Classes()) {
+    for (const Item& item : ofClass.items) text += LineOf(inventory, item);
   }
   return text;
 }

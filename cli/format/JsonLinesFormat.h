@@ -3,9 +3,10 @@
 
 #include <string>
 
-#include "cli/format/OutputFormat.h"
-
 namespace cli {
+
+class Inventory;
+struct RenderOptions;
 
 /// Lines of `{"host": NAME, "class": CLASS, "path": PATH, "properties": {...}}`, classes and instances in the
 /// order of the JSON document. ASCII only; empty for an empty inventory.

@@ -1,16 +1,14 @@
-// The MOF export; see the header.
 #include "cli/format/MofFormat.h"
 
 #include <fmt/format.h>
 
 #include "cli/format/CimTypes.h"
+#include "cli/model/Inventory.h"
 #include "cli/text/Text.h"
-#include "standin/ValueView.h"
 
-using NKESTA20::TCIMValue;
 using schema::ClassSchema;
 using schema::PropertySchema;
-using Type = TCIMValue::TCIMType;
+using Type = NKESTA20::TCIMValue::TCIMType;
 
 namespace cli {
 
@@ -54,28 +52,23 @@ std::string Declaration(const ClassSchema& schema) {
   return text + "};\n";
 }
 
-std::string ValueText(const TCIMValue& value) {
-  switch (standin::TypeOf(value)) {
-    case Type::kUint8:
-    case Type::kUint16:
-    case Type::kUint64:
-      return standin::TextOf(value);
-    case Type::kReference:
-      return Quoted("/root/cimv2:" + standin::TextOf(value));
-    case Type::kStringArray: {
-      std::vector<std::string> elements;
-      for (const std::string& element : standin::StringsOf(value)) elements.push_back(Quoted(element));
-      return fmt::format("{{{}}}", fmt::join(elements, ", "));
-    }
-    default:
-      return Quoted(standin::TextOf(value));
+struct ValueText {
+  std::string operator()(std::monostate) const { return "NULL"; }
+  std::string operator()(std::uint64_t number) const { return std::to_string(number); }
+  std::string operator()(const std::string& text) const { return Quoted(text); }
+  std::string operator()(const Reference& reference) const { return Quoted("/root/cimv2:" + reference.path); }
+  std::string operator()(const std::vector<std::string>& texts) const {
+    std::vector<std::string> elements;
+    for (const std::string& text : texts) elements.push_back(Quoted(text));
+    return fmt::format("{{{}}}", fmt::join(elements, ", "));
   }
-}
+};
 
-std::string InstanceText(const std::string& className, const InstanceView& instance) {
-  std::string text = fmt::format("\ninstance of {} {{\n", className);
-  for (const auto& [name, property] : instance.Properties()) {
-    text += fmt::format("  {} = {};\n", name, ValueText(property->Value()));
+std::string InstanceText(const Item& item) {
+  std::string text = fmt::format("\ninstance of {} {{\n", item.Schema().name);
+  for (const PropertySchema& property : item.Schema().properties) {
+    if (!item.Has(property.id)) continue;
+    text += fmt::format("  {} = {};\n", property.name, std::visit(ValueText(), item.Get(property.id)));
   }
   return text + "};\n";
 }
@@ -91,8 +84,8 @@ std::string RenderMofSchema() {
 
 std::string RenderMof(const Inventory& inventory, const RenderOptions&) {
   std::string text = RenderMofSchema();
-  for (const ClassView& view : inventory.Classes()) {
-    for (const InstanceView& instance : view.instances) text += InstanceText(view.schema.name, instance);
+  for (const ItemsOfClass& ofClass : inventory.Classes()) {
+    for (const Item& item : ofClass.items) text += InstanceText(item);
   }
   return text;
 }

@@ -4,9 +4,10 @@
 
 #include <string>
 
-#include "cli/format/OutputFormat.h"
-
 namespace cli {
+
+class Inventory;
+struct RenderOptions;
 
 /// The qualifier and class declarations alone.
 std::string RenderMofSchema();

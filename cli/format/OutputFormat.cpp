@@ -1,4 +1,3 @@
-// The list of output formats; see the header.
 #include "cli/format/OutputFormat.h"
 
 #include <algorithm>

@@ -5,18 +5,18 @@
 #include <string>
 #include <vector>
 
-#include "cli/format/RenderOptions.h"
-#include "cli/model/Inventory.h"
-
 namespace cli {
+
+class Inventory;
+struct RenderOptions;
 
 struct OutputFormat {
   std::string name;
   /// For programs rather than people: an empty inventory is still a document.
   bool isMachineReadable;
   std::string (*render)(const Inventory& inventory, const RenderOptions& options);
-  /// Draws how the items hang together: what is selected comes with the way that leads to it.
-  bool keepsWay = false;
+  /// Draws how the items hang together: what is selected comes with the path that leads to it.
+  bool keepsPath = false;
   /// Shows the names that vendors and products are known by.
   bool showsNames = false;
 };

@@ -1,21 +1,27 @@
-// Tables for people; see the header.
 #include "cli/format/TableFormat.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <functional>
+#include <optional>
 #include <set>
 #include <unordered_map>
 
-#include "cli/model/Wording.h"
+#include "cli/format/RenderOptions.h"
+#include "cli/model/Description.h"
+#include "cli/model/DeviceText.h"
+#include "cli/model/Identifier.h"
+#include "cli/model/ObjectPath.h"
+#include "cli/model/Speed.h"
 #include "cli/text/TextTable.h"
-#include "standin/ValueView.h"
 
 namespace cli {
 
 namespace {
 
-using Getter = std::function<std::string(const InstanceView& item)>;
+using Getter = std::function<std::string(const Item& item)>;
 
 struct TableColumn {
   TextTable::Column column;
@@ -23,96 +29,105 @@ struct TableColumn {
 };
 using TableColumns = std::vector<TableColumn>;
 
-constexpr const char* kOwn = "DeviceID";
-constexpr const char* kAntecedent = "Antecedent";
-constexpr const char* kDependent = "Dependent";
+constexpr PropertyId kOwn = PropertyId::kDeviceID;
+constexpr PropertyId kAntecedent = PropertyId::kAntecedent;
+constexpr PropertyId kDependent = PropertyId::kDependent;
 
-/// An item's own identifier, or that of what an association leads to; empty when it leads nowhere.
-std::string Identifier(const InstanceView& item, const char* property) {
-  const NKESTA20::TCIMValue* const value = item.Find(property);
-  if (value == nullptr || standin::TypeOf(*value) != NKESTA20::TCIMValue::TCIMType::kReference) {
-    return item.Text(property);
-  }
-  for (const auto& [name, key] : standin::KeysOf(standin::ReferenceOf(*value))) {
-    if (name == kOwn) return standin::TextOf(key);
-  }
-  return std::string();
+/// An item's own identifier, or that of what a link leads to.
+std::string Identifier(const Item& item, PropertyId property) {
+  if (property == kOwn) return item.String(kOwn);
+  const std::optional<ObjectPath> path = ParseObjectPath(item.String(property));
+  return path ? path->Key(kOwn) : std::string();
 }
 
-TableColumn Text(const char* title, Getter text) {
-  return {{title, TextTable::Kind::kText, 0}, std::move(text)};
+/// NameOf has overloads, so it cannot be handed on by its name alone.
+std::string ItemName(const Item& item) {
+  return NameOf(item);
 }
 
-TableColumn Right(const char* title, Getter text) {
-  return {{title, TextTable::Kind::kRight, 0}, std::move(text)};
+/// Cut to less, a text does not help any more.
+constexpr std::size_t kSmallestText = 16;
+
+TableColumn Text(const char* title, Getter text, Importance importance = Importance::kIdentifier) {
+  return {{title, TextTable::Kind::kLeft, importance, kSmallestText}, std::move(text)};
 }
 
-/// Keeps `share` of the terminal's width where that is scarce.
-TableColumn Cut(const std::string& title, double share, Getter text) {
-  return {{title, TextTable::Kind::kCut, share}, std::move(text)};
+TableColumn Right(const char* title, Getter text, Importance importance = Importance::kIdentifier) {
+  return {{title, TextTable::Kind::kRight, importance, kSmallestText}, std::move(text)};
 }
 
-TableColumn Bus(const char* property) {
-  return Text("BUS", [property](const InstanceView& item) { return BusOf(Identifier(item, property)); });
+TableColumn Bus(PropertyId property) {
+  return Text("BUS", [property](const Item& item) { return std::string(BusOf(Identifier(item, property))); });
 }
 
 /// The number of a hub or device on its bus.
-TableColumn Device(const char* title, const char* property) {
-  return Right(
-      title, [property](const InstanceView& item) { return Behind(Identifier(item, property), " Device "); });
+TableColumn Device(const char* title, PropertyId property) {
+  return Right(title,
+               [property](const Item& item) { return std::string(DeviceOf(Identifier(item, property))); });
 }
 
 /// The hub of a port: 2 in "Bus 01  Device   2 Port 00".
-TableColumn HubOfPort(const char* property) {
-  return Right("HUB", [property](const InstanceView& item) {
-    const std::string port = Identifier(item, property);
-    return Behind(port.substr(0, port.rfind(" Port ")), " Device ");
+TableColumn HubOfPort(PropertyId property) {
+  return Right("HUB", [property](const Item& item) {
+    return std::string(DeviceOf(HubOf(Identifier(item, property))));
   });
 }
 
-TableColumn Port(const char* property) {
+TableColumn Port(PropertyId property) {
   return Text("PORT",
-              [property](const InstanceView& item) { return Behind(Identifier(item, property), " Port "); });
+              [property](const Item& item) { return std::string(PortOf(Identifier(item, property))); });
 }
 
-TableColumn GivenString(const char* title, double share, const char* property) {
-  return Cut(title, share, [property](const InstanceView& item) { return Given(item, property); });
+TableColumn SentStringColumn(const char* title, Importance importance, PropertyId property) {
+  return Text(
+      title, [property](const Item& item) { return SentString(item, property); }, importance);
 }
 
 /// The columns that suit each class.
 class ChosenColumns {
  public:
-  ChosenColumns(const Inventory& inventory, const UsbIds* names) : fNames(names) {
-    for (const char* name : {"KALDO_USBHub", "KALDO_USBDevice"}) {
-      for (const InstanceView& item : inventory.InstancesOf(name)) fNamed.emplace(item.PathText(), &item);
+  ChosenColumns(const Inventory& inventory, const UsbIds* names) : fInventory(inventory), fNames(names) {
+    for (const auto* const items : {&inventory.Hubs(), &inventory.Devices()}) {
+      for (const Item& item : *items) fItemsByPath.emplace(item.Path(), &item);
     }
   }
 
-  TableColumns Of(const std::string& className) const {
-    if (className == "KALDO_USBController") return {Bus(kOwn), Cut("CONTROLLER", 0.5, NameOf)};
-    if (className == "KALDO_USBPort")
-      return {Bus(kOwn), HubOfPort(kOwn), Port(kOwn), SpeedOfPort(), Status()};
-    if (className == "KALDO_USBPortOnHub") {
-      return {Bus(kAntecedent), Device("HUB", kAntecedent), Port(kDependent),
-              Name("NAME OF THE HUB", kAntecedent)};
+  TableColumns Of(ClassId classId) const {
+    switch (classId) {
+      case ClassId::kController:
+        return {Bus(kOwn), Text("CONTROLLER", ItemName, Importance::kMain)};
+      case ClassId::kPort:
+        return {Bus(kOwn), HubOfPort(kOwn), Port(kOwn), SpeedOfPort(), Status()};
+      case ClassId::kPortOnHub:
+        return {Bus(kAntecedent), Device("HUB", kAntecedent), Port(kDependent),
+                Name("NAME OF THE HUB", kAntecedent)};
+      case ClassId::kConnection:
+        return {Bus(kAntecedent), HubOfPort(kAntecedent), Port(kAntecedent), Device("DEV", kDependent),
+                Name("PLUGGED IN", kDependent)};
+      default:
+        return OfNamed(classId == ClassId::kHub ? Ports() : SpeedOfDevice());
     }
-    if (className == "KALDO_USBConnection") {
-      return {Bus(kAntecedent), HubOfPort(kAntecedent), Port(kAntecedent), Device("DEV", kDependent),
-              Name("PLUGGED IN", kDependent)};
-    }
-    return OfNamed(className == "KALDO_USBHub" ? Ports() : SpeedOfDevice());
   }
 
  private:
-  static TableColumn Status() { return Text("STATUS", StateOf); }
+  TableColumn Status() const {
+    return Text(
+        "STATUS", [this](const Item& port) { return std::string(NameOf(fInventory.StateOf(port))); },
+        Importance::kMain);
+  }
   static TableColumn SpeedOfPort() {
-    return Right("SPEED", [](const InstanceView& port) { return FormatSpeed(port.Number("Speed")); });
+    return Right(
+        "SPEED", [](const Item& port) { return FormatSpeed(port.Number(PropertyId::kSpeed)); },
+        Importance::kUseful);
   }
   static TableColumn SpeedOfDevice() {
-    return Right("SPEED", [](const InstanceView& item) { return FormatSpeedClass(item.Number("Speed")); });
+    return Right(
+        "SPEED", [](const Item& item) { return FormatSpeedClass(item.Number(PropertyId::kSpeed)); },
+        Importance::kUseful);
   }
   static TableColumn Ports() {
-    return Right("PORTS", [](const InstanceView& hub) { return hub.Text("NumberOfPorts"); });
+    return Right(
+        "PORTS", [](const Item& hub) { return hub.Text(PropertyId::kNumberOfPorts); }, Importance::kUseful);
   }
 
   /// Of hubs and devices, which have names; `own` is what only one of the classes has.
@@ -121,68 +136,84 @@ class ChosenColumns {
                             Device("DEV", kOwn),
                             Text("ID", FormatId),
                             own,
-                            Cut("PRODUCT", 0.2, NameOf),
-                            GivenString("MAKER", 0.05, "Manufacturer"),
-                            GivenString("SERIAL", 0.2, "SerialNumber")};
+                            Text("PRODUCT", ItemName, Importance::kMain),
+                            SentStringColumn("MAKER", Importance::kMinor, PropertyId::kManufacturer),
+                            SentStringColumn("SERIAL", Importance::kIdentifier, PropertyId::kSerialNumber)};
     if (fNames != nullptr) {
-      const auto knownAs = [names = fNames](const InstanceView& item) { return KnownAs(item, names); };
-      columns.push_back(Cut("KNOWN AS", 0.1, knownAs));
+      const auto knownAs = [names = fNames](const Item& item) { return KnownAs(item, names); };
+      columns.push_back(Text("KNOWN AS", knownAs, Importance::kMinor));
     }
     return columns;
   }
 
-  /// The name of what an association leads to.
-  TableColumn Name(const char* title, const char* property) const {
-    return Cut(title, 0.5, [this, property](const InstanceView& association) {
-      const auto found = fNamed.find(association.Text(property));
-      return found == fNamed.end() ? std::string() : NameOf(*found->second);
-    });
+  /// The name of what a link leads to.
+  TableColumn Name(const char* title, PropertyId property) const {
+    const auto name = [this, property](const Item& link) {
+      const auto found = fItemsByPath.find(link.String(property));
+      return found == fItemsByPath.end() ? std::string() : NameOf(*found->second);
+    };
+    return Text(title, name, Importance::kMain);
   }
 
+  const Inventory& fInventory;
   const UsbIds* fNames;
-  std::unordered_map<std::string, const InstanceView*> fNamed;
+  std::unordered_map<std::string, const Item*> fItemsByPath;
 };
+
+/// Whether the property distinguishes instances.
+bool IsIdentifier(PropertyId property) {
+  constexpr std::array<PropertyId, 6> kIdentifiers = {PropertyId::kAntecedent,  PropertyId::kDependent,
+                                                      PropertyId::kDeviceID,    PropertyId::kSerialNumber,
+                                                      PropertyId::kUSBDeviceID, PropertyId::kVendorID};
+  return std::find(kIdentifiers.begin(), kIdentifiers.end(), property) != kIdentifiers.end();
+}
 
 /// The properties asked for that the class has.
 TableColumns AskedColumns(const schema::ClassSchema& schema, const std::vector<std::string>& names) {
   TableColumns columns;
   for (const std::string& name : names) {
-    if (schema.FindProperty(name) == nullptr) continue;
-    columns.push_back(Cut(name, 0.1, [name](const InstanceView& item) { return item.Text(name); }));
+    const std::size_t index = schema.IndexOf(name);
+    if (index == schema::ClassSchema::kNone) continue;
+    const Importance importance =
+        IsIdentifier(schema.properties[index].id) ? Importance::kIdentifier : Importance::kMain;
+    columns.push_back(Text(
+        name.c_str(), [index](const Item& item) { return TextOf(item.At(index)); }, importance));
   }
   return columns;
 }
 
-Tone ToneOf(const ClassView& view, const InstanceView& item) {
-  return view.schema.name == "KALDO_USBPort" && IsFree(item) ? Tone::kFree : Tone::kPlain;
+Tone ToneOf(const Inventory& inventory, const Item& item) {
+  const bool isFree = item.Class() == ClassId::kPort && inventory.StateOf(item) == PortState::kFree;
+  return isFree ? Tone::kFree : Tone::kPlain;
 }
 
-std::string Section(const ClassView& view, const TableColumns& columns, const RenderOptions& options) {
-  TextTable table(options);
+std::string Section(const Inventory& inventory, const ItemsOfClass& ofClass, const TableColumns& columns,
+                    const Surface& surface) {
+  TextTable table(surface);
   for (const TableColumn& column : columns) table.AddColumn(column.column);
-  for (const InstanceView& item : view.instances) {
+  for (const Item& item : ofClass.items) {
     const TextTable::Row row = table.AddRow();
     for (std::size_t column = 0; column < columns.size(); ++column) {
       table.SetCell(row, column, columns[column].text(item));
     }
-    table.SetTone(row, ToneOf(view, item));
+    table.SetTone(row, ToneOf(inventory, item));
   }
-  const std::string heading = view.schema.name + ": " + Count(view.instances.size(), "instance");
-  const bool isColored = UsesColor(options.color, options.isStandardOutput);
-  return Toned(heading, isColored ? Tone::kHeading : Tone::kPlain) + "\n" + table.Print();
+  const std::string heading = ofClass.schema->name + ": " + Count(ofClass.items.size(), "instance");
+  return Toned(heading, surface.isColored ? Tone::kHeading : Tone::kPlain) + "\n" + table.Print();
 }
 
 }  // namespace
 
 std::string RenderTable(const Inventory& inventory, const RenderOptions& options) {
-  const ChosenColumns chosen(inventory, TextTable(options).HasRoomForNames() ? options.names : nullptr);
+  const Surface surface = SurfaceOf(options.isStandardOutput, options.color);
+  const ChosenColumns chosen(inventory, options.names);
   std::string text;
-  for (const ClassView& view : inventory.Classes()) {
-    if (view.instances.empty()) continue;
-    const TableColumns columns =
-        options.columns.empty() ? chosen.Of(view.schema.name) : AskedColumns(view.schema, options.columns);
+  for (const ItemsOfClass& ofClass : inventory.Classes()) {
+    if (ofClass.items.empty()) continue;
+    const TableColumns columns = options.columns.empty() ? chosen.Of(ofClass.schema->id)
+                                                         : AskedColumns(*ofClass.schema, options.columns);
     if (columns.empty()) continue;
-    text += (text.empty() ? "" : "\n") + Section(view, columns, options);
+    text += (text.empty() ? "" : "\n") + Section(inventory, ofClass, columns, surface);
   }
   return text;
 }

@@ -5,9 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/format/OutputFormat.h"
-
 namespace cli {
+
+class Inventory;
+struct RenderOptions;
 
 /// Fits a terminal's width, as the tree does. Without `options.columns` the columns are chosen for the class;
 /// else they are those properties, as far as the class has them. Empty when no class with instances has one.

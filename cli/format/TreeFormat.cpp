@@ -1,10 +1,13 @@
-// The tree for people; see the header.
 #include "cli/format/TreeFormat.h"
+
+#include <fmt/format.h>
 
 #include <utility>
 
+#include "cli/format/RenderOptions.h"
+#include "cli/model/Description.h"
+#include "cli/model/DeviceText.h"
 #include "cli/model/UsbTree.h"
-#include "cli/model/Wording.h"
 #include "cli/text/Text.h"
 #include "cli/text/TextTable.h"
 
@@ -12,29 +15,33 @@ namespace cli {
 
 namespace {
 
-using Kind = UsbTreeNode::Kind;
-
 enum Column : std::size_t { kPlace, kDevice, kId, kSpeed, kKnownAs };
 
-std::string Device(const UsbTreeNode& node) {
-  if (node.kind != Kind::kHub) return DisplayName(node);
-  const std::string ports = Count(node.item->Number("NumberOfPorts"), "port");
-  return node.isRootHub ? ports : DisplayName(node) + ", " + ports;
+std::string Device(const Inventory& inventory, const UsbTreeNode& node) {
+  if (node.Class() != ClassId::kHub) return DisplayName(inventory, node);
+  const std::string ports = Count(node.item->Number(PropertyId::kNumberOfPorts), "port");
+  return node.isRootHub ? ports : DisplayName(inventory, node) + ", " + ports;
 }
 
-/// Hubs and devices tell of themselves; controllers and ports do not.
+/// `speed`, if there is one, at least as wide as "480 Mbit/s", so that trees without such a port look the
+/// same.
+std::string Aligned(const std::string& speed) {
+  return speed.empty() ? speed : fmt::format("{:>10}", speed);
+}
+
+/// Hubs and devices describe themselves; controllers and ports do not.
 bool IsDescribed(const UsbTreeNode& node) {
-  return node.kind == Kind::kHub || node.kind == Kind::kDevice;
+  return node.Class() == ClassId::kHub || node.Class() == ClassId::kDevice;
 }
 
-Tone ToneOf(const UsbTreeNode& node) {
-  switch (node.kind) {
-    case Kind::kController:
+Tone ToneOf(const Inventory& inventory, const UsbTreeNode& node) {
+  switch (node.Class()) {
+    case ClassId::kController:
       return Tone::kHeading;
-    case Kind::kHub:
+    case ClassId::kHub:
       return Tone::kHub;
-    case Kind::kPort:
-      return IsFree(*node.item) ? Tone::kFree : Tone::kPlain;
+    case ClassId::kPort:
+      return inventory.StateOf(*node.item) == PortState::kFree ? Tone::kFree : Tone::kPlain;
     default:
       return Tone::kPlain;
   }
@@ -43,17 +50,18 @@ Tone ToneOf(const UsbTreeNode& node) {
 /// The tree's columns and rows.
 class TreeTable {
  public:
-  TreeTable(const UsbTree& tree, const RenderOptions& options)
-      : fTree(tree),
+  TreeTable(const Inventory& inventory, const UsbTree& tree, const RenderOptions& options)
+      : fInventory(inventory),
+        fTree(tree),
         fOptions(options),
-        fTable(options),
-        fHasNamesColumn(options.names != nullptr && !options.isVerbose && fTable.HasRoomForNames()) {
+        fTable(SurfaceOf(options.isStandardOutput, options.color)),
+        fHasNamesColumn(options.names != nullptr && !options.isVerbose) {
     using Cells = TextTable::Kind;
-    fTable.AddColumn({"USB", Cells::kTree, 0.2});
-    fTable.AddColumn({"DEVICE", options.isVerbose ? Cells::kLines : Cells::kCut, 0.5});
-    fTable.AddColumn({"ID", Cells::kText, 9});
-    fTable.AddColumn({"SPEED", Cells::kRight, 10});
-    if (fHasNamesColumn) fTable.AddColumn({"KNOWN AS", Cells::kCut, 0.2});
+    fTable.AddColumn({"USB", Cells::kTree, Importance::kIdentifier, 32});
+    fTable.AddColumn({"DEVICE", Cells::kLeft, Importance::kMain, 12});
+    fTable.AddColumn({"ID", Cells::kLeft, Importance::kIdentifier, 9});
+    fTable.AddColumn({"SPEED", Cells::kRight, Importance::kUseful, 12});
+    if (fHasNamesColumn) fTable.AddColumn({"KNOWN AS", Cells::kLeft, Importance::kMinor, 16});
     AddRows();
   }
 
@@ -61,40 +69,34 @@ class TreeTable {
 
  private:
   void AddRows() {
-    // The last row at each depth.
-    std::vector<TextTable::Row> rows;
-    for (const UsbTreeRow& row : fTree.Rows()) {
-      const TextTable::Row parent = row.depth == 0 ? nullptr : rows[row.depth - 1];
-      rows.resize(row.depth);
-      rows.push_back(AddRow(parent, fTree.Nodes()[row.node]));
-    }
+    for (const UsbTreeRow& row : fTree.Rows()) AddRow(row.depth, fTree.Nodes()[row.node]);
   }
 
-  TextTable::Row AddRow(TextTable::Row parent, const UsbTreeNode& node) {
+  void AddRow(std::size_t depth, const UsbTreeNode& node) {
     const UsbTreeNode& shown = fTree.Shown(node);
-    const TextTable::Row row = fTable.AddRow(parent);
-    fTable.SetCell(row, kPlace, PlaceOf(node, parent == nullptr));
+    const TextTable::Row row = fTable.AddRow(depth);
+    fTable.SetCell(row, kPlace, PlaceOf(node, depth == 0));
     if (fOptions.isVerbose) {
       fTable.SetLines(row, kDevice, Lines(shown));
     } else {
-      fTable.SetCell(row, kDevice, Device(shown));
+      fTable.SetCell(row, kDevice, Device(fInventory, shown));
     }
-    fTable.SetCell(row, kId, IdOf(shown));
-    fTable.SetCell(row, kSpeed, SpeedOf(fTree, shown));
+    fTable.SetCell(row, kId, FormatId(*shown.item));
+    fTable.SetCell(row, kSpeed, Aligned(SpeedOf(fTree, shown)));
     if (fHasNamesColumn && IsDescribed(shown)) {
       fTable.SetCell(row, kKnownAs, KnownAs(*shown.item, fOptions.names));
     }
-    fTable.SetTone(row, ToneOf(shown));
-    return row;
+    fTable.SetTone(row, ToneOf(fInventory, shown));
   }
 
   std::vector<std::string> Lines(const UsbTreeNode& node) const {
-    std::vector<std::string> lines = {Device(node)};
+    std::vector<std::string> lines = {Device(fInventory, node)};
     if (!IsDescribed(node)) return lines;
     for (std::string& detail : DetailsOf(*node.item, fOptions.names)) lines.push_back(std::move(detail));
     return lines;
   }
 
+  const Inventory& fInventory;
   const UsbTree& fTree;
   const RenderOptions& fOptions;
   TextTable fTable;
@@ -107,7 +109,7 @@ std::string RenderTree(const Inventory& inventory, const RenderOptions& options)
   const UsbTree tree(inventory);
   const std::string heading = EscapeForTerminal(Summary(inventory)) + "\n\n";
   if (tree.Nodes().empty()) return heading + "Associations alone have no rows in a tree.\n";
-  return heading + TreeTable(tree, options).Print();
+  return heading + TreeTable(inventory, tree, options).Print();
 }
 
 }  // namespace cli

@@ -4,9 +4,10 @@
 
 #include <string>
 
-#include "cli/format/OutputFormat.h"
-
 namespace cli {
+
+class Inventory;
+struct RenderOptions;
 
 /// Fits a terminal's width, and draws with ASCII where the locale has no UTF-8.
 std::string RenderTree(const Inventory& inventory, const RenderOptions& options);

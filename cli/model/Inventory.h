@@ -1,72 +1,65 @@
-// A read-only view of what the host holds after a plug-in has served it: the six classes, their instances and
-// properties. Every output format reads this and nothing else. It shares the host's instances and stays valid
-// after the plug-in is unloaded.
+// The USB inventory of one machine, as a plain value: the six classes and their items. Readers fill it, and
+// all that shows, selects and compares takes it and nothing else.
 #pragma once
 
-#include <boost/shared_ptr.hpp>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
+#include "cli/model/Item.h"
 #include "schema/ClassSchema.h"
-#include "standin/Host.h"
-#include "standin/Instance.h"
 
 namespace cli {
 
-/// One committed instance.
-class InstanceView {
- public:
-  explicit InstanceView(const boost::shared_ptr<standin::Instance>& instance) : fInstance(instance) {}
-
-  /// The object path, as a reference and as text.
-  const NKESTA20::TCIMReference& Path() const { return fInstance->Path(); }
-  const std::string& PathText() const;
-  /// Name to property, ascending by name.
-  const standin::Instance::Properties& Properties() const { return fInstance->AllProperties(); }
-
-  /// The value of that name; null when the instance lacks it.
-  const NKESTA20::TCIMValue* Find(const std::string& name) const;
-  /// The value as text; empty when the instance lacks it.
-  std::string Text(const std::string& name) const;
-  /// The number of that name; 0 when the instance lacks it.
-  std::uint64_t Number(const std::string& name) const;
-
- private:
-  boost::shared_ptr<standin::Instance> fInstance;
-};
-
-/// One class with its instances in enumeration order.
-struct ClassView {
-  const schema::ClassSchema& schema;
-  std::vector<InstanceView> instances;
-  /// How many instances the host has, whatever part of them is viewed.
+/// The items of one class, in the order in which the host enumerates them.
+struct ItemsOfClass {
+  const schema::ClassSchema* schema;
+  std::vector<Item> items;
+  /// How many items the class had before a selection.
   std::size_t total = 0;
 };
 
+enum class PortState { kUnknown, kFree, kUsed };
+
 class Inventory {
  public:
-  /// What `host` holds now.
-  explicit Inventory(const standin::Host& host);
+  explicit Inventory(std::string systemName);
 
   const std::string& SystemName() const { return fSystemName; }
-  /// All six classes, in the order in which a host asks for them.
-  const std::vector<ClassView>& Classes() const { return fClasses; }
-  /// A class of the schema, and its instances.
-  const ClassView& ClassOf(const std::string& className) const;
-  const std::vector<InstanceView>& InstancesOf(const std::string& className) const {
-    return ClassOf(className).instances;
-  }
-  /// True when no class has an instance.
+
+  /// All six classes, in the order of the schema.
+  const std::vector<ItemsOfClass>& Classes() const { return fClasses; }
+  const ItemsOfClass& Of(ClassId classId) const { return fClasses[static_cast<std::size_t>(classId)]; }
+
+  const std::vector<Item>& Controllers() const { return Of(ClassId::kController).items; }
+  const std::vector<Item>& Hubs() const { return Of(ClassId::kHub).items; }
+  const std::vector<Item>& Ports() const { return Of(ClassId::kPort).items; }
+  const std::vector<Item>& Devices() const { return Of(ClassId::kDevice).items; }
+  /// The links from hubs to their ports.
+  const std::vector<Item>& PortsOnHubs() const { return Of(ClassId::kPortOnHub).items; }
+  /// The links from ports to what is plugged into them.
+  const std::vector<Item>& Connections() const { return Of(ClassId::kConnection).items; }
+
+  /// Adds an item behind the others of its class.
+  void Add(Item item);
+
+  /// True when no class has an item.
   bool IsEmpty() const;
-  /// The part whose instances `keep` is true for, in the same order; the totals stay.
-  Inventory Only(const std::function<bool(const InstanceView&)>& keep) const;
+  /// True when a selection left items out.
+  bool IsPartial() const;
+  /// The part whose items `keep` is true for, in the same order; the totals stay.
+  Inventory Only(const std::function<bool(const Item&)>& keep) const;
+
+  /// Whether a port that no device is reported on is free: known where the connections were collected.
+  bool KnowsConnections() const { return fKnowsConnections; }
+  void SetKnowsConnections(bool isKnown) { fKnowsConnections = isKnown; }
+  PortState StateOf(const Item& port) const;
 
  private:
   std::string fSystemName;
-  std::vector<ClassView> fClasses;
+  std::vector<ItemsOfClass> fClasses;
+  bool fKnowsConnections = true;
 };
 
 }  // namespace cli

@@ -1,7 +1,7 @@
-// Facts of items; see the header.
 #include "cli/model/ItemFacts.h"
 
-#include "cli/model/Wording.h"
+#include "cli/model/DeviceText.h"
+#include "cli/model/Speed.h"
 
 namespace cli {
 
@@ -10,77 +10,77 @@ namespace {
 /// Collects facts about one item.
 class Facts {
  public:
-  explicit Facts(const InstanceView& item) : fItem(item) {}
+  explicit Facts(const Item& item) : fItem(item) {}
 
-  void Text(const char* label, const char* property, bool isSearched = false) {
-    const std::string text = Given(fItem, property);
+  void Text(const char* label, PropertyId property, bool isSearched = false) {
+    const std::string text = SentString(fItem, property);
     if (!text.empty()) fFacts.push_back({label, text, isSearched});
   }
   void Known(const char* label, const std::string& name) {
     if (!name.empty()) fFacts.push_back({label, name, true});
   }
-  void Number(const char* label, const char* property) {
-    if (fItem.Find(property) != nullptr) {
+  void Number(const char* label, PropertyId property) {
+    if (fItem.Has(property)) {
       fFacts.push_back({label, std::to_string(fItem.Number(property)), false});
     }
   }
-  void Digit(const char* label, const char* property) {
+  void Digit(const char* label, PropertyId property) {
     if (IsDigit(fItem.Number(property))) Number(label, property);
   }
-  void Version(const char* label, const char* property) {
+  void Version(const char* label, PropertyId property) {
     const std::uint64_t version = fItem.Number(property);
     if (version != 0) fFacts.push_back({label, FormatVersion(version), false});
   }
-  void Code(const char* label, const char* property) {
-    if (fItem.Find(property) != nullptr) {
+  void Code(const char* label, PropertyId property) {
+    if (fItem.Has(property)) {
       fFacts.push_back({label, FormatCode(fItem.Number(property)), false});
     }
   }
   void Speed(const char* label) {
-    const std::string speed = FormatSpeed(fItem.Number("Speed"));
+    const std::string speed = FormatSpeed(fItem.Number(PropertyId::kSpeed));
     if (!speed.empty()) fFacts.push_back({label, speed, false});
   }
-  std::vector<ItemFact> Taken() { return std::move(fFacts); }
+  std::vector<ItemFact> Take() { return std::move(fFacts); }
 
  private:
-  const InstanceView& fItem;
+  const Item& fItem;
   std::vector<ItemFact> fFacts;
 };
 
 void AddDescriptor(Facts& facts, const std::string& known) {
-  facts.Text("Product", "Description", true);
+  facts.Text("Product", PropertyId::kDescription, true);
   facts.Known("Known as", known);
-  facts.Text("Manufacturer", "Manufacturer", true);
-  facts.Text("Serial number", "SerialNumber", true);
-  facts.Version("USB version", "USBVersion");
-  facts.Code("Class", "ClassCode");
-  facts.Code("Subclass", "SubclassCode");
-  facts.Code("Protocol", "ProtocolCode");
-  facts.Digit("Configurations", "NumberOfConfigs");
-  facts.Text("Plugged into", "PortNumber");
+  facts.Text("Manufacturer", PropertyId::kManufacturer, true);
+  facts.Text("Serial number", PropertyId::kSerialNumber, true);
+  facts.Version("USB version", PropertyId::kUSBVersion);
+  facts.Code("Class", PropertyId::kClassCode);
+  facts.Code("Subclass", PropertyId::kSubclassCode);
+  facts.Code("Protocol", PropertyId::kProtocolCode);
+  facts.Digit("Configurations", PropertyId::kNumberOfConfigs);
+  facts.Text("Plugged into", PropertyId::kPortNumber);
 }
 
 }  // namespace
 
 std::vector<ItemFact> FactsOf(const UsbTreeNode& node, const UsbIds* names) {
   Facts facts(*node.item);
-  switch (node.kind) {
-    case UsbTreeNode::Kind::kController:
-      facts.Number("Interface type", "InterfaceType");
+  switch (node.Class()) {
+    case ClassId::kController:
+      facts.Number("Interface type", PropertyId::kInterfaceType);
       break;
-    case UsbTreeNode::Kind::kPort:
+    case ClassId::kPort:
       facts.Speed("Speed");
       break;
-    case UsbTreeNode::Kind::kHub:
+    case ClassId::kHub:
       AddDescriptor(facts, KnownAs(*node.item, names));
-      facts.Number("Ports", "NumberOfPorts");
+      facts.Number("Ports", PropertyId::kNumberOfPorts);
       break;
-    case UsbTreeNode::Kind::kDevice:
+    default:
       AddDescriptor(facts, KnownAs(*node.item, names));
       break;
   }
-  facts.Text("Address", "DeviceID");
-  return facts.Taken();
+  facts.Text("Address", PropertyId::kDeviceID);
+  return facts.Take();
 }
 
 }  // namespace cli

@@ -1,4 +1,4 @@
-// What there is to say about one item beyond its name, for the formats that show details to people.
+// The facts about one item beyond its name, for the formats that show details to people.
 #pragma once
 
 #include <string>
@@ -17,8 +17,8 @@ struct ItemFact {
   bool isSearched = false;
 };
 
-/// The facts of a controller, hub, port or device, in a fixed order; what is not known is left out. `names`,
-/// which may be null, tells what vendors and products are known as.
+/// The facts of a controller, hub, port or device, in a fixed order; what is not known is left out. `names`
+/// holds the names of vendors and products; it may be null.
 std::vector<ItemFact> FactsOf(const UsbTreeNode& node, const UsbIds* names);
 
 }  // namespace cli

@@ -11,38 +11,39 @@
 
 namespace cli {
 
-/// VID:[PID], as the vendor and the product have them.
+/// [VID]:[PID]; what is left out may be any.
 struct VendorProduct {
-  std::uint16_t vendor = 0;
+  std::optional<std::uint16_t> vendor;
   std::optional<std::uint16_t> product;
 };
 
-/// [BUS]:[DEV]; what is not given may be any.
+/// [BUS]:[DEV]; what is left out may be any.
 struct BusDevice {
   std::optional<unsigned> bus;
   std::optional<unsigned> device;
 };
 
-/// Everything that is given must hold; nothing given selects all.
+/// What is selected must match one of the ids, the place and one of the classes, as far as these are set;
+/// nothing set selects all.
 struct Selection {
-  std::optional<VendorProduct> ids;
+  std::vector<VendorProduct> ids;
   std::optional<BusDevice> place;
-  std::vector<std::string> classes;
+  std::vector<ClassId> classes;
 
-  bool IsGiven() const { return ids || place || !classes.empty(); }
+  bool IsSet() const { return !ids.empty() || place || !classes.empty(); }
 };
 
-/// "1d6b:", "1d6b:0002": one to four hexadecimal digits each, 0x before them or not; nothing for any other
-/// form.
+/// "1d6b:", "1d6b:0002", ":0002": one to four hexadecimal digits each, 0x before them or not; nothing for any
+/// other form.
 std::optional<VendorProduct> ParseVendorProduct(const std::string& text);
 
 /// "1:3", "1:", ":3", ":" and "3", which is a device's number too: decimal; nothing for any other form.
 std::optional<BusDevice> ParseBusDevice(const std::string& text);
 
 /// What of `inventory` is selected, in the same order. Ids and places select hubs and devices alone; with
-/// `keepsWay` these come with the controllers, hubs and ports that lead to them and the associations among
-/// all these, unless classes are selected too.
-Inventory Select(const Inventory& inventory, const Selection& selection, bool keepsWay);
+/// `keepsPath` these come with the controllers, hubs and ports that lead to them and the links among all
+/// these, unless classes are selected too.
+Inventory Select(const Inventory& inventory, const Selection& selection, bool keepsPath);
 
 /// The selection as options: "-d 1d6b: -s 1:3 --class KALDO_USBHub".
 std::string Describe(const Selection& selection);

@@ -1,10 +1,9 @@
-// Reading JSON without trust; see the header. A watcher of the library's events keeps account of where it is
-// and of the names used there, and ends the reading where something is wrong.
 #include "cli/model/StrictJson.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <vector>
 
@@ -27,6 +26,8 @@ std::string LineAndColumn(const std::string& text, std::size_t byte) {
   return fmt::format("line {}, column {}", line, column);
 }
 
+/// Follows the library's events, keeps account of where it is and of the names used there, and ends the
+/// reading where something is wrong.
 class Watcher : public nlohmann::json_sax<json> {
  public:
   explicit Watcher(const std::string& text) : fText(text) {}

@@ -2,7 +2,7 @@
 // nothing nests without end, and what is wrong is told with its place in the text.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <stdexcept>
 #include <string>
 

@@ -1,86 +1,34 @@
-// From flat classes to a tree; see the header.
 #include "cli/model/UsbTree.h"
 
 #include <algorithm>
+#include <string>
 #include <unordered_map>
 
 namespace cli {
 
 namespace {
 
-using Kind = UsbTreeNode::Kind;
-using IndexByText = std::unordered_map<std::string, std::size_t>;
-
-/// Puts one node under another as the associations say, each at most once.
-class Linker {
- public:
-  explicit Linker(std::vector<UsbTreeNode>& nodes) : fNodes(nodes), fIsLinked(nodes.size(), false) {
-    for (std::size_t index = 0; index < nodes.size(); ++index) {
-      fByPath.emplace(nodes[index].item->PathText(), index);
-      if (nodes[index].kind == Kind::kHub) fHubByDeviceId.emplace(nodes[index].item->Text("DeviceID"), index);
-    }
-  }
-
-  /// A controller and its root hub carry the same identifier.
-  void LinkRootHubs() {
-    for (std::size_t index = 0; index < fNodes.size(); ++index) {
-      if (fNodes[index].kind != Kind::kController) continue;
-      const auto hub = fHubByDeviceId.find(fNodes[index].item->Text("DeviceID"));
-      if (hub == fHubByDeviceId.end()) continue;
-      fNodes[hub->second].isRootHub = true;
-      Link(index, hub->second);
-    }
-  }
-
-  void LinkAssociations(const std::vector<InstanceView>& associations) {
-    for (const InstanceView& association : associations) {
-      const auto parent = fByPath.find(association.Text("Antecedent"));
-      const auto child = fByPath.find(association.Text("Dependent"));
-      if (parent != fByPath.end() && child != fByPath.end()) Link(parent->second, child->second);
-    }
-  }
-
-  std::vector<std::size_t> Unlinked() const {
-    std::vector<std::size_t> top;
-    for (std::size_t index = 0; index < fNodes.size(); ++index) {
-      if (!fIsLinked[index]) top.push_back(index);
-    }
-    return top;
-  }
-
- private:
-  void Link(std::size_t parent, std::size_t child) {
-    if (fIsLinked[child]) return;
-    fIsLinked[child] = true;
-    fNodes[parent].children.push_back(child);
-  }
-
-  std::vector<UsbTreeNode>& fNodes;
-  std::vector<bool> fIsLinked;
-  IndexByText fByPath;
-  IndexByText fHubByDeviceId;
-};
-
-void AddNodes(std::vector<UsbTreeNode>& nodes, Kind kind, const std::vector<InstanceView>& instances) {
-  for (const InstanceView& instance : instances) nodes.push_back({kind, &instance, false, {}});
-}
+constexpr std::size_t kNone = UsbTreeNode::kNone;
 
 }  // namespace
 
 UsbTree::UsbTree(const Inventory& inventory) {
-  AddNodes(fNodes, Kind::kController, inventory.InstancesOf("KALDO_USBController"));
-  AddNodes(fNodes, Kind::kHub, inventory.InstancesOf("KALDO_USBHub"));
-  AddNodes(fNodes, Kind::kPort, inventory.InstancesOf("KALDO_USBPort"));
-  AddNodes(fNodes, Kind::kDevice, inventory.InstancesOf("KALDO_USBDevice"));
-  Linker linker(fNodes);
-  linker.LinkRootHubs();
-  linker.LinkAssociations(inventory.InstancesOf("KALDO_USBPortOnHub"));
-  linker.LinkAssociations(inventory.InstancesOf("KALDO_USBConnection"));
-  fTop = linker.Unlinked();
+  AddNodes(inventory.Controllers());
+  AddNodes(inventory.Hubs());
+  AddNodes(inventory.Ports());
+  AddNodes(inventory.Devices());
+  LinkRootHubs();
+  LinkItems(inventory);
+  for (std::size_t index = 0; index < fNodes.size(); ++index) {
+    if (fNodes[index].parent != kNone) continue;
+    fTop.push_back(index);
+    Descend(index);
+  }
+  if (fTopDown.size() < fNodes.size()) TakeApartCircles();
 }
 
 const UsbTreeNode& UsbTree::Shown(const UsbTreeNode& node) const {
-  return node.kind == Kind::kPort && node.children.size() == 1 ? fNodes[node.children.front()] : node;
+  return node.Class() == ClassId::kPort && node.children.size() == 1 ? fNodes[node.children.front()] : node;
 }
 
 std::vector<UsbTreeRow> UsbTree::Rows() const {
@@ -98,6 +46,75 @@ std::vector<UsbTreeRow> UsbTree::Rows() const {
     }
   }
   return rows;
+}
+
+void UsbTree::AddNodes(const std::vector<Item>& items) {
+  for (const Item& item : items) fNodes.push_back({&item});
+}
+
+void UsbTree::Link(std::size_t parent, std::size_t child) {
+  if (fNodes[child].parent != kNone || fNodes[child].Class() == ClassId::kController) return;
+  fNodes[child].parent = parent;
+  fNodes[parent].children.push_back(child);
+}
+
+/// A controller and its root hub carry the same identifier.
+void UsbTree::LinkRootHubs() {
+  std::unordered_map<std::string, std::size_t> hubs;
+  for (std::size_t index = 0; index < fNodes.size(); ++index) {
+    const UsbTreeNode& node = fNodes[index];
+    if (node.Class() == ClassId::kHub) hubs.emplace(node.item->String(PropertyId::kDeviceID), index);
+  }
+  for (std::size_t index = 0; index < fNodes.size(); ++index) {
+    if (fNodes[index].Class() != ClassId::kController) continue;
+    const auto hub = hubs.find(fNodes[index].item->String(PropertyId::kDeviceID));
+    if (hub == hubs.end()) continue;
+    fNodes[hub->second].isRootHub = true;
+    Link(index, hub->second);
+  }
+}
+
+void UsbTree::LinkItems(const Inventory& inventory) {
+  if (inventory.PortsOnHubs().empty() && inventory.Connections().empty()) return;
+  std::unordered_map<std::string, std::size_t> byPath;
+  for (std::size_t index = 0; index < fNodes.size(); ++index) {
+    byPath.emplace(fNodes[index].item->Path(), index);
+  }
+  for (const auto* const links : {&inventory.PortsOnHubs(), &inventory.Connections()}) {
+    for (const Item& link : *links) {
+      const auto parent = byPath.find(link.String(PropertyId::kAntecedent));
+      const auto child = byPath.find(link.String(PropertyId::kDependent));
+      if (parent != byPath.end() && child != byPath.end()) Link(parent->second, child->second);
+    }
+  }
+}
+
+void UsbTree::Descend(std::size_t top) {
+  std::vector<std::size_t> waiting = {top};
+  while (!waiting.empty()) {
+    UsbTreeNode& node = fNodes[waiting.back()];
+    fTopDown.push_back(waiting.back());
+    waiting.pop_back();
+    const Place* const above = node.parent == kNone ? nullptr : &fNodes[node.parent].place;
+    node.isPlacedBelowParent = above != nullptr && node.place.Continue(*above, *node.item);
+    if (!node.isPlacedBelowParent) node.place = Place::OfTop(*node.item);
+    waiting.insert(waiting.end(), node.children.rbegin(), node.children.rend());
+  }
+}
+
+/// What the descent did not reach is linked in a circle, or below one.
+void UsbTree::TakeApartCircles() {
+  std::vector<bool> isReached(fNodes.size(), false);
+  for (const std::size_t index : fTopDown) isReached[index] = true;
+  for (std::size_t index = 0; index < fNodes.size(); ++index) {
+    if (isReached[index]) continue;
+    UsbTreeNode& node = fNodes[index];
+    node.parent = kNone;
+    node.children.clear();
+    node.place = Place::OfTop(*node.item);
+    fTop.push_back(index);
+    fTopDown.push_back(index);
+  }
 }
 
 }  // namespace cli

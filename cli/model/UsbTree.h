@@ -1,26 +1,31 @@
-// How the items of an inventory hang together, for the formats that draw it: controllers hold their root hub,
-// hubs their ports, ports what is plugged in. Made from the association instances; whatever they do not link
-// to a controller stands at the top, so nothing is lost.
+// How the items of an inventory hang together: controllers hold their root hub, hubs their ports, ports what
+// is plugged in. Made from the links; what no link leads to stands at the top, so nothing is lost.
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <vector>
 
 #include "cli/model/Inventory.h"
+#include "cli/model/Place.h"
 
 namespace cli {
 
 struct UsbTreeNode {
-  enum class Kind { kController, kHub, kPort, kDevice };
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-  Kind kind;
-  /// Owned by the inventory.
-  const InstanceView* item;
+  /// A controller, hub, port or device; owned by the inventory.
+  const Item* item;
+  Place place = {};
+  /// Index of the node right above; kNone when there is none.
+  std::size_t parent = kNone;
+  /// Indices of the nodes right below.
+  std::vector<std::size_t> children = {};
   /// A hub right below its controller.
   bool isRootHub = false;
-  /// Indices of the nodes right below.
-  std::vector<std::size_t> children;
+  /// The place continues that of the parent.
+  bool isPlacedBelowParent = false;
+
+  ClassId Class() const { return item->Class(); }
 };
 
 /// A node in the order in which a tree is drawn.
@@ -36,20 +41,32 @@ class UsbTree {
   /// A list may claim any number of tiers; rows below this one stay at its depth.
   static constexpr std::size_t kMaxDepth = 32;
 
-  /// `inventory` must outlive the tree.
+  /// `inventory` must outlive the tree. Links that lead nowhere, to a controller or to a second parent are
+  /// passed over; items that are linked in a circle stand at the top, each by itself.
   explicit UsbTree(const Inventory& inventory);
 
+  /// Controllers, hubs, ports, devices, each in the inventory's order.
   const std::vector<UsbTreeNode>& Nodes() const { return fNodes; }
   /// Indices of the nodes at the top: controllers first, then what is not linked to one.
   const std::vector<std::size_t>& Top() const { return fTop; }
-  /// The node whose description stands for `node`: a port shows the one thing that is plugged in.
+  /// Indices of all nodes, parents before their children.
+  const std::vector<std::size_t>& TopDown() const { return fTopDown; }
+  /// The node whose description stands for `node`: a port shows the one item that is plugged in.
   const UsbTreeNode& Shown(const UsbTreeNode& node) const;
-  /// A row per node, parents ahead of their children; what a port shows has none of its own.
+  /// A row per node, parents before their children; what a port shows has none of its own.
   std::vector<UsbTreeRow> Rows() const;
 
  private:
+  void AddNodes(const std::vector<Item>& items);
+  void Link(std::size_t parent, std::size_t child);
+  void LinkRootHubs();
+  void LinkItems(const Inventory& inventory);
+  void Descend(std::size_t top);
+  void TakeApartCircles();
+
   std::vector<UsbTreeNode> fNodes;
   std::vector<std::size_t> fTop;
+  std::vector<std::size_t> fTopDown;
 };
 
 }  // namespace cli

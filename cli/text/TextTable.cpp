@@ -1,43 +1,14 @@
-// Tables through libsmartcols; see the header.
 #include "cli/text/TextTable.h"
 
-#include <fmt/format.h>
-#include <libsmartcols/libsmartcols.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
-#include <cwchar>
-#include <new>
-#include <sstream>
+#include <utility>
 
+#include "cli/text/DisplayWidth.h"
 #include "cli/text/Text.h"
 
 namespace cli {
 
 namespace {
-
-constexpr const char* kReset = "\x1B[0m";
-
-void Check(int result) {
-  if (result != 0) throw std::bad_alloc();
-}
-
-int FlagsOf(TextTable::Kind kind) {
-  switch (kind) {
-    case TextTable::Kind::kCut:
-      return SCOLS_FL_TRUNC;
-    case TextTable::Kind::kRight:
-      return SCOLS_FL_RIGHT;
-    case TextTable::Kind::kTree:
-      return SCOLS_FL_TREE;
-    case TextTable::Kind::kLines:
-      return SCOLS_FL_WRAP | SCOLS_FL_TRUNC;
-    default:
-      return 0;
-  }
-}
 
 /// Empty for no colour.
 const char* SequenceOf(Tone tone) {
@@ -53,124 +24,235 @@ const char* SequenceOf(Tone tone) {
   }
 }
 
-/// Ends `text`, which holds nothing that is not printable, where it takes more than `width` places.
-void Cut(char* text, std::size_t width) {
-  std::mbstate_t state{};
-  std::size_t taken = 0;
-  const char* const end = text + std::strlen(text);
-  for (char* at = text; at < end;) {
-    wchar_t character = 0;
-    const std::size_t length = std::mbrtowc(&character, at, static_cast<std::size_t>(end - at), &state);
-    if (length == 0 || length > static_cast<std::size_t>(end - at)) return;
-    taken += static_cast<std::size_t>(std::max(::wcwidth(character), 0));
-    if (taken > width) {
-      *at = '\0';
-      return;
-    }
-    at += length;
+/// A cell of one line, where it stands.
+struct Cell {
+  std::string text;
+  std::size_t width;
+  bool isRight;
+  Tone tone;
+};
+
+bool IsBlank(const Cell& cell) {
+  return cell.text.find_first_not_of(' ') == std::string::npos;
+}
+
+std::string Padded(const Cell& cell) {
+  const std::string padding(cell.width - std::min(cell.width, DisplayWidth(cell.text)), ' ');
+  return cell.isRight ? padding + cell.text : cell.text + padding;
+}
+
+/// The cells side by side, without blanks at the end.
+std::string LineOf(std::vector<Cell> cells) {
+  while (!cells.empty() && IsBlank(cells.back())) cells.pop_back();
+  std::string line;
+  for (std::size_t column = 0; column < cells.size(); ++column) {
+    const bool isLast = column + 1 == cells.size();
+    std::string text = Padded(cells[column]);
+    if (isLast) text.resize(text.find_last_not_of(' ') + 1);
+    line += Toned(text, IsBlank(cells[column]) ? Tone::kPlain : cells[column].tone);
+    if (!isLast) line += ' ';
   }
-}
-
-/// Ends the first of the lines that `data` holds and gives those behind it, as libsmartcols asks for them.
-/// The last one is left to the library, which goes on with it below.
-char* NextLine(const libscols_column* column, char* data, void* /*unused*/) {
-  char* const end = std::strchr(data, '\n');
-  if (end == nullptr) return nullptr;
-  *end = '\0';
-  Cut(data, scols_column_get_width(column));
-  return end + 1;
-}
-
-/// `text` as a cell takes it: what the cell would take for its own, a zero byte that would end it and
-/// whatever is in `own` besides, becomes U+FFFD.
-std::string FitForCell(const std::string& text, const char* own = "") {
-  std::string cell;
-  for (const char c : ReplaceDirectionMarks(text)) {
-    // The search finds the zero byte at the end of `own`, too.
-    cell += std::strchr(own, c) != nullptr ? "\xEF\xBF\xBD" : std::string(1, c);
-  }
-  return cell;
-}
-
-/// `line` without blanks at its end, within its last colour, too. No cell can hold an escape of its own.
-std::string Trimmed(const std::string& line) {
-  std::string text = line.substr(0, line.find_last_not_of(' ') + 1);
-  const std::size_t reset = text.rfind(kReset);
-  if (reset == std::string::npos || reset + std::strlen(kReset) != text.size()) return text;
-  return text.substr(0, text.find_last_not_of(' ', reset - 1) + 1) + kReset;
-}
-
-bool IsTree(libscols_table* table, std::size_t column) {
-  return scols_column_is_tree(scols_table_get_column(table, column)) == 1;
+  return line + '\n';
 }
 
 }  // namespace
 
 std::string Toned(const std::string& text, Tone tone) {
-  return tone == Tone::kPlain ? text : SequenceOf(tone) + text + kReset;
+  return tone == Tone::kPlain ? text : SequenceOf(tone) + text + "\x1B[0m";
 }
 
-void TextTable::Deleter::operator()(libscols_table* table) const {
-  scols_unref_table(table);
+/// The lines of the tree. They follow from the rows' depths alone.
+class TextTable::Branches {
+ public:
+  Branches(const std::vector<RowData>& rows, bool isUtf8)
+      : fRows(rows), fStrokes(isUtf8 ? kUtf8 : kAscii), fHasSibling(rows.size()) {
+    std::vector<bool> hasLaterRow;
+    for (std::size_t row = rows.size(); row-- > 0;) {
+      hasLaterRow.resize(rows[row].depth + 1);
+      fHasSibling[row] = hasLaterRow.back();
+      hasLaterRow.back() = true;
+    }
+  }
+
+  /// Goes on to `row`, to be called for one row after the other.
+  void Enter(Row row) {
+    fRow = row;
+    fGoesOn.resize(fRows[row].depth);
+    fGoesOn.push_back(fHasSibling[row]);
+  }
+
+  std::string BeforeLabel() const {
+    if (fRows[fRow].depth == 0) return std::string();
+    return Passing(fRows[fRow].depth) + (fHasSibling[fRow] ? fStrokes.branch : fStrokes.lastBranch);
+  }
+
+  std::string BesideFurtherLine() const {
+    const bool hasChild = fRow + 1 < fRows.size() && fRows[fRow + 1].depth > fRows[fRow].depth;
+    return Passing(fRows[fRow].depth + 1) + (hasChild ? fStrokes.down : "");
+  }
+
+ private:
+  struct Strokes {
+    const char* branch;
+    const char* lastBranch;
+    const char* down;
+  };
+  static constexpr Strokes kAscii = {"|-", "`-", "|"};
+  static constexpr Strokes kUtf8 = {"\xE2\x94\x9C\xE2\x94\x80", "\xE2\x94\x94\xE2\x94\x80", "\xE2\x94\x82"};
+
+  /// The lines from the levels above `depth` to rows further below, no more than a cell can show.
+  std::string Passing(std::size_t depth) const {
+    std::string lines;
+    for (std::size_t level = 1; level < std::min(depth, kWidestCell); ++level) {
+      lines += fGoesOn[level] ? fStrokes.down : " ";
+      lines += ' ';
+    }
+    return lines;
+  }
+
+  const std::vector<RowData>& fRows;
+  const Strokes& fStrokes;
+  /// For each row whether another one hangs on the same row below it.
+  std::vector<bool> fHasSibling;
+  Row fRow = 0;
+  /// fHasSibling of the row entered last and of those it hangs on, by depth.
+  std::vector<bool> fGoesOn;
+};
+
+class TextTable::Printer {
+ public:
+  explicit Printer(const TextTable& table)
+      : fTable(table), fBranches(table.fRows, table.fSurface.isUtf8), fWidths(Widths()) {}
+
+  std::string Print() {
+    std::string text = LineOf(Titles());
+    for (Row row = 0; row < fTable.fRows.size(); ++row) {
+      fBranches.Enter(row);
+      text += LineOf(CellsOf(row));
+      if (fWidths[fTable.fLinesColumn] == 0) continue;
+      for (const std::string& line : fTable.fRows[row].furtherLines) text += LineOf(CellsBelow(row, line));
+    }
+    return text;
+  }
+
+ private:
+  std::vector<std::size_t> Widths() const {
+    std::vector<ColumnNeed> needs;
+    for (std::size_t column = 0; column < fTable.fColumns.size(); ++column) {
+      const Column& declared = fTable.fColumns[column];
+      needs.push_back({WidestCellOf(column), declared.minimum, declared.importance});
+    }
+    const std::size_t anyWidth = needs.size() * (kWidestCell + 1);
+    return FitColumns(needs, fTable.fSurface.width.value_or(anyWidth));
+  }
+
+  std::size_t WidestCellOf(std::size_t column) const {
+    std::size_t widest = std::max<std::size_t>(1, DisplayWidth(fTable.fColumns[column].title));
+    for (Row row = 0; row < fTable.fRows.size(); ++row) {
+      const std::size_t branches = IsTree(column) ? 2 * fTable.fRows[row].depth : 0;
+      widest = std::max(widest, branches + DisplayWidth(Text(row, column)));
+      if (column != fTable.fLinesColumn) continue;
+      for (const std::string& line : fTable.fRows[row].furtherLines) {
+        widest = std::max(widest, DisplayWidth(line));
+      }
+    }
+    return std::min(widest, kWidestCell);
+  }
+
+  std::vector<Cell> Titles() const {
+    std::vector<Cell> cells;
+    for (std::size_t column = 0; column < fWidths.size(); ++column) {
+      AddTo(cells, column, fTable.fColumns[column].title, Tone::kPlain);
+    }
+    return cells;
+  }
+
+  std::vector<Cell> CellsOf(Row row) const {
+    const RowData& data = fTable.fRows[row];
+    std::vector<Cell> cells;
+    for (std::size_t column = 0; column < fWidths.size(); ++column) {
+      if (IsTree(column)) {
+        AddTo(cells, column, fBranches.BeforeLabel() + Text(row, column),
+              data.depth == 0 ? data.tone : Tone::kPlain);
+      } else {
+        AddTo(cells, column, Text(row, column), data.tone);
+      }
+    }
+    return cells;
+  }
+
+  /// The cells of one of a row's further lines, which has the rest of the table's width.
+  std::vector<Cell> CellsBelow(Row row, const std::string& line) const {
+    std::vector<Cell> cells;
+    for (std::size_t column = 0; column < fTable.fLinesColumn; ++column) {
+      AddTo(cells, column, IsTree(column) ? fBranches.BesideFurtherLine() : std::string(), Tone::kPlain);
+    }
+    std::size_t room = fWidths[fTable.fLinesColumn];
+    for (std::size_t column = fTable.fLinesColumn + 1; column < fWidths.size(); ++column) {
+      if (fWidths[column] > 0) room += 1 + fWidths[column];
+    }
+    cells.push_back({CutToWidth(line, room, fTable.Mark()), room, false, fTable.fRows[row].tone});
+    return cells;
+  }
+
+  /// Nothing where the column is left out.
+  void AddTo(std::vector<Cell>& cells, std::size_t column, const std::string& text, Tone tone) const {
+    const std::size_t width = fWidths[column];
+    if (width == 0) return;
+    const bool isRight = fTable.fColumns[column].kind == Kind::kRight;
+    cells.push_back({CutToWidth(text, width, fTable.Mark()), width, isRight, tone});
+  }
+
+  bool IsTree(std::size_t column) const { return fTable.fColumns[column].kind == Kind::kTree; }
+  const std::string& Text(Row row, std::size_t column) const {
+    return fTable.fCells[row * fTable.fColumns.size() + column];
+  }
+
+  const TextTable& fTable;
+  Branches fBranches;
+  /// By column; 0 where it is left out.
+  std::vector<std::size_t> fWidths;
+};
+
+void TextTable::AddColumn(Column column) {
+  fColumns.push_back(std::move(column));
 }
 
-TextTable::TextTable(const RenderOptions& options)
-    : fTable(scols_new_table()), fIsForTerminal(options.isStandardOutput && ::isatty(STDOUT_FILENO) == 1) {
-  if (!fTable) throw std::bad_alloc();
-  if (!fIsForTerminal) Check(scols_table_set_termforce(fTable.get(), SCOLS_TERMFORCE_NEVER));
-  Check(scols_table_enable_colors(fTable.get(), UsesColor(options.color, options.isStandardOutput) ? 1 : 0));
-}
-
-bool TextTable::HasRoomForNames() const {
-  constexpr std::size_t kUsualWidth = 80;
-  return !fIsForTerminal || scols_table_get_termwidth(fTable.get()) >= kUsualWidth;
-}
-
-void TextTable::AddColumn(const Column& column) {
-  libscols_column* const added =
-      scols_table_new_column(fTable.get(), column.title.c_str(), column.width, FlagsOf(column.kind));
-  if (added == nullptr) throw std::bad_alloc();
-  if (column.kind != Kind::kLines) return;
-  Check(scols_column_set_wrapfunc(added, scols_wrapnl_chunksize, NextLine, nullptr));
-  Check(scols_column_set_safechars(added, "\n"));
-}
-
-TextTable::Row TextTable::AddRow(Row parent) {
-  Row row = scols_table_new_line(fTable.get(), parent);
-  if (row == nullptr) throw std::bad_alloc();
-  return row;
+TextTable::Row TextTable::AddRow(std::size_t depth) {
+  fRows.push_back({depth, Tone::kPlain, {}});
+  fCells.resize(fCells.size() + fColumns.size());
+  return fRows.size() - 1;
 }
 
 void TextTable::SetCell(Row row, std::size_t column, const std::string& text) {
-  Check(scols_line_set_data(row, column, FitForCell(text).c_str()));
+  fCells[row * fColumns.size() + column] = Shown(text);
 }
 
 void TextTable::SetLines(Row row, std::size_t column, const std::vector<std::string>& lines) {
-  std::string cell = FitForCell(lines.front(), "\n");
-  for (std::size_t line = 1; line < lines.size(); ++line) cell += "\n" + FitForCell(lines[line], "\n");
-  Check(scols_line_set_data(row, column, cell.c_str()));
+  SetCell(row, column, lines.front());
+  fLinesColumn = column;
+  std::vector<std::string>& further = fRows[row].furtherLines;
+  for (std::size_t line = 1; line < lines.size(); ++line) further.push_back(Shown(lines[line]));
 }
 
 void TextTable::SetTone(Row row, Tone tone) {
-  if (tone == Tone::kPlain || scols_table_colors_wanted(fTable.get()) == 0) return;
-  for (std::size_t column = 0; column < scols_table_get_ncols(fTable.get()); ++column) {
-    libscols_cell* const cell = scols_line_get_cell(row, column);
-    const char* const text = scols_cell_get_data(cell);
-    const bool isBlank = text == nullptr || text[std::strspn(text, " ")] == '\0';
-    const bool hasLines = IsTree(fTable.get(), column) && scols_line_get_parent(row) != nullptr;
-    if (isBlank || hasLines) continue;
-    Check(scols_cell_set_color(cell, SequenceOf(tone)));
-  }
+  if (fSurface.isColored) fRows[row].tone = tone;
 }
 
 std::string TextTable::Print() const {
-  char* text = nullptr;
-  Check(scols_print_table_to_string(fTable.get(), &text));
-  const std::unique_ptr<char, decltype(&std::free)> owned(text, &std::free);
-  std::string trimmed;
-  std::istringstream lines(text);
-  for (std::string line; std::getline(lines, line);) trimmed += Trimmed(line) + "\n";
-  return trimmed;
+  return Printer(*this).Print();
+}
+
+std::string TextTable::Shown(const std::string& text) const {
+  // More than a cell shows, even of characters with combining marks. What follows need not be looked at.
+  constexpr std::size_t kMostBytes = 16 * kWidestCell;
+  std::string shown = EscapeUnprintable(EscapeForTerminal(text.substr(0, kMostBytes)));
+  if (text.size() > kMostBytes) shown += Mark();
+  return CutToWidth(shown, kWidestCell, Mark());
+}
+
+const char* TextTable::Mark() const {
+  return fSurface.isUtf8 ? "\xE2\x80\xA6" : "~";
 }
 
 }  // namespace cli

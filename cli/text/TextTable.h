@@ -1,17 +1,13 @@
-// A table for people, laid out by libsmartcols: what the formats that print rows and columns share. It fits a
-// terminal's width, draws with ASCII where the locale has no UTF-8, and spells what a terminal would act on,
-// whatever stands in a cell.
+// A table for people: what the formats that print rows and columns share. It fits a terminal's width, draws
+// the lines of a tree, and shows what a terminal would act on as escapes, whatever a cell holds.
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "cli/format/RenderOptions.h"
-
-struct libscols_line;
-struct libscols_table;
+#include "cli/text/ColumnWidths.h"
+#include "cli/text/Surface.h"
 
 namespace cli {
 
@@ -21,55 +17,72 @@ enum class Tone { kPlain, kHeading, kHub, kFree };
 /// `text`, which must be fit for a terminal, in the colour of `tone`.
 std::string Toned(const std::string& text, Tone tone);
 
+/// Off a terminal each column is as wide as its widest cell. On a terminal that is too narrow for this,
+/// columns become narrower or are left out as in FitColumns. A cell that is cut ends in `…`, or in `~`
+/// without UTF-8.
 class TextTable {
  public:
-  /// Belongs to the table; null is no row.
-  using Row = libscols_line*;
+  /// The largest width of a cell anywhere, so that one long text cannot pad every row without limit. A string
+  /// of a USB device has at most 126 characters.
+  static constexpr std::size_t kWidestCell = 256;
+
+  /// The number of a row, from 0.
+  using Row = std::size_t;
 
   enum class Kind {
-    kText,
-    /// Cut where the terminal is too narrow.
-    kCut,
+    kLeft,
     kRight,
-    /// The rows hang on each other and show it here.
-    kTree,
-    /// A cell may have several lines; all but the last one are cut.
-    kLines
+    /// To the left, behind lines that lead from each row to those below it. At most one column.
+    kTree
   };
   struct Column {
     std::string title;
     Kind kind;
-    /// In characters, or below 1 as a share of the terminal's width, to be kept where there is room for it.
-    double width;
+    Importance importance;
+    /// Left out rather than cut to less than this.
+    std::size_t minimum;
   };
 
-  explicit TextTable(const RenderOptions& options);
+  explicit TextTable(const Surface& surface) : fSurface(surface) {}
 
-  /// False on a terminal of less than the usual 80 characters, where what others call a thing gives way to
-  /// what it calls itself.
-  bool HasRoomForNames() const;
   /// To be called before there are rows.
-  void AddColumn(const Column& column);
-  /// A new row behind the others, in a tree behind those of the same parent.
-  Row AddRow(Row parent = nullptr);
+  void AddColumn(Column column);
+  /// A new row behind the others, empty and without a tone. In a tree it belongs to the last row of the depth
+  /// before its own; so `depth` must be at most one more than that of the last row, and 0 for the first.
+  Row AddRow(std::size_t depth = 0);
   /// Any bytes may stand in `text`.
   void SetCell(Row row, std::size_t column, const std::string& text);
-  /// For a column of that kind; needs at least one line. A newline within a line becomes U+FFFD.
+  /// The same with further lines below the first; needs at least one line. The further lines may reach over
+  /// the columns to the right where this one is too narrow for them. At most one column has such cells.
   void SetLines(Row row, std::size_t column, const std::vector<std::string>& lines);
-  /// Colours all cells of the row that hold something by now, if there are to be colours. The lines of a tree
-  /// stay as they are.
+  /// Colours all cells of the row that hold something, if there are to be colours. The lines of a tree stay
+  /// as they are.
   void SetTone(Row row, Tone tone);
 
-  /// The table as text, without the blanks that pad a row's empty cells.
+  /// The table as text, without blanks at the end of any line.
   std::string Print() const;
 
  private:
-  struct Deleter {
-    void operator()(libscols_table* table) const;
+  class Branches;
+  class Printer;
+  struct RowData {
+    std::size_t depth;
+    Tone tone;
+    std::vector<std::string> furtherLines;
   };
 
-  std::unique_ptr<libscols_table, Deleter> fTable;
-  bool fIsForTerminal;
+  /// `text` as a terminal can show it, in at most kWidestCell columns.
+  std::string Shown(const std::string& text) const;
+  /// What a cut cell ends in.
+  const char* Mark() const;
+
+  Surface fSurface;
+  std::vector<Column> fColumns;
+  std::vector<RowData> fRows;
+  /// Those of all rows, row by row.
+  std::vector<std::string> fCells;
+  /// The column that further lines belong to.
+  std::size_t fLinesColumn = 0;
 };
 
 }  // namespace cli

@@ -1,4 +1,3 @@
-// Saved inventories against themselves and each other; see the header.
 #include "tests/fuzz/DiffTarget.h"
 
 #include <nlohmann/json.hpp>
@@ -7,21 +6,21 @@
 #include "cli/diff/DiffJson.h"
 #include "cli/diff/DiffText.h"
 #include "cli/diff/InventoryDiff.h"
-#include "cli/model/SavedInventory.h"
+#include "cli/model/FromJson.h"
 #include "cli/text/UserError.h"
 #include "tests/fuzz/BrokenInvariant.h"
 
 using cli::InventoryDifference;
-using cli::SavedInventory;
+using cli::Inventory;
 
 namespace usbinfo_test {
 
 namespace {
 
 /// None where the text is refused.
-std::optional<SavedInventory> Read(const std::string& text) {
+std::optional<Inventory> Read(const std::string& text) {
   try {
-    return cli::ReadSavedInventory(text, "input");
+    return cli::FromJson(text, "input");
   } catch (const cli::UserError& error) {
     Require(std::string(error.what()).rfind("input holds no inventory: ", 0) == 0,
             "the message names the input");
@@ -50,18 +49,23 @@ void CheckJsonForm(const InventoryDifference& difference) {
   RequireCount(document["changed"].size(), difference.changed.size(), "changed things in the document");
 }
 
-void CheckAlone(const SavedInventory& inventory) {
+std::size_t CountOf(const Inventory& inventory) {
+  return inventory.Controllers().size() + inventory.Hubs().size() + inventory.Ports().size() +
+         inventory.Devices().size();
+}
+
+void CheckAlone(const Inventory& inventory) {
   Require(Compare(inventory, inventory).IsEmpty(), "no difference from itself");
-  const SavedInventory nothing;
+  const Inventory nothing("");
   const InventoryDifference all = Compare(nothing, inventory);
   std::size_t told = all.added.size();
-  for (const cli::Thing& thing : all.added) told += thing.ports;
-  RequireCount(told, inventory.items.size(), "things that differ from nothing");
+  for (const cli::PlacedItem& item : all.added) told += item.ports;
+  RequireCount(told, CountOf(inventory), "things that differ from nothing");
   CheckText(all);
   CheckJsonForm(all);
 }
 
-void CheckTogether(const SavedInventory& before, const SavedInventory& after) {
+void CheckTogether(const Inventory& before, const Inventory& after) {
   const InventoryDifference difference = Compare(before, after);
   const InventoryDifference mirrored = Compare(after, before);
   RequireCount(mirrored.removed.size(), difference.added.size(), "things removed the other way round");

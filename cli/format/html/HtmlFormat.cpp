@@ -1,15 +1,15 @@
-// The page around the picture of the machine; see the header.
 #include "cli/format/html/HtmlFormat.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/html/HtmlTree.h"
 #include "cli/format/html/HtmlWriter.h"
 #include "cli/format/html/PageAssets.h"
+#include "cli/model/DeviceText.h"
 #include "cli/model/UsbTree.h"
-#include "cli/model/Wording.h"
 
 namespace cli {
 
@@ -32,15 +32,54 @@ void WriteHead(HtmlWriter& writer, const Inventory& inventory) {
   writer.Close();
 }
 
+/// What a class of the figures is called, where one of it is meant.
+struct Figure {
+  ClassId classId;
+  const char* noun;
+};
+constexpr Figure kFigures[] = {{ClassId::kController, "Controller"},
+                               {ClassId::kHub, "Hub"},
+                               {ClassId::kPort, "Port"},
+                               {ClassId::kDevice, "Device"}};
+
+bool IsLeftOut(const ItemsOfClass& ofClass) {
+  return ofClass.items.empty() && ofClass.total != 0;
+}
+
+std::string NoteOnPorts(const Inventory& inventory) {
+  const std::vector<Item>& ports = inventory.Ports();
+  const auto used = std::count_if(ports.begin(), ports.end(), [&](const Item& port) {
+    return inventory.StateOf(port) == PortState::kUsed;
+  });
+  if (!inventory.KnowsConnections()) return fmt::format("{} used", used);
+  return fmt::format("{} used, {} free", used, static_cast<std::ptrdiff_t>(ports.size()) - used);
+}
+
 /// Where a part is selected, the note says of how many.
-void WriteFigure(HtmlWriter& writer, const ClassView& view, const char* noun, const std::string& note = {}) {
-  const std::size_t number = view.instances.size();
-  const std::string shownNote = number == view.total ? note : fmt::format("of {}", view.total);
+void WriteFigure(HtmlWriter& writer, const Inventory& inventory, const Figure& figure) {
+  const ItemsOfClass& ofClass = inventory.Of(figure.classId);
+  const std::size_t number = ofClass.items.size();
+  std::string note = figure.classId == ClassId::kPort ? NoteOnPorts(inventory) : std::string();
+  if (number != ofClass.total) note = fmt::format("of {}", ofClass.total);
   writer.Open("div");
-  writer.Element("dt", {}, fmt::format("{}{}", noun, number == 1 ? "" : "s"));
+  writer.Element("dt", {}, fmt::format("{}{}", figure.noun, number == 1 ? "" : "s"));
   writer.Element("dd", {}, std::to_string(number));
-  if (!shownNote.empty()) writer.Element("dd", {{"class", "note"}}, shownNote);
+  if (!note.empty()) writer.Element("dd", {{"class", "note"}}, note);
   writer.Close();
+}
+
+/// What a selection by class left out whole.
+void WriteLeftOut(HtmlWriter& writer, const Inventory& inventory) {
+  std::vector<std::string> counts;
+  for (const Figure& figure : kFigures) {
+    const ItemsOfClass& ofClass = inventory.Of(figure.classId);
+    std::string noun = figure.noun;
+    noun.front() = static_cast<char>(noun.front() - 'A' + 'a');
+    if (IsLeftOut(ofClass)) counts.push_back(Count(ofClass.total, noun));
+  }
+  if (counts.empty()) return;
+  writer.Element("p", {{"class", "left-out"}},
+                 fmt::format("Left out by the selection: {}", fmt::join(counts, ", ")));
 }
 
 void WriteHeader(HtmlWriter& writer, const Inventory& inventory) {
@@ -49,19 +88,16 @@ void WriteHeader(HtmlWriter& writer, const Inventory& inventory) {
   writer.Element("p", {}, "USB inventory");
   writer.Element("h1", {}, inventory.SystemName());
   writer.Close();
-  const ClassView& ports = inventory.ClassOf("KALDO_USBPort");
-  const auto free = std::count_if(ports.instances.begin(), ports.instances.end(), IsFree);
-  const auto used = static_cast<std::ptrdiff_t>(ports.instances.size()) - free;
   writer.Open("dl", {{"class", "figures"}});
-  WriteFigure(writer, inventory.ClassOf("KALDO_USBController"), "Controller");
-  WriteFigure(writer, inventory.ClassOf("KALDO_USBHub"), "Hub");
-  WriteFigure(writer, ports, "Port", fmt::format("{} used, {} free", used, free));
-  WriteFigure(writer, inventory.ClassOf("KALDO_USBDevice"), "Device");
+  for (const Figure& figure : kFigures) {
+    if (!IsLeftOut(inventory.Of(figure.classId))) WriteFigure(writer, inventory, figure);
+  }
   writer.Close();
+  WriteLeftOut(writer, inventory);
   writer.Close();
 }
 
-/// The filter does nothing without the script, which therefore is to show it.
+/// The filter does nothing without the script, which therefore shows it.
 void WriteFilter(HtmlWriter& writer) {
   writer.Open("div", {{"id", "filter"}, {"role", "search"}, {"hidden", ""}});
   writer.Element("label", {{"for", "words"}}, "Filter");
@@ -96,7 +132,7 @@ void WriteMain(HtmlWriter& writer, const Inventory& inventory, const UsbIds* nam
     WriteLegend(writer);
     writer.Close();
     writer.Open("div", {{"class", "buses"}});
-    HtmlTree(writer, tree, names).Write();
+    HtmlTree(writer, inventory, tree, names).Write();
     writer.Close();
   }
   writer.Close();

@@ -3,9 +3,10 @@
 
 #include <string>
 
-#include "cli/format/OutputFormat.h"
-
 namespace cli {
+
+class Inventory;
+struct RenderOptions;
 
 /// A document in UTF-8, HTML and well-formed XML at once. An empty inventory gives a page that says so.
 std::string RenderHtml(const Inventory& inventory, const RenderOptions& options);

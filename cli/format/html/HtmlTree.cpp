@@ -1,66 +1,73 @@
-// Controllers, hubs, sockets and what hangs on them; see the header.
 #include "cli/format/html/HtmlTree.h"
 
 #include <fmt/format.h>
 
+#include "cli/model/Description.h"
+#include "cli/model/DeviceText.h"
+#include "cli/model/Identifier.h"
 #include "cli/model/ItemFacts.h"
-#include "cli/model/SpeedClass.h"
-#include "cli/model/Wording.h"
+#include "cli/model/Speed.h"
 
 namespace cli {
 
 namespace {
-
-using Kind = UsbTreeNode::Kind;
 
 /// The item that shows a node, as a link's target.
 std::string Anchor(std::size_t node) {
   return fmt::format("i{}", node);
 }
 
-const char* ClassOf(Kind kind) {
-  constexpr const char* kClasses[] = {"controller", "hub", "port", "device"};
-  return kClasses[static_cast<std::size_t>(kind)];
-}
-
-/// A free port on a hub is a socket and nothing more.
-bool IsSocketOnly(const UsbTreeNode& node) {
-  return node.kind == Kind::kPort && node.children.empty() && IsFree(*node.item);
+const char* StyleOf(ClassId classId) {
+  constexpr const char* kStyles[] = {"controller", "hub", "port", "device"};
+  return kStyles[static_cast<std::size_t>(classId)];
 }
 
 /// A speed as short as a socket is small: "480M", "5G".
 std::string ShortSpeed(const UsbTreeNode& port) {
-  const std::string speed = FormatSpeed(port.item->Number("Speed"));
+  const std::string speed = FormatSpeed(port.item->Number(PropertyId::kSpeed));
   return speed.empty() ? "?" : speed.substr(0, speed.find(' ')) + speed[speed.find(' ') + 1];
 }
 
 SpeedClass SpeedClassOfNode(const UsbTree& tree, const UsbTreeNode& node) {
-  if (node.kind == Kind::kDevice) return SpeedClassOfDevice(node.item->Number("Speed"));
-  if (node.kind == Kind::kPort) return SpeedClassOf(node.item->Number("Speed"));
-  return node.children.empty() ? SpeedClass::kUnknown
-                               : SpeedClassOf(tree.Nodes()[node.children.front()].item->Number("Speed"));
-}
-
-/// How many ports a hub has, and how many are free where all of them are there to be counted.
-std::string PortsOf(const UsbTree& tree, const UsbTreeNode& hub) {
-  std::size_t ports = 0;
-  std::size_t free = 0;
-  for (const std::size_t child : hub.children) {
-    const UsbTreeNode& port = tree.Nodes()[child];
-    if (port.kind != Kind::kPort) continue;
-    ++ports;
-    if (IsFree(*port.item)) ++free;
-  }
-  const std::uint64_t number = hub.item->Number("NumberOfPorts");
-  return ports == number ? fmt::format("{}, {} free", Count(number, "port"), free) : Count(number, "port");
+  if (node.Class() == ClassId::kDevice) return SpeedClassOfDevice(node.item->Number(PropertyId::kSpeed));
+  if (node.Class() == ClassId::kPort) return SpeedClassOfPort(node.item->Number(PropertyId::kSpeed));
+  return node.children.empty()
+             ? SpeedClass::kUnknown
+             : SpeedClassOfPort(tree.Nodes()[node.children.front()].item->Number(PropertyId::kSpeed));
 }
 
 }  // namespace
 
+HtmlTree::HtmlTree(HtmlWriter& writer, const Inventory& inventory, const UsbTree& tree, const UsbIds* names)
+    : fWriter(writer), fInventory(inventory), fTree(tree), fNames(names), fRows(tree.Rows()) {}
+
 void HtmlTree::Write() {
   std::size_t row = 0;
-  for (; row < fRows.size() && NodeAt(row).kind == Kind::kController; row = EndOf(row)) WriteController(row);
+  for (; row < fRows.size() && NodeAt(row).Class() == ClassId::kController; row = EndOf(row))
+    WriteController(row);
   if (row < fRows.size()) WriteUnlinked(row);
+}
+
+PortState HtmlTree::StateOf(const UsbTreeNode& port) const {
+  return fInventory.StateOf(*port.item);
+}
+
+bool HtmlTree::IsSocketOnly(const UsbTreeNode& node) const {
+  return node.Class() == ClassId::kPort && node.children.empty() && StateOf(node) != PortState::kUsed;
+}
+
+std::string HtmlTree::PortsOf(const UsbTreeNode& hub) const {
+  std::size_t ports = 0;
+  std::size_t free = 0;
+  for (const std::size_t child : hub.children) {
+    const UsbTreeNode& port = fTree.Nodes()[child];
+    if (port.Class() != ClassId::kPort) continue;
+    ++ports;
+    if (StateOf(port) == PortState::kFree) ++free;
+  }
+  const std::uint64_t number = hub.item->Number(PropertyId::kNumberOfPorts);
+  const bool isFreeKnown = ports == number && fInventory.KnowsConnections();
+  return isFreeKnown ? fmt::format("{}, {} free", Count(number, "port"), free) : Count(number, "port");
 }
 
 std::size_t HtmlTree::EndOf(std::size_t row) const {
@@ -79,7 +86,8 @@ void HtmlTree::WriteController(std::size_t row) {
 
 void HtmlTree::WriteUnlinked(std::size_t first) {
   fWriter.Open("section", {{"class", "bus unlinked item"}, {"aria-labelledby", "unlinked"}});
-  fWriter.Element("h2", {{"id", "unlinked"}}, "Linked to no controller");
+  fWriter.Element("h2", {{"id", "unlinked"}},
+                  fInventory.IsPartial() ? "Selected" : "Linked to no controller");
   WriteList(first, fRows.size());
   fWriter.Close();
 }
@@ -96,7 +104,7 @@ void HtmlTree::WriteItem(std::size_t row) {
   if (isOnHub && IsSocketOnly(NodeAt(row))) return;
   const UsbTreeNode& shown = fTree.Shown(NodeAt(row));
   fWriter.Open("li",
-               {{"class", fmt::format("item {}", ClassOf(shown.kind))}, {"id", Anchor(fRows[row].node)}});
+               {{"class", fmt::format("item {}", StyleOf(shown.Class()))}, {"id", Anchor(fRows[row].node)}});
   WriteDetails(row);
   WriteBelow(row);
   fWriter.Close();
@@ -123,13 +131,13 @@ void HtmlTree::WriteSummary(std::size_t row) {
   const UsbTreeNode& node = NodeAt(row);
   const UsbTreeNode& shown = fTree.Shown(node);
   fWriter.Open("summary");
-  const bool isController = node.kind == Kind::kController;
+  const bool isController = node.Class() == ClassId::kController;
   if (isController) fWriter.Open("h2", {{"id", Anchor(fRows[row].node) + "h"}});
   fWriter.Element("span", {{"class", "place"}}, PlaceOf(node, fRows[row].depth == 0));
   fWriter.Text(" ");
   WriteName(shown);
   if (isController) fWriter.Close();
-  const std::string id = IdOf(shown);
+  const std::string id = FormatId(*shown.item);
   if (!id.empty()) fWriter.Element("span", {{"class", "id"}, {"data-find", ""}}, id);
   const std::string speed = SpeedOf(fTree, shown);
   const std::string speedClass = NameOf(SpeedClassOfNode(fTree, shown));
@@ -139,20 +147,21 @@ void HtmlTree::WriteSummary(std::size_t row) {
 
 void HtmlTree::WriteName(const UsbTreeNode& node) {
   fWriter.Open("span", {{"class", "name"}});
-  if (node.kind == Kind::kPort) {
-    fWriter.Element("span", {}, DisplayName(node));
+  if (node.Class() == ClassId::kPort) {
+    fWriter.Element("span", {}, DisplayName(fInventory, node));
   } else if (!node.isRootHub) {
-    fWriter.Element("span", {{"data-find", ""}}, DisplayName(node));
-    const bool isNamed = node.kind == Kind::kController || !Given(*node.item, "Description").empty();
+    fWriter.Element("span", {{"data-find", ""}}, DisplayName(fInventory, node));
+    const bool isNamed =
+        node.Class() == ClassId::kController || !SentString(*node.item, PropertyId::kDescription).empty();
     const std::string known = isNamed ? std::string() : KnownAs(*node.item, fNames);
     if (!known.empty()) {
       fWriter.Text(" ");
       fWriter.Element("span", {{"class", "known"}}, known);
     }
   }
-  if (node.kind == Kind::kHub) {
+  if (node.Class() == ClassId::kHub) {
     fWriter.Text(" ");
-    fWriter.Element("span", {{"class", "free-ports"}}, PortsOf(fTree, node));
+    fWriter.Element("span", {{"class", "free-ports"}}, PortsOf(node));
   }
   fWriter.Close();
 }
@@ -178,31 +187,31 @@ void HtmlTree::WriteSockets(std::size_t row) {
   const UsbTreeNode& hub = fTree.Shown(NodeAt(row));
   std::vector<std::size_t> ports;
   for (const std::size_t child : hub.children) {
-    if (fTree.Nodes()[child].kind == Kind::kPort) ports.push_back(child);
+    if (fTree.Nodes()[child].Class() == ClassId::kPort) ports.push_back(child);
   }
   if (ports.empty()) return;
-  const std::string label = hub.isRootHub ? PlaceOf(hub, false) : DisplayName(hub);
+  const std::string label = hub.isRootHub ? PlaceOf(hub, false) : DisplayName(fInventory, hub);
   fWriter.Open("ul", {{"class", "sockets"}, {"aria-label", "Ports of " + label}});
   for (const std::size_t port : ports) WriteSocket(fTree.Nodes()[port], port);
   fWriter.Close();
 }
 
 void HtmlTree::WriteSocket(const UsbTreeNode& port, std::size_t index) {
-  const bool isFree = IsSocketOnly(port);
+  const bool isLink = !IsSocketOnly(port);
   const UsbTreeNode& shown = fTree.Shown(port);
   const std::string place = PlaceOf(port, false);
   const std::string speed = SpeedOf(fTree, port);
-  std::string text = fmt::format("{}: {}", place, DisplayName(shown));
+  std::string text = fmt::format("{}: {}", place, DisplayName(fInventory, shown));
   if (!speed.empty()) text += ", " + speed;
   fWriter.Open("li", {{"class", fmt::format("socket {} {}", NameOf(SpeedClassOfNode(fTree, port)),
-                                            isFree ? "free" : "used")}});
-  const char* const element = isFree ? "span" : "a";
-  if (isFree) {
-    fWriter.Open(element, {{"title", text}});
+                                            isLink ? "used" : NameOf(StateOf(port)))}});
+  if (isLink) {
+    fWriter.Open("a", {{"title", text}, {"href", "#" + Anchor(index)}});
   } else {
-    fWriter.Open(element, {{"title", text}, {"href", "#" + Anchor(index)}});
+    fWriter.Open("span", {{"title", text}});
   }
-  fWriter.Element("span", {{"class", "number"}, {"aria-hidden", "true"}}, Behind(place, "Port "));
+  fWriter.Element("span", {{"class", "number"}, {"aria-hidden", "true"}},
+                  std::string(PortOf(port.item->String(PropertyId::kDeviceID))));
   fWriter.Element("span", {{"class", "rate"}, {"aria-hidden", "true"}}, ShortSpeed(port));
   fWriter.Element("span", {{"class", "unseen"}}, text);
   fWriter.Close();

@@ -14,15 +14,20 @@ class UsbIds;
 
 class HtmlTree {
  public:
-  /// `names`, which may be null, tells what vendors and products are known as. All must outlive the object.
-  HtmlTree(HtmlWriter& writer, const UsbTree& tree, const UsbIds* names)
-      : fWriter(writer), fTree(tree), fNames(names), fRows(tree.Rows()) {}
+  /// `tree` is that of `inventory`; `names` holds the names of vendors and products and may be null. All must
+  /// outlive the object.
+  HtmlTree(HtmlWriter& writer, const Inventory& inventory, const UsbTree& tree, const UsbIds* names);
 
   /// The sections, one after the other.
   void Write();
 
  private:
   const UsbTreeNode& NodeAt(std::size_t row) const { return fTree.Nodes()[fRows[row].node]; }
+  PortState StateOf(const UsbTreeNode& port) const;
+  /// A port on a hub that nothing is known to be plugged into is a socket and nothing more.
+  bool IsSocketOnly(const UsbTreeNode& node) const;
+  /// How many ports a hub has, and how many are free where that is known of all of them.
+  std::string PortsOf(const UsbTreeNode& hub) const;
   /// The first row after `row` that does not hang on it.
   std::size_t EndOf(std::size_t row) const;
 
@@ -41,6 +46,7 @@ class HtmlTree {
   void WriteName(const UsbTreeNode& node);
 
   HtmlWriter& fWriter;
+  const Inventory& fInventory;
   const UsbTree& fTree;
   const UsbIds* fNames;
   std::vector<UsbTreeRow> fRows;

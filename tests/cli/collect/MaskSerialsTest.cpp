@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/collect/MaskingSystem.h"
 #include "cli/format/OutputFormat.h"
 #include "host/TQSVException.h"
@@ -316,7 +317,7 @@ class MaskingSystemTest : public CliTest {
     host.SetSystemName("testhost");
     CollectThroughModule();
   }
-  std::string Rendered() const { return cli::FindOutputFormat("json").render(cli::Inventory(host), {}); }
+  std::string Rendered() const { return cli::FindOutputFormat("json").render(Collected(), {}); }
 };
 
 TEST_F(MaskingSystemTest, MasksTheFilesOfTheMachineAsAGivenList) {

@@ -1,5 +1,5 @@
 // The tree on a terminal: it fits eighty columns, gives up names first on a narrower one, and keeps ports,
-// ids and speeds readable.
+// ids and serial numbers whole for longest.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -21,12 +21,12 @@ std::string OnTerminal(const std::string& list, unsigned short columns, const st
 }
 
 constexpr const char* kNarrowTree = R"(USB           DEVICE          ID             SPEED
-Bus 01        xHCI Host Contr
+Bus 01        xHCI Host Cont~
 `-Root hub    6 ports         1d6b:0002 480 Mbit/s
   |-Port 00   free                      480 Mbit/s
   |-Port 01   free                      480 Mbit/s
-  |-Port 02   QEMU USB Hub, 8 0409:55aa  12 Mbit/s
-  | |-Port 00 QEMU USB Keyboa 0627:0001  12 Mbit/s
+  |-Port 02   QEMU USB Hub, ~ 0409:55aa  12 Mbit/s
+  | |-Port 00 QEMU USB Keybo~ 0627:0001  12 Mbit/s
   | |-Port 01 QEMU USB Mouse  0627:0001  12 Mbit/s
   | |-Port 02 free                       12 Mbit/s
   | |-Port 03 free                       12 Mbit/s
@@ -37,13 +37,13 @@ Bus 01        xHCI Host Contr
   |-Port 03   QEMU USB Audio  46f4:0002  12 Mbit/s
   |-Port 04   free                      480 Mbit/s
   `-Port 05   free                      480 Mbit/s
-Bus 02        xHCI Host Contr
+Bus 02        xHCI Host Cont~
 `-Root hub    4 ports         1d6b:0003   5 Gbit/s
-  |-Port 00   QEMU USB HARDDR 46f4:0001  5+ Gbit/s
-  |-Port 01   USB Attached SC 46f4:0003  5+ Gbit/s
+  |-Port 00   QEMU USB HARDD~ 46f4:0001  5+ Gbit/s
+  |-Port 01   USB Attached S~ 46f4:0003  5+ Gbit/s
   |-Port 02   free                        5 Gbit/s
   `-Port 03   free                        5 Gbit/s
-Bus 03        EHCI Host Contr
+Bus 03        EHCI Host Cont~
 `-Root hub    6 ports         1d6b:0002 480 Mbit/s
   |-Port 00   free                      480 Mbit/s
   |-Port 01   free                      480 Mbit/s
@@ -51,9 +51,9 @@ Bus 03        EHCI Host Contr
   |-Port 03   free                      480 Mbit/s
   |-Port 04   free                      480 Mbit/s
   `-Port 05   free                      480 Mbit/s
-Bus 04        UHCI Host Contr
+Bus 04        UHCI Host Cont~
 `-Root hub    2 ports         1d6b:0001  12 Mbit/s
-  |-Port 00   Wacom PenPartne 056a:0000  12 Mbit/s
+  |-Port 00   Wacom PenPartn~ 056a:0000  12 Mbit/s
   `-Port 01   free                       12 Mbit/s
 )";
 
@@ -140,6 +140,72 @@ TEST(Terminal, GetsNoEscapeSequences) {
       EXPECT_NE(text, "");
     }
   }
+}
+
+TEST(Terminal, IsAsWideAsTheEnvironmentSaysWhereThatIsANumber) {
+  const std::string path = CapturePath("vm-desktop-debugfs");
+  const auto tree = [&path](const std::string& columns) {
+    return Command({"--devices", path}).Set("COLUMNS", columns).OutputToTerminal(60).Run().output;
+  };
+  const auto treeOfWidth = [&path](unsigned short columns) {
+    return Command({"--devices", path}).OutputToTerminal(columns).Run().output;
+  };
+  EXPECT_NE(treeOfWidth(50), treeOfWidth(60));
+  EXPECT_EQ(tree("50"), treeOfWidth(50));
+  for (const char* bad : {"", "0", "-50", "+50", " 50", "50x", "0x50", "99999999999999999999"}) {
+    EXPECT_EQ(tree(bad), treeOfWidth(60)) << bad;
+  }
+}
+
+TEST(Terminal, AloneTakesItsWidthFromTheEnvironment) {
+  const std::string path = CapturePath("vm-desktop-debugfs");
+  EXPECT_EQ(Command({"--devices", path}).Set("COLUMNS", "20").Run().output,
+            RunUsbinfo({"--devices", path}).output);
+}
+
+/// A heading is one line on any terminal.
+bool IsHeading(const std::string& line) {
+  return line.rfind("testhost: ", 0) == 0 || line.rfind("KALDO_", 0) == 0;
+}
+
+TEST(Terminal, OfAnyWidthHoldsEveryRow) {
+  for (const std::string& list : {HostileDeviceList(), ReadFile(CapturePath("vm-desktop-debugfs"))}) {
+    for (unsigned short columns = 20; columns <= 120; columns += 10) {
+      for (const std::vector<std::string>& form : kForms) {
+        for (const std::string& line : Lines(OnTerminal(list, columns, "C.UTF-8", form))) {
+          EXPECT_TRUE(IsHeading(line) || DisplayWidth(line) <= columns) << line;
+        }
+      }
+    }
+  }
+}
+
+TEST(Terminal, KeepsSerialNumbersAndIdsWholeAtTheCostOfNames) {
+  const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
+  for (unsigned short columns = 41; columns <= 80; columns += 3) {
+    const std::string table = OnTerminal(list, columns, "C", {"--format", "table"});
+    for (const char* text : {" 0627:0001 ", " 68284-0000:00:01.0-3.1\n", " 89126-0000:00:01.0-3.2\n"}) {
+      EXPECT_THAT(table, testing::HasSubstr(text)) << columns;
+    }
+  }
+}
+
+TEST(Terminal, GivesUpNamesFirstThenSpeedsThenDevices) {
+  const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
+  const auto titles = [&list](unsigned short columns) {
+    return Lines(Command({"--devices", "-"})
+                     .Input(list)
+                     .Set("USBINFO_IDS", TEST_DATA_DIR "/names.ids")
+                     .OutputToTerminal(columns)
+                     .Run()
+                     .output)
+        .at(2);
+  };
+  EXPECT_EQ(titles(64), "USB           DEVICE       ID             SPEED KNOWN AS");
+  EXPECT_EQ(titles(63), "USB           DEVICE                ID             SPEED");
+  EXPECT_EQ(titles(46), "USB           DEVICE                ID");
+  EXPECT_EQ(titles(35), "USB           ID");
+  EXPECT_EQ(titles(22), "USB");
 }
 
 TEST(Terminal, MayBeOfUnknownWidth) {

@@ -12,7 +12,7 @@
 #include "tests/cli/support/HostileDevices.h"
 #include "tests/cli/support/InventoryBuilder.h"
 
-using cli::SavedInventory;
+using cli::Inventory;
 using nlohmann::json;
 using testing::ElementsAre;
 using testing::Not;
@@ -36,14 +36,14 @@ struct Pair {
     before.AddDevice(root, 4, 4, {"before " + valid});
     after.AddDevice(root, 4, 4, {"after " + valid});
     before.Find("KALDO_USBPort", root + " Port 08")["StatusDescriptions"] = {valid, "a"};
-    old = before.Saved();
-    now = after.Saved();
+    old = before.Read();
+    now = after.Read();
   }
   std::string Text(bool isColored) const { return cli::RenderDiffText(cli::Compare(old, now), isColored); }
   json Json() const { return json::parse(cli::RenderDiffJson(cli::Compare(old, now))); }
 
-  SavedInventory old;
-  SavedInventory now;
+  Inventory old{""};
+  Inventory now{""};
 };
 
 TEST(DiffText, TellsOneThingALineAndItsPropertiesBelow) {
@@ -73,8 +73,8 @@ TEST(DiffText, TellsSpeedsInNumbersWhereWordsWouldNotTellThemApart) {
   InventoryBuilder after = before;
   before.Last("KALDO_USBPort")["Speed"] = 12000000;
   after.Last("KALDO_USBPort")["Speed"] = 12000001;
-  const SavedInventory old = before.Saved();
-  const SavedInventory now = after.Saved();
+  const Inventory old = before.Read();
+  const Inventory now = after.Read();
   EXPECT_THAT(Lines(cli::RenderDiffText(cli::Compare(old, now), false)),
               ElementsAre("~ bus 1, port 0: port", "    Speed: 12000000 -> 12000001"));
 }
@@ -153,8 +153,8 @@ TEST(DiffJson, TellsWhatThereIsNotAsNull) {
   after.AddBus(7, 3);
   after.AddDevice("Bus 07  Device   1", 0, 2, {"Not Available"});
   after.Document()["classes"]["KALDO_USBConnection"].clear();
-  const SavedInventory old = before.Saved();
-  const SavedInventory now = after.Saved();
+  const Inventory old = before.Read();
+  const Inventory now = after.Read();
   const auto added = nlohmann::ordered_json::parse(cli::RenderDiffJson(cli::Compare(old, now)))["added"];
   ASSERT_EQ(added.size(), 3U);
   EXPECT_EQ(added[0].dump(), R"({"class":"KALDO_USBController","id":null,"name":"Controller","serial":null,)"
@@ -168,8 +168,8 @@ TEST(DiffJson, TellsWhatThereIsNotAsNull) {
 }
 
 TEST(DiffJson, IsADocumentOfEmptyListsWhereNothingDiffers) {
-  const SavedInventory machine = InventoryBuilder("one").Saved();
-  const SavedInventory other = InventoryBuilder("two").Saved();
+  const Inventory machine = InventoryBuilder("one").Read();
+  const Inventory other = InventoryBuilder("two").Read();
   EXPECT_EQ(json::parse(cli::RenderDiffJson(cli::Compare(machine, other))).dump(),
             R"({"added":[],"changed":[],"moved":[],"new":{"system":"two"},"old":{"system":"one"},)"
             R"("removed":[],"schema":"usbinfo.diff/1"})");

@@ -12,8 +12,8 @@
 #include "tests/cli/support/InventoryBuilder.h"
 
 using cli::Compare;
+using cli::Inventory;
 using cli::InventoryDifference;
-using cli::SavedInventory;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -21,8 +21,8 @@ namespace usbinfo_test {
 namespace {
 
 std::vector<std::string> Differences(const InventoryBuilder& before, const InventoryBuilder& after) {
-  const SavedInventory old = before.Saved();
-  const SavedInventory now = after.Saved();
+  const Inventory old = before.Read();
+  const Inventory now = after.Read();
   return Lines(cli::RenderDiffText(Compare(old, now), false));
 }
 
@@ -96,7 +96,7 @@ TEST(InventoryDiff, KnowsAThingByVendorProductAndSerialNumberTogether) {
     before.AddDevice(before.root, 0, 2, kStick);
     Machine after;
     after.AddDevice(after.root, 0, 2, other);
-    const InventoryDifference difference = Compare(before.Saved(), after.Saved());
+    const InventoryDifference difference = Compare(before.Read(), after.Read());
     EXPECT_EQ(difference.removed.size(), 1U);
     EXPECT_EQ(difference.added.size(), 1U);
     EXPECT_THAT(difference.moved, IsEmpty());
@@ -290,10 +290,11 @@ TEST(InventoryDiff, OrdersByBusAndPortsAsNumbers) {
     after.AddDevice("Bus 10  Device   1", port, port + 2, kMouse);
     after.AddDevice("Bus 02  Device   1", port, port + 2, kMouse);
   }
-  const SavedInventory old = before.Saved();
-  const SavedInventory now = after.Saved();
+  const Inventory old = before.Read();
+  const Inventory now = after.Read();
   std::vector<std::string> places;
-  for (const cli::Thing& thing : Compare(old, now).added) places.push_back(cli::DescribePlace(thing.place));
+  for (const cli::PlacedItem& placed : Compare(old, now).added)
+    places.push_back(cli::DescribePlace(placed.place));
   EXPECT_THAT(places, ElementsAre("bus 2, port 0", "bus 2, port 9", "bus 2, port 10", "bus 10, port 0",
                                   "bus 10, port 9", "bus 10, port 10"));
 }
@@ -307,25 +308,30 @@ struct Told {
   }
 };
 
-std::string TextOf(const cli::Thing& thing) {
-  return cli::DescribePlace(thing.place) + " " + thing.item->properties.dump();
+std::string TextOf(const cli::PlacedItem& placed) {
+  std::string text = cli::DescribePlace(placed.place);
+  for (const auto& property : placed.item->Schema().properties) {
+    text += " " + property.name + "=" + placed.item->Text(property.id);
+  }
+  return text;
 }
 
 Told TellAll(const InventoryDifference& difference, bool isMirrored) {
   Told told;
-  const auto texts = [isMirrored](const std::vector<cli::ThingChange>& changes) {
+  const auto texts = [isMirrored](const std::vector<cli::ItemChange>& changes) {
     std::vector<std::string> lines;
-    for (const cli::ThingChange& change : changes) {
+    for (const cli::ItemChange& change : changes) {
       std::string line = TextOf(isMirrored ? change.after : change.before) + " > " +
                          TextOf(isMirrored ? change.before : change.after);
-      for (const cli::PropertyChange& property : change.properties) line += " " + property.name;
+      for (const cli::PropertyChange& property : change.properties)
+        line += std::string(" ") + schema::NameOf(property.property);
       lines.push_back(line);
     }
     std::sort(lines.begin(), lines.end());
     return lines;
   };
-  for (const cli::Thing& thing : difference.added) told.came.push_back(TextOf(thing));
-  for (const cli::Thing& thing : difference.removed) told.went.push_back(TextOf(thing));
+  for (const cli::PlacedItem& placed : difference.added) told.came.push_back(TextOf(placed));
+  for (const cli::PlacedItem& placed : difference.removed) told.went.push_back(TextOf(placed));
   told.moved = texts(difference.moved);
   told.changed = texts(difference.changed);
   if (isMirrored) std::swap(told.came, told.went);
@@ -357,20 +363,21 @@ InventoryBuilder RandomMachine(unsigned int seed) {
 TEST(InventoryDiff, IsMirroredWhereTheInventoriesChangePlaces) {
   constexpr unsigned int kMachines = 300;
   for (unsigned int seed = 0; seed < kMachines; ++seed) {
-    const SavedInventory one = RandomMachine(2 * seed).Saved();
-    const SavedInventory other = RandomMachine(2 * seed + 1).Saved();
+    const Inventory one = RandomMachine(2 * seed).Read();
+    const Inventory other = RandomMachine(2 * seed + 1).Read();
     EXPECT_TRUE(TellAll(Compare(one, other), false) == TellAll(Compare(other, one), true)) << "seed " << seed;
     EXPECT_TRUE(Compare(one, one).IsEmpty()) << "seed " << seed;
   }
 }
 
-TEST(InventoryDiff, TellsEveryThingOfAnInventoryThatIsComparedWithAnEmptyOne) {
-  const SavedInventory empty = InventoryBuilder().Saved();
-  const SavedInventory machine = RandomMachine(7).Saved();
+TEST(InventoryDiff, ListsEveryItemOfAnInventoryThatIsComparedWithAnEmptyOne) {
+  const Inventory empty = InventoryBuilder().Read();
+  const Inventory machine = RandomMachine(7).Read();
   const InventoryDifference difference = Compare(empty, machine);
   std::size_t ports = 0;
-  for (const cli::Thing& thing : difference.added) ports += thing.ports;
-  EXPECT_EQ(difference.added.size() + ports, machine.items.size());
+  for (const cli::PlacedItem& placed : difference.added) ports += placed.ports;
+  EXPECT_EQ(difference.added.size() + ports, machine.Controllers().size() + machine.Hubs().size() +
+                                                 machine.Ports().size() + machine.Devices().size());
   EXPECT_THAT(difference.removed, IsEmpty());
   EXPECT_THAT(difference.moved, IsEmpty());
   EXPECT_THAT(difference.changed, IsEmpty());

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/CimXmlFormat.h"
 #include "cli/format/XmlWriter.h"
 #include "tests/cli/support/CliTest.h"
@@ -24,7 +25,7 @@ using Strings = std::vector<std::string>;
 
 class CimXmlFormatTest : public CliTest {
  protected:
-  std::string Render() const { return cli::RenderCimXml(cli::Inventory(host), {}); }
+  std::string Render() const { return cli::RenderCimXml(Collected(), {}); }
   XmlDocument Parse() const { return XmlDocument(Render()); }
 };
 

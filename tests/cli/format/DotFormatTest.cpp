@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/DotFormat.h"
 #include "tests/cli/support/CliTest.h"
 #include "tests/cli/support/ShownText.h"
@@ -19,7 +20,7 @@ constexpr const char* kPort = "Bus 01  Device   1 Port 00";
 
 class DotFormatTest : public CliTest {
  protected:
-  std::string Render() const { return cli::RenderDot(cli::Inventory(host), {}); }
+  std::string Render() const { return cli::RenderDot(Collected(), {}); }
   /// The lines of nodes and edges.
   std::string Statements() const {
     std::string statements;

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/html/HtmlFormat.h"
 #include "cli/format/html/PageAssets.h"
 #include "cli/model/UsbIds.h"
@@ -27,7 +28,7 @@ constexpr const char* kFree = "No device connected";
 
 class HtmlFormatTest : public CliTest {
  protected:
-  std::string Render() const { return cli::RenderHtml(cli::Inventory(host), {}); }
+  std::string Render() const { return cli::RenderHtml(Collected(), {}); }
   std::vector<std::string> Select(const std::string& path) const {
     return XmlDocument(Render()).Select(path);
   }
@@ -95,13 +96,14 @@ TEST_F(HtmlFormatTest, GivesFiguresUnderTheMachinesName) {
 
 TEST_F(HtmlFormatTest, TellsOfHowManyAPartIsWithoutCountingFreePorts) {
   AddSmallMachine();
-  const cli::Inventory part = cli::Inventory(host).Only([](const cli::InstanceView& item) {
-    const std::string identifier = item.Text("DeviceID");
+  const cli::Inventory part = Collected().Only([](const cli::Item& item) {
+    const std::string& identifier = item.String(cli::PropertyId::kDeviceID);
     return identifier == kRoot || identifier == "Bus 01  Device   1 Port 01";
   });
   const XmlDocument page(cli::RenderHtml(part, {}));
-  EXPECT_THAT(page.Select("//dl[@class='figures']/div/dd[1]"), ElementsAre("1", "1", "1", "0"));
-  EXPECT_THAT(page.Select("//dl[@class='figures']//dd[@class='note']"), ElementsAre("of 2", "of 1"));
+  EXPECT_THAT(page.Select("//dl[@class='figures']/div/dd[1]"), ElementsAre("1", "1", "1"));
+  EXPECT_THAT(page.Select("//dl[@class='figures']//dd[@class='note']"), ElementsAre("of 2"));
+  EXPECT_THAT(page.Select("//p[@class='left-out']"), ElementsAre("Left out by the selection: 1 device"));
 }
 
 TEST_F(HtmlFormatTest, NestsDevicesInHubsInSections) {
@@ -150,7 +152,7 @@ TEST_F(HtmlFormatTest, TellsWhatAThingIsKnownAs) {
   const cli::UsbIds names("046d  Logitech, Inc.\n\tc077  Mouse <M105>\n");
   cli::RenderOptions options;
   options.names = &names;
-  const XmlDocument page(cli::RenderHtml(cli::Inventory(host), options));
+  const XmlDocument page(cli::RenderHtml(Collected(), options));
   EXPECT_THAT(page.Select("//dt[.='Known as']/following-sibling::dd[@data-find]"),
               ElementsAre("Mouse <M105> (Logitech, Inc.)"));
   EXPECT_EQ(page.Count("//span[@class='known']"), 0U);
@@ -164,7 +166,7 @@ TEST_F(HtmlFormatTest, ShowsWhatAThingIsKnownAsWhereItHasNoName) {
   const cli::UsbIds names("046d  Logitech, Inc.\n");
   cli::RenderOptions options;
   options.names = &names;
-  const XmlDocument page(cli::RenderHtml(cli::Inventory(host), options));
+  const XmlDocument page(cli::RenderHtml(Collected(), options));
   EXPECT_THAT(page.Select("//span[@class='name']/span"), ElementsAre("(no name)", "(Logitech, Inc.)"));
 }
 

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/JsonFormat.h"
 #include "tests/cli/support/CliTest.h"
 
@@ -19,7 +20,7 @@ namespace {
 
 class JsonFormatTest : public CliTest {
  protected:
-  std::string Render() const { return cli::RenderJson(Inventory(host), {}); }
+  std::string Render() const { return cli::RenderJson(Collected(), {}); }
   ordered_json Parse() const { return ordered_json::parse(Render()); }
 };
 

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/JsonLinesFormat.h"
 #include "tests/cli/support/CliTest.h"
 
@@ -15,7 +16,7 @@ namespace {
 
 class JsonLinesFormatTest : public CliTest {
  protected:
-  std::string Render() const { return cli::RenderJsonLines(Inventory(host), {}); }
+  std::string Render() const { return cli::RenderJsonLines(Collected(), {}); }
 };
 
 TEST_F(JsonLinesFormatTest, IsEmptyForAnEmptyInventory) {

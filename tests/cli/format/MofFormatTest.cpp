@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/MofFormat.h"
 #include "tests/cli/support/CliTest.h"
 
@@ -17,7 +18,7 @@ namespace {
 
 class MofFormatTest : public CliTest {
  protected:
-  std::string Render() const { return cli::RenderMof(Inventory(host), {}); }
+  std::string Render() const { return cli::RenderMof(Collected(), {}); }
   /// What follows the declarations.
   std::string Instances() const { return Render().substr(cli::RenderMofSchema().size()); }
 };

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/TableFormat.h"
 #include "cli/model/UsbIds.h"
 #include "tests/cli/support/CliTest.h"
@@ -19,7 +20,7 @@ namespace {
 
 class TableFormatTest : public CliTest {
  protected:
-  std::string Render() const { return cli::RenderTable(cli::Inventory(host), options); }
+  std::string Render() const { return cli::RenderTable(Collected(), options); }
 
   cli::RenderOptions options{false};
 };

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/format/RenderOptions.h"
 #include "cli/format/TreeFormat.h"
 #include "tests/cli/support/CliTest.h"
 
@@ -21,7 +22,7 @@ class TreeFormatTest : public CliTest {
  protected:
   std::string Render(const char* locale) const {
     const CharacterSet characters(locale);
-    return cli::RenderTree(cli::Inventory(host), {false});
+    return cli::RenderTree(Collected(), {false});
   }
   /// The rows below the two lines of heading and the line of titles, with ASCII lines.
   std::string Rows() const {
@@ -160,9 +161,9 @@ TEST_F(TreeFormatTest, DrawsADeviceWithoutItsHub) {
   EXPECT_EQ(Render("C.UTF-8"), kLoneDeviceTree);
 }
 
-TEST_F(TreeFormatTest, CutsNothingOffInAFile) {
-  AddDevice("Bus 01  Device   2", std::string(300, 'x'), 3);
-  EXPECT_EQ(Rows(), "Bus 01, device 2 " + std::string(300, 'x') + " 0000:0000 480 Mbit/s\n");
+TEST_F(TreeFormatTest, CutsNothingOffInAFileThatADeviceCanSay) {
+  AddDevice("Bus 01  Device   2", std::string(256, 'x'), 3);
+  EXPECT_EQ(Rows(), "Bus 01, device 2 " + std::string(256, 'x') + " 0000:0000 480 Mbit/s\n");
 }
 
 TEST_F(TreeFormatTest, SaysOfADeviceWithoutNameThatItHasNone) {

@@ -11,9 +11,11 @@
 #include "cli/model/UsbTree.h"
 #include "tests/cli/support/CliTest.h"
 
+using cli::ClassId;
 using cli::Inventory;
 using cli::ParseBusDevice;
 using cli::ParseVendorProduct;
+using cli::PropertyId;
 using cli::Select;
 using cli::Selection;
 using NKESTA20::TCIMValue;
@@ -23,13 +25,13 @@ using testing::IsEmpty;
 namespace usbinfo_test {
 namespace {
 
-constexpr const char* kItemClasses[] = {"KALDO_USBController", "KALDO_USBHub", "KALDO_USBPort",
-                                        "KALDO_USBDevice"};
+constexpr ClassId kEntities[] = {ClassId::kController, ClassId::kHub, ClassId::kPort, ClassId::kDevice};
 
 Selection ByIds(const std::string& ids) {
   Selection selection;
-  selection.ids = ParseVendorProduct(ids);
-  EXPECT_TRUE(selection.ids) << ids;
+  const auto parsed = ParseVendorProduct(ids);
+  EXPECT_TRUE(parsed) << ids;
+  if (parsed) selection.ids.push_back(*parsed);
   return selection;
 }
 
@@ -42,7 +44,7 @@ Selection ByPlace(const std::string& place) {
 
 Selection ByClass(const std::vector<std::string>& names) {
   Selection selection;
-  selection.classes = names;
+  for (const std::string& name : names) selection.classes.push_back(schema::FindClass(name)->id);
   return selection;
 }
 
@@ -54,27 +56,31 @@ class SelectionTest : public CliTest {
                   {"USBDeviceID", TCIMValue(static_cast<unsigned short>(product))}});
   }
 
-  /// A line per selected instance that is no association: the class's last word, the identifier.
-  std::vector<std::string> Selected(const Selection& selection, bool keepsWay = false) const {
-    const Inventory inventory = Select(Inventory(host), selection, keepsWay);
+  /// A line per selected instance that is no link: the class's last word, the identifier.
+  std::vector<std::string> Selected(const Selection& selection, bool keepsPath = false) const {
+    const Inventory inventory = Select(Collected(), selection, keepsPath);
     std::vector<std::string> lines;
-    for (const char* const name : kItemClasses) {
-      for (const cli::InstanceView& item : inventory.InstancesOf(name)) {
-        lines.push_back(std::string(name).substr(sizeof("KALDO_USB") - 1) + " " + item.Text("DeviceID"));
+    for (const ClassId classId : kEntities) {
+      for (const cli::Item& item : inventory.Of(classId).items) {
+        lines.push_back(item.Schema().name.substr(sizeof("KALDO_USB") - 1) + " " +
+                        item.String(PropertyId::kDeviceID));
       }
     }
     return lines;
   }
 };
 
-TEST(VendorProduct, AreHexadecimalWithOrWithoutProduct) {
+TEST(VendorProduct, AreHexadecimalAndEitherMayBeLeftOut) {
   EXPECT_EQ(ParseVendorProduct("1d6b:")->vendor, 0x1D6B);
   EXPECT_FALSE(ParseVendorProduct("1d6b:")->product);
   EXPECT_EQ(ParseVendorProduct("1D6B:0002")->product, 2);
   EXPECT_EQ(ParseVendorProduct("0:ffff")->product, 0xFFFF);
   EXPECT_EQ(ParseVendorProduct("0x0409:0X55aa")->vendor, 0x409);
   EXPECT_EQ(ParseVendorProduct("0x0409:0X55aa")->product, 0x55AA);
-  EXPECT_EQ(ParseVendorProduct("x:"), std::nullopt);
+  EXPECT_FALSE(ParseVendorProduct(":0002")->vendor);
+  EXPECT_EQ(ParseVendorProduct(":0002")->product, 2);
+  EXPECT_FALSE(ParseVendorProduct("x:"));
+  EXPECT_FALSE(ParseVendorProduct(":"));
 }
 
 TEST(BusDevice, IsABusADeviceOrBothInDecimal) {
@@ -86,7 +92,7 @@ TEST(BusDevice, IsABusADeviceOrBothInDecimal) {
   EXPECT_EQ(ParseBusDevice("003")->device, 3U);
   EXPECT_EQ(ParseBusDevice("123:127")->bus, 123U);
   EXPECT_EQ(ParseBusDevice("123:127")->device, 127U);
-  EXPECT_EQ(ParseBusDevice("0x1:"), std::nullopt);
+  EXPECT_FALSE(ParseBusDevice("0x1:"));
 }
 
 TEST(DescriptionOfASelection, SpellsTheOptions) {
@@ -98,16 +104,26 @@ TEST(DescriptionOfASelection, SpellsTheOptions) {
   EXPECT_EQ(cli::Describe(ByPlace(":")), "-s :");
   Selection all = ByIds("1:");
   all.place = ParseBusDevice("2:");
-  all.classes = {"A", "B"};
-  EXPECT_EQ(cli::Describe(all), "-d 0001: -s 2: --class A --class B");
+  all.ids.push_back({std::nullopt, 2});
+  all.classes = {ClassId::kHub, ClassId::kPort};
+  EXPECT_EQ(cli::Describe(all), "-d 0001: -d :0002 -s 2: --class KALDO_USBHub --class KALDO_USBPort");
+}
+
+TEST_F(SelectionTest, ByIdsTakesWhatMatchesAnyOfThem) {
+  AddIds("KALDO_USBDevice", "Bus 01  Device   1", 1, 1);
+  AddIds("KALDO_USBDevice", "Bus 01  Device   2", 2, 1);
+  AddIds("KALDO_USBDevice", "Bus 01  Device   3", 3, 3);
+  Selection selection = ByIds("1:");
+  selection.ids.push_back({std::nullopt, 3});
+  EXPECT_THAT(Selected(selection), ElementsAre("Device Bus 01  Device   1", "Device Bus 01  Device   3"));
 }
 
 TEST_F(SelectionTest, OfNothingIsEverything) {
   Collect(ReadFile(CapturePath("vm-desktop-debugfs")));
-  const Inventory all(host);
+  const Inventory all = Collected();
   const Inventory same = Select(all, {}, false);
   for (std::size_t index = 0; index < all.Classes().size(); ++index) {
-    EXPECT_EQ(same.Classes()[index].instances.size(), all.Classes()[index].instances.size());
+    EXPECT_EQ(same.Classes()[index].items.size(), all.Classes()[index].items.size());
   }
 }
 
@@ -165,86 +181,85 @@ TEST_F(SelectionTest, WantsAllThatIsGiven) {
   Selection selection = ByIds("1:");
   selection.place = ParseBusDevice("1:");
   EXPECT_THAT(Selected(selection), ElementsAre("Hub Bus 01  Device   1", "Device Bus 01  Device   2"));
-  selection.classes = {"KALDO_USBDevice"};
+  selection.classes = {ClassId::kDevice};
   EXPECT_THAT(Selected(selection), ElementsAre("Device Bus 01  Device   2"));
-  selection.classes = {"KALDO_USBPort"};
+  selection.classes = {ClassId::kPort};
   EXPECT_THAT(Selected(selection), IsEmpty());
 }
 
 TEST_F(SelectionTest, ByClassLeavesTheOthersEmptyAndKeepsTheTotals) {
   Collect(ReadFile(CapturePath("vm-desktop-debugfs")));
-  const Inventory all(host);
-  for (const cli::ClassView& chosen : all.Classes()) {
-    for (const bool keepsWay : {false, true}) {
-      const Inventory part = Select(all, ByClass({chosen.schema.name}), keepsWay);
+  const Inventory all = Collected();
+  for (const cli::ItemsOfClass& chosen : all.Classes()) {
+    for (const bool keepsPath : {false, true}) {
+      const Inventory part = Select(all, ByClass({chosen.schema->name}), keepsPath);
       ASSERT_EQ(part.Classes().size(), 6U);
-      for (const cli::ClassView& view : part.Classes()) {
-        const bool isChosen = view.schema.name == chosen.schema.name;
-        EXPECT_EQ(view.instances.size(), isChosen ? chosen.instances.size() : 0U) << view.schema.name;
-        EXPECT_EQ(view.total, all.ClassOf(view.schema.name).instances.size());
+      for (const cli::ItemsOfClass& view : part.Classes()) {
+        const bool isChosen = view.schema == chosen.schema;
+        EXPECT_EQ(view.items.size(), isChosen ? chosen.items.size() : 0U) << view.schema->name;
+        EXPECT_EQ(view.total, all.Of(view.schema->id).items.size());
       }
     }
   }
 }
 
-TEST_F(SelectionTest, ByClassAndPlaceKeepsNoWay) {
+TEST_F(SelectionTest, ByClassAndPlaceKeepsNoPath) {
   Collect(ReadFile(CapturePath("vm-desktop-debugfs")));
   Selection selection = ByPlace("1:4");
-  selection.classes = {"KALDO_USBDevice"};
+  selection.classes = {ClassId::kDevice};
   EXPECT_THAT(Selected(selection, true), ElementsAre("Device Bus 01  Device   4"));
 }
 
-TEST_F(SelectionTest, KeepsTheWayToADeviceAndTheAssociationsAlongIt) {
+TEST_F(SelectionTest, KeepsThePathToADeviceAndTheLinksAlongIt) {
   Collect(ReadFile(CapturePath("vm-desktop-debugfs")));
   EXPECT_THAT(Selected(ByPlace("1:4"), true),
               ElementsAre("Controller Bus 01  Device   1", "Hub Bus 01  Device   1", "Hub Bus 01  Device   2",
                           "Port Bus 01  Device   1 Port 02", "Port Bus 01  Device   2 Port 00",
                           "Device Bus 01  Device   4"));
-  const Inventory part = Select(Inventory(host), ByPlace("1:4"), true);
-  EXPECT_EQ(part.InstancesOf("KALDO_USBPortOnHub").size(), 2U);
-  EXPECT_EQ(part.InstancesOf("KALDO_USBConnection").size(), 2U);
+  const Inventory part = Select(Collected(), ByPlace("1:4"), true);
+  EXPECT_EQ(part.PortsOnHubs().size(), 2U);
+  EXPECT_EQ(part.Connections().size(), 2U);
 }
 
-TEST_F(SelectionTest, KeepsNoWayToWhatDoesNotMatch) {
+TEST_F(SelectionTest, KeepsNoPathToWhatDoesNotMatch) {
   Collect(ReadFile(CapturePath("vm-desktop-debugfs")));
-  EXPECT_TRUE(Select(Inventory(host), ByIds("dead:"), true).IsEmpty());
+  EXPECT_TRUE(Select(Collected(), ByIds("dead:"), true).IsEmpty());
 }
 
-TEST_F(SelectionTest, EndsTheWayInACircle) {
+TEST_F(SelectionTest, KeepsNothingAboveAnItemThatIsLinkedInACircle) {
   Path hub = AddHub("Bus 01  Device   2", "h", 1);
   Path port = AddPort("Bus 01  Device   2 Port 00", 1, "x");
   Associate("KALDO_USBPortOnHub", hub, port);
   Associate("KALDO_USBConnection", port, hub);
-  EXPECT_THAT(Selected(ByPlace("1:2"), true),
-              ElementsAre("Hub Bus 01  Device   2", "Port Bus 01  Device   2 Port 00"));
+  EXPECT_THAT(Selected(ByPlace("1:2"), true), ElementsAre("Hub Bus 01  Device   2"));
 }
 
 /// For each item the one it hangs on, by their paths; empty for one at the top.
 std::map<std::string, std::string> ParentsIn(const Inventory& inventory) {
   const cli::UsbTree tree(inventory);
   std::map<std::string, std::string> parents;
-  for (const cli::UsbTreeNode& node : tree.Nodes()) parents[node.item->PathText()];
+  for (const cli::UsbTreeNode& node : tree.Nodes()) parents[node.item->Path()];
   for (const cli::UsbTreeNode& node : tree.Nodes()) {
     for (const std::size_t child : node.children) {
-      parents[tree.Nodes()[child].item->PathText()] = node.item->PathText();
+      parents[tree.Nodes()[child].item->Path()] = node.item->Path();
     }
   }
   return parents;
 }
 
-TEST_F(SelectionTest, KeepsTheWholeWayToEveryItemOfEveryCaptureAndNothingElse) {
+TEST_F(SelectionTest, KeepsTheWholePathToEveryItemOfEveryCaptureAndNothingElse) {
   for (const std::string& path : CapturePaths()) {
     host.Reset();
     Collect(ReadFile(path));
-    const Inventory all(host);
+    const Inventory all = Collected();
     const auto parents = ParentsIn(all);
-    for (const char* const name : {"KALDO_USBHub", "KALDO_USBDevice"}) {
-      for (const cli::InstanceView& item : all.InstancesOf(name)) {
-        std::string place = item.Text("DeviceID").substr(sizeof("Bus ") - 1);
+    for (const ClassId classId : {ClassId::kHub, ClassId::kDevice}) {
+      for (const cli::Item& item : all.Of(classId).items) {
+        std::string place = item.String(PropertyId::kDeviceID).substr(sizeof("Bus ") - 1);
         place.replace(place.find(' '), place.find_last_of(' ') + 1 - place.find(' '), ":");
-        std::map<std::string, std::string> way;
-        for (std::string at = item.PathText(); !at.empty(); at = parents.at(at)) way[at] = parents.at(at);
-        EXPECT_EQ(ParentsIn(Select(all, ByPlace(place), true)), way) << path << " " << place;
+        std::map<std::string, std::string> above;
+        for (std::string at = item.Path(); !at.empty(); at = parents.at(at)) above[at] = parents.at(at);
+        EXPECT_EQ(ParentsIn(Select(all, ByPlace(place), true)), above) << path << " " << place;
       }
     }
   }

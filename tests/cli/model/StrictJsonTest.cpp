@@ -1,6 +1,7 @@
 // JSON that is refused, and where each message says the fault is.
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "cli/model/StrictJson.h"

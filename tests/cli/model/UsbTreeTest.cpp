@@ -22,9 +22,9 @@ constexpr const char* kConnection = "KALDO_USBConnection";
 
 class UsbTreeTest : public CliTest {
  protected:
-  /// A line per node, parents ahead of their children: the depth, the kind's first letter, the identifier.
+  /// A line per node, parents before their children: the depth, the kind's first letter, the identifier.
   std::vector<std::string> Outline() {
-    const Inventory inventory(host);
+    const Inventory inventory = Collected();
     const UsbTree tree(inventory);
     std::vector<std::string> lines;
     for (const std::size_t top : tree.Top()) Add(lines, tree, top, 0);
@@ -34,14 +34,15 @@ class UsbTreeTest : public CliTest {
  private:
   static void Add(std::vector<std::string>& lines, const UsbTree& tree, std::size_t index, int depth) {
     const UsbTreeNode& node = tree.Nodes()[index];
-    const char letter = "chpd"[static_cast<int>(node.kind)];
-    lines.push_back(std::to_string(depth) + " " + letter + " " + node.item->Text("DeviceID"));
+    const char letter = "chpd"[static_cast<int>(node.Class())];
+    lines.push_back(std::to_string(depth) + " " + letter + " " +
+                    node.item->String(cli::PropertyId::kDeviceID));
     for (const std::size_t child : node.children) Add(lines, tree, child, depth + 1);
   }
 };
 
 TEST_F(UsbTreeTest, IsEmptyForAnEmptyInventory) {
-  const Inventory inventory(host);
+  const Inventory inventory = Collected();
   const UsbTree tree(inventory);
   EXPECT_THAT(tree.Nodes(), IsEmpty());
   EXPECT_THAT(tree.Top(), IsEmpty());
@@ -77,11 +78,12 @@ TEST_F(UsbTreeTest, MarksTheHubOfAControllerAsRootHub) {
   AddController("root", "");
   AddHub("root", "", 1);
   AddHub("other", "", 1);
-  const Inventory inventory(host);
+  const Inventory inventory = Collected();
   const UsbTree tree(inventory);
   for (const UsbTreeNode& node : tree.Nodes()) {
-    const bool isRootHub = node.kind == UsbTreeNode::Kind::kHub && node.item->Text("DeviceID") == "root";
-    EXPECT_EQ(node.isRootHub, isRootHub) << node.item->PathText();
+    const bool isRootHub =
+        node.Class() == cli::ClassId::kHub && node.item->String(cli::PropertyId::kDeviceID) == "root";
+    EXPECT_EQ(node.isRootHub, isRootHub) << node.item->Path();
   }
 }
 
@@ -121,15 +123,21 @@ TEST_F(UsbTreeTest, PassesOverAnAssociationWithSomethingThatIsNotThere) {
   EXPECT_THAT(Outline(), ElementsAre("0 d other"));
 }
 
+TEST_F(UsbTreeTest, PutsItemsLinkedInACircleAtTheTopSoThatNoneIsLost) {
+  Path hub = AddHub("hub", "", 1);
+  Path port = AddPort("port", 1, "x");
+  Associate(kPortOnHub, hub, port);
+  Associate(kConnection, port, hub);
+  EXPECT_THAT(Outline(), ElementsAre("0 h hub", "0 p port"));
+}
+
 TEST_F(UsbTreeTest, HoldsEveryItemOfEveryCaptureOnce) {
   for (const std::string& path : CapturePaths()) {
     host.Reset();
     Collect(ReadFile(path));
-    const Inventory inventory(host);
-    std::size_t items = 0;
-    for (const char* name : {"KALDO_USBController", "KALDO_USBHub", "KALDO_USBPort", "KALDO_USBDevice"}) {
-      items += inventory.InstancesOf(name).size();
-    }
+    const Inventory inventory = Collected();
+    const std::size_t items = inventory.Controllers().size() + inventory.Hubs().size() +
+                              inventory.Ports().size() + inventory.Devices().size();
     EXPECT_EQ(Outline().size(), items) << path;
   }
 }
@@ -143,13 +151,13 @@ TEST_F(UsbTreeTest, HasNoRowForWhatAPortAloneShows) {
   Associate(kConnection, port, AddDevice("alone", "", 1));
   Associate(kConnection, crowded, AddDevice("one", "", 1));
   Associate(kConnection, crowded, AddDevice("other", "", 1));
-  const Inventory inventory(host);
+  const Inventory inventory = Collected();
   const UsbTree tree(inventory);
   std::vector<std::string> rows;
   for (const cli::UsbTreeRow& row : tree.Rows()) {
     const UsbTreeNode& node = tree.Nodes()[row.node];
-    rows.push_back(std::to_string(row.depth) + " " + node.item->Text("DeviceID") + " shows " +
-                   tree.Shown(node).item->Text("DeviceID"));
+    rows.push_back(std::to_string(row.depth) + " " + node.item->String(cli::PropertyId::kDeviceID) +
+                   " shows " + tree.Shown(node).item->String(cli::PropertyId::kDeviceID));
   }
   EXPECT_THAT(rows, ElementsAre("0 hub shows hub", "1 port shows alone", "1 crowded shows crowded",
                                 "2 one shows one", "2 other shows other"));

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/model/Inventory.h"
 #include "cli/text/UserError.h"
 #include "host/TCIMReference.h"
 #include "host/TCIMValue.h"
@@ -95,6 +96,8 @@ class CliTest : public HostTest {
   Path AddPort(const std::string& deviceId, unsigned long speed, const std::string& status);
   Path AddDevice(const std::string& deviceId, const std::string& description, unsigned char speedClass);
 
+  /// What the host holds, as the formats get it.
+  cli::Inventory Collected() const;
   /// Has the built module fill the host from a device list.
   void Collect(const std::string& deviceList);
   /// Has the built module fill the host from the services that the host has.

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "cli/model/SavedInventory.h"
+#include "cli/model/FromJson.h"
 
 namespace usbinfo_test {
 
@@ -35,7 +35,7 @@ class InventoryBuilder {
   nlohmann::json& Document() { return fDocument; }
 
   std::string Text() const { return fDocument.dump(); }
-  cli::SavedInventory Saved() const { return cli::ReadSavedInventory(Text(), "built"); }
+  cli::Inventory Read() const { return cli::FromJson(Text(), "built"); }
 
  private:
   nlohmann::json& AddEntity(const std::string& className, const std::string& identifier);

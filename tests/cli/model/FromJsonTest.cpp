@@ -4,14 +4,17 @@
 
 #include <functional>
 #include <ostream>
+#include <set>
 #include <string>
 
-#include "cli/model/SavedInventory.h"
+#include "cli/format/JsonFormat.h"
+#include "cli/format/RenderOptions.h"
+#include "cli/model/FromJson.h"
 #include "tests/cli/support/CliTest.h"
 #include "tests/cli/support/InventoryBuilder.h"
 
-using cli::ItemKind;
-using cli::SavedInventory;
+using cli::Inventory;
+using cli::PropertyId;
 using nlohmann::json;
 
 namespace usbinfo_test {
@@ -25,44 +28,70 @@ InventoryBuilder SmallMachine() {
   return machine;
 }
 
-TEST(SavedInventory, HoldsItemsAndLinksOfItsDocument) {
-  const SavedInventory inventory = SmallMachine().Saved();
-  EXPECT_EQ(inventory.systemName, "testhost");
-  ASSERT_EQ(inventory.items.size(), 5U);
-  EXPECT_EQ(inventory.items[0].kind, ItemKind::kController);
-  EXPECT_EQ(inventory.items[1].kind, ItemKind::kHub);
-  EXPECT_EQ(inventory.items[3].Text("DeviceID"), "Bus 01  Device   1 Port 01");
-  EXPECT_EQ(inventory.items[4].Number("VendorID"), 0xABCDU);
-  ASSERT_EQ(inventory.links.size(), 3U);
-  EXPECT_EQ(inventory.links[0].antecedent, cli::PathOf(inventory.items[1]));
-  EXPECT_EQ(inventory.links[2].dependent, cli::PathOf(inventory.items[4]));
+TEST(FromJson, HoldsTheItemsAndLinksOfItsDocument) {
+  const Inventory inventory = SmallMachine().Read();
+  EXPECT_EQ(inventory.SystemName(), "testhost");
+  EXPECT_EQ(inventory.Controllers().size(), 1U);
+  EXPECT_EQ(inventory.Hubs().size(), 1U);
+  EXPECT_EQ(inventory.Ports().at(1).String(PropertyId::kDeviceID), "Bus 01  Device   1 Port 01");
+  EXPECT_EQ(inventory.Devices().at(0).Number(PropertyId::kVendorID), 0xABCDU);
+  EXPECT_EQ(inventory.PortsOnHubs().at(0).String(PropertyId::kAntecedent), inventory.Hubs()[0].Path());
+  EXPECT_EQ(inventory.Connections().at(0).String(PropertyId::kDependent), inventory.Devices()[0].Path());
 }
 
-TEST(SavedInventory, GivesNothingForAPropertyThatIsNotThere) {
-  const SavedInventory inventory = SmallMachine().Saved();
-  EXPECT_EQ(inventory.items[0].Text("SerialNumber"), "");
-  EXPECT_EQ(inventory.items[0].Number("VendorID"), 0U);
+TEST(FromJson, GivesNothingForAPropertyThatIsNotThere) {
+  const Inventory inventory = SmallMachine().Read();
+  EXPECT_EQ(inventory.Controllers()[0].String(PropertyId::kSerialNumber), "");
+  EXPECT_EQ(inventory.Controllers()[0].Number(PropertyId::kVendorID), 0U);
 }
 
-TEST(SavedInventory, NamesPathsAsTheLinksOfEveryCaptureDo) {
+TEST(FromJson, GivesTheInventoryThatWasSavedForEveryCapture) {
   for (const std::string& name : CaptureNames()) {
-    const SavedInventory inventory = cli::ReadSavedInventory(Expected(name + ".json"), name);
-    std::vector<std::string> paths;
-    for (const cli::SavedItem& item : inventory.items) paths.push_back(cli::PathOf(item));
-    for (const cli::SavedLink& link : inventory.links) {
-      EXPECT_THAT(paths, testing::Contains(link.antecedent));
-      EXPECT_THAT(paths, testing::Contains(link.dependent));
+    const std::string saved = Expected(name + ".json");
+    EXPECT_EQ(cli::RenderJson(cli::FromJson(saved, name), {}), saved) << name;
+  }
+}
+
+TEST(FromJson, MakesPathsAsTheLinksOfEveryCaptureDo) {
+  for (const std::string& name : CaptureNames()) {
+    const Inventory inventory = cli::FromJson(Expected(name + ".json"), name);
+    std::set<std::string> paths;
+    for (const auto& ofClass : inventory.Classes()) {
+      for (const cli::Item& item : ofClass.items) paths.insert(item.Path());
+    }
+    for (const auto* const links : {&inventory.PortsOnHubs(), &inventory.Connections()}) {
+      for (const cli::Item& link : *links) {
+        EXPECT_EQ(paths.count(link.String(PropertyId::kAntecedent)), 1U) << name;
+        EXPECT_EQ(paths.count(link.String(PropertyId::kDependent)), 1U) << name;
+      }
     }
   }
 }
 
-TEST(SavedInventory, SpellsQuotesAndBackslashesOfAPath) {
-  InventoryBuilder machine = SmallMachine();
-  machine.Last("KALDO_USBDevice")["DeviceID"] = "a\"b\\c";
-  EXPECT_THAT(cli::PathOf(machine.Saved().items[4]), testing::HasSubstr(R"(DeviceID="a\"b\\c",)"));
+/// The state of the last port, of which the document says that no device is connected.
+cli::PortState StateOfLastPort(const InventoryBuilder& machine) {
+  const Inventory inventory = machine.Read();
+  return inventory.StateOf(inventory.Ports().back());
 }
 
-TEST(SavedInventory, IsJsonWhereTheFirstByteThatIsNoBlankOpensAnObject) {
+TEST(FromJson, KnowsAFreePortWhereConnectionsWereCollected) {
+  InventoryBuilder machine = SmallMachine();
+  EXPECT_EQ(StateOfLastPort(machine), cli::PortState::kFree);
+  machine.Document()["classes"]["KALDO_USBConnection"].clear();
+  EXPECT_EQ(StateOfLastPort(machine), cli::PortState::kUnknown);
+  machine.Document()["classes"]["KALDO_USBDevice"].clear();
+  EXPECT_EQ(StateOfLastPort(machine), cli::PortState::kFree);
+  machine.Document()["classes"]["KALDO_USBHub"].clear();
+  EXPECT_EQ(StateOfLastPort(machine), cli::PortState::kUnknown);
+}
+
+TEST(FromJson, SpellsQuotesAndBackslashesOfAPath) {
+  InventoryBuilder machine = SmallMachine();
+  machine.Last("KALDO_USBDevice")["DeviceID"] = "a\"b\\c";
+  EXPECT_THAT(machine.Read().Devices().at(0).Path(), testing::HasSubstr(R"(DeviceID="a\"b\\c",)"));
+}
+
+TEST(FromJson, IsJsonWhereTheFirstByteThatIsNoBlankOpensAnObject) {
   EXPECT_TRUE(cli::LooksLikeJson("{}"));
   EXPECT_TRUE(cli::LooksLikeJson(" \t\r\n{"));
   EXPECT_FALSE(cli::LooksLikeJson("T:  Bus=01 {"));
@@ -103,19 +132,19 @@ const Damage kDamages[] = {
      "/system/name: must be a text"},
     {"OtherSystemClass", [](auto& it) { it.Document()["system"]["creationClassName"] = "Other"; },
      "/system/creationClassName: must be \"KALDO_ComputerSystem\""},
-    {"UnknownMember", [](auto& it) { it.Document()["a/b"] = 1; }, "/a~1b: is no member of an inventory"},
+    {"UnknownMember", [](auto& it) { it.Document()["a/b"] = 1; }, "/a~1b: is not a member of an inventory"},
     {"NoClass", [](auto& it) { it.Document()["classes"].erase("KALDO_USBPort"); },
      "/classes/KALDO_USBPort: is missing"},
     {"UnknownClass", [](auto& it) { it.Document()["classes"]["Other"] = json::array(); },
-     "/classes/Other: is no member of an inventory"},
+     "/classes/Other: is not a member of an inventory"},
     {"ClassAsObject", [](auto& it) { it.Document()["classes"]["KALDO_USBPort"] = json::object(); },
      "/classes/KALDO_USBPort: must be a list"},
     {"InstanceAsNull", [](auto& it) { Device(it) = nullptr; },
      std::string(kDevicePointer) + ": must be an object"},
     {"UnknownProperty", [](auto& it) { Device(it)["Other"] = 1; },
-     std::string(kDevicePointer) + "/Other: is no property of a KALDO_USBDevice"},
+     std::string(kDevicePointer) + "/Other: is not a property of a KALDO_USBDevice"},
     {"PropertyOfAnotherClass", [](auto& it) { Device(it)["NumberOfPorts"] = 1; },
-     std::string(kDevicePointer) + "/NumberOfPorts: is no property of a KALDO_USBDevice"},
+     std::string(kDevicePointer) + "/NumberOfPorts: is not a property of a KALDO_USBDevice"},
     {"NoKey", [](auto& it) { Device(it).erase("DeviceID"); },
      std::string(kDevicePointer) + "/DeviceID: is missing"},
     {"NoNumber", [](auto& it) { Device(it).erase("VendorID"); },
@@ -161,36 +190,36 @@ class DamagedInventory : public testing::TestWithParam<Damage> {};
 TEST_P(DamagedInventory, IsRefusedWithItsPlace) {
   InventoryBuilder machine = SmallMachine();
   GetParam().make(machine);
-  EXPECT_EQ(UserErrorOf([&] { machine.Saved(); }),
+  EXPECT_EQ(UserErrorOf([&] { machine.Read(); }),
             "built holds no inventory: " + GetParam().message + kAdvice);
 }
 
 INSTANTIATE_TEST_SUITE_P(Damages, DamagedInventory, testing::ValuesIn(kDamages),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST(SavedInventory, MayLackWhatADeviceDoesNotSend) {
+TEST(FromJson, MayLackWhatADeviceDoesNotSend) {
   InventoryBuilder machine = SmallMachine();
   for (const char* name : {"Description", "HubName", "Manufacturer", "PortNumber", "SerialNumber"}) {
     Device(machine).erase(name);
   }
   machine.Last("KALDO_USBPort").erase("Speed");
   machine.Last("KALDO_USBController").erase("Description");
-  EXPECT_EQ(machine.Saved().items.size(), 5U);
+  EXPECT_EQ(machine.Read().Devices().size(), 1U);
 }
 
-TEST(SavedInventory, TellsWhatIsNoJsonByItsPlaceInTheText) {
+TEST(FromJson, TellsWhatIsNoJsonByItsPlaceInTheText) {
   const std::string text = SmallMachine().Text();
-  EXPECT_EQ(UserErrorOf([&] { cli::ReadSavedInventory(text.substr(0, text.size() - 1), "file"); }),
+  EXPECT_EQ(UserErrorOf([&] { cli::FromJson(text.substr(0, text.size() - 1), "file"); }),
             "file holds no inventory: line 1, column " + std::to_string(text.size()) +
                 ": the document ends too early" + kAdvice);
-  EXPECT_EQ(UserErrorOf([] { cli::ReadSavedInventory("{\"schema\": 1, \"schema\": 2}", "file"); }),
+  EXPECT_EQ(UserErrorOf([] { cli::FromJson("{\"schema\": 1, \"schema\": 2}", "file"); }),
             std::string("file holds no inventory: /schema: stands there twice") + kAdvice);
 }
 
-TEST(SavedInventory, IsRefusedWhereverItIsCutOff) {
+TEST(FromJson, IsRefusedWhereverItIsCutOff) {
   const std::string text = SmallMachine().Text();
   for (std::size_t size = 0; size < text.size(); ++size) {
-    EXPECT_NE(UserErrorOf([&] { cli::ReadSavedInventory(text.substr(0, size), "file"); }), "") << size;
+    EXPECT_NE(UserErrorOf([&] { cli::FromJson(text.substr(0, size), "file"); }), "") << size;
   }
 }
 

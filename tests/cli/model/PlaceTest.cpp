@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "cli/diff/DiffText.h"
-#include "cli/model/SavedTree.h"
+#include "cli/model/UsbTree.h"
 #include "tests/cli/support/CliTest.h"
 #include "tests/cli/support/InventoryBuilder.h"
 
+using cli::Inventory;
 using cli::Place;
-using cli::SavedInventory;
 using testing::ElementsAre;
 
 namespace usbinfo_test {
@@ -19,16 +19,16 @@ namespace {
 
 /// The places of all items, in the inventory's order.
 std::vector<std::string> PlacesOf(const InventoryBuilder& machine) {
-  const SavedInventory inventory = machine.Saved();
+  const Inventory inventory = machine.Read();
   std::vector<std::string> places;
-  const cli::SavedTree tree(inventory);
-  for (const cli::SavedNode& node : tree.Nodes()) {
+  const cli::UsbTree tree(inventory);
+  for (const cli::UsbTreeNode& node : tree.Nodes()) {
     places.push_back(cli::DescribePlace(node.place));
   }
   return places;
 }
 
-TEST(SavedTree, PlacesThingsByTheirBusAndTheChainOfTheirPorts) {
+TEST(Place, PlacesThingsByTheirBusAndTheChainOfTheirPorts) {
   InventoryBuilder machine;
   const std::string root = machine.AddBus(12, 2);
   machine.AddDevice(machine.AddHub(root, 1, 7, 1), 0, 9);
@@ -36,7 +36,7 @@ TEST(SavedTree, PlacesThingsByTheirBusAndTheChainOfTheirPorts) {
                                              "bus 12, port 1", "bus 12, port 1.0", "bus 12, port 1.0"));
 }
 
-TEST(SavedTree, PlacesWhatNoControllerLeadsToByThePortItIsOn) {
+TEST(Place, PlacesWhatNoControllerLeadsToByThePortItIsOn) {
   InventoryBuilder machine;
   machine.AddDevice(machine.AddHub(machine.AddBus(1, 1), 0, 2, 1), 0, 3);
   machine.Document()["classes"]["KALDO_USBController"].clear();
@@ -51,7 +51,7 @@ TEST(SavedTree, PlacesWhatNoControllerLeadsToByThePortItIsOn) {
                           "\"Bus 01  Device   2 Port 00\""));
 }
 
-TEST(SavedTree, PlacesWhatHasNoNumberByItsIdentifier) {
+TEST(Place, PlacesWhatHasNoNumberByItsIdentifier) {
   InventoryBuilder machine;
   machine.AddBus(1, 1);
   for (const char* identifier : {"Bus x  Device   1", "Bus 1234567890  Device   1", "", "Bus   Device 1"}) {
@@ -60,14 +60,15 @@ TEST(SavedTree, PlacesWhatHasNoNumberByItsIdentifier) {
   }
 }
 
-TEST(SavedTree, PassesOverLinksThatLeadNowhere) {
+TEST(Place, PassesOverLinksThatLeadNowhere) {
   InventoryBuilder machine;
   machine.AddDevice(machine.AddBus(1, 1), 0, 2);
-  machine.Last("KALDO_USBConnection")["Antecedent"] = "KALDO_USBPort.DeviceID=\"other\"";
+  machine.Last("KALDO_USBConnection")["Antecedent"] =
+      R"(KALDO_USBPort.CreationClassName="KALDO_USBPort",DeviceID="other",SystemCreationClassName="S",SystemName="h")";
   EXPECT_EQ(PlacesOf(machine).back(), "\"Bus 01  Device   1 Port 00\"");
 }
 
-TEST(SavedTree, TakesTheFirstOfTwoParents) {
+TEST(Place, TakesTheFirstOfTwoParents) {
   InventoryBuilder machine;
   machine.AddDevice(machine.AddBus(1, 2), 1, 2);
   nlohmann::json second = machine.Last("KALDO_USBConnection");
@@ -76,14 +77,14 @@ TEST(SavedTree, TakesTheFirstOfTwoParents) {
   EXPECT_EQ(PlacesOf(machine).back(), "bus 1, port 1");
 }
 
-TEST(SavedTree, KeepsControllersAtTheirBus) {
+TEST(Place, KeepsControllersAtTheirBus) {
   InventoryBuilder machine;
   machine.AddDevice(machine.AddBus(1, 1), 0, 2);
-  machine.Last("KALDO_USBConnection")["Dependent"] = cli::PathOf(machine.Saved().items.front());
+  machine.Last("KALDO_USBConnection")["Dependent"] = machine.Read().Controllers().front().Path();
   EXPECT_EQ(PlacesOf(machine).front(), "bus 1");
 }
 
-TEST(SavedTree, LetsThingsThatGoRoundInACircleStandByThemselves) {
+TEST(Place, PutsItemsLinkedInACircleAtTheTopEachByItself) {
   InventoryBuilder machine;
   const std::string hub = machine.AddHub(machine.AddBus(1, 1), 0, 2, 1);
   machine.AddDevice(hub, 0, 3);
@@ -94,27 +95,29 @@ TEST(SavedTree, LetsThingsThatGoRoundInACircleStandByThemselves) {
                           "\"Bus 01  Device   2 Port 00\"", "\"Bus 01  Device   2 Port 00\""));
 }
 
-TEST(SavedTree, BeginsPlacesAfreshBelowThirtyTwoPorts) {
+TEST(Place, BeginsPlacesAfreshBelowThirtyTwoPorts) {
   InventoryBuilder machine;
   std::string hub = machine.AddBus(1, 1);
   for (int number = 2; number < 40; ++number) hub = machine.AddHub(hub, 0, number, 1);
-  const SavedInventory inventory = machine.Saved();
+  const Inventory inventory = machine.Read();
   std::size_t longest = 0;
-  const cli::SavedTree tree(inventory);
-  for (const cli::SavedNode& node : tree.Nodes()) {
+  const cli::UsbTree tree(inventory);
+  for (const cli::UsbTreeNode& node : tree.Nodes()) {
     longest = std::max(longest, node.place.ports.size());
   }
   EXPECT_EQ(longest, 32U);
   EXPECT_EQ(PlacesOf(machine).back(), "\"Bus 01  Device  33 Port 00\", port 0.0.0.0.0.0");
 }
 
-TEST(SavedTree, HoldsEveryItemOfEveryCaptureOnce) {
+TEST(Place, HoldsEveryItemOfEveryCaptureOnce) {
   for (const std::string& name : CaptureNames()) {
-    const SavedInventory inventory = cli::ReadSavedInventory(Expected(name + ".json"), name);
-    const cli::SavedTree tree(inventory);
+    const Inventory inventory = cli::FromJson(Expected(name + ".json"), name);
+    const cli::UsbTree tree(inventory);
     std::vector<std::size_t> nodes = tree.TopDown();
     std::sort(nodes.begin(), nodes.end());
-    ASSERT_EQ(nodes.size(), inventory.items.size()) << name;
+    ASSERT_EQ(nodes.size(), inventory.Controllers().size() + inventory.Hubs().size() +
+                                inventory.Ports().size() + inventory.Devices().size())
+        << name;
     for (std::size_t index = 0; index < nodes.size(); ++index) EXPECT_EQ(nodes[index], index) << name;
   }
 }

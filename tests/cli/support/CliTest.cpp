@@ -13,6 +13,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "cli/model/FromHost.h"
 #include "schema/ClassSchema.h"
 #include "standin/GivenDeviceList.h"
 #include "standin/PluginModule.h"
@@ -141,6 +142,12 @@ TCIMReference CliTest::AddDevice(const std::string& deviceId, const std::string&
                                  unsigned char speedClass) {
   return CommitEntity("KALDO_USBDevice", deviceId,
                       {{"Description", TCIMValue(description)}, {"Speed", TCIMValue(speedClass)}});
+}
+
+cli::Inventory CliTest::Collected() const {
+  std::vector<std::string> all;
+  for (const schema::ClassSchema& served : schema::ServedClasses()) all.push_back(served.name);
+  return cli::FromHost(host, all);
 }
 
 void CliTest::Collect(const std::string& deviceList) {

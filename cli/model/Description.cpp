@@ -1,0 +1,101 @@
+#include "cli/model/Description.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "cli/model/DeviceText.h"
+#include "cli/model/Identifier.h"
+#include "cli/model/Speed.h"
+
+namespace cli {
+
+namespace {
+
+std::string PlaceOnBus(const UsbTreeNode& node, const std::string& identifier) {
+  if (node.Class() == ClassId::kPort) {
+    return fmt::format("hub {}, port {}", DeviceOf(HubOf(identifier)), PortOf(identifier));
+  }
+  return fmt::format("{} {}", node.Class() == ClassId::kHub ? "hub" : "device", DeviceOf(identifier));
+}
+
+/// "26 ports"; "2 of 26 ports" where the others are left out.
+std::string CountShown(const ItemsOfClass& ofClass, const std::string& noun) {
+  std::string all = Count(ofClass.total, noun);
+  return ofClass.items.size() == ofClass.total ? all : fmt::format("{} of {}", ofClass.items.size(), all);
+}
+
+/// How many of the ports are free, where all of them are shown and their states are known.
+std::string FreePorts(const Inventory& inventory) {
+  const ItemsOfClass& ports = inventory.Of(ClassId::kPort);
+  if (ports.items.size() != ports.total || !inventory.KnowsConnections()) return {};
+  const auto isFree = [&](const Item& port) { return inventory.StateOf(port) == PortState::kFree; };
+  return fmt::format(" ({} free)", std::count_if(ports.items.begin(), ports.items.end(), isFree));
+}
+
+}  // namespace
+
+const char* NameOf(PortState state) {
+  constexpr const char* kNames[] = {"unknown", "free", "in use"};
+  return kNames[static_cast<std::size_t>(state)];
+}
+
+std::string DisplayName(const Inventory& inventory, const UsbTreeNode& node) {
+  if (node.Class() == ClassId::kPort) return NameOf(inventory.StateOf(*node.item));
+  return node.isRootHub ? std::string() : NameOf(*node.item);
+}
+
+std::string PlaceOf(const UsbTreeNode& node, bool isTop) {
+  const std::string& identifier = node.item->String(PropertyId::kDeviceID);
+  if (node.Class() == ClassId::kController) return fmt::format("Bus {}", BusOf(identifier));
+  if (isTop) return fmt::format("Bus {}, {}", BusOf(identifier), PlaceOnBus(node, identifier));
+  switch (node.Class()) {
+    case ClassId::kPort:
+      return fmt::format("Port {}", PortOf(identifier));
+    case ClassId::kHub:
+      return node.isRootHub ? "Root hub" : "Hub";
+    default:
+      return fmt::format("Device {}", DeviceOf(identifier));
+  }
+}
+
+std::string SpeedOf(const UsbTree& tree, const UsbTreeNode& node) {
+  switch (node.Class()) {
+    case ClassId::kDevice:
+      return FormatSpeedClass(node.item->Number(PropertyId::kSpeed));
+    case ClassId::kPort:
+      return FormatSpeed(node.item->Number(PropertyId::kSpeed));
+    case ClassId::kHub:
+      return node.children.empty() ? std::string() : SpeedOf(tree, tree.Nodes()[node.children.front()]);
+    default:
+      return {};
+  }
+}
+
+std::vector<std::string> DetailsOf(const Item& item, const UsbIds* names) {
+  std::vector<std::string> lines;
+  const auto add = [&lines](const char* label, const std::string& text) {
+    if (!text.empty()) lines.push_back(label + text);
+  };
+  add("manufacturer ", SentString(item, PropertyId::kManufacturer));
+  add("serial number ", SentString(item, PropertyId::kSerialNumber));
+  add("known as ", KnownAs(item, names));
+  const std::uint64_t configurations = item.Number(PropertyId::kNumberOfConfigs);
+  lines.push_back("USB " + FormatVersion(item.Number(PropertyId::kUSBVersion)) +
+                  (IsDigit(configurations) ? ", " + Count(configurations, "configuration") : ""));
+  lines.push_back(fmt::format("class {}, subclass {}, protocol {}",
+                              FormatCode(item.Number(PropertyId::kClassCode)),
+                              FormatCode(item.Number(PropertyId::kSubclassCode)),
+                              FormatCode(item.Number(PropertyId::kProtocolCode))));
+  return lines;
+}
+
+std::string Summary(const Inventory& inventory) {
+  return fmt::format("{}: {}, {}, {}{}, {}", inventory.SystemName(),
+                     CountShown(inventory.Of(ClassId::kController), "controller"),
+                     CountShown(inventory.Of(ClassId::kHub), "hub"),
+                     CountShown(inventory.Of(ClassId::kPort), "port"), FreePorts(inventory),
+                     CountShown(inventory.Of(ClassId::kDevice), "device"));
+}
+
+}  // namespace cli

@@ -1,0 +1,42 @@
+// What a hub or device says of itself, in the words and numbers that people know.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "cli/model/Item.h"
+
+namespace cli {
+
+class UsbIds;
+
+/// The string that a device sent for the property; empty where it sent none.
+std::string SentString(const Item& item, PropertyId property);
+/// The same of a value.
+std::string SentString(const std::string& text);
+
+/// The product string; "(no name)" where the device sent none.
+std::string NameOf(const Item& item);
+
+/// "1d6b:0002", the numbers of vendor and product; empty for controllers and ports.
+std::string FormatId(const Item& item);
+
+/// "1.10" for 110; "version unknown" for 0.
+std::string FormatVersion(std::uint64_t version);
+
+/// A code of two hexadecimal digits, of which the property holds the first as its distance from the digit 0:
+/// "0*"; "?" when it is not a digit.
+std::string FormatCode(std::uint64_t code);
+
+/// Whether a number that the list gives as one digit, such as that of the configurations, is known: a
+/// missing one is kept as a number that is not a digit.
+bool IsDigit(std::uint64_t number);
+
+/// "1 port", "2 ports".
+std::string Count(std::uint64_t number, const std::string& noun);
+
+/// The names that a list of vendors and products has for a hub or device: "product (vendor)", or as much of
+/// it as is listed. It is not what the device says of itself. Empty without `names`.
+std::string KnownAs(const Item& item, const UsbIds* names);
+
+}  // namespace cli
