@@ -28,9 +28,6 @@ std::string QuoteForTerminal(std::string_view text);
 /// (surrogates) beyond U+FFFF; bytes that are not UTF-8 as U+FFFD.
 std::string EscapeForMof(std::string_view text);
 
-/// `text` with every unprintable character but controls and bytes that are not UTF-8 replaced by U+FFFD.
-std::string ReplaceDirectionMarks(std::string_view text);
-
 /// The parts of `text` between its commas; none of an empty text.
 std::vector<std::string> SplitAtCommas(const std::string& text);
 

@@ -8,7 +8,6 @@
 #include "tests/cli/support/CliTest.h"
 
 using cli::EscapeForTerminal;
-using cli::ReplaceDirectionMarks;
 using cli::ReplaceInvalidUtf8;
 
 namespace usbinfo_test {
@@ -122,29 +121,6 @@ TEST_F(EscapeForTerminalTest, SpellsAllBeyondAsciiWhereTheLocaleIsNotOneOfUtf8) 
                               "31mz\t\n\\"),
             "a\\xc3\\x9b31mz\t\\n\\\\");
   EXPECT_EQ(EscapeForTerminal("\xF0\x9F\x98\x80\xFF"), "\\xf0\\x9f\\x98\\x80\\xff");
-}
-
-TEST(ReplaceDirectionMarks, ReplacesEveryMark) {
-  for (const char* mark :
-       {"\xD8\x9C", "\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA", "\xE2\x80\xAB", "\xE2\x80\xAC",
-        "\xE2\x80\xAD", "\xE2\x80\xAE", "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"}) {
-    EXPECT_EQ(ReplaceDirectionMarks(std::string("a").append(mark).append("b")), "a" + kFFFD + "b");
-  }
-}
-
-TEST(ReplaceDirectionMarks, LeavesTheirNeighboursAndAllElseAsItIs) {
-  for (const char* text :
-       {"", "abc\x1B", "\xD8\x9B\xD8\x9D", "\xE2\x80\x8A\xE2\x80\x90", "\xE2\x80\xAF", "\xF0\x9F\x98\x80"}) {
-    EXPECT_EQ(ReplaceDirectionMarks(text), text);
-  }
-}
-
-TEST(ReplaceDirectionMarks, FindsAMarkBehindBytesThatAreNoUtf8) {
-  const std::string mark = "\xE2\x80\xAE";
-  for (const char* bytes : {"\xF0", "\xF0\x9F", "\xE2", "\xE2\x80", "\xC2", "\xFF", "\x80"}) {
-    EXPECT_EQ(ReplaceDirectionMarks(bytes + mark).find(mark), std::string::npos)
-        << testing::PrintToString(bytes);
-  }
 }
 
 TEST(SplitAtCommas, GivesTheParts) {
