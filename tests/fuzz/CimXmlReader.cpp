@@ -173,11 +173,7 @@ std::string AsXmlHoldsIt(const std::string& text) {
 }
 
 void CheckCimXml(const std::string& document, const cli::Inventory& inventory) {
-  ForEachCharacter(document, [](std::uint32_t character) {
-    const bool isControl = character < 0x20 || (character >= 0x7F && character < 0xA0);
-    Require(!isControl || character == '\n' || character == '\t',
-            "the XML document holds a control character");
-  });
+  RequireFitForTerminal(document, true);
   const Document parsed = Parse(document);
   CheckValidity(parsed.get());
   Children cim(xmlDocGetRootElement(parsed.get()), "CIM");

@@ -22,7 +22,12 @@ std::string EncodeUtf8(std::uint32_t character) {
   if (character < 0x800) {
     bytes += static_cast<char>(0xC0U | (character >> 6U));
   } else {
-    bytes += static_cast<char>(0xE0U | (character >> 12U));
+    if (character < 0x10000) {
+      bytes += static_cast<char>(0xE0U | (character >> 12U));
+    } else {
+      bytes += static_cast<char>(0xF0U | (character >> 18U));
+      bytes += static_cast<char>(0x80U | ((character >> 12U) & 0x3FU));
+    }
     bytes += static_cast<char>(0x80U | ((character >> 6U) & 0x3FU));
   }
   return bytes + static_cast<char>(0x80U | (character & 0x3FU));
@@ -81,15 +86,26 @@ class Scanner {
   }
 
   std::string Escaped() {
-    constexpr std::size_t kDigits = 4;
-    constexpr int kHexadecimal = 16;
     const char kind = Advance(2).back();
     if (kind == 'n') return "\n";
     if (kind == 't') return "\t";
-    if (kind == 'x')
-      return EncodeUtf8(static_cast<std::uint32_t>(std::stoul(Advance(kDigits), nullptr, kHexadecimal)));
+    if (kind == 'x') return EncodeUtf8(EscapedCharacter());
     Require(kind == '"' || kind == '\\', "an escape of the MOF document");
     return {kind};
+  }
+
+  /// One unit of UTF-16 or a pair of surrogates.
+  std::uint32_t EscapedCharacter() {
+    const std::uint32_t unit = Unit();
+    if (unit < 0xD800 || unit > 0xDBFF) return unit;
+    Require(Takes("\\x"), "the second of a pair of surrogates");
+    return 0x10000 + ((unit - 0xD800) << 10U) + (Unit() - 0xDC00);
+  }
+
+  std::uint32_t Unit() {
+    constexpr std::size_t kDigits = 4;
+    constexpr int kHexadecimal = 16;
+    return static_cast<std::uint32_t>(std::stoul(Advance(kDigits), nullptr, kHexadecimal));
   }
 
   std::string_view fText;

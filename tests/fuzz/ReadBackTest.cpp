@@ -214,6 +214,11 @@ TEST(Utf8Model, ReplacesWhatIsNotShown) {
   const std::string bad = "\xEF\xBF\xBD";
   EXPECT_EQ(AsShown("a\tb\x7F\xC2\x9B\xE2\x80\xAE\xE2\x80\xA9\xEF\xBF\xBF\xFFz\xC3\xA4"),
             "a" + bad + "b" + bad + bad + bad + bad + bad + bad + "z\xC3\xA4");
+  EXPECT_EQ(AsShown("a\xE2\x80\x8D\xF3\xA0\x81\x81z"), "a" + bad + bad + "z");
+  const std::string four = "a\xCC\x81\xE1\xAA\xB0\xCC\x81\xCC\x81";
+  EXPECT_EQ(AsShown(four + "\xCC\x81"), four + bad);
+  const std::string heart = "\xE2\x9D\xA4\xEF\xB8\x8F";
+  EXPECT_EQ(AsShown(heart + "a\xEF\xB8\x8F"), heart + "a" + bad);
 }
 
 TEST(XmlModel, ReplacesWhatXmlCannotHold) {
