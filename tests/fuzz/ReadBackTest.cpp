@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/format/OutputFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/CimXmlReader.h"
 #include "tests/fuzz/PluginTarget.h"
