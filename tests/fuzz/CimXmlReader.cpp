@@ -134,7 +134,8 @@ void CheckProperty(const xmlNode* node, const PropertySchema& property, const cl
     return CheckReference(Children(node, "PROPERTY.REFERENCE").Next(), path);
   }
   CheckAttribute(node, "TYPE", TypeNameOf(property));
-  if (const auto* const texts = std::get_if<std::vector<std::string>>(&value)) return CheckArray(node, *texts);
+  if (const auto* const texts = std::get_if<std::vector<std::string>>(&value))
+    return CheckArray(node, *texts);
   Children content(node, "PROPERTY");
   CheckText(content.Next(), "VALUE", cli::TextOf(value));
   content.RequireEnd();

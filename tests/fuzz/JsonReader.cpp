@@ -23,7 +23,9 @@ void CheckText(const ordered_json& found, const std::string& expected) {
 struct ValueCheck {
   const ordered_json& found;
 
-  void operator()(std::monostate) const { throw BrokenInvariant("the JSON document has a property too many"); }
+  void operator()(std::monostate) const {
+    throw BrokenInvariant("the JSON document has a property too many");
+  }
   void operator()(std::uint64_t number) const {
     Require(found.is_number_unsigned() && found.get<std::uint64_t>() == number,
             "a number of the JSON document");

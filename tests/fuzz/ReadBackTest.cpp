@@ -12,6 +12,7 @@
 #include "tests/fuzz/CimXmlReader.h"
 #include "tests/fuzz/PluginTarget.h"
 #include "tests/fuzz/ReadBack.h"
+#include "tests/fuzz/ReadPath.h"
 #include "tests/fuzz/Utf8.h"
 #include "tests/support/HostTest.h"
 
@@ -146,7 +147,9 @@ TEST_F(ReadBackTest, OfTheTreeRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("tree", "1 controller", "2 controllers"));
   EXPECT_FALSE(TakesWith("tree", "(1 free)", "(2 free)"));
   EXPECT_FALSE(TakesWith("tree", "Port 00", "Port 00\n"));
-  for (const char* mark : {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xE2\x80\xA8", "\xFF"}) {
+  EXPECT_FALSE(TakesWith("tree", "Port 00", std::string(1200, 'x')));
+  for (const char* mark :
+       {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xE2\x80\xA8", "\xE2\x80\x8B", "\xFF"}) {
     EXPECT_FALSE(TakesWith("tree", "Port 00", std::string(mark) + "Port 00")) << testing::PrintToString(mark);
   }
   EXPECT_TRUE(TakesWith("tree", "Port 00", "P\xC3\xB6rt 00"));
@@ -164,7 +167,8 @@ TEST_F(ReadBackTest, OfTheTableRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("table", " free\n", " free\n\n"));
   EXPECT_FALSE(TakesWith("table", "\n\n", "\n"));
   EXPECT_FALSE(Takes("table", Render("table") + "\n"));
-  for (const char* mark : {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xFF"}) {
+  EXPECT_FALSE(TakesWith("table", "Root &", std::string(2000, 'x')));
+  for (const char* mark : {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xE2\x80\x8B", "\xFF"}) {
     EXPECT_FALSE(TakesWith("table", "Root &", std::string("Root ") + mark)) << testing::PrintToString(mark);
   }
   static_cast<void>(std::setlocale(LC_CTYPE, "C"));
@@ -215,6 +219,31 @@ TEST(Utf8Model, ReplacesWhatIsNotShown) {
   const std::string bad = "\xEF\xBF\xBD";
   EXPECT_EQ(AsShown("a\tb\x7F\xC2\x9B\xE2\x80\xAE\xE2\x80\xA9\xEF\xBF\xBF\xFFz\xC3\xA4"),
             "a" + bad + "b" + bad + bad + bad + bad + bad + bad + "z\xC3\xA4");
+  for (const char* invisible :
+       {"\xC2\xAD", "\xE2\x80\x8B", "\xE2\x81\xA5", "\xE3\x85\xA4", "\xF3\xA0\x80\xA0"}) {
+    EXPECT_EQ(AsShown(std::string("a") + invisible), "a" + bad) << testing::PrintToString(invisible);
+  }
+}
+
+TEST(Utf8Model, ReplacesWhatTheCharactersBeforeItMakeBad) {
+  const std::string bad = "\xEF\xBF\xBD";
+  const std::string mark = "\xCC\x81";
+  const std::string selector = "\xEF\xB8\x8F";
+  const std::string heart = "\xE2\x9D\xA4";
+  EXPECT_EQ(AsShown("a" + mark + mark + mark + mark + mark + mark + "b" + mark),
+            "a" + mark + mark + mark + mark + bad + bad + "b" + mark);
+  EXPECT_EQ(AsShown(heart + selector + selector + "a" + selector + "\xFF" + selector),
+            heart + selector + bad + "a" + bad + bad + bad);
+}
+
+TEST(PathModel, TakesPathsApart) {
+  const ReadPath path = ParsePath("Class.A=\"a.=,\\\"\\\\\",B=\"\"");
+  EXPECT_EQ(path.className, "Class");
+  EXPECT_THAT(path.keys, testing::ElementsAre(testing::Pair("A", "a.=,\"\\"), testing::Pair("B", "")));
+  for (const char* const broken : {"Class", "Class.A", "Class.A=a", "Class.A=\"a", "Class.A=\"a\\",
+                                   "Class.A=\"a\"x", "Class.A=\"a\".B=\"b\""}) {
+    EXPECT_THROW(ParsePath(broken), BrokenInvariant) << broken;
+  }
 }
 
 TEST(XmlModel, ReplacesWhatXmlCannotHold) {

@@ -54,7 +54,8 @@ std::string WithSingleBlanks(const std::string& line) {
 
 std::string IdOf(const cli::Item& item) {
   char id[16];
-  static_cast<void>(std::snprintf(id, sizeof id, "%04x:%04x", static_cast<unsigned>(item.Number(PropertyId::kVendorID)),
+  static_cast<void>(std::snprintf(id, sizeof id, "%04x:%04x",
+                                  static_cast<unsigned>(item.Number(PropertyId::kVendorID)),
                                   static_cast<unsigned>(item.Number(PropertyId::kUSBDeviceID))));
   return id;
 }
@@ -84,9 +85,10 @@ void CheckRow(const std::string& row, const cli::Item& item) {
 
 void CheckSection(LineReader& lines, const cli::ItemsOfClass& ofClass) {
   const std::size_t count = ofClass.items.size();
-  RequireEqual(lines.Next(),
-               ofClass.schema->name + ": " + std::to_string(count) + (count == 1 ? " instance" : " instances"),
-               "a section's heading");
+  RequireEqual(
+      lines.Next(),
+      ofClass.schema->name + ": " + std::to_string(count) + (count == 1 ? " instance" : " instances"),
+      "a section's heading");
   RequireEqual(WithSingleBlanks(lines.Next()), TitlesOf(ofClass.schema->id), "a section's titles");
   for (const cli::Item& item : ofClass.items) CheckRow(lines.Next(), item);
 }
@@ -94,7 +96,8 @@ void CheckSection(LineReader& lines, const cli::ItemsOfClass& ofClass) {
 }  // namespace
 
 void CheckTable(const std::string& document, const cli::Inventory& inventory) {
-  RequireFitForCharacterSet(document);
+  constexpr std::size_t kMostColumns = 7;
+  RequireFitForTable(document, kMostColumns);
   LineReader lines(document);
   bool isFirst = true;
   for (const cli::ItemsOfClass& ofClass : inventory.Classes()) {

@@ -23,11 +23,9 @@ std::string ExpectedHeading(const cli::Inventory& inventory) {
   const auto freePorts = std::count_if(ports.begin(), ports.end(), [](const cli::Item& port) {
     return port.Text(PropertyId::kStatusDescriptions) == "{No device connected}";
   });
-  return inventory.SystemName() + ": " +
-         Counted(inventory.Controllers().size(), "controller") + ", " +
-         Counted(inventory.Hubs().size(), "hub") + ", " + Counted(ports.size(), "port") +
-         " (" + std::to_string(freePorts) + " free), " +
-         Counted(inventory.Devices().size(), "device");
+  return inventory.SystemName() + ": " + Counted(inventory.Controllers().size(), "controller") + ", " +
+         Counted(inventory.Hubs().size(), "hub") + ", " + Counted(ports.size(), "port") + " (" +
+         std::to_string(freePorts) + " free), " + Counted(inventory.Devices().size(), "device");
 }
 
 /// Ports with exactly one thing plugged in show it in their own row. A hub that a controller has as its root
@@ -43,7 +41,8 @@ std::size_t SharedRows(const cli::Inventory& inventory) {
   }
   std::map<std::string, std::size_t> plugged;
   for (const cli::Item& link : inventory.Connections()) {
-    if (rootPaths.count(link.String(PropertyId::kDependent)) == 0) ++plugged[link.String(PropertyId::kAntecedent)];
+    if (rootPaths.count(link.String(PropertyId::kDependent)) == 0)
+      ++plugged[link.String(PropertyId::kAntecedent)];
   }
   return static_cast<std::size_t>(
       std::count_if(plugged.begin(), plugged.end(), [](const auto& port) { return port.second == 1; }));
@@ -58,7 +57,8 @@ std::size_t ExpectedRows(const cli::Inventory& inventory) {
 
 void CheckTree(const std::string& document, const cli::Inventory& inventory) {
   constexpr std::size_t kLinesAhead = 3;
-  RequireFitForCharacterSet(document);
+  constexpr std::size_t kColumns = 4;
+  RequireFitForTable(document, kColumns);
   Require(!document.empty() && document.back() == '\n', "the tree ends with a newline");
   RequireEqual(document.substr(0, document.find('\n')), ExpectedHeading(inventory), "the tree's heading");
   const auto lines = static_cast<std::size_t>(std::count(document.begin(), document.end(), '\n'));

@@ -1,8 +1,13 @@
 #include "tests/fuzz/Utf8.h"
 
+#include <locale.h>
+
 #include <algorithm>
 #include <cstdlib>
+#include <cwchar>
+#include <sstream>
 
+#include "cli/text/CombiningMarks.h"
 #include "tests/fuzz/BrokenInvariant.h"
 
 namespace usbinfo_test {
@@ -47,14 +52,72 @@ Piece PieceAt(const std::string& text, std::size_t at) {
   return {row->length, true, character};
 }
 
-bool TurnsDirection(std::uint32_t character) {
-  return character == 0x061C || character == 0x200E || character == 0x200F ||
-         (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
-}
-
+/// Controls, line ends and noncharacters.
 bool IsControl(std::uint32_t character) {
   return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x2028 ||
-         character == 0x2029;
+         character == 0x2029 || (character & 0xFFFEU) == 0xFFFE ||
+         (character >= 0xFDD0 && character <= 0xFDEF);
+}
+
+bool IsMark(std::uint32_t character) {
+  return std::any_of(std::begin(cli::kCombiningMarks), std::end(cli::kCombiningMarks),
+                     [=](const auto& range) { return range.first <= character && character <= range.last; });
+}
+
+/// As the C library has it for UTF-8, whatever the locale is; negative for what it does not know.
+int WidthOf(std::uint32_t character) {
+  static const locale_t utf8 = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  Require(utf8 != nullptr, "the machine has the locale");
+  const locale_t before = ::uselocale(utf8);
+  const int width = ::wcwidth(static_cast<wchar_t>(character));
+  static_cast<void>(::uselocale(before));
+  return width;
+}
+
+/// Takes no room by itself, or is a blank that passes for a letter, or is reserved for such.
+bool IsInvisible(std::uint32_t character) {
+  constexpr std::uint32_t kFillers[] = {0xAD, 0x115F, 0x3164, 0xFFA0};
+  const bool isFiller = std::find(std::begin(kFillers), std::end(kFillers), character) != std::end(kFillers);
+  const bool isReserved = character == 0x2065 || (character >= 0xFFF0 && character <= 0xFFF8) ||
+                          (character >= 0xE0000 && character <= 0xE0FFF);
+  return isFiller || isReserved || (WidthOf(character) == 0 && !IsMark(character));
+}
+
+bool SelectsVariation(std::uint32_t character) {
+  return (character >= 0xFE00 && character <= 0xFE0F) || (character >= 0xE0100 && character <= 0xE01EF);
+}
+
+/// Goes through a text: what is bad depends on what stands before it.
+class BadCharacters {
+ public:
+  bool IsBad(std::uint32_t character) {
+    if (character < 0x80) {
+      fMarks = 0;
+      fTakesSelector = false;
+      return IsControl(character);
+    }
+    fMarks = IsMark(character) ? fMarks + 1 : 0;
+    const bool isSelector = SelectsVariation(character);
+    const bool isBad =
+        IsControl(character) || fMarks > 4 || (isSelector ? !fTakesSelector : IsInvisible(character));
+    fTakesSelector = !isBad && !isSelector && fMarks == 0 && character >= 0x2000;
+    return isBad;
+  }
+  void PassBroken() { *this = BadCharacters(); }
+
+ private:
+  std::size_t fMarks = 0;
+  bool fTakesSelector = false;
+};
+
+/// By the locale's character set; throws BrokenInvariant when something in it cannot be printed.
+std::size_t ColumnsOf(const std::string& line) {
+  std::wstring wide(line.size(), L'\0');
+  const std::size_t length = std::mbstowcs(wide.data(), line.c_str(), wide.size());
+  Require(length != static_cast<std::size_t>(-1), "the text is of the locale's character set");
+  const int columns = ::wcswidth(wide.data(), length);
+  Require(columns >= 0, "the locale can print the text");
+  return static_cast<std::size_t>(columns);
 }
 
 }  // namespace
@@ -74,13 +137,13 @@ std::string ReplaceBrokenUtf8(const std::string& text) {
 }
 
 std::string AsShown(const std::string& text) {
-  const std::string decoded = ReplaceBrokenUtf8(text);
+  BadCharacters characters;
   std::string shown;
-  for (std::size_t at = 0; at < decoded.size();) {
-    const Piece piece = PieceAt(decoded, at);
-    const std::uint32_t character = piece.character;
-    const bool isBad = IsControl(character) || TurnsDirection(character) || (character | 1U) == 0xFFFF;
-    shown += isBad ? "\xEF\xBF\xBD" : decoded.substr(at, piece.length);
+  for (std::size_t at = 0; at < text.size();) {
+    const Piece piece = PieceAt(text, at);
+    if (!piece.isWhole) characters.PassBroken();
+    const bool isBad = !piece.isWhole || characters.IsBad(piece.character);
+    shown += isBad ? "\xEF\xBF\xBD" : text.substr(at, piece.length);
     at += piece.length;
   }
   return shown;
@@ -96,17 +159,21 @@ void ForEachCharacter(const std::string& text, const std::function<void(std::uin
 }
 
 void RequireFitForTerminal(const std::string& text, bool tabs) {
-  ForEachCharacter(text, [tabs](std::uint32_t character) {
+  BadCharacters characters;
+  ForEachCharacter(text, [&](std::uint32_t character) {
+    const bool isBad = characters.IsBad(character);
     if (character == '\n' || (tabs && character == '\t')) return;
-    Require(!IsControl(character), "the text holds a control character");
-    Require(!TurnsDirection(character), "the text holds a mark that turns the reading direction");
+    Require(!isBad, "the text holds a character that acts or is not seen");
   });
 }
 
-void RequireFitForCharacterSet(const std::string& text) {
-  const bool isAscii = std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
-  Require(isAscii || MB_CUR_MAX > 1, "the text is ASCII where the character set is");
+void RequireFitForTable(const std::string& text, std::size_t columns) {
+  constexpr std::size_t kWidest = 256;
   RequireFitForTerminal(text, false);
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    Require(ColumnsOf(line) <= columns * (kWidest + 1), "no cell is wider than cells may be");
+  }
 }
 
 }  // namespace usbinfo_test
