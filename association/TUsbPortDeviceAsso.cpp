@@ -1,4 +1,3 @@
-// The connection association provider; see the header.
 #include "association/TUsbPortDeviceAsso.h"
 
 #include "host/TQSVException.h"

@@ -1,5 +1,3 @@
-// The plug-in object and its creation at load. This file is compiled so that null checks on `this` survive
-// optimisation: the host may call through a null pointer, and the plug-in registers with a null manager.
 #include "plugin/TUSBInfoCallbacks.h"
 
 #include <boost/pointer_cast.hpp>
@@ -93,6 +91,8 @@ std::string TUSBInfoCallbacks::GetInterfaceVersion() {
 }
 
 void TUSBInfoCallbacks::PrepareForUnload() {
+  // The host may call through a null pointer, and this file is compiled so that the check survives
+  // optimisation.
   if (reinterpret_cast<std::uintptr_t>(this) == 0) return;
   delete this;
 }

@@ -1,4 +1,3 @@
-// Text in, records out; see the header.
 #include "usbfs/DeviceListCutter.h"
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-// Acquisition; see the header.
 #include "usbfs/DeviceListSource.h"
 
 #include <cstdlib>

@@ -1,4 +1,3 @@
-// Names by number; see the header.
 #include "cli/model/UsbIds.h"
 
 #include <fcntl.h>

@@ -1,4 +1,3 @@
-// Reading `nm` and `readelf`; see the header.
 #include "tests/module/BinaryTools.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,3 @@
-// What the command's tests share; see the header.
 #include "tests/cli/support/CliTest.h"
 
 #include <unistd.h>

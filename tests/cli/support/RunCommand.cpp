@@ -1,5 +1,3 @@
-// Spawning the command; see the header. What it writes goes to files in memory, so it never waits for a
-// reader; only a terminal has to be read while the command runs.
 #include "tests/cli/support/RunCommand.h"
 
 #include <fcntl.h>
@@ -38,6 +36,7 @@ Pipe NewPipe() {
   return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
 }
 
+/// Holds what the command writes: unlike a pipe, a file never makes it wait for a reader.
 FileDescriptor NewMemoryFile() {
   return FileDescriptor(::memfd_create("captured", MFD_CLOEXEC));
 }

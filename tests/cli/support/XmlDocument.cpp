@@ -1,4 +1,3 @@
-// Reading XML back; see the header.
 #include "tests/cli/support/XmlDocument.h"
 
 #include <gtest/gtest.h>
