@@ -22,7 +22,7 @@ int gStarted = 0;
 
 namespace {
 
-/// Runs ahead of every other initializer of the module, whatever the order of its files: the vocabulary's
+/// Runs before every other initializer of the module, whatever the order of its files: the vocabulary's
 /// constants carry the default priority and are not built yet, so nothing here may touch them.
 __attribute__((constructor(101))) void CreatePluginObject() {
   // The host owns it from here on and ends it through PrepareForUnload.
@@ -37,7 +37,7 @@ std::unique_ptr<TUsb> MakeProvider(const ClassPointer& cls, TPluginManagerProvid
   return std::make_unique<Provider>(cls, handle);
 }
 
-/// The maker of the provider that serves `className`; null for a class that is not served.
+/// The function that makes the provider for `className`; null for a class that is not served.
 ProviderMaker FindProviderMaker(const std::string& className) {
   struct ServedClass {
     const std::string& name;

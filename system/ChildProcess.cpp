@@ -27,7 +27,7 @@ void Check(int error) {
   if (error != 0) ThrowSystemError(error);
 }
 
-/// What the child does with its descriptors: nothing to read, output to `output`, errors dropped.
+/// The child's descriptors: empty input, output to `output`, errors dropped.
 class SpawnActions {
  public:
   SpawnActions() { Check(posix_spawn_file_actions_init(&fActions)); }
@@ -47,7 +47,7 @@ class SpawnActions {
   posix_spawn_file_actions_t fActions;
 };
 
-/// What the child is: the leader of a group of its own, with the default signals.
+/// The child's attributes: leader of its own process group, default signal handling.
 class SpawnAttributes {
  public:
   SpawnAttributes() { Check(posix_spawnattr_init(&fAttributes)); }
@@ -139,7 +139,7 @@ void ChildProcess::AwaitEnd(Clock::time_point deadline) {
   } else if (errno != ESRCH) {
     ThrowSystemError(errno);
   }
-  // Where this process ignores the end of its children, there is none to wait for any more.
+  // Where this process ignores SIGCHLD, the system has reaped the child already.
   siginfo_t end;
   fGone = ::waitid(P_PID, static_cast<id_t>(fPid), &end, WEXITED | WNOHANG | WNOWAIT) != 0;
   if (fGone) fGuard.Forget();

@@ -1,5 +1,5 @@
-// An operating system in front of another one, which it owns: it hands every question on and every answer
-// back. What changes some of them derives from it and overrides only those.
+// An operating system that forwards every call to another one, which it owns. Classes that change some of the
+// calls derive from it and override only those.
 #pragma once
 
 #include <memory>

@@ -10,14 +10,14 @@ namespace cli {
 
 namespace {
 
-/// As the plug-in compares letters, whatever the locale.
+/// Compares letters as the plug-in does, whatever the locale.
 std::string ToLower(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
   return text;
 }
 
-/// The serial number on a line, with where it begins; empty where there is none.
+/// The serial number on a line and its position; empty where there is none.
 struct SerialField {
   std::size_t begin = 0;
   std::string_view value;

@@ -1,5 +1,5 @@
-// Says what is being waited for when a command of the machine takes long, so that a silent terminal does not
-// pass for a hung program. A thread of its own counts the time; it is gone when the command is done.
+// Prints what is being waited for when a command of the machine takes long, so that a silent terminal does
+// not look like a hung program. A separate thread measures the time; it ends with the command.
 #pragma once
 
 #include <chrono>
@@ -15,8 +15,8 @@ class WaitingNotice : public ForwardingSystem {
  public:
   using Tell = std::function<void(const std::string& line)>;
 
-  /// Calls `tell` with one line, from another thread, when a command is not done after `patience`; once only,
-  /// however many commands there are. What `tell` throws is dropped.
+  /// Calls `notify` with one line, from another thread, when a command is not done after `patience`; once
+  /// only, however many commands there are. Exceptions of `notify` are dropped.
   WaitingNotice(std::unique_ptr<standin::OperatingSystem> behind, std::chrono::milliseconds patience,
                 Tell tell);
 

@@ -14,7 +14,7 @@ namespace cli {
 
 namespace {
 
-/// A text that is not ours, recognisable as a whole wherever it stands.
+/// A text from outside, quoted so that its end is recognisable.
 std::string Quote(std::string_view text) {
   std::string quoted = "\"";
   for (const char c : EscapeForTerminal(std::string(text))) {
@@ -42,7 +42,7 @@ std::string NounOf(ClassId classId) {
   }
 }
 
-/// The model: vendor and product number, and the product string, as far as the item has them.
+/// The model: vendor and product number and the product string, those of them that the item has.
 std::string DescribeModel(const Item& item) {
   const std::string id = FormatId(item);
   const std::string product = SentString(item, PropertyId::kDescription);
@@ -65,7 +65,7 @@ std::string DescribeItem(const PlacedItem& placed) {
          DescribeSerial(*placed.item) + ports;
 }
 
-/// Where what is there now is another model, the old one stands before it.
+/// The model, after the old one if that was different.
 std::string DescribeChanged(const ItemChange& change) {
   const std::string before = DescribeModel(*change.before.item);
   const std::string after = DescribeModel(*change.after.item);
@@ -73,7 +73,7 @@ std::string DescribeChanged(const ItemChange& change) {
   return NounOf(change.after.item->Class()) + WithBlank(models) + DescribeSerial(*change.after.item);
 }
 
-/// A value of the property, as a person reads it.
+/// A value of the property, as text for people.
 struct ValueDescription {
   PropertyId property;
 
@@ -94,7 +94,7 @@ struct ValueDescription {
   std::string operator()(const Reference& reference) const { return Quote(reference.path); }
 };
 
-/// In words, where these differ; empty otherwise.
+/// Both speeds as classes, where these differ; empty otherwise.
 std::string DescribeSpeeds(ClassId classId, const PropertyChange& change) {
   const auto inWords = [classId](const Value& value) {
     const auto* const number = std::get_if<std::uint64_t>(&value);
@@ -117,8 +117,8 @@ std::string DescribeProperty(ClassId classId, const PropertyChange& change) {
                      std::visit(describe, change.before), std::visit(describe, change.after));
 }
 
-/// What is reported of one item, and where in the text it belongs: of one class at one place, what went
-/// stands before what came.
+/// What is reported of one item, and its order in the text: of one class at one place, removed items come
+/// before added ones.
 struct Entry {
   const Place* place;
   ClassId classId;

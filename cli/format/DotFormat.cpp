@@ -11,8 +11,8 @@ namespace cli {
 
 namespace {
 
-/// One line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; a device's
-/// string holds neither.
+/// One line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; neither
+/// may come from a device's string.
 std::string LabelLine(const std::string& text) {
   std::string line;
   for (const char c : ReplaceUnprintable(text)) {
@@ -48,7 +48,7 @@ class Graph {
   std::string Text() const {
     if (fTree.Nodes().empty()) return "digraph usb {\n}\n";
     std::string text = Head();
-    // Graphviz draws what hangs together bottom up.
+    // Graphviz draws connected nodes from the bottom up.
     for (auto top = fTree.Top().rbegin(); top != fTree.Top().rend(); ++top) text += Node(*top);
     for (std::size_t index = 0; index < fTree.Nodes().size(); ++index) {
       if (!fIsTop[index]) text += Node(index);
@@ -101,7 +101,7 @@ class Graph {
 
   bool IsFree(const UsbTreeNode& port) const { return fInventory.StateOf(*port.item) == PortState::kFree; }
 
-  /// A device's identifier and its speed, as far as it is known.
+  /// A device's identifier, and its speed if it is known.
   std::string Facts(const UsbTreeNode& node) const {
     const std::string speed = SpeedOf(fTree, node);
     return speed.empty() ? FormatId(*node.item) : FormatId(*node.item) + ", " + speed;

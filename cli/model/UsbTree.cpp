@@ -102,7 +102,7 @@ void UsbTree::Descend(std::size_t top) {
   }
 }
 
-/// What the descent did not reach is linked in a circle, or below one.
+/// Nodes that were not reached from the top are linked in a circle, or are below one.
 void UsbTree::TakeApartCircles() {
   std::vector<bool> isReached(fNodes.size(), false);
   for (const std::size_t index : fTopDown) isReached[index] = true;

@@ -26,11 +26,11 @@ std::string Listed(const std::vector<std::string>& descriptions) {
   return fmt::format("{}", fmt::join(descriptions, ", "));
 }
 
-/// One command or subcommand, declared to CLI11. That splits the arguments into options, values and operands
-/// and leaves what it does not know; everything else is checked here, so that the messages are ours.
+/// One command or subcommand, declared to CLI11, which splits the arguments into options, values and operands
+/// and passes on unknown ones. Everything else is checked here, so that all messages have our form.
 class DeclaredCommand {
  public:
-  /// Declares the options and operands of `command` on `app`; both are the caller's.
+  /// Declares the options and operands of `command` on `app`; the caller owns both.
   DeclaredCommand(const CommandSpec& command, CLI::App& app) : fApp(&app) {
     app.set_help_flag();
     app.allow_extras();
@@ -163,7 +163,7 @@ class CommandParser {
     try {
       fApp.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ArgumentMismatch&) {
-      // Nothing is left for the last one, whose value the next argument would be.
+      // The last option has no argument left for its value.
       Choose();
       throw UsageError(DescribeMissingValue(arguments.back()));
     } catch (const CLI::ParseError& error) {
@@ -205,7 +205,8 @@ class CommandParser {
     if (fChosen->check) fChosen->check();
   }
 
-  /// CLI11 would take the next argument for the value that is empty, and a value where none is taken.
+  /// CLI11 would read the next argument as the value when that is empty, and accept a value for an option
+  /// without one.
   void CheckEqualsSigns(const std::vector<std::string>& arguments) const {
     for (const std::string& argument : arguments) {
       if (argument == "--") return;
@@ -272,7 +273,7 @@ class CommandParser {
 
   const CommandSpec& fCommand;
   CLI::App fApp;
-  /// The default subcommand's options, which are taken on either side of its name.
+  /// The default subcommand's options, which may stand on either side of its name.
   DeclaredCommand fDeclared;
   /// The other subcommands.
   std::vector<std::pair<const CommandSpec*, DeclaredCommand>> fSubcommands;

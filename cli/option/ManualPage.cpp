@@ -52,7 +52,7 @@ std::string ChoiceList(const Option& option) {
   return text + ".El\n";
 }
 
-/// What stands in parentheses behind a choice; empty for nothing.
+/// The text in parentheses after a choice; empty for none.
 std::string RemarkOn(const Choice& choice, const Option& option) {
   if (choice.name != option.defaultValue) return choice.description;
   return choice.description.empty() ? "the default" : choice.description + ", the default";
