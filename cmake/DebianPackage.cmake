@@ -47,13 +47,13 @@ package holds what a host's developer needs: the headers that a host is
 written against, those of the small host that comes along, its library,
 files for CMake and pkg-config, and an example.")
 
-# What every package has to tell of itself, under share/doc. The folders' names are the packages'.
+# The documents that every package must have under share/doc, in a folder with the package's name.
 set(PACKAGE_FILES "${PROJECT_BINARY_DIR}/debian")
 string(TIMESTAMP PACKAGE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(cmake/debian/changelog "${PACKAGE_FILES}/changelog" @ONLY)
 compress("${PACKAGE_FILES}/changelog" "${PACKAGE_FILES}/changelog.Debian.gz")
 compress("${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PACKAGE_FILES}/changelog.gz")
-# The command holds code of libraries that consist of headers, whose terms have to come along.
+# The command contains code of header-only libraries, whose licence terms have to be included.
 file(READ cmake/debian/copyright COPYRIGHT)
 foreach(library libcli11-dev nlohmann-json3-dev)
   set(terms "/usr/share/doc/${library}/copyright")

@@ -12,7 +12,8 @@ namespace cli {
 
 /// Where an inventory comes from.
 struct Source {
-  /// A device list or a saved JSON inventory to use instead of the machine's, "-" for standard input; empty for the machine's.
+  /// A device list or saved JSON inventory to use instead of the machine's, "-" for standard input; empty for
+  /// the machine's.
   std::string devices;
   /// The system name in the keys; empty for the one from the list's path (see SystemNameOfList) or, without a
   /// list, for the machine's host name.

@@ -16,11 +16,11 @@ std::string ReplaceBrokenUtf8(const std::string& text);
 /// turns the reading direction, and what XML has no character for.
 std::string AsShown(const std::string& text);
 
-/// Calls `take` with each character of `text`; throws BrokenInvariant when it is no UTF-8.
+/// Calls `take` with each character of `text`; throws BrokenInvariant when it is not UTF-8.
 void ForEachCharacter(const std::string& text, const std::function<void(std::uint32_t character)>& take);
 
-/// Throws BrokenInvariant when `text` is no UTF-8 or holds something that a terminal acts on or that turns
-/// the reading direction; newlines may stand in it, and tabs if `tabs` says so.
+/// Throws BrokenInvariant when `text` is not UTF-8 or holds something that a terminal acts on or that changes
+/// the reading direction; newlines are allowed, and tabs if `tabs` says so.
 void RequireFitForTerminal(const std::string& text, bool tabs);
 
 /// The same, and ASCII throughout where the locale's character set is: U+FFFD is spelled there, too.

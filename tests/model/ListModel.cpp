@@ -7,7 +7,8 @@ namespace usbinfo_test {
 
 namespace {
 
-/// Where a field stands: the type of its line, the key before it and what ends it; empty: the line's end.
+/// The position of a field: the type of its line, the key before it and the text that ends it; empty: the
+/// line's end.
 struct FieldPlace {
   Field field;
   char line;

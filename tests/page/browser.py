@@ -62,7 +62,7 @@ class Browser:
         return self.driver.execute_script(text, *arguments)
 
     def accessible(self):
-        """What assistive software is told: (role, name, properties) of every node that is not ignored."""
+        """What assistive software gets: (role, name, properties) of every node that is not ignored."""
         self.protocol("Accessibility.enable")
         nodes = self.protocol("Accessibility.getFullAXTree")["nodes"]
         self.protocol("Accessibility.disable")

@@ -25,7 +25,7 @@ def changes(before, after):
 
 
 def differences(expected, actual):
-    """Lines that tell how the document differs from what was expected; none when it is the same."""
+    """Lines that show how the document differs from what was expected; none when it is the same."""
     if expected == actual:
         return []
     found = changes(expected, actual)

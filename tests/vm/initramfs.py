@@ -64,7 +64,7 @@ def _add_programs(root, build):
 
 
 def _add_modules(root, kernel):
-    """Copy the modules of each list and write the list, everything ahead of what needs it, nothing twice."""
+    """Copy the modules of each list and write the list, everything before what needs it, nothing twice."""
     release, = (kernel / "lib/modules").iterdir()
     loaded = set()
     for name, modules in MODULE_LISTS.items():

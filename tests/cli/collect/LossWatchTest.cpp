@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/format/RenderOptions.h"
 #include "cli/collect/Collection.h"
 #include "cli/collect/LossWatch.h"
 #include "cli/format/OutputFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "host/TQSVException.h"
 #include "standin/HostSeam.h"
 #include "standin/StatusCode.h"
@@ -69,7 +69,7 @@ TEST(LossWatchTest, TakesNoOtherLineForALoss) {
       "",
   };
   EXPECT_EQ(Complaint(ILogger::kStatus, harmless), "");
-  // What a device says of itself is logged for debugging, and may be anything.
+  // Strings of devices are logged at the debug level and may be anything.
   EXPECT_EQ(Complaint(ILogger::kDebug, kLosses), "");
 }
 
@@ -139,8 +139,7 @@ TEST_F(PartialInventoryTest, IsAnErrorWheneverTheHostFailsAnInstanceOrALink) {
   std::size_t errors = 0;
   for (std::size_t number = 0; number < all; ++number) {
     const std::string outcome = CollectFailing(number, [](HostOperation operation) {
-      // The keys' values are made without a word about a failure, and reading the list is no matter of the
-      // log.
+      // A failure to make the keys' values is not logged, and reading the list is not checked by the log.
       static const std::set<HostOperation> kOfInstances = {
           HostOperation::kGetClass,    HostOperation::kCreateInstance,   HostOperation::kEnumerateInstances,
           HostOperation::kCommit,      HostOperation::kGetObjectPath,    HostOperation::kGetProperty,

@@ -1,4 +1,4 @@
-// The name of the system that a list is of, from where the list comes from.
+// The name of the system that a list describes, from the list's path.
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>

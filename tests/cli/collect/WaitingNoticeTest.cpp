@@ -1,5 +1,5 @@
-// The notice while a command of the machine takes long. Nothing here waits for a time: the commands wait for
-// what the notice does, and it for them.
+// The notice while a command of the machine takes long. No test waits for a period of time: commands wait for
+// the notice, and the notice for commands.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -38,7 +38,7 @@ std::size_t ThreadCount() {
   return static_cast<std::size_t>(std::distance(fs::begin(tasks), fs::end(tasks)));
 }
 
-/// A machine whose commands are what the test makes of them, behind a notice that the test sees.
+/// A machine whose commands the test defines, with a notice that the test records.
 class WaitingNoticeTest : public testing::Test {
  protected:
   WaitingNotice NoticeAfter(std::chrono::milliseconds patience) {
@@ -63,7 +63,7 @@ class WaitingNoticeTest : public testing::Test {
   std::function<void(const std::string&)> fOnCall = [](const std::string&) {};
 };
 
-TEST_F(WaitingNoticeTest, IsGivenWhileTheCommandRunsAndItsOutputStays) {
+TEST_F(WaitingNoticeTest, IsPrintedWhileTheCommandRunsAndItsOutputIsKept) {
   WaitingNotice system = NoticeAfter(kAtOnce);
   OnCall([this](const std::string&) { AwaitNotice(); });
   EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
@@ -71,7 +71,7 @@ TEST_F(WaitingNoticeTest, IsGivenWhileTheCommandRunsAndItsOutputStays) {
   EXPECT_THAT(Calls(), ElementsAre("spawn usb-devices 300"));
 }
 
-TEST_F(WaitingNoticeTest, IsGivenOnceForAllCommands) {
+TEST_F(WaitingNoticeTest, IsPrintedOnceForAllCommands) {
   WaitingNotice system = NoticeAfter(kAtOnce);
   OnCall([this](const std::string&) { AwaitNotice(); });
   system.SpawnProcess("usb-devices", 300);
@@ -80,7 +80,7 @@ TEST_F(WaitingNoticeTest, IsGivenOnceForAllCommands) {
   EXPECT_EQ(Told().size(), 1U);
 }
 
-TEST_F(WaitingNoticeTest, IsNotGivenForACommandThatIsDoneBefore) {
+TEST_F(WaitingNoticeTest, IsNotPrintedForACommandThatEndsInTime) {
   WaitingNotice system = NoticeAfter(kNever);
   EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
   EXPECT_THAT(Told(), IsEmpty());
@@ -132,7 +132,7 @@ TEST_F(WaitingNoticeTest, IsNotForFiles) {
   EXPECT_THAT(Told(), IsEmpty());
 }
 
-/// The whole command on a machine whose only list is what a usb-devices of the test's own prints.
+/// The whole command on a machine whose only list is printed by a usb-devices script of the test.
 class WaitingCommandTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -141,7 +141,7 @@ class WaitingCommandTest : public testing::Test {
     }
   }
 
-  /// Makes a usb-devices that writes down how many threads its caller has, does `wait`, and prints a list.
+  /// Makes a usb-devices script that records how many threads its caller has, runs `wait`, and prints a list.
   Command WithListCommand(const std::string& wait) {
     fFolder.Script("usb-devices",
                    "caller=$PPID\n"
@@ -181,7 +181,7 @@ TEST_F(WaitingCommandTest, SaysOnATerminalWhatItWaitsFor) {
   EXPECT_EQ(Threads(), "2\n");
 }
 
-TEST_F(WaitingCommandTest, NeverCountsTheTimeWhereStandardErrorIsNoTerminal) {
+TEST_F(WaitingCommandTest, StartsNoTimerWhereStandardErrorIsNotATerminal) {
   const CommandResult result = WithListCommand("").Run();
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.errors, "");

@@ -1,5 +1,5 @@
-// -v: what the tree tells below each hub and device, which digits it makes of the stored numbers, and that
-// nothing of it breaks the tree.
+// -v: what the tree shows below each hub and device, how it prints the stored numbers, and that the lines of
+// the tree stay intact.
 #include <gmock/gmock.h>
 
 #include <string>
@@ -45,7 +45,7 @@ class VerboseTreeTest : public CliTest {
   }
 };
 
-TEST_F(VerboseTreeTest, TellsStringsVersionAndClassBelowADevice) {
+TEST_F(VerboseTreeTest, ShowsStringsVersionAndClassBelowADevice) {
   AddDeviceWith({{"Manufacturer", TCIMValue("Maker")},
                  {"SerialNumber", TCIMValue("S1")},
                  {"USBVersion", Word(110)},
@@ -81,7 +81,7 @@ TEST_F(VerboseTreeTest, SaysSoWhereTheListHasNoNumbers) {
                                   "                 class ?, subclass ?, protocol ?"));
 }
 
-TEST_F(VerboseTreeTest, TellsWhatOthersCallTheDeviceOnALineOfItsOwn) {
+TEST_F(VerboseTreeTest, ShowsTheListedNameOfTheDeviceOnASeparateLine) {
   const cli::UsbIds names("0000  Vendor\n");
   options.names = &names;
   AddDeviceWith({{"SerialNumber", TCIMValue("S1")}});

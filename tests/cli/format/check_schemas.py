@@ -29,14 +29,14 @@ TESTS = pathlib.Path(__file__).resolve().parents[2]
 DOCS = TESTS.parent / "docs"
 CAPTURES = sorted((TESTS / "data/captures").glob("*.txt"))
 EXPECTED = sorted((TESTS / "data/expected").glob("*.json"))
-# Two lists between which things are added, removed and changed.
+# Two lists between which items are added, removed and changed.
 OLD = TESTS / "data/captures/vm-desktop-debugfs.txt"
 NEW = TESTS / "data/captures/usbdevices-rpi-nested-mtt-nostrings.txt"
-# And one in which things of the first have moved.
+# And one in which items of the first have moved.
 MOVED = TESTS / "data/captures/vm-desktop-usb-devices.txt"
 
-# What leaves things out of an inventory or changes them; the last two find
-# nothing.
+# Options that leave items out of an inventory or change them; the last two
+# find nothing.
 SELECTIONS = (
     ("-d", "0627:"), ("-s", "1:"), ("-s", "1:2", "--mask-serials"),
     ("--class", "KALDO_USBPort"), ("--class", "KALDO_USBConnection"),
@@ -81,13 +81,13 @@ ALLOWED = {
 
 
 class Failures:
-    """Counts what went wrong and tells it."""
+    """Counts and prints failures."""
 
     def __init__(self):
         self.count = 0
 
     def tell(self, what):
-        """Tell one failure."""
+        """Report one failure."""
         self.count += 1
         print(what)
 
@@ -152,7 +152,7 @@ def hostile_list(text):
 
 
 def require_valid(failures, validator, document, what):
-    """Tell where a document that must be valid is not."""
+    """Report where a document that must be valid is not."""
     if document is None:
         failures.tell(f"{what}: no document")
         return
@@ -239,7 +239,7 @@ def damaged(document, path, change, name):
 
 
 def is_allowed(name, what):
-    """Tell whether a damage leaves a document that is still valid."""
+    """Return whether a damage leaves a document that is still valid."""
     return any(re.fullmatch(pattern, what) for pattern in ALLOWED[name])
 
 

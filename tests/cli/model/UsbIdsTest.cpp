@@ -1,5 +1,5 @@
-// The names of vendors and products: what is taken from a list and what is passed over, which file the
-// command reads, and that names stand beside what a device says and in no export.
+// The names of vendors and products: what is read from a list and what is ignored, which file the command
+// reads, and that names are shown beside a device's own strings and in no export.
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -126,7 +126,7 @@ TEST(Names, AreInNoExportForPrograms) {
   for (const char* format : {"json", "jsonl", "cimxml", "mof", "dot"}) {
     const std::string text = RunWithNames(kNames, {"--format", format}).output;
     EXPECT_EQ(text, RunWithNames("", {"--format", format}).output) << format;
-    // Not even a file that is missing is missed.
+    // Not even a missing file is reported.
     EXPECT_EQ(text, RunWithNames("/nonexistent", {"--format", format}).output) << format;
   }
 }

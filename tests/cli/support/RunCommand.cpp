@@ -46,8 +46,7 @@ std::string Content(const FileDescriptor& file) {
   return sys::ReadAll(file.Get());
 }
 
-/// A pipe's reading end with `text` in it; the kernel's buffer holds all of it, so nobody has to go on
-/// writing.
+/// A pipe's reading end with `text` in it. The kernel's buffer holds all of it, so no writer is needed.
 FileDescriptor PipeHolding(const std::string& text) {
   constexpr int kMostForAnyUser = 1 << 20;
   Pipe pipe = NewPipe();
@@ -56,7 +55,7 @@ FileDescriptor PipeHolding(const std::string& text) {
   return std::move(pipe.reader);
 }
 
-/// Both sides of a terminal that passes on what is written as it is.
+/// Both sides of a terminal that passes on output unchanged.
 struct Terminal {
   FileDescriptor master;
   FileDescriptor slave;
@@ -81,8 +80,8 @@ Terminal NewTerminal(unsigned short columns) {
   return terminal;
 }
 
-/// Everything up to the moment when no process has the terminal open any more, which shows as an error;
-/// `onText` may watch it come.
+/// Everything written to the terminal until no process has it open, which reads as an error; `onText` is
+/// called with the text so far.
 std::string ReadTerminal(const FileDescriptor& master,
                          const std::function<void(const std::string& text)>& onText) {
   std::string text;
@@ -109,7 +108,8 @@ struct StandardFiles {
   int errors;
 };
 
-/// Descriptors as posix_spawn wants them. Signals start out as in a shell, whatever the test runner ignores.
+/// Descriptors in the form of posix_spawn. Signals have their default handling, as in a shell, whatever the
+/// test runner ignores.
 class SpawnSettings {
  public:
   explicit SpawnSettings(const StandardFiles& files) {
@@ -158,7 +158,7 @@ pid_t Spawn(std::vector<std::string> words, std::vector<std::string> environment
   return pid;
 }
 
-/// The path of a copy of the command, with what it loads beside it: the build folder may be closed to others.
+/// The path of a copy of the command and of what it loads, since the build folder may be closed to others.
 std::string CommandForAll() {
   static const TemporaryFolder folder;
   const std::string copy = folder.File("usbinfo");
