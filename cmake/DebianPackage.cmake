@@ -28,7 +28,7 @@ set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/debian/DropLdconfig.cm
 set(CPACK_DEBIAN_USBINFO_PACKAGE_RECOMMENDS usbutils)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS usb.ids)
 set(CPACK_COMPONENT_USBINFO_DESCRIPTION
-    "usbinfo reads the kernel's list of USB devices and tells what is in it:
+    "usbinfo reads the kernel's list of USB devices and shows what is in it:
 the controllers, the hubs, every port, the empty ones too, the devices,
 and what is plugged in where. It prints a tree for people, and documents
 for programs.
@@ -44,7 +44,7 @@ set(CPACK_COMPONENT_USBINFO-DEV_DEPENDS usbinfo)
 set(CPACK_COMPONENT_USBINFO-DEV_DESCRIPTION
     "The plug-in module of usbinfo answers a host's questions about USB. This
 package holds what a host's developer needs: the headers that a host is
-written against, those of the small host that comes along, its library,
+written against, the headers and the library of the included small host,
 files for CMake and pkg-config, and an example.")
 
 # The documents that every package must have under share/doc, in a folder with the package's name.

@@ -55,7 +55,7 @@ class SpawnAttributes {
   SpawnAttributes& operator=(const SpawnAttributes&) = delete;
   ~SpawnAttributes() { posix_spawnattr_destroy(&fAttributes); }
 
-  void SetApart() {
+  void SetGroupAndSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     Check(posix_spawnattr_setsigmask(&fAttributes, &signals));
@@ -95,7 +95,7 @@ ChildProcess::ChildProcess(const std::string& command) {
   SpawnActions actions;
   actions.Redirect(input.Get());
   SpawnAttributes attributes;
-  attributes.SetApart();
+  attributes.SetGroupAndSignals();
   std::string shell = "sh";
   std::string option = "-c";
   std::string line = command;

@@ -73,7 +73,7 @@ class PathWalk {
  public:
   explicit PathWalk(const std::string& path) : folder(OpenFolder(AT_FDCWD, ".")) {
     if (path.empty()) ThrowSystemError(ENOENT);
-    GoOnWith(path);
+    ContinueWith(path);
     while (!IsAtEnd()) {
     }
   }
@@ -122,7 +122,7 @@ class PathWalk {
     if (++fLinks > kMostLinks) ThrowSystemError(ELOOP);
     RequireTrusted(status, folder.Get(), name);
     if (IsLinkOfProc(link)) return FollowLinkOfProc();
-    GoOnWith(ReadLink(link) + fRest);
+    ContinueWith(ReadLink(link) + fRest);
     return false;
   }
 
@@ -139,7 +139,7 @@ class PathWalk {
     return true;
   }
 
-  void GoOnWith(std::string path) {
+  void ContinueWith(std::string path) {
     if (path.front() == '/') folder = OpenFolder(AT_FDCWD, "/");
     fRest = std::move(path);
   }

@@ -15,9 +15,9 @@
 #include "cli/collect/AcquisitionWatch.h"
 #include "cli/collect/DeviceListText.h"
 #include "cli/collect/Hardening.h"
+#include "cli/collect/InventoryMask.h"
 #include "cli/collect/ListLimits.h"
 #include "cli/collect/LossWatch.h"
-#include "cli/collect/InventoryMask.h"
 #include "cli/collect/MaskingSystem.h"
 #include "cli/collect/ModulePath.h"
 #include "cli/collect/SerialMask.h"
@@ -183,8 +183,8 @@ Inventory CollectFrom(std::string deviceList, const Source& source,
                       const std::vector<std::string>& classNames, LogWriter& log) {
   CheckDeviceList(deviceList, source);
   const std::string systemName = SystemNameOf(source, IsBlank(deviceList));
-  auto given = std::make_unique<standin::GivenDeviceList>(std::move(deviceList));
-  return Serve(Masked(std::move(given), source), systemName, source.plugin, classNames, log);
+  auto system = std::make_unique<standin::GivenDeviceList>(std::move(deviceList));
+  return Serve(Masked(std::move(system), source), systemName, source.plugin, classNames, log);
 }
 
 }  // namespace cli

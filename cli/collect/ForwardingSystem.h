@@ -12,16 +12,16 @@ namespace cli {
 
 class ForwardingSystem : public standin::OperatingSystem {
  public:
-  explicit ForwardingSystem(std::unique_ptr<standin::OperatingSystem> behind) : fBehind(std::move(behind)) {}
+  explicit ForwardingSystem(std::unique_ptr<standin::OperatingSystem> next) : fNext(std::move(next)) {}
 
-  bool FileExists(const std::string& path) override { return fBehind->FileExists(path); }
-  std::string CaptureFile(const std::string& path) override { return fBehind->CaptureFile(path); }
+  bool FileExists(const std::string& path) override { return fNext->FileExists(path); }
+  std::string CaptureFile(const std::string& path) override { return fNext->CaptureFile(path); }
   std::string SpawnProcess(const std::string& command, int seconds) override {
-    return fBehind->SpawnProcess(command, seconds);
+    return fNext->SpawnProcess(command, seconds);
   }
 
  private:
-  std::unique_ptr<standin::OperatingSystem> fBehind;
+  std::unique_ptr<standin::OperatingSystem> fNext;
 };
 
 }  // namespace cli

@@ -30,7 +30,7 @@ std::string_view FieldOf(std::string_view line, std::string_view key, std::strin
 }
 
 /// The text after `key`; empty when that is missing.
-std::string_view RestBehind(std::string_view line, std::string_view key) {
+std::string_view TextAfter(std::string_view line, std::string_view key) {
   const std::size_t at = line.find(key);
   return at == std::string_view::npos ? std::string_view() : line.substr(at + key.size());
 }
@@ -64,7 +64,7 @@ void AddRecord(std::string_view line, ListSize& size) {
   constexpr std::uint64_t kIdentifiersPerInstance = 6;
   constexpr std::uint64_t kFixedLength = std::string_view("Bus  Device  Port 00").size();
   constexpr unsigned int kMostPorts = 255;
-  const unsigned int ports = LeadingNumber(RestBehind(line, "mxch="), kMostPorts);
+  const unsigned int ports = LeadingNumber(TextAfter(line, "mxch="), kMostPorts);
   const unsigned int level = LeadingNumber(FieldOf(line, "lev=", " prnt="), 1);
   const std::uint64_t identifier = EscapedLength(FieldOf(line, "bus=", "lev=")) +
                                    EscapedLength(FieldOf(line, "dev#=", " spd=")) + kFixedLength;

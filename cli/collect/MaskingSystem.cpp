@@ -53,8 +53,8 @@ std::string MaskSerials(const std::string& text, const SerialMask& mask) {
   return masked;
 }
 
-MaskingSystem::MaskingSystem(std::unique_ptr<standin::OperatingSystem> behind, SerialMask mask)
-    : ForwardingSystem(std::move(behind)), fMask(std::move(mask)) {}
+MaskingSystem::MaskingSystem(std::unique_ptr<standin::OperatingSystem> next, SerialMask mask)
+    : ForwardingSystem(std::move(next)), fMask(std::move(mask)) {}
 
 std::string MaskingSystem::CaptureFile(const std::string& path) {
   return MaskSerials(ForwardingSystem::CaptureFile(path), fMask);

@@ -17,7 +17,7 @@ std::string MaskSerials(const std::string& text, const SerialMask& mask);
 
 class MaskingSystem : public ForwardingSystem {
  public:
-  MaskingSystem(std::unique_ptr<standin::OperatingSystem> behind, SerialMask mask);
+  MaskingSystem(std::unique_ptr<standin::OperatingSystem> next, SerialMask mask);
 
   std::string CaptureFile(const std::string& path) override;
   std::string SpawnProcess(const std::string& command, int seconds) override;

@@ -56,17 +56,17 @@ class Timer {
 
 }  // namespace
 
-WaitingNotice::WaitingNotice(std::unique_ptr<standin::OperatingSystem> behind,
-                             std::chrono::milliseconds patience, Tell tell)
-    : ForwardingSystem(std::move(behind)), fPatience(patience), fTell(std::move(tell)) {}
+WaitingNotice::WaitingNotice(std::unique_ptr<standin::OperatingSystem> next,
+                             std::chrono::milliseconds patience, Notify notify)
+    : ForwardingSystem(std::move(next)), fPatience(patience), fNotify(std::move(notify)) {}
 
 std::string WaitingNotice::SpawnProcess(const std::string& command, int seconds) {
-  if (fIsTold) return ForwardingSystem::SpawnProcess(command, seconds);
+  if (fIsNotified) return ForwardingSystem::SpawnProcess(command, seconds);
   const std::string line = fmt::format("usbinfo: waiting for {}, for {} seconds at most ...\n",
                                        EscapeForTerminal(command), seconds);
   const Timer timer(fPatience, [this, line] {
-    fIsTold = true;
-    fTell(line);
+    fIsNotified = true;
+    fNotify(line);
   });
   return ForwardingSystem::SpawnProcess(command, seconds);
 }

@@ -13,19 +13,19 @@ namespace cli {
 
 class WaitingNotice : public ForwardingSystem {
  public:
-  using Tell = std::function<void(const std::string& line)>;
+  using Notify = std::function<void(const std::string& line)>;
 
   /// Calls `notify` with one line, from another thread, when a command is not done after `patience`; once
   /// only, however many commands there are. Exceptions of `notify` are dropped.
-  WaitingNotice(std::unique_ptr<standin::OperatingSystem> behind, std::chrono::milliseconds patience,
-                Tell tell);
+  WaitingNotice(std::unique_ptr<standin::OperatingSystem> next, std::chrono::milliseconds patience,
+                Notify notify);
 
   std::string SpawnProcess(const std::string& command, int seconds) override;
 
  private:
   std::chrono::milliseconds fPatience;
-  Tell fTell;
-  bool fIsTold = false;
+  Notify fNotify;
+  bool fIsNotified = false;
 };
 
 }  // namespace cli

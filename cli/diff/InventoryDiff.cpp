@@ -189,7 +189,7 @@ class Matcher {
 
 /// Properties that depend on the place, on the kernel's number for the device or on the system; those
 /// differences are reported by other means.
-bool IsComparedElsewhere(PropertyId property) {
+bool IsReportedSeparately(PropertyId property) {
   constexpr std::array<PropertyId, 6> kProperties = {
       PropertyId::kDeviceID,   PropertyId::kName,       PropertyId::kHubName,
       PropertyId::kPortNumber, PropertyId::kSystemName, PropertyId::kSystemCreationClassName};
@@ -208,7 +208,7 @@ Value Significant(const Value& value) {
 std::vector<PropertyChange> ChangesOf(const Item& before, const Item& after) {
   std::vector<PropertyChange> changes;
   for (const schema::PropertySchema& property : before.Schema().properties) {
-    if (IsComparedElsewhere(property.id)) continue;
+    if (IsReportedSeparately(property.id)) continue;
     const Value& old = before.Get(property.id);
     const Value& now = after.Get(property.id);
     if (Significant(old) != Significant(now)) changes.push_back({property.id, old, now});
@@ -240,10 +240,10 @@ class DifferenceBuilder {
     return !(fOld.PositionOf(old) == fNew.PositionOf(now));
   }
 
-  bool IsOldElsewhere(std::size_t old) const {
+  bool WasRemovedOrMovedAway(std::size_t old) const {
     return !fOld.IsFound(old) || HasMoved(old, fOld.PartnerOf(old));
   }
-  bool IsNewFromElsewhere(std::size_t now) const {
+  bool WasAddedOrMovedHere(std::size_t now) const {
     return !fNew.IsFound(now) || HasMoved(fNew.PartnerOf(now), now);
   }
 
@@ -251,8 +251,10 @@ class DifferenceBuilder {
   bool HasOtherOccupant(std::size_t old, std::size_t now) const {
     const auto& before = fOld.Node(old).children;
     const auto& after = fNew.Node(now).children;
-    return std::any_of(before.begin(), before.end(), [this](std::size_t it) { return IsOldElsewhere(it); }) ||
-           std::any_of(after.begin(), after.end(), [this](std::size_t it) { return IsNewFromElsewhere(it); });
+    return std::any_of(before.begin(), before.end(),
+                       [this](std::size_t it) { return WasRemovedOrMovedAway(it); }) ||
+           std::any_of(after.begin(), after.end(),
+                       [this](std::size_t it) { return WasAddedOrMovedHere(it); });
   }
 
   bool FollowsFromPlace(PropertyId property, std::size_t old, std::size_t now) const {

@@ -55,7 +55,7 @@ std::string ReadList(const std::string& path) {
   return sys::ReadAll(file.Get());
 }
 
-UsbIds ReadGiven(const std::string& path) {
+UsbIds ReadNamedFile(const std::string& path) {
   try {
     return UsbIds(ReadList(path));
   } catch (const std::system_error& error) {
@@ -95,8 +95,8 @@ UsbIds::UsbIds(std::string list) : fList(std::make_shared<const std::string>(std
 }
 
 std::optional<UsbIds> UsbIds::OfThisMachine() {
-  if (const char* const given = std::getenv("USBINFO_IDS")) {
-    return *given == '\0' ? std::nullopt : std::optional<UsbIds>(ReadGiven(given));
+  if (const char* const file = std::getenv("USBINFO_IDS")) {
+    return *file == '\0' ? std::nullopt : std::optional<UsbIds>(ReadNamedFile(file));
   }
   for (const char* place : kPlaces) {
     try {

@@ -64,7 +64,7 @@ class UsbTree {
   void LinkRootHubs();
   void LinkItems(const Inventory& inventory);
   void Descend(std::size_t top);
-  void TakeApartCircles();
+  void UnlinkCircles();
 
   std::vector<UsbTreeNode> fNodes;
   std::vector<std::size_t> fTop;

@@ -51,7 +51,7 @@ class DeclaredCommand {
   }
 
   /// The first option that was given; null when there is none.
-  const Option* FirstGiven() const {
+  const Option* FirstOptionUsed() const {
     for (const auto& [option, parsed] : fOptions) {
       if (parsed->count() > 0) return option;
     }
@@ -197,8 +197,8 @@ class CommandParser {
     CheckEqualsSigns(arguments);
     RefuseUnknown();
     const DeclaredCommand* const named = Named();
-    const Option* const foreign = named == nullptr ? nullptr : fDeclared.FirstGiven();
-    if (foreign != nullptr) throw UsageError(DescribeForeign(foreign->LastName()));
+    const Option* const foreign = named == nullptr ? nullptr : fDeclared.FirstOptionUsed();
+    if (foreign != nullptr) throw UsageError(DescribeOptionOfOther(foreign->LastName()));
     const DeclaredCommand& chosen = named == nullptr ? fDeclared : *named;
     chosen.StoreOptions();
     chosen.StoreOperands();
@@ -238,13 +238,13 @@ class CommandParser {
   }
 
   std::string DescribeUnknownOption(const std::string& name) const {
-    if (FindAnywhere(name) != nullptr) return DescribeForeign(name);
+    if (FindAnywhere(name) != nullptr) return DescribeOptionOfOther(name);
     std::vector<std::string> known;
     for (const Option* const option : VisibleOptions(*fChosen)) known.push_back(option->LastName());
     return fmt::format("unknown option {}{}", name, Question(Nearest(name, known)));
   }
 
-  std::string DescribeForeign(const std::string& name) const {
+  std::string DescribeOptionOfOther(const std::string& name) const {
     return fmt::format("{} is not supported by {}", name, Call());
   }
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Times usbinfo on enormous device lists and tells its peak memory: measure_scale.py USBINFO [NAME...]
+"""Times usbinfo on enormous device lists and prints its peak memory: measure_scale.py USBINFO [NAME...]
 
 The lists are made here, in a temporary folder; what must come out is checked by the tests, not here. Without
 names all lists are run, the ones that take minutes last. Nothing is kept."""

@@ -1,4 +1,4 @@
-"""Headless Chromium for the tests of the page: opens pages from files, tells what they asked the network and the
+"""Headless Chromium for the tests of the page: opens pages from files, reports what they asked the network and the
 console for, and sets up media, sizes and scripts by the browser's debugging protocol."""
 import os
 import pathlib

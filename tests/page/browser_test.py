@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The page in a browser: what it shows, the filter, details, hostile strings, scripts off, paper, the dark, a phone,
-and what assistive software is told.
+and what assistive software gets.
 
 Usage: browser_test.py USBINFO
 """

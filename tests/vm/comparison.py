@@ -1,4 +1,4 @@
-"""What two inventories, as JSON documents, have in common and what not, told instance by instance.
+"""What two inventories, as JSON documents, have in common and what not, instance by instance.
 
 An instance is known by its class and its key: of those that both have, the properties are compared.
 """

@@ -29,7 +29,7 @@ using testing::StartsWith;
 namespace usbinfo_test {
 namespace {
 
-std::string Complaint(ILogger::EQSVLogSeverity severity, const std::vector<std::string>& lines) {
+std::string LossError(ILogger::EQSVLogSeverity severity, const std::vector<std::string>& lines) {
   LossWatch watch;
   for (const std::string& line : lines) watch.Take(severity, line);
   return UserErrorOf([&watch] { watch.CheckNothingLost(); });
@@ -50,10 +50,10 @@ const std::vector<std::string> kLosses = {
 
 TEST(LossWatchTest, KnowsEveryLineThatSaysThatSomethingWasLost) {
   for (const std::string& line : kLosses) {
-    EXPECT_THAT(Complaint(ILogger::kStatus, {line}),
+    EXPECT_THAT(LossError(ILogger::kStatus, {line}),
                 StartsWith("the inventory is incomplete: the plug-in logged 1 failure, the first: "));
   }
-  EXPECT_THAT(Complaint(ILogger::kStatus, kLosses),
+  EXPECT_THAT(LossError(ILogger::kStatus, kLosses),
               HasSubstr(" logged 6 failures, the first: USBInfo plugin threw unknown "
                         "exception; "));
 }
@@ -68,9 +68,9 @@ TEST(LossWatchTest, TakesNoOtherLineForALoss) {
       "an error" + kTabs + "generating CIM instances for ",
       "",
   };
-  EXPECT_EQ(Complaint(ILogger::kStatus, harmless), "");
+  EXPECT_EQ(LossError(ILogger::kStatus, harmless), "");
   // Strings of devices are logged at the debug level and may be anything.
-  EXPECT_EQ(Complaint(ILogger::kDebug, kLosses), "");
+  EXPECT_EQ(LossError(ILogger::kDebug, kLosses), "");
 }
 
 /// A root hub of two ports, and a device on the first of them.

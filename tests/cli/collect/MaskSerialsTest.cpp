@@ -163,11 +163,11 @@ CommandResult RunWithKey(const std::string& list, std::vector<std::string> optio
 /// Everything that the command prints about `list`: every format, the tree with its details, and the verbose
 /// log.
 std::string EverythingPrintedOf(const std::string& list) {
-  std::string told;
+  std::string printed;
   for (const cli::OutputFormat& format : cli::OutputFormats()) {
-    told += RunMasked(list, {"--format", format.name}).output;
+    printed += RunMasked(list, {"--format", format.name}).output;
   }
-  return told + RunMasked(list, {"-v"}).output + RunMasked(list, {"--log-level", "verbose"}).errors +
+  return printed + RunMasked(list, {"-v"}).output + RunMasked(list, {"--log-level", "verbose"}).errors +
          RunMasked(list, {"--log-level", "verbose", "--log-format", "json"}).errors;
 }
 
@@ -294,10 +294,10 @@ TEST(MaskSerialsOption, LetsNothingOutButTheMasks) {
 TEST(MaskSerialsOption, ShowsNoSerialNumberThatIsNothingElse) {
   for (const auto& [name, list] : Lists()) {
     const std::string rest = ReplaceSerials(list, [](const std::string&) { return std::string(); });
-    const std::string told = EverythingPrintedOf(list);
+    const std::string printed = EverythingPrintedOf(list);
     for (const std::string& serial : SerialsOf(list)) {
       if (serial.size() < 4 || rest.find(serial) != std::string::npos) continue;
-      EXPECT_THAT(told, Not(HasSubstr(serial))) << name;
+      EXPECT_THAT(printed, Not(HasSubstr(serial))) << name;
     }
   }
 }

@@ -47,19 +47,19 @@ class WaitingNoticeTest : public testing::Test {
     fake->files["file"] = "text";
     fake->onCall = [this](const std::string& call) { fOnCall(call); };
     return WaitingNotice(std::move(fake), patience, [this](const std::string& line) {
-      fTold.push_back(line);
-      fIsTold.set_value();
+      fNotices.push_back(line);
+      fIsNotified.set_value();
     });
   }
   void OnCall(std::function<void(const std::string&)> action) { fOnCall = std::move(action); }
-  void AwaitNotice() { fIsTold.get_future().wait(); }
-  const std::vector<std::string>& Told() const { return fTold; }
+  void AwaitNotice() { fIsNotified.get_future().wait(); }
+  const std::vector<std::string>& Notices() const { return fNotices; }
   const std::vector<std::string>& Calls() const { return fCalls; }
 
  private:
   std::vector<std::string> fCalls;
-  std::vector<std::string> fTold;
-  std::promise<void> fIsTold;
+  std::vector<std::string> fNotices;
+  std::promise<void> fIsNotified;
   std::function<void(const std::string&)> fOnCall = [](const std::string&) {};
 };
 
@@ -67,7 +67,7 @@ TEST_F(WaitingNoticeTest, IsPrintedWhileTheCommandRunsAndItsOutputIsKept) {
   WaitingNotice system = NoticeAfter(kAtOnce);
   OnCall([this](const std::string&) { AwaitNotice(); });
   EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
-  EXPECT_THAT(Told(), ElementsAre(kNotice));
+  EXPECT_THAT(Notices(), ElementsAre(kNotice));
   EXPECT_THAT(Calls(), ElementsAre("spawn usb-devices 300"));
 }
 
@@ -77,13 +77,13 @@ TEST_F(WaitingNoticeTest, IsPrintedOnceForAllCommands) {
   system.SpawnProcess("usb-devices", 300);
   OnCall([](const std::string&) { EXPECT_EQ(ThreadCount(), 1U); });
   EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
-  EXPECT_EQ(Told().size(), 1U);
+  EXPECT_EQ(Notices().size(), 1U);
 }
 
 TEST_F(WaitingNoticeTest, IsNotPrintedForACommandThatEndsInTime) {
   WaitingNotice system = NoticeAfter(kNever);
   EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
-  EXPECT_THAT(Told(), IsEmpty());
+  EXPECT_THAT(Notices(), IsEmpty());
 }
 
 TEST_F(WaitingNoticeTest, LeavesNoThreadBehind) {
@@ -121,7 +121,7 @@ TEST_F(WaitingNoticeTest, NamesTheCommandOnOneLine) {
   WaitingNotice system = NoticeAfter(kAtOnce);
   OnCall([this](const std::string&) { AwaitNotice(); });
   system.SpawnProcess("a\n\x1B[2J", 5);
-  EXPECT_THAT(Told(), ElementsAre("usbinfo: waiting for a\\n\\x1b[2J, for 5 seconds at most ...\n"));
+  EXPECT_THAT(Notices(), ElementsAre("usbinfo: waiting for a\\n\\x1b[2J, for 5 seconds at most ...\n"));
 }
 
 TEST_F(WaitingNoticeTest, IsNotForFiles) {
@@ -129,7 +129,7 @@ TEST_F(WaitingNoticeTest, IsNotForFiles) {
   OnCall([](const std::string&) { EXPECT_EQ(ThreadCount(), 1U); });
   EXPECT_TRUE(system.FileExists("file"));
   EXPECT_EQ(system.CaptureFile("file"), "text");
-  EXPECT_THAT(Told(), IsEmpty());
+  EXPECT_THAT(Notices(), IsEmpty());
 }
 
 /// The whole command on a machine whose only list is printed by a usb-devices script of the test.

@@ -74,9 +74,9 @@ TEST(Schema, RefusesOptionsThatAreNotItsOwn) {
   EXPECT_EQ(before.status, 2);
   EXPECT_EQ(before.errors,
             "usbinfo: --devices is not supported by usbinfo schema; see usbinfo schema --help\n");
-  const CommandResult behind = RunUsbinfo({"schema", "--devices", "list"});
-  EXPECT_EQ(behind.status, 2);
-  EXPECT_EQ(behind.output, "");
+  const CommandResult afterSubcommand = RunUsbinfo({"schema", "--devices", "list"});
+  EXPECT_EQ(afterSubcommand.status, 2);
+  EXPECT_EQ(afterSubcommand.output, "");
   EXPECT_EQ(RunUsbinfo({"schema", "--format", "yaml"}).errors,
             "usbinfo: --format: \"yaml\" is not one of mof, json; see usbinfo schema --help\n");
 }

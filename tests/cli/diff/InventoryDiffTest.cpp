@@ -238,7 +238,7 @@ TEST(InventoryDiff, ListsPortsThatAHubGained) {
   Machine after;
   after.AddHub(after.root, 0, 2, 3);
   EXPECT_THAT(Differences(before, after),
-              ElementsAre("~ bus 1, port 0: hub 1234:5678 \"Thing\"", "    NumberOfPorts: 2 -> 3",
+              ElementsAre("~ bus 1, port 0: hub 1234:5678 \"Item\"", "    NumberOfPorts: 2 -> 3",
                           "+ bus 1, port 0.2: port"));
 }
 
@@ -267,9 +267,8 @@ TEST(InventoryDiff, ListsADeviceThatAHubReplacedAsRemovedAndAdded) {
   before.AddDevice(before.root, 0, 2, kMouse);
   Machine after;
   after.AddHub(after.root, 0, 2, 4);
-  EXPECT_THAT(Differences(before, after),
-              ElementsAre("+ bus 1, port 0: hub 1234:5678 \"Thing\", with 4 ports",
-                          "- bus 1, port 0: device 1234:5678 \"Mouse\""));
+  EXPECT_THAT(Differences(before, after), ElementsAre("+ bus 1, port 0: hub 1234:5678 \"Item\", with 4 ports",
+                                                      "- bus 1, port 0: device 1234:5678 \"Mouse\""));
 }
 
 TEST(InventoryDiff, ComparesTwoMachinesWhateverTheirNames) {
@@ -301,11 +300,12 @@ TEST(InventoryDiff, OrdersByBusAndPortsAsNumbers) {
 }
 
 /// What a difference lists, as texts in a fixed order.
-struct Told {
-  std::vector<std::string> came, went, moved, changed;
+struct Listed {
+  std::vector<std::string> added, removed, moved, changed;
 
-  bool operator==(const Told& other) const {
-    return came == other.came && went == other.went && moved == other.moved && changed == other.changed;
+  bool operator==(const Listed& other) const {
+    return added == other.added && removed == other.removed && moved == other.moved &&
+           changed == other.changed;
   }
 };
 
@@ -317,8 +317,8 @@ std::string TextOf(const cli::PlacedItem& placed) {
   return text;
 }
 
-Told TellAll(const InventoryDifference& difference, bool isMirrored) {
-  Told told;
+Listed ListAll(const InventoryDifference& difference, bool isMirrored) {
+  Listed listed;
   const auto texts = [isMirrored](const std::vector<cli::ItemChange>& changes) {
     std::vector<std::string> lines;
     for (const cli::ItemChange& change : changes) {
@@ -331,12 +331,12 @@ Told TellAll(const InventoryDifference& difference, bool isMirrored) {
     std::sort(lines.begin(), lines.end());
     return lines;
   };
-  for (const cli::PlacedItem& placed : difference.added) told.came.push_back(TextOf(placed));
-  for (const cli::PlacedItem& placed : difference.removed) told.went.push_back(TextOf(placed));
-  told.moved = texts(difference.moved);
-  told.changed = texts(difference.changed);
-  if (isMirrored) std::swap(told.came, told.went);
-  return told;
+  for (const cli::PlacedItem& placed : difference.added) listed.added.push_back(TextOf(placed));
+  for (const cli::PlacedItem& placed : difference.removed) listed.removed.push_back(TextOf(placed));
+  listed.moved = texts(difference.moved);
+  listed.changed = texts(difference.changed);
+  if (isMirrored) std::swap(listed.added, listed.removed);
+  return listed;
 }
 
 /// A machine of hubs and devices plugged in at random; few serial numbers, so that many are shared.
@@ -345,7 +345,7 @@ InventoryBuilder RandomMachine(unsigned int seed) {
   const auto below = [&random](unsigned int limit) { return static_cast<int>(random() % limit); };
   const auto model = [&below] {
     const int serial = below(5);
-    return Model{"Thing", serial < 2 ? "Not Available" : "S" + std::to_string(serial), 1, below(3)};
+    return Model{"Item", serial < 2 ? "Not Available" : "S" + std::to_string(serial), 1, below(3)};
   };
   InventoryBuilder machine;
   std::vector<std::string> hubs = {machine.AddBus(1, 3, "R1"), machine.AddBus(2, 3)};
@@ -366,7 +366,7 @@ TEST(InventoryDiff, IsMirroredWhereTheInventoriesChangePlaces) {
   for (unsigned int seed = 0; seed < kMachines; ++seed) {
     const Inventory one = RandomMachine(2 * seed).Read();
     const Inventory other = RandomMachine(2 * seed + 1).Read();
-    EXPECT_TRUE(TellAll(Compare(one, other), false) == TellAll(Compare(other, one), true)) << "seed " << seed;
+    EXPECT_TRUE(ListAll(Compare(one, other), false) == ListAll(Compare(other, one), true)) << "seed " << seed;
     EXPECT_TRUE(Compare(one, one).IsEmpty()) << "seed " << seed;
   }
 }

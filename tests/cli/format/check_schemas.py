@@ -86,7 +86,7 @@ class Failures:
     def __init__(self):
         self.count = 0
 
-    def tell(self, what):
+    def report(self, what):
         """Report one failure."""
         self.count += 1
         print(what)
@@ -154,10 +154,10 @@ def hostile_list(text):
 def require_valid(failures, validator, document, what):
     """Report where a document that must be valid is not."""
     if document is None:
-        failures.tell(f"{what}: no document")
+        failures.report(f"{what}: no document")
         return
     for error in validator.iter_errors(document):
-        failures.tell(f"{what}: {error.json_path}: {error.message}")
+        failures.report(f"{what}: {error.json_path}: {error.message}")
 
 
 def check_valid_documents(failures, usbinfo):
@@ -189,18 +189,18 @@ def check_names(failures, usbinfo):
     published = schema("usbinfo").schema
     lists = published["properties"]["classes"]["properties"]
     if list(lists) != list(classes):
-        failures.tell(f"classes: {list(lists)}, not {list(classes)}")
+        failures.report(f"classes: {list(lists)}, not {list(classes)}")
     for name, entry in lists.items():
         definition = published["$defs"][entry["items"]["$ref"].split("/")[-1]]
         names = list(definition["properties"])
         if names != list(classes[name]["properties"]):
-            failures.tell(f"{name}: the properties are not those of the class")
+            failures.report(f"{name}: the properties are not those of the class")
         for number in names:
             reference = definition["properties"][number].get("$ref", "")
             kind = classes[name]["properties"][number]["type"]
             is_number = kind.startswith("uint")
             if is_number and reference != f"#/$defs/{kind}":
-                failures.tell(f"{name}.{number}: is no {kind} in the schema")
+                failures.report(f"{name}.{number}: is not a {kind} in the schema")
 
 
 def damages(document, path=()):
@@ -252,12 +252,12 @@ def check_strict(failures, usbinfo, name, document):
             continue
         is_valid = validator.is_valid(broken)
         if is_valid != is_allowed(name, what):
-            failures.tell(f"{name}: {what}: valid is {is_valid}")
+            failures.report(f"{name}: {what}: valid is {is_valid}")
         if name == "usbinfo":
             path = usbinfo.file("damaged.json", json.dumps(broken).encode())
             status, _ = usbinfo.run("diff", path, path)
             if (status == 0) != is_valid:
-                failures.tell(f"{what}: valid is {is_valid}, but diff gives "
+                failures.report(f"{what}: valid is {is_valid}, but diff gives "
                               f"the status {status}")
 
 

@@ -21,12 +21,12 @@ namespace {
 const std::string kNames = TEST_DATA_DIR "/names.ids";
 
 TEST(UsbIds, FindsVendorsAndTheirProducts) {
-  const UsbIds names("0001  One\n\t0001  First\n\t00ff  Last\nabCD  Other\n\t0001  Thing\n");
+  const UsbIds names("0001  One\n\t0001  First\n\t00ff  Last\nabCD  Other\n\t0001  Item\n");
   EXPECT_EQ(names.Vendor(0x0001), "One");
   EXPECT_EQ(names.Product(0x0001, 0x0001), "First");
   EXPECT_EQ(names.Product(0x0001, 0x00FF), "Last");
   EXPECT_EQ(names.Vendor(0xABCD), "Other");
-  EXPECT_EQ(names.Product(0xABCD, 0x0001), "Thing");
+  EXPECT_EQ(names.Product(0xABCD, 0x0001), "Item");
 }
 
 TEST(UsbIds, HasNoNameForWhatIsNotListed) {

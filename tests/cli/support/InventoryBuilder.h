@@ -11,7 +11,7 @@ namespace usbinfo_test {
 
 /// What distinguishes a hub or device from others.
 struct Model {
-  std::string name = "Thing";
+  std::string name = "Item";
   /// "Not Available" and empty mean none.
   std::string serial = "Not Available";
   int vendor = 0x1234;

@@ -15,8 +15,8 @@ const xmlChar* Xml(const std::string& text) {
   return reinterpret_cast<const xmlChar*>(text.c_str());
 }
 
-template <typename Thing>
-using Owned = std::unique_ptr<Thing, void (*)(Thing*)>;
+template <typename Object>
+using Owned = std::unique_ptr<Object, void (*)(Object*)>;
 
 }  // namespace
 
