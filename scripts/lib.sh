@@ -26,7 +26,7 @@ TEST_PACKAGES=(groff-base jq libxml2-utils mandoc python3-jsonschema zsh)
 PAGE_PACKAGES=(chromium chromium-driver graphviz python3-selenium)
 # What the slower checks take on top.
 CHECK_PACKAGES=(clang clang-format clang-tidy pyflakes3 shellcheck)
-# What telling the coverage takes on top of the first ones.
+# What measuring the coverage takes on top of the first ones.
 COVERAGE_PACKAGES=(gcovr)
 # What the fuzzers take on top of the first ones; without llvm's symbolizer, reports and known leaks have no names.
 FUZZ_PACKAGES=(clang "libclang-rt-$(debian_clang)-dev" llvm)

@@ -1,4 +1,4 @@
-// CIM's names of the value types, as the typed exports write them.
+// CIM's names of the value types, for the typed exports.
 #pragma once
 
 #include <string>

@@ -71,7 +71,7 @@ void WriteInstanceName(XmlWriter& xml, const Item& item) {
   });
 }
 
-/// Writes a property of which the value is present, as its type wants it.
+/// Writes a property with the elements that its type needs; the value must be present.
 struct PropertyWriter {
   XmlWriter& xml;
   const PropertySchema& property;

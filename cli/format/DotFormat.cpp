@@ -11,8 +11,8 @@ namespace cli {
 
 namespace {
 
-/// For a line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; a
-/// device's string holds neither.
+/// For a line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; neither
+/// may come from a device's string.
 void AppendToLabel(const Character& character, bool isUnprintable, std::string& out) {
   if (character.code == U'&') {
     out += "&amp;";
@@ -44,7 +44,7 @@ class Graph {
   std::string Text() const {
     if (fTree.Nodes().empty()) return "digraph usb {\n}\n";
     std::string text = Head();
-    // Graphviz draws what hangs together bottom up.
+    // Graphviz draws connected nodes from the bottom up.
     for (auto top = fTree.Top().rbegin(); top != fTree.Top().rend(); ++top) text += Node(*top);
     for (std::size_t index = 0; index < fTree.Nodes().size(); ++index) {
       if (!fIsTop[index]) text += Node(index);
@@ -97,7 +97,7 @@ class Graph {
 
   bool IsFree(const UsbTreeNode& port) const { return fInventory.StateOf(*port.item) == PortState::kFree; }
 
-  /// A device's identifier and its speed, as far as it is known.
+  /// A device's identifier, and its speed if it is known.
   std::string Facts(const UsbTreeNode& node) const {
     const std::string speed = SpeedOf(fTree, node);
     return speed.empty() ? FormatId(*node.item) : FormatId(*node.item) + ", " + speed;

@@ -54,7 +54,7 @@ def row_of(file):
     return max(rows, key=len, default=None)
 
 
-def complaint(file, quoted, bracketed):
+def violation(file, quoted, bracketed):
     """What is wrong with one include of `file`; None where nothing is."""
     row, name = row_of(file), quoted or bracketed
     if not name:
@@ -71,7 +71,7 @@ def complaint(file, quoted, bracketed):
         return f"{name} is no path from the top to a folder of the table"
     is_module = row.split("/")[0] in MODULE_ROWS
     if is_module and not name.startswith("boost/") and not STANDARD.fullmatch(name):
-        return f"{row} may not use the library behind <{name}>"
+        return f"{row} may not use the library of <{name}>"
     return None
 
 
@@ -89,7 +89,7 @@ def check_file(root, file):
         found.append(f"{file}:1: lacks #pragma once")
     for number, line in enumerate(lines, 1):
         directive = DIRECTIVE.match(line)
-        wrong = directive and complaint(file, *directive.groups())
+        wrong = directive and violation(file, *directive.groups())
         if wrong:
             found.append(f"{file}:{number}: {wrong}")
     return found

@@ -26,7 +26,7 @@ constexpr Sequence kSequences[] = {{0xC2, 0xDF, 0x1F, 0x80, 0xBF, 2}, {0xE0, 0xE
                                    {0xEE, 0xEF, 0x0F, 0x80, 0xBF, 3}, {0xF0, 0xF0, 0x07, 0x90, 0xBF, 4},
                                    {0xF1, 0xF3, 0x07, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x07, 0x80, 0x8F, 4}};
 
-/// What stands at one place: a whole character, or a piece of `length` bytes that is none.
+/// A piece of text: a whole character, or `length` bytes that are not one.
 struct Piece {
   std::size_t length;
   bool isWhole;

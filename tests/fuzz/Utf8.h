@@ -17,7 +17,7 @@ std::string ReplaceBrokenUtf8(const std::string& text);
 /// is not seen, each combining mark that follows four others, and what XML has no character for.
 std::string AsShown(const std::string& text);
 
-/// Calls `take` with each character of `text`; throws BrokenInvariant when it is no UTF-8.
+/// Calls `take` with each character of `text`; throws BrokenInvariant when it is not UTF-8.
 void ForEachCharacter(const std::string& text, const std::function<void(std::uint32_t character)>& take);
 
 /// Throws BrokenInvariant when `text` is no UTF-8 or holds something that a terminal acts on, that is not

@@ -1,4 +1,4 @@
-// --devices: a list from a file or a pipe is all there is, and one that names nothing says so.
+// --devices: only the list from the file or pipe is read, and a list without devices is reported.
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>

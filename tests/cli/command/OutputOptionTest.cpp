@@ -1,4 +1,4 @@
-// --output: the file gets what standard output would get, whole or not at all, and standard output stays
+// --output: the file gets what standard output would get, completely or not at all, and standard output stays
 // empty.
 #include <gmock/gmock.h>
 
