@@ -13,6 +13,13 @@
 
 namespace cli {
 
+namespace {
+
+/// What --generate takes beside the names of the texts that are made from the options.
+constexpr const char* kClassTable = "classes";
+
+}  // namespace
+
 CommandLine::CommandLine() {
   fCommand.name = "usbinfo";
   fCommand.summary = "Show a machine's USB inventory: controllers, hubs, ports and devices";
@@ -27,7 +34,7 @@ int CommandLine::Run(const std::vector<std::string>& arguments) {
   } else if (fAsksForVersion) {
     WriteStandardOutput("usbinfo " USBINFO_VERSION "\n");
   } else if (!fGenerated.empty()) {
-    WriteStandardOutput(Generate(fGenerated, fCommand));
+    WriteStandardOutput(fGenerated == kClassTable ? RenderClassTable() : Generate(fGenerated, fCommand));
   } else {
     return chosen.run();
   }
@@ -41,7 +48,8 @@ CommandSpec CommandLine::Show() {
                                        .isExclusive = true,
                                        .manual = "Print the version and exit.",
                                        .store = StoreTrue(fAsksForVersion)});
-  const std::vector<Choice> generators = ChoicesOf(GeneratorNames());
+  std::vector<Choice> generators = ChoicesOf(GeneratorNames());
+  generators.push_back({kClassTable});
   options.push_back({.names = {"--generate"},
                      .value = "WHAT",
                      .choices = generators,

@@ -1,36 +1,54 @@
 #include "cli/command/SchemaCommand.h"
 
-#include <nlohmann/json.hpp>
-
 #include "cli/command/ExitStatus.h"
 #include "cli/format/CimTypes.h"
 #include "cli/format/MofFormat.h"
+#include "cli/text/JsonWriter.h"
 #include "cli/text/Output.h"
 #include "schema/ClassSchema.h"
 
-using nlohmann::ordered_json;
 using Type = NKESTA20::TCIMValue::TCIMType;
 
 namespace cli {
 
 namespace {
 
-ordered_json ToJson(const schema::PropertySchema& property) {
-  ordered_json object;
-  object["type"] = CimTypeName(property.type);
-  object["isArray"] = property.type == Type::kStringArray;
-  object["isKey"] = property.isKey;
-  if (property.type == Type::kReference) object["class"] = property.referenceClass;
-  return object;
+enum class Detail { kPublished, kWithOptional };
+
+void WriteProperty(JsonWriter& json, const schema::PropertySchema& property, Detail detail) {
+  json.Key(property.name);
+  json.BeginObject();
+  json.Key("type");
+  json.String(CimTypeName(property.type));
+  json.Key("isArray");
+  json.Bool(property.type == Type::kStringArray);
+  json.Key("isKey");
+  json.Bool(property.isKey);
+  if (detail == Detail::kWithOptional) {
+    json.Key("isOptional");
+    json.Bool(property.isOptional);
+  }
+  if (property.type == Type::kReference) {
+    json.Key("class");
+    json.String(property.referenceClass);
+  }
+  json.EndObject();
 }
 
-ordered_json ToJson(const schema::ClassSchema& schema) {
-  ordered_json object;
-  object["kind"] = schema.kind == schema::ClassSchema::Kind::kEntity ? "entity" : "association";
-  for (const schema::PropertySchema& property : schema.properties) {
-    object["properties"][property.name] = ToJson(property);
+void WriteClasses(JsonWriter& json, Detail detail) {
+  json.BeginObject();
+  for (const schema::ClassSchema& schema : schema::ServedClasses()) {
+    json.Key(schema.name);
+    json.BeginObject();
+    json.Key("kind");
+    json.String(schema.kind == schema::ClassSchema::Kind::kEntity ? "entity" : "association");
+    json.Key("properties");
+    json.BeginObject();
+    for (const schema::PropertySchema& property : schema.properties) WriteProperty(json, property, detail);
+    json.EndObject();
+    json.EndObject();
   }
-  return object;
+  json.EndObject();
 }
 
 }  // namespace
@@ -41,14 +59,22 @@ int RunSchema(const SchemaOptions& options) {
 }
 
 std::string RenderJsonSchema() {
-  constexpr int kIndent = 2;
-  ordered_json document;
-  document["schema"] = "usbinfo.classes/1";
-  document["namespace"] = "root/cimv2";
-  for (const schema::ClassSchema& schema : schema::ServedClasses()) {
-    document["classes"][schema.name] = ToJson(schema);
-  }
-  return document.dump(kIndent) + "\n";
+  JsonWriter json(JsonWriter::Layout::kIndented);
+  json.BeginObject();
+  json.Key("schema");
+  json.String("usbinfo.classes/1");
+  json.Key("namespace");
+  json.String("root/cimv2");
+  json.Key("classes");
+  WriteClasses(json, Detail::kPublished);
+  json.EndObject();
+  return json.Take() + "\n";
+}
+
+std::string RenderClassTable() {
+  JsonWriter json(JsonWriter::Layout::kIndented);
+  WriteClasses(json, Detail::kWithOptional);
+  return json.Take() + "\n";
 }
 
 }  // namespace cli

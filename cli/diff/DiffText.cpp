@@ -14,21 +14,6 @@ namespace cli {
 
 namespace {
 
-/// A text that is not ours, recognisable as a whole wherever it stands.
-std::string Quote(std::string_view text) {
-  std::string quoted = "\"";
-  for (const char c : EscapeForTerminal(std::string(text))) {
-    if (c == '\t') {
-      quoted += "\\t";
-    } else if (c == '"') {
-      quoted += "\\\"";
-    } else {
-      quoted += c;
-    }
-  }
-  return quoted + "\"";
-}
-
 std::string NounOf(ClassId classId) {
   switch (classId) {
     case ClassId::kController:
@@ -47,12 +32,12 @@ std::string DescribeModel(const Item& item) {
   const std::string id = FormatId(item);
   const std::string product = SentString(item, PropertyId::kDescription);
   if (product.empty()) return id.empty() ? id : id + " (no name)";
-  return id + (id.empty() ? "" : " ") + Quote(product);
+  return id + (id.empty() ? "" : " ") + QuoteForTerminal(product);
 }
 
 std::string DescribeSerial(const Item& item) {
   const std::string serial = SentString(item, PropertyId::kSerialNumber);
-  return serial.empty() ? serial : ", serial " + Quote(serial);
+  return serial.empty() ? serial : ", serial " + QuoteForTerminal(serial);
 }
 
 std::string WithBlank(const std::string& text) {
@@ -84,14 +69,14 @@ struct ValueDescription {
   }
   std::string operator()(const std::string& text) const {
     const std::string sent = SentString(text);
-    return sent.empty() ? "none" : Quote(sent);
+    return sent.empty() ? "none" : QuoteForTerminal(sent);
   }
   std::string operator()(const std::vector<std::string>& texts) const {
     std::vector<std::string> elements;
-    for (const std::string& text : texts) elements.push_back(Quote(text));
+    for (const std::string& text : texts) elements.push_back(QuoteForTerminal(text));
     return fmt::format("{}", fmt::join(elements, ", "));
   }
-  std::string operator()(const Reference& reference) const { return Quote(reference.path); }
+  std::string operator()(const Reference& reference) const { return QuoteForTerminal(reference.path); }
 };
 
 /// In words, where these differ; empty otherwise.
@@ -167,7 +152,7 @@ std::string Colored(char mark, const std::string& line) {
 }  // namespace
 
 std::string DescribePlace(const Place& place) {
-  std::string text = place.hasBus ? fmt::format("bus {}", place.bus) : Quote(place.identifier);
+  std::string text = place.hasBus ? fmt::format("bus {}", place.bus) : QuoteForTerminal(place.identifier);
   if (!place.ports.empty()) text += fmt::format(", port {}", fmt::join(place.ports, "."));
   return text;
 }
@@ -176,7 +161,8 @@ std::string RenderDiffText(const InventoryDifference& difference, bool isColored
   if (difference.IsEmpty()) return std::string();
   std::string text;
   if (difference.oldSystem != difference.newSystem) {
-    text = fmt::format("system {} -> {}\n", Quote(difference.oldSystem), Quote(difference.newSystem));
+    text = fmt::format("system {} -> {}\n", QuoteForTerminal(difference.oldSystem),
+                       QuoteForTerminal(difference.newSystem));
   }
   for (const Entry& entry : EntriesOf(difference)) {
     const std::string line = fmt::format("{} {}", entry.mark, entry.line);

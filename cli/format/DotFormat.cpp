@@ -5,25 +5,22 @@
 #include "cli/model/Description.h"
 #include "cli/model/DeviceText.h"
 #include "cli/model/UsbTree.h"
-#include "cli/text/Text.h"
+#include "cli/text/MapCharacters.h"
 
 namespace cli {
 
 namespace {
 
-/// One line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; a device's
-/// string holds neither.
-std::string LabelLine(const std::string& text) {
-  std::string line;
-  for (const char c : ReplaceUnprintable(text)) {
-    if (c == '&') {
-      line += "&amp;";
-      continue;
-    }
-    if (c == '"' || c == '\\') line += '\\';
-    line += c;
+/// For a line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; a
+/// device's string holds neither.
+void AppendToLabel(const Character& character, bool isUnprintable, std::string& out) {
+  if (character.code == U'&') {
+    out += "&amp;";
+  } else if (character.code == U'"' || character.code == U'\\') {
+    out.append("\\").append(character.bytes);
+  } else {
+    out += isUnprintable ? kReplacement : character.bytes;
   }
-  return line;
 }
 
 /// The lines that are not empty, one below the other.
@@ -32,7 +29,7 @@ std::string Label(const std::vector<std::string>& lines) {
   for (const std::string& line : lines) {
     if (line.empty()) continue;
     if (!label.empty()) label += "\\n";
-    label += LabelLine(line);
+    AppendMapped(line, AppendToLabel, label);
   }
   return '"' + label + '"';
 }
@@ -40,7 +37,6 @@ std::string Label(const std::vector<std::string>& lines) {
 class Graph {
  public:
   explicit Graph(const Inventory& inventory)
-
       : fInventory(inventory), fTree(inventory), fIsTop(fTree.Nodes().size(), false) {
     for (const std::size_t index : fTree.Top()) fIsTop[index] = true;
   }

@@ -1,29 +1,17 @@
 #include "cli/text/DisplayWidth.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <cwchar>
+
+#include "cli/text/MapCharacters.h"
 
 namespace cli {
 
 namespace {
 
-/// A character at the beginning of a text.
-struct Glyph {
-  std::size_t bytes;
-  /// Negative when it is not printable.
-  int columns;
-};
-
-Glyph FirstGlyph(std::string_view text) {
-  const auto first = static_cast<unsigned char>(text.front());
-  if (first < 0x80) return {1, first < 0x20 || first == 0x7F ? -1 : 1};
-  std::mbstate_t state{};
-  wchar_t character = 0;
-  const std::size_t bytes = std::mbrtowc(&character, text.data(), text.size(), &state);
-  if (bytes == 0 || bytes > text.size()) return {1, -1};
-  return {bytes, ::wcwidth(character)};
+/// Negative when the locale does not know how to print the character.
+int ColumnsOf(const Character& character) {
+  return character.isValid ? ::wcwidth(static_cast<wchar_t>(character.code)) : -1;
 }
 
 /// The number of bytes at the beginning of `text` that take at most `width` columns.
@@ -31,10 +19,10 @@ std::size_t FittingBytes(std::string_view text, std::size_t width) {
   std::size_t taken = 0;
   std::size_t at = 0;
   while (at < text.size()) {
-    const Glyph glyph = FirstGlyph(text.substr(at));
-    taken += static_cast<std::size_t>(std::max(glyph.columns, 0));
+    const Character character = FirstCharacter(text.substr(at));
+    taken += static_cast<std::size_t>(std::max(ColumnsOf(character), 0));
     if (taken > width) break;
-    at += glyph.bytes;
+    at += character.bytes.size();
   }
   return at;
 }
@@ -42,26 +30,21 @@ std::size_t FittingBytes(std::string_view text, std::size_t width) {
 }  // namespace
 
 std::string EscapeUnprintable(std::string_view text) {
-  std::string escaped;
-  for (std::size_t at = 0; at < text.size();) {
-    const Glyph glyph = FirstGlyph(text.substr(at));
-    const std::string_view bytes = text.substr(at, glyph.bytes);
-    if (glyph.columns >= 0) {
-      escaped += bytes;
+  return MapCharacters(text, [](const Character& character, bool /*isUnprintable*/, std::string& out) {
+    if (ColumnsOf(character) >= 0) {
+      out += character.bytes;
     } else {
-      for (const char c : bytes) escaped += fmt::format("\\x{:02x}", static_cast<unsigned char>(c));
+      AppendByteEscapes(character.bytes, out);
     }
-    at += glyph.bytes;
-  }
-  return escaped;
+  });
 }
 
 std::size_t DisplayWidth(std::string_view text) {
   std::size_t width = 0;
   for (std::size_t at = 0; at < text.size();) {
-    const Glyph glyph = FirstGlyph(text.substr(at));
-    width += static_cast<std::size_t>(std::max(glyph.columns, 0));
-    at += glyph.bytes;
+    const Character character = FirstCharacter(text.substr(at));
+    width += static_cast<std::size_t>(std::max(ColumnsOf(character), 0));
+    at += character.bytes.size();
   }
   return width;
 }

@@ -1,9 +1,7 @@
 #include "cli/text/Text.h"
 
-#include <fmt/format.h>
 #include <langinfo.h>
 
-#include <iterator>
 #include <sstream>
 
 #include "cli/text/MapCharacters.h"
@@ -11,12 +9,6 @@
 namespace cli {
 
 namespace {
-
-void EscapeBytes(std::string_view bytes, std::string& out) {
-  for (const char c : bytes) {
-    fmt::format_to(std::back_inserter(out), "\\x{:02x}", static_cast<unsigned char>(c));
-  }
-}
 
 /// Whether who reads the lines takes the bytes of UTF-8 for characters; elsewhere some are control
 /// characters.
@@ -34,7 +26,7 @@ class TerminalPolicy {
     } else if (character.code == U'\t' || IsShown(character, isUnprintable)) {
       out += character.bytes;
     } else {
-      EscapeBytes(character.bytes, out);
+      AppendByteEscapes(character.bytes, out);
     }
   }
 
@@ -61,11 +53,6 @@ void AppendForMof(const Character& character, bool isUnprintable, std::string& o
   } else {
     out += character.bytes;
   }
-}
-
-bool IsDirectionMark(char32_t code) {
-  return code == 0x061C || code == 0x200E || code == 0x200F || (0x202A <= code && code <= 0x202E) ||
-         (0x2066 <= code && code <= 0x2069);
 }
 
 }  // namespace
@@ -99,18 +86,6 @@ std::string QuoteForTerminal(std::string_view text) {
 
 std::string EscapeForMof(std::string_view text) {
   return MapCharacters(text, AppendForMof);
-}
-
-std::string ReplaceDirectionMarks(std::string_view text) {
-  return MapCharacters(text, [](const Character& character, bool /*isUnprintable*/, std::string& out) {
-    out += IsDirectionMark(character.code) ? kReplacement : character.bytes;
-  });
-}
-
-std::string ReplaceUnprintable(std::string_view text) {
-  return MapCharacters(text, [](const Character& character, bool isUnprintable, std::string& out) {
-    out += isUnprintable ? kReplacement : character.bytes;
-  });
 }
 
 std::vector<std::string> SplitAtCommas(const std::string& text) {

@@ -28,14 +28,6 @@ std::string QuoteForTerminal(std::string_view text);
 /// (surrogates) beyond U+FFFF; bytes that are not UTF-8 as U+FFFD.
 std::string EscapeForMof(std::string_view text);
 
-/// `text` with the marks that turn the reading direction replaced by U+FFFD, so that a name cannot rearrange
-/// the line it stands in.
-std::string ReplaceDirectionMarks(std::string_view text);
-
-/// `text` on one line for documents that a person looks at: every unprintable character, which includes what
-/// no XML document may hold and bytes that are not UTF-8, replaced by U+FFFD.
-std::string ReplaceUnprintable(std::string_view text);
-
 /// The parts of `text` between its commas; none of an empty text.
 std::vector<std::string> SplitAtCommas(const std::string& text);
 

@@ -63,6 +63,12 @@ Character FirstCharacter(std::string_view text) {
   return {text.substr(0, form->length), code, true};
 }
 
+void AppendByteEscapes(std::string_view bytes, std::string& out) {
+  for (const char c : bytes) {
+    fmt::format_to(std::back_inserter(out), "\\x{:02x}", static_cast<unsigned char>(c));
+  }
+}
+
 void AppendUtf16Escape(std::string_view prefix, char32_t code, std::string& out) {
   constexpr char32_t kFirstBeyond = 0x10000;
   const auto append = [prefix, &out](unsigned int unit) {

@@ -23,6 +23,9 @@ struct Character {
 /// Substitution of Maximal Subparts") recommends to replace as one.
 Character FirstCharacter(std::string_view text);
 
+/// Appends `\xHH` for each of `bytes`, the digits in lower case.
+void AppendByteEscapes(std::string_view bytes, std::string& out);
+
 /// Appends `code` as UTF-16 in hexadecimal: `prefix` and four lowercase digits, twice (surrogates) beyond
 /// U+FFFF.
 void AppendUtf16Escape(std::string_view prefix, char32_t code, std::string& out);

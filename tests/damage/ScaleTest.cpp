@@ -24,10 +24,6 @@ std::size_t AllocationsOfCutting(const std::string& text) {
   return Allocations::Made() - before;
 }
 
-std::size_t InstancesOf(const PluginRun& run, const char* className) {
-  return run.Result().InstancesOf(className).size();
-}
-
 /// The calls of the host during one run over `text`, by operation.
 class HostCalls {
  public:
@@ -97,12 +93,12 @@ TEST(Scale, HoldsEveryDeviceOfFullBuses) {
   const std::string list = FullBuses(4);
   ASSERT_NO_THROW(CheckPlugin(list));
   const PluginRun run(list);
-  EXPECT_EQ(InstancesOf(run, "KALDO_USBController"), 4U);
-  EXPECT_EQ(InstancesOf(run, "KALDO_USBHub"), 4U * 19);
-  EXPECT_EQ(InstancesOf(run, "KALDO_USBDevice"), 4U * 108);
-  EXPECT_EQ(InstancesOf(run, "KALDO_USBPort"), 4U * 126);
-  EXPECT_EQ(InstancesOf(run, "KALDO_USBPortOnHub"), 4U * 126);
-  EXPECT_EQ(InstancesOf(run, "KALDO_USBConnection"), 4U * 126);
+  EXPECT_EQ(run.Result().Controllers().size(), 4U);
+  EXPECT_EQ(run.Result().Hubs().size(), 4U * 19);
+  EXPECT_EQ(run.Result().Devices().size(), 4U * 108);
+  EXPECT_EQ(run.Result().Ports().size(), 4U * 126);
+  EXPECT_EQ(run.Result().PortsOnHubs().size(), 4U * 126);
+  EXPECT_EQ(run.Result().Connections().size(), 4U * 126);
 }
 
 TEST(Scale, TakesALineOfAMegabyte) {
@@ -111,8 +107,8 @@ TEST(Scale, TakesALineOfAMegabyte) {
       "T:  Bus=01 Lev=01 Prnt=01 Port=00 Cnt=01 Dev#=  2 Spd=12   MxCh= 0\nS:  Product=" + name;
   ASSERT_NO_THROW(CheckPlugin(list + "\n\n"));
   const PluginRun run(list + "\n\n");
-  ASSERT_EQ(InstancesOf(run, "KALDO_USBDevice"), 1U);
-  EXPECT_EQ(run.Result().InstancesOf("KALDO_USBDevice").front().Text("Description"), name);
+  ASSERT_EQ(run.Result().Devices().size(), 1U);
+  EXPECT_EQ(run.Result().Devices().front().String(schema::PropertyId::kDescription), name);
 }
 
 TEST(Scale, MakesNothingOfBlocksWithoutATopologyLine) {

@@ -6,14 +6,13 @@
 #include <map>
 #include <memory>
 
-#include "standin/ValueView.h"
 #include "tests/cli/support/CimDtd.h"
 #include "tests/fuzz/BrokenInvariant.h"
+#include "tests/fuzz/ReadPath.h"
 #include "tests/fuzz/Utf8.h"
 
-using NKESTA20::TCIMReference;
-using NKESTA20::TCIMValue;
-using Type = TCIMValue::TCIMType;
+using schema::PropertySchema;
+using Type = NKESTA20::TCIMValue::TCIMType;
 
 namespace usbinfo_test {
 
@@ -61,11 +60,11 @@ void CheckText(const xmlNode* node, const char* name, const std::string& expecte
   RequireEqual(Taken(xmlNodeGetContent(node)), AsXmlHoldsIt(expected), "a text of the XML document");
 }
 
-std::string TypeNameOf(const TCIMValue& value) {
+std::string TypeNameOf(const PropertySchema& property) {
   static const std::map<Type::ECIMType, std::string> names = {
       {Type::kUint8, "uint8"},   {Type::kUint16, "uint16"},      {Type::kUint64, "uint64"},
       {Type::kString, "string"}, {Type::kStringArray, "string"}, {Type::kReference, "reference"}};
-  return names.at(standin::TypeOf(value));
+  return names.at(property.type);
 }
 
 void CheckNamespace(const xmlNode* node) {
@@ -75,65 +74,83 @@ void CheckNamespace(const xmlNode* node) {
   parts.RequireEnd();
 }
 
-void CheckInstanceName(const xmlNode* node, const TCIMReference& path);
-
-void CheckReference(const xmlNode* node, const TCIMReference& path) {
-  Children reference(node, "VALUE.REFERENCE");
-  Children local(reference.Next(), "LOCALINSTANCEPATH");
-  CheckNamespace(local.Next());
-  CheckInstanceName(local.Next(), path);
+/// The only element of a key binding of that name.
+const xmlNode* KeyOf(const xmlNode* binding, const std::string& name) {
+  CheckAttribute(binding, "NAME", name);
+  Children content(binding, "KEYBINDING");
+  const xmlNode* const key = content.Next();
+  content.RequireEnd();
+  return key;
 }
 
-void CheckInstanceName(const xmlNode* node, const TCIMReference& path) {
+void CheckStringKey(const xmlNode* key, const std::string& value) {
+  CheckAttribute(key, "VALUETYPE", "string");
+  CheckAttribute(key, "TYPE", "string");
+  CheckText(key, "KEYVALUE", value);
+}
+
+void CheckReference(const xmlNode* node, const ReadPath& path) {
+  Children reference(node, "VALUE.REFERENCE");
+  Children local(reference.Next(), "LOCALINSTANCEPATH");
+  reference.RequireEnd();
+  CheckNamespace(local.Next());
+  const xmlNode* const instanceName = local.Next();
+  local.RequireEnd();
+  CheckAttribute(instanceName, "CLASSNAME", path.className);
+  Children bindings(instanceName, "INSTANCENAME");
+  for (const auto& [name, value] : path.keys) CheckStringKey(KeyOf(bindings.Next(), name), value);
+  bindings.RequireEnd();
+}
+
+void CheckInstanceName(const xmlNode* node, const cli::Item& item) {
   Children bindings(node, "INSTANCENAME");
-  CheckAttribute(node, "CLASSNAME", standin::ClassNameOf(path));
-  for (const auto& [name, value] : standin::KeysOf(path)) {
-    const xmlNode* const binding = bindings.Next();
-    CheckAttribute(binding, "NAME", name);
-    Children content(binding, "KEYBINDING");
-    const xmlNode* const key = content.Next();
-    content.RequireEnd();
-    if (standin::TypeOf(value) == Type::kReference) {
-      CheckReference(key, standin::ReferenceOf(value));
-      continue;
+  CheckAttribute(node, "CLASSNAME", item.Schema().name);
+  for (const PropertySchema& property : item.Schema().properties) {
+    if (!property.isKey) continue;
+    const xmlNode* const key = KeyOf(bindings.Next(), property.name);
+    const std::string& value = item.String(property.id);
+    if (property.type == Type::kReference) {
+      CheckReference(key, ParsePath(value));
+    } else {
+      CheckStringKey(key, value);
     }
-    CheckAttribute(key, "VALUETYPE", "string");
-    CheckAttribute(key, "TYPE", TypeNameOf(value));
-    CheckText(key, "KEYVALUE", standin::TextOf(value));
   }
   bindings.RequireEnd();
 }
 
-void CheckArray(const xmlNode* node, const TCIMValue& value) {
+void CheckArray(const xmlNode* node, const std::vector<std::string>& texts) {
   Children property(node, "PROPERTY.ARRAY");
   Children elements(property.Next(), "VALUE.ARRAY");
   property.RequireEnd();
-  for (const std::string& element : standin::StringsOf(value)) CheckText(elements.Next(), "VALUE", element);
+  for (const std::string& text : texts) CheckText(elements.Next(), "VALUE", text);
   elements.RequireEnd();
 }
 
-void CheckProperty(const xmlNode* node, const std::string& name, const TCIMValue& value) {
-  CheckAttribute(node, "NAME", name);
-  if (standin::TypeOf(value) == Type::kReference) {
-    CheckAttribute(node, "REFERENCECLASS", standin::ClassNameOf(standin::ReferenceOf(value)));
-    return CheckReference(Children(node, "PROPERTY.REFERENCE").Next(), standin::ReferenceOf(value));
+void CheckProperty(const xmlNode* node, const PropertySchema& property, const cli::Value& value) {
+  CheckAttribute(node, "NAME", property.name);
+  if (const auto* const reference = std::get_if<cli::Reference>(&value)) {
+    const ReadPath path = ParsePath(reference->path);
+    CheckAttribute(node, "REFERENCECLASS", path.className);
+    return CheckReference(Children(node, "PROPERTY.REFERENCE").Next(), path);
   }
-  CheckAttribute(node, "TYPE", TypeNameOf(value));
-  if (standin::TypeOf(value) == Type::kStringArray) return CheckArray(node, value);
-  Children property(node, "PROPERTY");
-  CheckText(property.Next(), "VALUE", standin::TextOf(value));
-  property.RequireEnd();
+  CheckAttribute(node, "TYPE", TypeNameOf(property));
+  if (const auto* const texts = std::get_if<std::vector<std::string>>(&value))
+    return CheckArray(node, *texts);
+  Children content(node, "PROPERTY");
+  CheckText(content.Next(), "VALUE", cli::TextOf(value));
+  content.RequireEnd();
 }
 
-void CheckInstance(const xmlNode* node, const std::string& className, const cli::InstanceView& instance) {
+void CheckItem(const xmlNode* node, const cli::Item& item) {
   Children object(node, "VALUE.NAMEDOBJECT");
-  CheckInstanceName(object.Next(), instance.Path());
+  CheckInstanceName(object.Next(), item);
   const xmlNode* const content = object.Next();
   object.RequireEnd();
-  CheckAttribute(content, "CLASSNAME", className);
+  CheckAttribute(content, "CLASSNAME", item.Schema().name);
   Children properties(content, "INSTANCE");
-  for (const auto& [name, value] : instance.Properties()) {
-    CheckProperty(properties.Next(), name, value);
+  for (std::size_t index = 0; index < item.Schema().properties.size(); ++index) {
+    if (item.At(index).index() == 0) continue;
+    CheckProperty(properties.Next(), item.Schema().properties[index], item.At(index));
   }
   properties.RequireEnd();
 }
@@ -173,11 +190,7 @@ std::string AsXmlHoldsIt(const std::string& text) {
 }
 
 void CheckCimXml(const std::string& document, const cli::Inventory& inventory) {
-  ForEachCharacter(document, [](std::uint32_t character) {
-    const bool isControl = character < 0x20 || (character >= 0x7F && character < 0xA0);
-    Require(!isControl || character == '\n' || character == '\t',
-            "the XML document holds a control character");
-  });
+  RequireFitForTerminal(document, true);
   const Document parsed = Parse(document);
   CheckValidity(parsed.get());
   Children cim(xmlDocGetRootElement(parsed.get()), "CIM");
@@ -185,10 +198,8 @@ void CheckCimXml(const std::string& document, const cli::Inventory& inventory) {
   Children group(declaration.Next(), "DECLGROUP.WITHNAME");
   declaration.RequireEnd();
   CheckNamespace(group.Next());
-  for (const cli::ClassView& view : inventory.Classes()) {
-    for (const cli::InstanceView& instance : view.instances) {
-      CheckInstance(group.Next(), view.schema.name, instance);
-    }
+  for (const cli::ItemsOfClass& ofClass : inventory.Classes()) {
+    for (const cli::Item& item : ofClass.items) CheckItem(group.Next(), item);
   }
   group.RequireEnd();
 }

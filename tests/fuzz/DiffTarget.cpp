@@ -10,8 +10,8 @@
 #include "cli/text/UserError.h"
 #include "tests/fuzz/BrokenInvariant.h"
 
-using cli::InventoryDifference;
 using cli::Inventory;
+using cli::InventoryDifference;
 
 namespace usbinfo_test {
 

@@ -12,6 +12,8 @@
 #include "tests/fuzz/LinkModel.h"
 #include "tests/fuzz/Utf8.h"
 
+using cli::PropertyId;
+
 namespace usbinfo_test {
 
 namespace {
@@ -171,9 +173,9 @@ class Comparison {
     RequireEqual(read.name, item.isRootHub ? "" : name, "the name of an item of the page");
     const bool hasId = item.kind == "hub" || item.kind == "device";
     RequireEqual(read.id, hasId ? item.Id() : "", "the id of an item of the page");
-    CheckFact(read, "Address", item.instance->Text("DeviceID"));
-    CheckFact(read, "Manufacturer", item.instance->Text("Manufacturer"));
-    CheckFact(read, "Serial number", item.instance->Text("SerialNumber"));
+    CheckFact(read, "Address", item.item->String(PropertyId::kDeviceID));
+    CheckFact(read, "Manufacturer", item.item->String(PropertyId::kManufacturer));
+    CheckFact(read, "Serial number", item.item->String(PropertyId::kSerialNumber));
     CheckSockets(read, index);
   }
 

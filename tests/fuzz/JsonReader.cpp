@@ -4,40 +4,15 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "standin/ValueView.h"
 #include "tests/fuzz/BrokenInvariant.h"
+#include "tests/fuzz/ReadPath.h"
 #include "tests/fuzz/Utf8.h"
 
-using NKESTA20::TCIMReference;
-using NKESTA20::TCIMValue;
 using nlohmann::ordered_json;
-using Type = TCIMValue::TCIMType;
 
 namespace usbinfo_test {
 
 namespace {
-
-std::string Quoted(const std::string& text) {
-  std::string quoted;
-  for (const char c : text) {
-    if (c == '"' || c == '\\') quoted += '\\';
-    quoted += c;
-  }
-  return '"' + quoted + '"';
-}
-
-/// A path as text; an association's keys are paths themselves.
-std::string PathText(const TCIMReference& path) {
-  std::string text = standin::ClassNameOf(path);
-  char separator = '.';
-  for (const auto& [name, value] : standin::KeysOf(path)) {
-    const bool isPath = standin::TypeOf(value) == Type::kReference;
-    text += separator + name + "=" +
-            Quoted(isPath ? PathText(standin::ReferenceOf(value)) : standin::StringOf(value));
-    separator = ',';
-  }
-  return text;
-}
 
 void CheckText(const ordered_json& found, const std::string& expected) {
   Require(found.is_string(), "a text is a JSON string");
@@ -45,38 +20,40 @@ void CheckText(const ordered_json& found, const std::string& expected) {
                "a string of the JSON document");
 }
 
-void CheckValue(const ordered_json& found, const TCIMValue& value) {
-  switch (standin::TypeOf(value)) {
-    case Type::kString:
-      return CheckText(found, standin::StringOf(value));
-    case Type::kReference:
-      return CheckText(found, PathText(standin::ReferenceOf(value)));
-    case Type::kStringArray:
-      Require(found == ordered_json(standin::StringsOf(value)), "an array of the JSON document");
-      break;
-    default:
-      Require(found.is_number_unsigned() && found.get<std::uint64_t>() == standin::NumberOf(value),
-              "a number of the JSON document");
-  }
-}
+struct ValueCheck {
+  const ordered_json& found;
 
-void CheckInstance(const ordered_json& found, const cli::InstanceView& instance) {
+  void operator()(std::monostate) const {
+    throw BrokenInvariant("the JSON document has a property too many");
+  }
+  void operator()(std::uint64_t number) const {
+    Require(found.is_number_unsigned() && found.get<std::uint64_t>() == number,
+            "a number of the JSON document");
+  }
+  void operator()(const std::string& text) const { CheckText(found, text); }
+  void operator()(const cli::Reference& reference) const { CheckText(found, reference.path); }
+  void operator()(const std::vector<std::string>& texts) const {
+    Require(found == ordered_json(texts), "an array of the JSON document");
+  }
+};
+
+void CheckItem(const ordered_json& found, const cli::Item& item) {
   Require(found.is_object(), "an instance is a JSON object");
-  RequireCount(found.size(), instance.Properties().size(), "properties of a JSON object");
   auto property = found.begin();
-  for (const auto& [name, expected] : instance.Properties()) {
-    RequireEqual(property.key(), name, "a property of the JSON document");
-    CheckValue(property.value(), expected);
+  for (std::size_t index = 0; index < item.Schema().properties.size(); ++index) {
+    if (item.At(index).index() == 0) continue;
+    Require(property != found.end(), "a JSON object has all properties");
+    RequireEqual(property.key(), item.Schema().properties[index].name, "a property of the JSON document");
+    std::visit(ValueCheck{property.value()}, item.At(index));
     ++property;
   }
+  Require(property == found.end(), "a JSON object has no property too many");
 }
 
-void CheckClass(const ordered_json& found, const cli::ClassView& view) {
+void CheckClass(const ordered_json& found, const cli::ItemsOfClass& ofClass) {
   Require(found.is_array(), "a class is a JSON array");
-  RequireCount(found.size(), view.instances.size(), "instances of a class of the JSON document");
-  for (std::size_t index = 0; index < found.size(); ++index) {
-    CheckInstance(found[index], view.instances[index]);
-  }
+  RequireCount(found.size(), ofClass.items.size(), "instances of a class of the JSON document");
+  for (std::size_t index = 0; index < found.size(); ++index) CheckItem(found[index], ofClass.items[index]);
 }
 
 /// A document that any program can take: ASCII, without control characters but newlines, of which one ends
@@ -88,14 +65,13 @@ void CheckPlainText(const std::string& document) {
   Require(!document.empty() && document.back() == '\n', "the JSON document ends with a newline");
 }
 
-void CheckLine(const std::string& line, const std::string& system, const std::string& className,
-               const cli::InstanceView& instance) {
+void CheckLine(const std::string& line, const std::string& system, const cli::Item& item) {
   const ordered_json object = ordered_json::parse(line);
   RequireCount(object.size(), 4, "members of a JSON line");
   RequireEqual(object.at("host"), ReplaceBrokenUtf8(system), "the host of a JSON line");
-  RequireEqual(object.at("class"), className, "the class of a JSON line");
-  CheckText(object.at("path"), PathText(instance.Path()));
-  CheckInstance(object.at("properties"), instance);
+  RequireEqual(object.at("class"), item.Schema().name, "the class of a JSON line");
+  CheckText(object.at("path"), PathTextOf(item));
+  CheckItem(object.at("properties"), item);
 }
 
 }  // namespace
@@ -104,10 +80,10 @@ void CheckJsonLines(const std::string& document, const cli::Inventory& inventory
   if (!document.empty()) CheckPlainText(document);
   std::istringstream lines(document);
   std::string line;
-  for (const cli::ClassView& view : inventory.Classes()) {
-    for (const cli::InstanceView& instance : view.instances) {
+  for (const cli::ItemsOfClass& ofClass : inventory.Classes()) {
+    for (const cli::Item& item : ofClass.items) {
       Require(static_cast<bool>(std::getline(lines, line)), "a JSON line for each instance");
-      CheckLine(line, inventory.SystemName(), view.schema.name, instance);
+      CheckLine(line, inventory.SystemName(), item);
     }
   }
   Require(!std::getline(lines, line), "no JSON line without an instance");
@@ -122,9 +98,9 @@ void CheckJson(const std::string& document, const cli::Inventory& inventory) {
   const ordered_json& classes = root.at("classes");
   RequireCount(classes.size(), inventory.Classes().size(), "classes of the JSON document");
   auto found = classes.begin();
-  for (const cli::ClassView& view : inventory.Classes()) {
-    RequireEqual(found.key(), view.schema.name, "a class of the JSON document");
-    CheckClass(found.value(), view);
+  for (const cli::ItemsOfClass& ofClass : inventory.Classes()) {
+    RequireEqual(found.key(), ofClass.schema->name, "a class of the JSON document");
+    CheckClass(found.value(), ofClass);
     ++found;
   }
 }

@@ -16,7 +16,7 @@ struct LinkedItem {
 
   /// "controller", "hub", "port" or "device".
   std::string kind;
-  const cli::InstanceView* instance;
+  const cli::Item* item;
   /// Index of the item that it hangs on, or kNone.
   std::size_t parent = kNone;
   bool isRootHub = false;

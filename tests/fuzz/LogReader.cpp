@@ -12,8 +12,6 @@
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/Utf8.h"
 
-using NKESTA20::ILogger;
-
 namespace usbinfo_test {
 
 namespace {
@@ -22,9 +20,11 @@ namespace {
 std::vector<std::string> Written(const DistinctLines& log, cli::LogFormat format) {
   static const int file = ::memfd_create("log", MFD_CLOEXEC);
   Require(file >= 0, "a file in memory");
-  cli::LogWriter writer("/proc/self/fd/" + std::to_string(file), ILogger::kVerbose, format);
+  // The writer goes on where a file that is open already stands.
+  Require(::ftruncate(file, 0) == 0 && ::lseek(file, 0, SEEK_SET) == 0, "the file is emptied");
+  cli::LogWriter writer("/proc/self/fd/" + std::to_string(file), cli::LogSeverity::kVerbose, format);
   for (const LogLine& line : log) {
-    writer.Write(static_cast<ILogger::EQSVLogSeverity>(line.severity), line.text);
+    writer.Write(static_cast<cli::LogSeverity>(line.severity), line.text);
   }
   writer.Finish();
   Require(::lseek(file, 0, SEEK_SET) == 0, "the log is read from its beginning");

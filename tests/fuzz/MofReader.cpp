@@ -4,13 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "standin/ValueView.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/Utf8.h"
-
-using NKESTA20::TCIMReference;
-using NKESTA20::TCIMValue;
-using Type = TCIMValue::TCIMType;
 
 namespace usbinfo_test {
 
@@ -22,7 +17,12 @@ std::string EncodeUtf8(std::uint32_t character) {
   if (character < 0x800) {
     bytes += static_cast<char>(0xC0U | (character >> 6U));
   } else {
-    bytes += static_cast<char>(0xE0U | (character >> 12U));
+    if (character < 0x10000) {
+      bytes += static_cast<char>(0xE0U | (character >> 12U));
+    } else {
+      bytes += static_cast<char>(0xF0U | (character >> 18U));
+      bytes += static_cast<char>(0x80U | ((character >> 12U) & 0x3FU));
+    }
     bytes += static_cast<char>(0x80U | ((character >> 6U) & 0x3FU));
   }
   return bytes + static_cast<char>(0x80U | (character & 0x3FU));
@@ -81,61 +81,64 @@ class Scanner {
   }
 
   std::string Escaped() {
-    constexpr std::size_t kDigits = 4;
-    constexpr int kHexadecimal = 16;
     const char kind = Advance(2).back();
     if (kind == 'n') return "\n";
     if (kind == 't') return "\t";
-    if (kind == 'x')
-      return EncodeUtf8(static_cast<std::uint32_t>(std::stoul(Advance(kDigits), nullptr, kHexadecimal)));
+    if (kind == 'x') return EncodeUtf8(EscapedCharacter());
     Require(kind == '"' || kind == '\\', "an escape of the MOF document");
     return {kind};
+  }
+
+  /// One unit of UTF-16 or a pair of surrogates.
+  std::uint32_t EscapedCharacter() {
+    const std::uint32_t unit = Unit();
+    if (unit < 0xD800 || unit > 0xDBFF) return unit;
+    Require(Takes("\\x"), "the second of a pair of surrogates");
+    return 0x10000 + ((unit - 0xD800) << 10U) + (Unit() - 0xDC00);
+  }
+
+  std::uint32_t Unit() {
+    constexpr std::size_t kDigits = 4;
+    constexpr int kHexadecimal = 16;
+    return static_cast<std::uint32_t>(std::stoul(Advance(kDigits), nullptr, kHexadecimal));
   }
 
   std::string_view fText;
 };
 
-std::string ReferenceText(const TCIMReference& path) {
-  std::string text = "/root/cimv2:" + standin::ClassNameOf(path);
-  char separator = '.';
-  for (const auto& [name, value] : standin::KeysOf(path)) {
-    text += separator + name + "=\"";
-    for (const char c : standin::StringOf(value))
-      text += (c == '"' || c == '\\' ? "\\" : "") + std::string(1, c);
-    text += '"';
-    separator = ',';
-  }
-  return text;
-}
+struct ValueCheck {
+  Scanner& scanner;
 
-void CheckValue(Scanner& scanner, const TCIMValue& value) {
-  switch (standin::TypeOf(value)) {
-    case Type::kString:
-      return RequireEqual(scanner.String(), ReplaceBrokenUtf8(standin::StringOf(value)),
-                          "a string of the MOF document");
-    case Type::kReference:
-      return RequireEqual(scanner.String(), ReplaceBrokenUtf8(ReferenceText(standin::ReferenceOf(value))),
-                          "a reference of the MOF document");
-    case Type::kStringArray:
-      scanner.Expect("{");
-      for (const std::string& element : standin::StringsOf(value)) {
-        if (&element != &standin::StringsOf(value).front()) scanner.Expect(",");
-        RequireEqual(scanner.String(), ReplaceBrokenUtf8(element), "an element of the MOF document");
-      }
-      return scanner.Expect("}");
-    default:
-      RequireEqual(scanner.Word(), std::to_string(standin::NumberOf(value)), "a number of the MOF document");
+  void operator()(std::monostate) const { throw BrokenInvariant("the MOF document has a property too many"); }
+  void operator()(std::uint64_t number) const {
+    RequireEqual(scanner.Word(), std::to_string(number), "a number of the MOF document");
   }
-}
+  void operator()(const std::string& text) const {
+    RequireEqual(scanner.String(), ReplaceBrokenUtf8(text), "a string of the MOF document");
+  }
+  void operator()(const cli::Reference& reference) const {
+    RequireEqual(scanner.String(), ReplaceBrokenUtf8("/root/cimv2:" + reference.path),
+                 "a reference of the MOF document");
+  }
+  void operator()(const std::vector<std::string>& texts) const {
+    scanner.Expect("{");
+    for (const std::string& text : texts) {
+      if (&text != &texts.front()) scanner.Expect(",");
+      RequireEqual(scanner.String(), ReplaceBrokenUtf8(text), "an element of the MOF document");
+    }
+    scanner.Expect("}");
+  }
+};
 
-void CheckInstance(Scanner& scanner, const std::string& className, const cli::InstanceView& instance) {
+void CheckItem(Scanner& scanner, const cli::Item& item) {
   scanner.Expect("instance of ");
-  RequireEqual(scanner.Word(), className, "the class of an instance of the MOF document");
+  RequireEqual(scanner.Word(), item.Schema().name, "the class of an instance of the MOF document");
   scanner.Expect("{");
-  for (const auto& [name, value] : instance.Properties()) {
-    RequireEqual(scanner.Word(), name, "a property of the MOF document");
+  for (std::size_t index = 0; index < item.Schema().properties.size(); ++index) {
+    if (item.At(index).index() == 0) continue;
+    RequireEqual(scanner.Word(), item.Schema().properties[index].name, "a property of the MOF document");
     scanner.Expect("=");
-    CheckValue(scanner, value);
+    std::visit(ValueCheck{scanner}, item.At(index));
     scanner.Expect(";");
   }
   scanner.Expect("};");
@@ -159,9 +162,8 @@ void CheckMof(const std::string& document, const cli::Inventory& inventory) {
   RequireFitForTerminal(document, false);
   Scanner scanner(document);
   SkipDeclarations(scanner);
-  for (const cli::ClassView& view : inventory.Classes()) {
-    for (const cli::InstanceView& instance : view.instances)
-      CheckInstance(scanner, view.schema.name, instance);
+  for (const cli::ItemsOfClass& ofClass : inventory.Classes()) {
+    for (const cli::Item& item : ofClass.items) CheckItem(scanner, item);
   }
   Require(scanner.IsAtEnd(), "nothing follows the instances of the MOF document");
 }

@@ -1,10 +1,13 @@
 #include "tests/fuzz/PluginRun.h"
 
+#include <memory>
+
+#include "cli/model/FromHost.h"
 #include "inventory/TUsbData.h"
 #include "plugin/TUSBInfoCallbacks.h"
-#include "schema/ClassSchema.h"
 #include "standin/GivenDeviceList.h"
 #include "standin/Host.h"
+#include "tests/support/AllClasses.h"
 
 using standin::Host;
 
@@ -32,15 +35,13 @@ PluginRun::PluginRun(const std::string& text) {
   host.SetOperatingSystem(std::make_unique<standin::GivenDeviceList>(text));
   host.CoreLogger().SetSink([this](auto severity, const auto& line) { fLog.push_back({severity, line}); });
   std::vector<boost::shared_ptr<NKESTA20::ICIMClass>> classes;
-  for (const schema::ClassSchema& schema : schema::ServedClasses()) {
-    classes.emplace_back(host.Cimv2()->ClassForRequest(schema.name));
-  }
+  for (const std::string& name : kAllClasses) classes.emplace_back(host.Cimv2()->ClassForRequest(name));
   NKESTA20::TUSBInfoCallbacks plugin;
   plugin.Init();
   plugin.GetData(host.Cimv2(), classes);
   plugin.DeInit();
   host.Forget(&plugin);
-  fResult = std::make_unique<cli::Inventory>(host);
+  fResult = cli::FromHost(host, kAllClasses);
 }
 
 PluginRun::~PluginRun() {

@@ -2,7 +2,6 @@
 // object, its inventory and the host are as new each time, so that one process serves any number of lists.
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -22,13 +21,13 @@ class PluginRun {
   /// Leaves nothing behind in the host and the plug-in, so that leaks show.
   ~PluginRun();
 
-  const cli::Inventory& Result() const { return *fResult; }
+  const cli::Inventory& Result() const { return fResult; }
   /// Every line of the core logger.
   const std::vector<LogLine>& Log() const { return fLog; }
 
  private:
   std::vector<LogLine> fLog;
-  std::unique_ptr<cli::Inventory> fResult;
+  cli::Inventory fResult{kSystemName};
 };
 
 }  // namespace usbinfo_test

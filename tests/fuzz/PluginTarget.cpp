@@ -1,6 +1,5 @@
 #include "tests/fuzz/PluginTarget.h"
 
-#include "standin/ValueView.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/ReadBack.h"
 #include "tests/model/ModelPlugin.h"
@@ -21,24 +20,23 @@ Outcome ExpectedOutcome(const std::string& text) {
   return expected;
 }
 
-/// The properties of `instances` as texts.
-std::vector<Properties> PropertiesOf(const std::vector<cli::InstanceView>& instances) {
-  std::vector<Properties> all;
-  for (const cli::InstanceView& instance : instances) {
-    Properties properties;
-    for (const auto& [name, property] : instance.Properties()) {
-      properties.emplace(name, standin::TextOf(property->Value()));
-    }
-    all.push_back(std::move(properties));
+/// The properties of `item` as texts.
+Properties PropertiesOf(const cli::Item& item) {
+  Properties properties;
+  for (std::size_t index = 0; index < item.Schema().properties.size(); ++index) {
+    if (item.At(index).index() == 0) continue;
+    properties.emplace(item.Schema().properties[index].name, cli::TextOf(item.At(index)));
   }
-  return all;
+  return properties;
 }
 
 Outcome OutcomeOf(const PluginRun& run) {
   Outcome outcome;
   outcome.log = run.Log();
-  for (const cli::ClassView& view : run.Result().Classes()) {
-    if (!view.instances.empty()) outcome.instances[view.schema.name] = PropertiesOf(view.instances);
+  for (const cli::ItemsOfClass& ofClass : run.Result().Classes()) {
+    for (const cli::Item& item : ofClass.items) {
+      outcome.instances[ofClass.schema->name].push_back(PropertiesOf(item));
+    }
   }
   return outcome;
 }

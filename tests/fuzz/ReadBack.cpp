@@ -5,6 +5,7 @@
 #include <regex>
 
 #include "cli/format/OutputFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "cli/model/UsbIds.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/CimXmlReader.h"

@@ -7,10 +7,12 @@
 #include <vector>
 
 #include "cli/format/OutputFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/CimXmlReader.h"
 #include "tests/fuzz/PluginTarget.h"
 #include "tests/fuzz/ReadBack.h"
+#include "tests/fuzz/ReadPath.h"
 #include "tests/fuzz/Utf8.h"
 #include "tests/support/HostTest.h"
 
@@ -145,7 +147,9 @@ TEST_F(ReadBackTest, OfTheTreeRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("tree", "1 controller", "2 controllers"));
   EXPECT_FALSE(TakesWith("tree", "(1 free)", "(2 free)"));
   EXPECT_FALSE(TakesWith("tree", "Port 00", "Port 00\n"));
-  for (const char* mark : {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xE2\x80\xA8", "\xFF"}) {
+  EXPECT_FALSE(TakesWith("tree", "Port 00", std::string(1200, 'x')));
+  for (const char* mark :
+       {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xE2\x80\xA8", "\xE2\x80\x8B", "\xFF"}) {
     EXPECT_FALSE(TakesWith("tree", "Port 00", std::string(mark) + "Port 00")) << testing::PrintToString(mark);
   }
   EXPECT_TRUE(TakesWith("tree", "Port 00", "P\xC3\xB6rt 00"));
@@ -163,7 +167,8 @@ TEST_F(ReadBackTest, OfTheTableRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("table", " free\n", " free\n\n"));
   EXPECT_FALSE(TakesWith("table", "\n\n", "\n"));
   EXPECT_FALSE(Takes("table", Render("table") + "\n"));
-  for (const char* mark : {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xFF"}) {
+  EXPECT_FALSE(TakesWith("table", "Root &", std::string(2000, 'x')));
+  for (const char* mark : {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xE2\x80\x8B", "\xFF"}) {
     EXPECT_FALSE(TakesWith("table", "Root &", std::string("Root ") + mark)) << testing::PrintToString(mark);
   }
   static_cast<void>(std::setlocale(LC_CTYPE, "C"));
@@ -214,6 +219,21 @@ TEST(Utf8Model, ReplacesWhatIsNotShown) {
   const std::string bad = "\xEF\xBF\xBD";
   EXPECT_EQ(AsShown("a\tb\x7F\xC2\x9B\xE2\x80\xAE\xE2\x80\xA9\xEF\xBF\xBF\xFFz\xC3\xA4"),
             "a" + bad + "b" + bad + bad + bad + bad + bad + bad + "z\xC3\xA4");
+  EXPECT_EQ(AsShown("a\xE2\x80\x8D\xF3\xA0\x81\x81z"), "a" + bad + bad + "z");
+  const std::string four = "a\xCC\x81\xE1\xAA\xB0\xCC\x81\xCC\x81";
+  EXPECT_EQ(AsShown(four + "\xCC\x81"), four + bad);
+  const std::string heart = "\xE2\x9D\xA4\xEF\xB8\x8F";
+  EXPECT_EQ(AsShown(heart + "a\xEF\xB8\x8F"), heart + "a" + bad);
+}
+
+TEST(PathModel, TakesPathsApart) {
+  const ReadPath path = ParsePath("Class.A=\"a.=,\\\"\\\\\",B=\"\"");
+  EXPECT_EQ(path.className, "Class");
+  EXPECT_THAT(path.keys, testing::ElementsAre(testing::Pair("A", "a.=,\"\\"), testing::Pair("B", "")));
+  for (const char* const broken : {"Class", "Class.A", "Class.A=a", "Class.A=\"a", "Class.A=\"a\\",
+                                   "Class.A=\"a\"x", "Class.A=\"a\".B=\"b\""}) {
+    EXPECT_THROW(ParsePath(broken), BrokenInvariant) << broken;
+  }
 }
 
 TEST(XmlModel, ReplacesWhatXmlCannotHold) {

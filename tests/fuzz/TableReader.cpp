@@ -7,6 +7,9 @@
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/Utf8.h"
 
+using cli::ClassId;
+using cli::PropertyId;
+
 namespace usbinfo_test {
 
 namespace {
@@ -31,15 +34,15 @@ class LineReader {
 };
 
 /// The titles of a class's columns, a blank between each two.
-const std::string& TitlesOf(const std::string& className) {
-  static const std::map<std::string, std::string> kTitles = {
-      {"KALDO_USBController", "BUS CONTROLLER"},
-      {"KALDO_USBHub", "BUS DEV ID PORTS PRODUCT MAKER SERIAL"},
-      {"KALDO_USBPort", "BUS HUB PORT SPEED STATUS"},
-      {"KALDO_USBDevice", "BUS DEV ID SPEED PRODUCT MAKER SERIAL"},
-      {"KALDO_USBPortOnHub", "BUS HUB PORT NAME OF THE HUB"},
-      {"KALDO_USBConnection", "BUS HUB PORT DEV PLUGGED IN"}};
-  return kTitles.at(className);
+const char* TitlesOf(ClassId classId) {
+  static const std::map<ClassId, const char*> kTitles = {
+      {ClassId::kController, "BUS CONTROLLER"},
+      {ClassId::kHub, "BUS DEV ID PORTS PRODUCT MAKER SERIAL"},
+      {ClassId::kPort, "BUS HUB PORT SPEED STATUS"},
+      {ClassId::kDevice, "BUS DEV ID SPEED PRODUCT MAKER SERIAL"},
+      {ClassId::kPortOnHub, "BUS HUB PORT NAME OF THE HUB"},
+      {ClassId::kConnection, "BUS HUB PORT DEV PLUGGED IN"}};
+  return kTitles.at(classId);
 }
 
 std::string WithSingleBlanks(const std::string& line) {
@@ -49,56 +52,59 @@ std::string WithSingleBlanks(const std::string& line) {
   return text;
 }
 
-std::string IdOf(const cli::InstanceView& item) {
+std::string IdOf(const cli::Item& item) {
   char id[16];
-  static_cast<void>(std::snprintf(id, sizeof id, "%04x:%04x", static_cast<unsigned>(item.Number("VendorID")),
-                                  static_cast<unsigned>(item.Number("USBDeviceID"))));
+  static_cast<void>(std::snprintf(id, sizeof id, "%04x:%04x",
+                                  static_cast<unsigned>(item.Number(PropertyId::kVendorID)),
+                                  static_cast<unsigned>(item.Number(PropertyId::kUSBDeviceID))));
   return id;
 }
 
 /// What a row must hold between blanks, whatever stands in its other cells.
-std::string NumbersOf(const std::string& className, const cli::InstanceView& item) {
-  if (className == "KALDO_USBHub") return IdOf(item);
-  if (className != "KALDO_USBDevice") return std::string();
+std::string NumbersOf(const cli::Item& item) {
+  if (item.Class() == ClassId::kHub) return IdOf(item);
+  if (item.Class() != ClassId::kDevice) return std::string();
   static const std::map<std::uint64_t, std::string> kSpeeds = {
       {1, " 1.5 Mbit/s"}, {2, " 12 Mbit/s"}, {3, " 480 Mbit/s"}, {4, " 5+ Gbit/s"}};
-  const auto speed = kSpeeds.find(item.Number("Speed"));
+  const auto speed = kSpeeds.find(item.Number(PropertyId::kSpeed));
   return IdOf(item) + (speed == kSpeeds.end() ? std::string() : speed->second);
 }
 
-void CheckRow(const std::string& row, const std::string& className, const cli::InstanceView& item) {
+void CheckRow(const std::string& row, const cli::Item& item) {
   const std::string spaced = " " + WithSingleBlanks(row) + " ";
-  const std::string numbers = NumbersOf(className, item);
+  const std::string numbers = NumbersOf(item);
   Require(numbers.empty() || spaced.find(" " + numbers + " ") != std::string::npos,
           "a row of the table tells the numbers of its instance");
-  if (className != "KALDO_USBPort") return;
+  if (item.Class() != ClassId::kPort) return;
   const std::string status =
-      item.Text("StatusDescriptions") == "{No device connected}" ? " free " : " in use ";
+      item.Text(PropertyId::kStatusDescriptions) == "{No device connected}" ? " free " : " in use ";
   Require(spaced.size() >= status.size() &&
               spaced.compare(spaced.size() - status.size(), status.size(), status) == 0,
           "a port's row ends with its state");
 }
 
-void CheckSection(LineReader& lines, const cli::ClassView& view) {
-  const std::size_t count = view.instances.size();
-  RequireEqual(lines.Next(),
-               view.schema.name + ": " + std::to_string(count) + (count == 1 ? " instance" : " instances"),
-               "a section's heading");
-  RequireEqual(WithSingleBlanks(lines.Next()), TitlesOf(view.schema.name), "a section's titles");
-  for (const cli::InstanceView& item : view.instances) CheckRow(lines.Next(), view.schema.name, item);
+void CheckSection(LineReader& lines, const cli::ItemsOfClass& ofClass) {
+  const std::size_t count = ofClass.items.size();
+  RequireEqual(
+      lines.Next(),
+      ofClass.schema->name + ": " + std::to_string(count) + (count == 1 ? " instance" : " instances"),
+      "a section's heading");
+  RequireEqual(WithSingleBlanks(lines.Next()), TitlesOf(ofClass.schema->id), "a section's titles");
+  for (const cli::Item& item : ofClass.items) CheckRow(lines.Next(), item);
 }
 
 }  // namespace
 
 void CheckTable(const std::string& document, const cli::Inventory& inventory) {
-  RequireFitForCharacterSet(document);
+  constexpr std::size_t kMostColumns = 7;
+  RequireFitForTable(document, kMostColumns);
   LineReader lines(document);
   bool isFirst = true;
-  for (const cli::ClassView& view : inventory.Classes()) {
-    if (view.instances.empty()) continue;
+  for (const cli::ItemsOfClass& ofClass : inventory.Classes()) {
+    if (ofClass.items.empty()) continue;
     if (!isFirst) RequireEqual(lines.Next(), "", "the line between two sections");
     isFirst = false;
-    CheckSection(lines, view);
+    CheckSection(lines, ofClass);
   }
   Require(lines.IsAtEnd(), "nothing follows the last section");
 }

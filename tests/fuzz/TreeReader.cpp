@@ -5,7 +5,10 @@
 #include <set>
 
 #include "tests/fuzz/BrokenInvariant.h"
+#include "tests/fuzz/ReadPath.h"
 #include "tests/fuzz/Utf8.h"
+
+using cli::PropertyId;
 
 namespace usbinfo_test {
 
@@ -16,49 +19,46 @@ std::string Counted(std::size_t count, const std::string& noun) {
 }
 
 std::string ExpectedHeading(const cli::Inventory& inventory) {
-  const auto& ports = inventory.InstancesOf("KALDO_USBPort");
-  const auto freePorts = std::count_if(ports.begin(), ports.end(), [](const cli::InstanceView& port) {
-    return port.Text("StatusDescriptions") == "{No device connected}";
+  const std::vector<cli::Item>& ports = inventory.Ports();
+  const auto freePorts = std::count_if(ports.begin(), ports.end(), [](const cli::Item& port) {
+    return port.Text(PropertyId::kStatusDescriptions) == "{No device connected}";
   });
-  return inventory.SystemName() + ": " +
-         Counted(inventory.InstancesOf("KALDO_USBController").size(), "controller") + ", " +
-         Counted(inventory.InstancesOf("KALDO_USBHub").size(), "hub") + ", " + Counted(ports.size(), "port") +
-         " (" + std::to_string(freePorts) + " free), " +
-         Counted(inventory.InstancesOf("KALDO_USBDevice").size(), "device");
+  return inventory.SystemName() + ": " + Counted(inventory.Controllers().size(), "controller") + ", " +
+         Counted(inventory.Hubs().size(), "hub") + ", " + Counted(ports.size(), "port") + " (" +
+         std::to_string(freePorts) + " free), " + Counted(inventory.Devices().size(), "device");
 }
 
 /// Ports with exactly one thing plugged in show it in their own row. A hub that a controller has as its root
 /// is shown there.
 std::size_t SharedRows(const cli::Inventory& inventory) {
   std::set<std::string> roots;
-  for (const auto& controller : inventory.InstancesOf("KALDO_USBController")) {
-    roots.insert(controller.Text("DeviceID"));
+  for (const cli::Item& controller : inventory.Controllers()) {
+    roots.insert(controller.String(PropertyId::kDeviceID));
   }
   std::set<std::string> rootPaths;
-  for (const auto& hub : inventory.InstancesOf("KALDO_USBHub")) {
-    if (roots.count(hub.Text("DeviceID")) != 0) rootPaths.insert(hub.PathText());
+  for (const cli::Item& hub : inventory.Hubs()) {
+    if (roots.count(hub.String(PropertyId::kDeviceID)) != 0) rootPaths.insert(PathTextOf(hub));
   }
   std::map<std::string, std::size_t> plugged;
-  for (const auto& link : inventory.InstancesOf("KALDO_USBConnection")) {
-    if (rootPaths.count(link.Text("Dependent")) == 0) ++plugged[link.Text("Antecedent")];
+  for (const cli::Item& link : inventory.Connections()) {
+    if (rootPaths.count(link.String(PropertyId::kDependent)) == 0)
+      ++plugged[link.String(PropertyId::kAntecedent)];
   }
   return static_cast<std::size_t>(
       std::count_if(plugged.begin(), plugged.end(), [](const auto& port) { return port.second == 1; }));
 }
 
 std::size_t ExpectedRows(const cli::Inventory& inventory) {
-  std::size_t items = 0;
-  for (const char* name : {"KALDO_USBController", "KALDO_USBHub", "KALDO_USBPort", "KALDO_USBDevice"}) {
-    items += inventory.InstancesOf(name).size();
-  }
-  return items - SharedRows(inventory);
+  return inventory.Controllers().size() + inventory.Hubs().size() + inventory.Ports().size() +
+         inventory.Devices().size() - SharedRows(inventory);
 }
 
 }  // namespace
 
 void CheckTree(const std::string& document, const cli::Inventory& inventory) {
   constexpr std::size_t kLinesAhead = 3;
-  RequireFitForCharacterSet(document);
+  constexpr std::size_t kColumns = 4;
+  RequireFitForTable(document, kColumns);
   Require(!document.empty() && document.back() == '\n', "the tree ends with a newline");
   RequireEqual(document.substr(0, document.find('\n')), ExpectedHeading(inventory), "the tree's heading");
   const auto lines = static_cast<std::size_t>(std::count(document.begin(), document.end(), '\n'));

@@ -13,14 +13,14 @@ namespace usbinfo_test {
 std::string ReplaceBrokenUtf8(const std::string& text);
 
 /// `text` as documents for people show it: in addition U+FFFD for each control character, each mark that
-/// turns the reading direction, and what XML has no character for.
+/// turns the reading direction or is not seen, marks that pile up, and what XML has no character for.
 std::string AsShown(const std::string& text);
 
 /// Calls `take` with each character of `text`; throws BrokenInvariant when it is no UTF-8.
 void ForEachCharacter(const std::string& text, const std::function<void(std::uint32_t character)>& take);
 
-/// Throws BrokenInvariant when `text` is no UTF-8 or holds something that a terminal acts on or that turns
-/// the reading direction; newlines may stand in it, and tabs if `tabs` says so.
+/// Throws BrokenInvariant when `text` is no UTF-8 or holds something that a terminal acts on, that turns
+/// the reading direction or that is not seen; newlines may stand in it, and tabs if `tabs` says so.
 void RequireFitForTerminal(const std::string& text, bool tabs);
 
 /// The same, and ASCII throughout where the locale's character set is: U+FFFD is spelled there, too.

@@ -2,36 +2,32 @@
 
 #include <string_view>
 
-#include "cli/text/Text.h"
+#include "cli/text/MapCharacters.h"
 
 namespace cli {
 
 namespace {
 
-std::string Escape(const std::string& text) {
-  std::string escaped;
-  for (const char c : ReplaceUnprintable(text)) {
-    switch (c) {
-      case '&':
-        escaped += "&amp;";
-        break;
-      case '<':
-        escaped += "&lt;";
-        break;
-      case '>':
-        escaped += "&gt;";
-        break;
-      case '"':
-        escaped += "&quot;";
-        break;
-      case '\'':
-        escaped += "&#39;";
-        break;
-      default:
-        escaped += c;
-    }
+void AppendEscaped(const Character& character, bool isUnprintable, std::string& out) {
+  switch (character.code) {
+    case U'&':
+      out += "&amp;";
+      return;
+    case U'<':
+      out += "&lt;";
+      return;
+    case U'>':
+      out += "&gt;";
+      return;
+    case U'"':
+      out += "&quot;";
+      return;
+    case U'\'':
+      out += "&#39;";
+      return;
+    default:
+      out += isUnprintable ? kReplacement : character.bytes;
   }
-  return escaped;
 }
 
 }  // namespace
@@ -39,7 +35,9 @@ std::string Escape(const std::string& text) {
 void HtmlWriter::Tag(const char* element, const Attributes& attributes, const char* end) {
   fDocument.append("<").append(element);
   for (const auto& [name, value] : attributes) {
-    fDocument.append(" ").append(name).append("=\"").append(Escape(value)).append("\"");
+    fDocument.append(" ").append(name).append("=\"");
+    AppendMapped(value, AppendEscaped, fDocument);
+    fDocument += '"';
   }
   fDocument += end;
 }
@@ -61,7 +59,7 @@ void HtmlWriter::Void(const char* element, const Attributes& attributes) {
 }
 
 void HtmlWriter::Text(const std::string& text) {
-  fDocument += Escape(text);
+  AppendMapped(text, AppendEscaped, fDocument);
 }
 
 void HtmlWriter::Element(const char* element, const Attributes& attributes, const std::string& text) {

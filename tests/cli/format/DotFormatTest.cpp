@@ -102,6 +102,7 @@ const std::vector<ShownText> kLabels = {
     {"Control", "\x1B[31m\x7F", "\xEF\xBF\xBD[31m\xEF\xBF\xBD"},
     {"SecondControlSet", "\xC2\x9B", "\xEF\xBF\xBD"},
     {"NoUtf8", "a\xFFz", "a\xEF\xBF\xBDz"},
+    {"ZeroWidth", "a\xE2\x80\x8Bz", "a\xEF\xBF\xBDz"},
     {"DirectionMark", "a\xE2\x80\xAEz", "a\xEF\xBF\xBDz"},
     {"NoCharacter", "a\xEF\xBF\xBFz", "a\xEF\xBF\xBDz"},
     {"Letters", "M\xC3\xA4us", "M\xC3\xA4us"},

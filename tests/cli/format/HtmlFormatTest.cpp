@@ -233,6 +233,9 @@ const std::vector<ShownText> kTexts = {
     {"SecondControlSet", "\xC2\x9B", "\xEF\xBF\xBD"},
     {"NoUtf8", "a\xFFz", "a\xEF\xBF\xBDz"},
     {"DirectionMark", "a\xE2\x80\xAEz", "a\xEF\xBF\xBDz"},
+    {"ZeroWidth", "a\xE2\x80\x8Bz", "a\xEF\xBF\xBDz"},
+    {"LineSeparator", "a\xE2\x80\xA8z", "a\xEF\xBF\xBDz"},
+    {"BrokenCharacter", "a\xF0\x9F\x98z", "a\xEF\xBF\xBDz"},
     {"NoCharacter", "a\xEF\xBF\xBFz", "a\xEF\xBF\xBDz"},
     {"Letters", "M\xC3\xA4us", "M\xC3\xA4us"},
 };

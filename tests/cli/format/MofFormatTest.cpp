@@ -101,9 +101,11 @@ instance of KALDO_USBConnection {
 }
 
 TEST_F(MofFormatTest, EscapesWhatWouldLeaveAStringOrReachATerminal) {
-  AddDevice("device", "\";\n};\tq\\\x01\x1B\x7F\xC2\x9B\xE2\x80\xAE\xC3\xA9\xFF", 1);
-  EXPECT_THAT(Instances(), HasSubstr("  Description = \"\\\";\\n};\\tq\\\\\\x0001\\x001b\\x007f\\x009b\\x202e"
-                                     "\xC3\xA9\xEF\xBF\xBD\";\n"));
+  AddDevice("device", "\";\n};\tq\\\x01\x1B\x7F\xC2\x9B\xE2\x80\xAE\xF3\xA0\x81\x81\xC3\xA9\xFF", 1);
+  EXPECT_THAT(
+      Instances(),
+      HasSubstr("  Description = \"\\\";\\n};\\tq\\\\\\x0001\\x001b\\x007f\\x009b\\x202e\\xdb40\\xdc41"
+                "\xC3\xA9\xEF\xBF\xBD\";\n"));
 }
 
 TEST_F(MofFormatTest, LeavesOutWhatAnInstanceLacks) {

@@ -47,6 +47,12 @@ std::string Machine(const std::function<std::string(const HostileString&)>& text
   return list;
 }
 
+std::string Repeated(const std::string& text, std::size_t times) {
+  std::string repeated;
+  for (std::size_t time = 0; time < times; ++time) repeated += text;
+  return repeated;
+}
+
 /// A string that every format can hold.
 HostileString Same(const char* name, const std::string& bytes) {
   return {name, bytes, bytes, bytes};
@@ -72,6 +78,10 @@ const std::vector<HostileString>& HostileStrings() {
       Same("DirectionMarks", "\xE2\x80\xAEtxt.exe\xE2\x80\xAC\xE2\x81\xA6"),
       {"MarkBehindABrokenByte", "\xF0\xE2\x80\xAEtxt.exe", kBad + "\xE2\x80\xAEtxt.exe",
        kBad + "\xE2\x80\xAEtxt.exe"},
+      Same("ZeroWidth", "in\xE2\x80\x8Bvisible\xE2\x80\x8D\xC2\xAD\xE3\x85\xA4"),
+      Same("Tags", "a\xF3\xA0\x81\x81\xF3\xA0\x81\xBF"),
+      Same("VariationSelectors", "a\xEF\xB8\x8F\xF3\xA0\x84\x80"),
+      Same("ManyMarks", "a" + Repeated("\xCC\x8D", 200)),
       Same("LineSeparators", "a\xE2\x80\xA8" + "b\xE2\x80\xA9"s),
       Same("Markup", "</VALUE></PROPERTY><PROPERTY NAME=\"x\">"),
       Same("Entities", "&lt;&amp;&#27;&#x9b;\"'"),
@@ -118,6 +128,14 @@ bool HasDirectionMark(const std::string& text) {
                                           "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"};
   return std::any_of(marks.begin(), marks.end(),
                      [&text](const std::string& mark) { return text.find(mark) != std::string::npos; });
+}
+
+bool HidesCharacters(const std::string& text) {
+  const std::vector<std::string> hidden = {"\xE2\x80\x8B",         "\xE2\x80\x8D", "\xC2\xAD",
+                                           "\xE3\x85\xA4",         "\xEF\xB8\x8F", "\xF3\xA0",
+                                           Repeated("\xCC\x8D", 5)};
+  return std::any_of(hidden.begin(), hidden.end(),
+                     [&text](const std::string& part) { return text.find(part) != std::string::npos; });
 }
 
 }  // namespace usbinfo_test

@@ -35,4 +35,7 @@ bool ActsOnTerminal(const std::string& text);
 /// True when something in `text` changes the direction in which people read it.
 bool HasDirectionMark(const std::string& text);
 
+/// True when something in `text` that hostile strings hold is not seen by people, or is a long run of marks.
+bool HidesCharacters(const std::string& text);
+
 }  // namespace usbinfo_test

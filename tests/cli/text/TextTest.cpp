@@ -8,9 +8,7 @@
 #include "tests/cli/support/CliTest.h"
 
 using cli::EscapeForTerminal;
-using cli::ReplaceDirectionMarks;
 using cli::ReplaceInvalidUtf8;
-using cli::ReplaceUnprintable;
 
 namespace usbinfo_test {
 namespace {
@@ -97,6 +95,19 @@ TEST_F(EscapeForTerminalTest, SpellsEveryDirectionMark) {
             "\\xe2\\x81\\xa6\\xe2\\x81\\xa7\\xe2\\x81\\xa8\\xe2\\x81\\xa9");
 }
 
+TEST_F(EscapeForTerminalTest, SpellsWhatIsNotSeenAndMarksBehindFourOthers) {
+  EXPECT_EQ(EscapeForTerminal("a\xE2\x80\x8B\xC2\xADz"), "a\\xe2\\x80\\x8b\\xc2\\xadz");
+  EXPECT_EQ(EscapeForTerminal("\xF3\xA0\x81\x81"), "\\xf3\\xa0\\x81\\x81");
+  const std::string four = "a\xCC\x81\xCC\x81\xCC\x81\xCC\x81";
+  EXPECT_EQ(EscapeForTerminal(four + "\xCC\x81z\xCC\x81"), four + "\\xcc\\x81z\xCC\x81");
+}
+
+TEST_F(EscapeForTerminalTest, QuotesSoThatNothingInsideEndsTheQuotation) {
+  EXPECT_EQ(cli::QuoteForTerminal(""), R"("")");
+  EXPECT_EQ(cli::QuoteForTerminal("a \"b\"\t\n\\\xE2\x80\x8B\xC3\xA9"), R"("a \"b\"\t\n\\\xe2\x80\x8b)"
+                                                                        "\xC3\xA9\"");
+}
+
 TEST_F(EscapeForTerminalTest, SpellsBytesThatAreNoUtf8AndGoesOnBehindThem) {
   EXPECT_EQ(EscapeForTerminal("a\xFFz"), "a\\xffz");
   EXPECT_EQ(EscapeForTerminal("\xE2\x82"), "\\xe2\\x82");
@@ -110,45 +121,6 @@ TEST_F(EscapeForTerminalTest, SpellsAllBeyondAsciiWhereTheLocaleIsNotOneOfUtf8) 
                               "31mz\t\n\\"),
             "a\\xc3\\x9b31mz\t\\n\\\\");
   EXPECT_EQ(EscapeForTerminal("\xF0\x9F\x98\x80\xFF"), "\\xf0\\x9f\\x98\\x80\\xff");
-}
-
-TEST(ReplaceDirectionMarks, ReplacesEveryMark) {
-  for (const char* mark :
-       {"\xD8\x9C", "\xE2\x80\x8E", "\xE2\x80\x8F", "\xE2\x80\xAA", "\xE2\x80\xAB", "\xE2\x80\xAC",
-        "\xE2\x80\xAD", "\xE2\x80\xAE", "\xE2\x81\xA6", "\xE2\x81\xA7", "\xE2\x81\xA8", "\xE2\x81\xA9"}) {
-    EXPECT_EQ(ReplaceDirectionMarks(std::string("a").append(mark).append("b")), "a" + kFFFD + "b");
-  }
-}
-
-TEST(ReplaceDirectionMarks, LeavesTheirNeighboursAndAllElseAsItIs) {
-  for (const char* text : {"", "abc\x1B", "\xD8\x9B\xD8\x9D", "\xE2\x80\x8D\xE2\x80\x90",
-                           "\xE2\x80\xA9\xE2\x80\xAF", "\xE2\x81\xA5\xE2\x81\xAA", "\xF0\x9F\x98\x80"}) {
-    EXPECT_EQ(ReplaceDirectionMarks(text), text);
-  }
-}
-
-TEST(ReplaceDirectionMarks, FindsAMarkBehindBytesThatAreNoUtf8) {
-  const std::string mark = "\xE2\x80\xAE";
-  for (const char* bytes : {"\xF0", "\xF0\x9F", "\xE2", "\xE2\x80", "\xC2", "\xFF", "\x80"}) {
-    EXPECT_EQ(ReplaceDirectionMarks(bytes + mark).find(mark), std::string::npos)
-        << testing::PrintToString(bytes);
-  }
-}
-
-TEST(ReplaceUnprintable, ReplacesEachCharacterThatNobodyCanSee) {
-  for (const char* text : {"\n", "\t", "\x1B", "\x7F", "\xC2\x80", "\xC2\x9F", "\xE2\x80\xA8", "\xE2\x80\xAE",
-                           "\xEF\xBF\xBE", "\xEF\xBF\xBF", "\xFF", "\xC2", "\xF0\x9F\x98"}) {
-    EXPECT_EQ(ReplaceUnprintable(std::string("a").append(text).append("b")), "a" + kFFFD + "b")
-        << testing::PrintToString(text);
-  }
-  EXPECT_EQ(ReplaceUnprintable(std::string("a\0b", 3)), "a" + kFFFD + "b");
-}
-
-TEST(ReplaceUnprintable, LeavesAllElseAsItIs) {
-  for (const char* text :
-       {"", "a <b>&\"'\\", "\xC2\xA0", "\xC3\xA4", "\xE2\x80\xA7", "\xEF\xBF\xBD", "\xF0\x9F\x98\x80"}) {
-    EXPECT_EQ(ReplaceUnprintable(text), text);
-  }
 }
 
 TEST(SplitAtCommas, GivesTheParts) {
