@@ -36,6 +36,7 @@ std::string Quoted(const std::string& text) {
 /// The choices of a value, each with its meaning. Fish expands them once more.
 std::string Words(const std::vector<Choice>& choices) {
   std::vector<std::string> words;
+  words.reserve(choices.size());
   for (const Choice& choice : choices) {
     words.push_back(choice.description.empty() ? choice.name
                                                : choice.name + R"(\t)" + Quoted(choice.description));

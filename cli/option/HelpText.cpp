@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+#include "cli/option/Values.h"
+
 namespace cli {
 
 namespace {
@@ -53,9 +55,8 @@ std::vector<std::string> Description(const Option& option) {
   if (!option.defaultValue.empty()) text += " [" + option.defaultValue + "]";
   if (option.choices.empty()) return Wrapped(text);
   std::vector<std::string> lines = Wrapped(text + ":");
-  std::vector<std::string> names;
-  for (const Choice& choice : option.choices) names.push_back(choice.name);
-  const std::vector<std::string> choices = Wrapped(fmt::format("{}", fmt::join(names, ", ")));
+  const std::vector<std::string> choices =
+      Wrapped(fmt::format("{}", fmt::join(NamesOf(option.choices), ", ")));
   lines.insert(lines.end(), choices.begin(), choices.end());
   return lines;
 }

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "cli/option/Values.h"
+
 namespace cli {
 
 std::vector<const CommandSpec*> PartsOf(const CommandSpec& command) {
@@ -14,13 +16,12 @@ std::vector<const CommandSpec*> PartsOf(const CommandSpec& command) {
 }
 
 std::string Joined(const std::vector<Choice>& choices, const std::string& separator) {
-  std::vector<std::string> names;
-  for (const Choice& choice : choices) names.push_back(choice.name);
-  return fmt::format("{}", fmt::join(names, separator));
+  return fmt::format("{}", fmt::join(NamesOf(choices), separator));
 }
 
 std::string JoinedSubcommands(const CommandSpec& command, const std::string& separator) {
   std::vector<std::string> names;
+  names.reserve(command.subcommands.size());
   for (const CommandSpec& subcommand : command.subcommands) names.push_back(subcommand.name);
   return fmt::format("{}", fmt::join(names, separator));
 }

@@ -8,16 +8,6 @@
 
 namespace cli {
 
-namespace {
-
-std::vector<std::string> NamesOf(const std::vector<Choice>& choices) {
-  std::vector<std::string> names;
-  for (const Choice& choice : choices) names.push_back(choice.name);
-  return names;
-}
-
-}  // namespace
-
 StoreValue StoreText(std::string& target) {
   return [&target](const std::string& value) {
     if (value.empty()) throw UsageError("must not be empty");
@@ -36,8 +26,16 @@ StoreValue StoreTrue(bool& target) {
   return [&target](const std::string&) { target = true; };
 }
 
+std::vector<std::string> NamesOf(const std::vector<Choice>& choices) {
+  std::vector<std::string> names;
+  names.reserve(choices.size());
+  for (const Choice& choice : choices) names.push_back(choice.name);
+  return names;
+}
+
 std::vector<Choice> ChoicesOf(const std::vector<std::string>& names) {
   std::vector<Choice> choices;
+  choices.reserve(names.size());
   for (const std::string& name : names) choices.push_back({name});
   return choices;
 }

@@ -22,6 +22,8 @@ StoreValue StoreChoice(std::string& target, const std::vector<Choice>& choices);
 /// For an option without a value.
 StoreValue StoreTrue(bool& target);
 
+std::vector<std::string> NamesOf(const std::vector<Choice>& choices);
+
 /// The choices of these names.
 std::vector<Choice> ChoicesOf(const std::vector<std::string>& names);
 
