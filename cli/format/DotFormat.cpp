@@ -89,10 +89,16 @@ class Graph {
 
   std::string Port(std::size_t index, const std::string& place) const {
     const UsbTreeNode& node = fTree.Nodes()[index];
-    if (!IsFree(node)) return NodeText(index, "port used", {place, SpeedOf(fTree, node)}, "fontsize=9");
-    return NodeText(
-        index, "port free", {place + " free"},
-        R"(shape=plaintext, style="", fontcolor="#667080", fontsize=8, height=0.16, margin="0.03,0")");
+    constexpr const char* kSmall =
+        R"(shape=plaintext, style="", fontcolor="#667080", fontsize=8, height=0.16, margin="0.03,0")";
+    switch (fInventory.StateOf(*node.item)) {
+      case PortState::kFree:
+        return NodeText(index, "port free", {place + " free"}, kSmall);
+      case PortState::kUnknown:
+        return NodeText(index, "port unknown", {place}, kSmall);
+      default:
+        return NodeText(index, "port used", {place, SpeedOf(fTree, node)}, "fontsize=9");
+    }
   }
 
   bool IsFree(const UsbTreeNode& port) const { return fInventory.StateOf(*port.item) == PortState::kFree; }

@@ -22,16 +22,17 @@ MAY_INCLUDE = {
     "schema": ["host"],
     "standin": ["host", "schema", "system"],
     "cli/text": ["system"],
-    "cli/model": ["schema", "cli/text"],
+    "cli/model": ["schema", "cli/model/UsbIds", "cli/text"],
+    "cli/model/UsbIds": ["cli/model", "cli/text", "system"],
     "cli/model/FromHost": ["standin", "host", "schema", "cli/model", "cli/text"],
     "cli/diff": ["cli/model", "cli/text"],
     "cli/format": ["cli/model", "cli/text", "schema"],
     "cli/format/OutputFormat": ["cli/format", "cli/model", "cli/text", "schema"],
-    "cli/collect": ["standin", "system", "host", "cli/model", "cli/model/FromHost", "cli/text"],
+    "cli/collect": ["standin", "system", "schema", "host", "cli/model", "cli/model/FromHost", "cli/text"],
     "cli/option": ["cli/text"],
     "cli/command": ["cli/collect", "cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model",
-                    "cli/model/FromHost", "cli/option", "cli/text", "schema", "standin", "system"],
-    "cli/main": ["cli/command", "cli/option", "cli/text", "cli/collect"],
+                    "cli/model/FromHost", "cli/model/UsbIds", "cli/option", "cli/text", "schema", "standin", "system"],
+    "cli/main": ["cli/command", "cli/option", "cli/text", "cli/collect", "system"],
 }
 # What the module is made of: its rows know no library but Boost and the standard one.
 MODULE_ROWS = ("host", "provider", "usbfs", "inventory", "association", "plugin")

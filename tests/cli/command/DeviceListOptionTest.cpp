@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kNoListIn = "usbinfo: no USB device found: ";
 constexpr const char* kExpectedIs =
-    " holds no device list; expected is what /sys/kernel/debug/usb/devices or usb-devices prints\n";
+    " is empty; expected is what /sys/kernel/debug/usb/devices or usb-devices prints\n";
 
 std::string NoListIn(const std::string& source) {
   return kNoListIn + source + kExpectedIs;

@@ -102,7 +102,7 @@ TEST(OutputOption, GetsTheEmptyDocumentOfAnEmptyInventory) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "");
     EXPECT_THAT(result.errors,
-                StartsWith("usbinfo: no USB device found: standard input holds no device list; "));
+                StartsWith("usbinfo: no USB device found: standard input is empty; "));
     EXPECT_EQ(ReadFile(path), Command({"--devices", "-", "--format", format}).Run().output);
   }
 }

@@ -5,9 +5,9 @@
 
 #include "host/TCIMValue.h"
 
-namespace cli {
+namespace schema {
 
 /// "uint8", "uint16", "uint64", "string" or "reference"; for an array the type of its elements.
 std::string CimTypeName(NKESTA20::TCIMValue::TCIMType::ECIMType type);
 
-}  // namespace cli
+}  // namespace schema
