@@ -1,4 +1,3 @@
-// Reading and linking committed instances; see the header.
 #include "association/HostInstances.h"
 
 #include "host/ICIMClass.h"

@@ -1,4 +1,3 @@
-// The connection association provider; see the header.
 #include "association/TUsbPortDeviceAsso.h"
 
 #include "host/TQSVException.h"
@@ -81,7 +80,8 @@ bool TUsbPortDeviceAsso::ReadDependentPlace(const boost::shared_ptr<ICIMInstance
   try {
     place.depth = ReadNumber(dependent, kHubDepth);
     if (isHub) {
-      // A root hub hangs on no port. Any other tells its own level, one more than that of its port.
+      // A root hub is not plugged into a port. Any other hub has its own level, one more than that of its
+      // port.
       if (place.depth == 0) return false;
       --place.depth;
     }

@@ -21,16 +21,16 @@ class TUsbPortDeviceAsso : public TUsb {
   /// Makes an association per connection, devices before hubs; true if at least one was made.
   bool GetCIMInstances(std::string className) override;
 
-  /// The connections of the instances of `dependentClassName`, in their order: at most one each, to the
-  /// first port of the same depth, hub name and port number. Marks each port that it links. Empty, with a
-  /// status line, when the instances cannot be had.
+  /// The connections of the instances of `dependentClassName`, in their order: at most one each, to the first
+  /// port of the same depth, hub name and port number. Marks each port that it links. Empty, with a status
+  /// line, when the host does not supply the instances.
   std::vector<NKESTA20::PropertyMap> MakePortAssociation(std::string dependentClassName);
 
   /// An array-of-strings value holding `texts` in order.
   NKESTA20::TCIMValue GetStrCimValue(std::vector<std::string> texts);
 
  private:
-  /// Where something is plugged in, as ports and what hangs on them tell it alike.
+  /// Where something is plugged in: properties that a port and what is plugged into it have in common.
   struct Place {
     unsigned short depth = 0;
     std::string hubName;

@@ -1,4 +1,3 @@
-// The port-on-hub association provider; see the header.
 #include "association/TUsbPortHubAsso.h"
 
 #include "host/TQSVException.h"

@@ -21,7 +21,7 @@ class TUsbPortHubAsso : public TUsb {
   bool GetCIMInstances(std::string className) override;
 
   /// The links, in the order of the ports: at most one per port, to the first hub with its hub's name and
-  /// depth. Empty, with a status line, when the instances cannot be had.
+  /// depth. Empty, with a status line, when the host does not supply the instances.
   std::vector<NKESTA20::PropertyMap> MakePortHubAssociation();
 
  private:

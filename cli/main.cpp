@@ -1,5 +1,5 @@
-// The usbinfo command: runs what the command line asks for, and turns what goes wrong into one line on
-// standard error and an exit status.
+// The usbinfo command: runs the command line, and turns errors into one line on standard error and an exit
+// status.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -24,8 +24,8 @@ int Fail(const std::string& message) {
   return cli::kFailure;
 }
 
-/// Where the command is started without one of the standard streams, its number must not go to a file of
-/// ours. Something that cannot be read or written takes it, so that the stream still fails when it is used.
+/// When the command is started without one of the standard streams, no file opened here may get its number. A
+/// descriptor that cannot be read or written takes it, so that using the stream still fails.
 void OccupyStandardStreams() {
   int fd = -1;
   do {
@@ -34,7 +34,7 @@ void OccupyStandardStreams() {
   if (fd >= 0) ::close(fd);
 }
 
-/// What must hold for the whole process before anything is read or written.
+/// Process-wide settings, made before anything is read or written.
 void PrepareProcess() {
   OccupyStandardStreams();
   // The character set of the terminal; numbers keep the form that programs expect.

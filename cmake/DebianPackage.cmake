@@ -1,7 +1,7 @@
-# The Debian packages, built by scripts/package: usbinfo holds what the command needs to run, usbinfo-dev what a host's
-# developer needs. This file says what goes into them besides what is installed anyway.
+# The Debian packages, built by scripts/package: usbinfo contains the command and all that it needs to run, usbinfo-dev the
+# files for developers of hosts. This file adds the packages' documents to the installed files.
 if(NOT USBINFO_COMMAND)
-  message(FATAL_ERROR "USBINFO_PACKAGE takes USBINFO_COMMAND: the packages hold the command")
+  message(FATAL_ERROR "USBINFO_PACKAGE needs USBINFO_COMMAND: the packages contain the command")
 endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -22,38 +22,39 @@ set(CPACK_DEBIAN_USBINFO_PACKAGE_NAME usbinfo)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-# The loader's cache is brought up to date by dpkg's trigger, not by scripts.
+# dpkg's trigger updates the loader's cache, so no maintainer script does.
 set(CPACK_DEBIAN_USBINFO_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
 set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/debian/DropLdconfig.cmake")
 set(CPACK_DEBIAN_USBINFO_PACKAGE_RECOMMENDS usbutils)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS usb.ids)
 set(CPACK_COMPONENT_USBINFO_DESCRIPTION
-    "usbinfo reads the kernel's list of USB devices and tells what is in it:
-the controllers, the hubs, every port, the empty ones too, the devices,
-and what is plugged in where. It prints a tree for people, and documents
-for programs.
+    "usbinfo reads the kernel's list of USB devices and shows the controllers,
+the hubs, all ports, also the empty ones, the devices, and which device
+is plugged into which port. It prints a tree for people, and documents
+for programs, and compares inventories.
 
-It comes with the plug-in module that does the reading, which a system
-inventory host can load as well, and with the library of the small host
-that the command runs it in.")
+The package contains the plug-in module that reads the list, which a
+system inventory host can load as well, and the library of the small
+host in which the command runs it.")
 
 set(CPACK_DEBIAN_USBINFO-DEV_PACKAGE_NAME usbinfo-dev)
 set(CPACK_DEBIAN_USBINFO-DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_USBINFO-DEV_PACKAGE_DEPENDS libboost-dev)
 set(CPACK_COMPONENT_USBINFO-DEV_DEPENDS usbinfo)
 set(CPACK_COMPONENT_USBINFO-DEV_DESCRIPTION
-    "The plug-in module of usbinfo answers a host's questions about USB. This
-package holds what a host's developer needs: the headers that a host is
-written against, those of the small host that comes along, its library,
-files for CMake and pkg-config, and an example.")
+    "The plug-in module of usbinfo gives a system inventory host the USB
+inventory as CIM instances. This package contains the files for
+developers of hosts: the headers that a host implements, the headers and
+the library of the small host that usbinfo uses, files for CMake and
+pkg-config, and an example.")
 
-# What every package has to tell of itself, under share/doc. The folders' names are the packages'.
+# The documents that every package has to have under share/doc, in a folder with the package's name.
 set(PACKAGE_FILES "${PROJECT_BINARY_DIR}/debian")
 string(TIMESTAMP PACKAGE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(cmake/debian/changelog "${PACKAGE_FILES}/changelog" @ONLY)
 compress("${PACKAGE_FILES}/changelog" "${PACKAGE_FILES}/changelog.Debian.gz")
 compress("${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PACKAGE_FILES}/changelog.gz")
-# The command holds code of libraries that consist of headers, whose terms have to come along.
+# The command contains code of header-only libraries, so the packages have to contain their terms.
 file(READ cmake/debian/copyright COPYRIGHT)
 foreach(library libcli11-dev nlohmann-json3-dev)
   set(terms "/usr/share/doc/${library}/copyright")

@@ -1,16 +1,15 @@
 # The manual page, with the version, the folders and the options filled in, compressed as Debian wants it; the
 # completions, each in the place where its shell looks; the schemas of the JSON documents. The options and the
-# completions come from the command as it is built. What is built for another machine cannot be run, so a cross build
-# takes them from a command of the same version for this machine.
+# completions come from the command as it is built. A cross build runs it in the emulator, or takes them from a command
+# of the same version for this machine.
 find_program(GZIP gzip REQUIRED)
 set(USBINFO_NATIVE_COMMAND "" CACHE FILEPATH "The usbinfo command that a cross build takes its documents from")
 set(USBINFO_ZSH_FUNCTIONS "${CMAKE_INSTALL_DATADIR}/zsh/site-functions"
     CACHE STRING "Where zsh's completion goes, relative to the prefix")
-if(CMAKE_CROSSCOMPILING)
-  if(NOT USBINFO_NATIVE_COMMAND)
-    message(FATAL_ERROR "A cross build needs a usbinfo command that runs here: set USBINFO_NATIVE_COMMAND to its path")
-  endif()
+if(USBINFO_NATIVE_COMMAND)
   set(DOCUMENTED_COMMAND "${USBINFO_NATIVE_COMMAND}")
+elseif(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
+  message(FATAL_ERROR "A cross build needs a usbinfo command that runs here: set USBINFO_NATIVE_COMMAND to its path")
 else()
   set(DOCUMENTED_COMMAND usbinfo)
 endif()

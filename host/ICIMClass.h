@@ -1,5 +1,5 @@
-// One CIM class: it names itself, makes new instances and enumerates the committed ones. The host hands the
-// plug-in the classes that it wants filled.
+// One CIM class: it names itself, makes new instances and enumerates the committed ones. The host passes the
+// plug-in the classes to fill.
 #pragma once
 
 #include <boost/function.hpp>

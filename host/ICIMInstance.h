@@ -21,7 +21,7 @@ class USBINFO_HOST_API ICIMInstance {
   virtual void Commit(PropertyMap context) = 0;
   virtual TCIMReference GetObjectPath(PropertyMap context) = 0;
   virtual boost::shared_ptr<ICIMClass> GetClass(PropertyMap context) = 0;
-  /// The named property; what happens when the instance lacks it is the host's business.
+  /// The named property; the host decides what happens when the instance lacks it.
   virtual boost::shared_ptr<ICIMProperty> GetProperty(const std::string& name, PropertyMap context) = 0;
   virtual void SetProperty(const std::string& name, const TCIMValue& value, PropertyMap context) = 0;
 };

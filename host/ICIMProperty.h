@@ -1,4 +1,4 @@
-// One named property of one instance, as the host hands it out.
+// One named property of one instance, as the host returns it.
 #pragma once
 
 #include <string>

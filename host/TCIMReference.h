@@ -1,5 +1,5 @@
-// The host's object path: a class and its key values. Declared here, defined by the host.
-// Instances hand out their own path; the association providers turn paths into reference values.
+// The host's object path: a class and its key values. Declared here, defined by the host. Instances return
+// their own path; the association providers turn paths into reference values.
 #pragma once
 
 #include "host/HostApi.h"

@@ -12,9 +12,9 @@ class ICIMNamespace;
 
 class USBINFO_HOST_API TCIMSchemaHelper {
  public:
-  /// The name of the system; throws TQSVException when the host cannot tell.
+  /// The name of the system; throws TQSVException when the host does not know it.
   static std::string GetSystemName(boost::shared_ptr<ICIMNamespace> ns);
-  /// The class of the system's own instance; throws TQSVException when the host cannot tell.
+  /// The class of the system's own instance; throws TQSVException when the host does not know it.
   static std::string GetSystemCreationClassName(boost::shared_ptr<ICIMNamespace> ns);
 
   /// Key and value of the one-entry context by which a plug-in reaches the classes it links.

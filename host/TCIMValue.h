@@ -1,6 +1,6 @@
-// The host's typed value: null, a string, an unsigned number, a reference or an array of these.
-// Declared here, defined by the host; copies are the host's business. The plug-in builds values for the
-// properties it sets and reads numbers and texts back.
+// The host's typed value: null, a string, an unsigned number, a reference or an array of these. Declared
+// here, defined by the host, which also defines what a copy is. The plug-in builds values for the properties
+// it sets and reads numbers and texts back.
 #pragma once
 
 #include <string>

@@ -1,4 +1,3 @@
-// The controller provider; see the header.
 #include "inventory/TUsbControllerData.h"
 
 using NKESTA20::ICIMClass;

@@ -1,5 +1,3 @@
-// The inventory's lists, their one-shot build and the classification of records. What the entries hold is
-// assembled in TUsbDataProperties.cpp.
 #include "inventory/TUsbData.h"
 
 #include "plugin/Vocabulary.h"

@@ -20,14 +20,14 @@ class TUsbData : public TUsb {
   ~TUsbData() override;
 
   using TUsb::GetCIMInstances;
-  /// Makes nothing; the classes of the family do.
+  /// Makes nothing; the derived classes make the instances.
   bool GetCIMInstances(std::string className) override;
   /// Builds the inventory if that has not been tried yet in this process. A build that finds nothing or
   /// throws is not tried again.
   void CollectData() override;
 
-  /// Reads the device list and cuts it into records, in the list's order. Empty when there is no list.
-  /// (The name is part of the interface as it stands.)
+  /// Reads the device list and cuts it into records, in the list's order. Empty when there is no list. (The
+  /// operation's name is part of the interface.)
   std::queue<UsbDevice> GetUsbDeviceInfomation();
   /// Files each record: a root hub as a controller too, every hub with its ports, the rest as devices.
   void PopulateData(std::queue<UsbDevice> devices);
@@ -36,7 +36,7 @@ class TUsbData : public TUsb {
   void FillControllerProperties(UsbDevice rootHub);
   void FillPortProperties(UsbDevice hub);
   void FillDeviceProperties(UsbDevice device);
-  /// Adds what the descriptor, product and string lines tell.
+  /// Adds the values of the descriptor, product and string lines.
   void DisplayDeviceDescriptor(UsbDevice device, NKESTA20::PropertyMap& properties);
   /// An array-of-strings value holding `texts` in order.
   NKESTA20::TCIMValue GetStrCimValue(std::vector<std::string> texts);

@@ -1,5 +1,6 @@
-// Records in, property maps out: what the inventory holds of a controller, a hub, a port and a device. Names
-// are texts that tie the classes together, so they are built in one place and never trimmed.
+// Makes the property maps that the inventory holds for controllers, hubs, ports and devices from the records
+// of the device list. The associations compare the names as texts, so names are built in one place and never
+// trimmed.
 #include <algorithm>
 #include <cstdio>
 
@@ -27,7 +28,8 @@ std::string OwnIdentifier(const topology& place) {
   return DeviceIdentifier(place.getBus(), place.getDeviceBusNumber());
 }
 
-/// The identifier of the hub that `place` hangs on: the parent's number as its own line pads it.
+/// The identifier of the hub that `place` is plugged into, with the parent's number padded as its own line
+/// pads it.
 std::string ParentIdentifier(const topology& place) {
   constexpr std::size_t kDeviceNumberWidth = 3;
   std::string number =
@@ -47,7 +49,7 @@ void InsertText(PropertyMap& properties, const std::string& name, const std::str
   InsertStringProperty(&properties, name, std::string(TCIMValue(text)));
 }
 
-/// The digit that `text` begins with, as a number: one character, whatever it is, minus that of zero.
+/// The digit that `text` begins with, as a number: the first character, whatever it is, minus '0'.
 TCIMValue SingleDigit(const std::string& text) {
   return TCIMValue(static_cast<unsigned char>(stringToDataType<unsigned char>(text) - '0'));
 }
@@ -147,7 +149,7 @@ void TUsbData::FillDevice(const UsbDevice& device, unsigned short level, Propert
   const auto speed = stringToDataType<unsigned long>(device.getTopology()->getSpeed());
   WriteDebug("TUsbData::FillDeviceProperties() speed " + dataToString<unsigned long>(speed));
   InsertProperty(&properties, kSpeed, TCIMValue(SpeedClass(speed)));
-  // The depth of the hub that it hangs on, which is also that of the hub's ports; wraps at level 0.
+  // The depth of the hub that it is plugged into, which is also that of the hub's ports; wraps at level 0.
   InsertProperty(&properties, kHubDepth, TCIMValue(static_cast<unsigned short>(level - 1)));
   GetDeviceKeyProperties(properties);
   fUsbDeviceData.push_back(properties);

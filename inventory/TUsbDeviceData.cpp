@@ -1,4 +1,3 @@
-// The device provider; see the header.
 #include "inventory/TUsbDeviceData.h"
 
 using NKESTA20::ICIMClass;

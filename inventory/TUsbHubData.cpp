@@ -1,4 +1,3 @@
-// The hub provider; see the header.
 #include "inventory/TUsbHubData.h"
 
 using NKESTA20::ICIMClass;

@@ -1,4 +1,3 @@
-// The port provider; see the header.
 #include "inventory/TUsbPortData.h"
 
 using NKESTA20::ICIMClass;

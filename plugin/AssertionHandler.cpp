@@ -1,6 +1,5 @@
-// What becomes of a null pointer from the host: the pointer library's assertion, which would otherwise end
-// the host's process, turns into an exception. While a provider runs, the dispatcher's catch-all deals with
-// it.
+// Handles null pointers from the host: turns the pointer library's assertion, which would otherwise end the
+// host's process, into an exception. While a provider runs, the dispatcher's catch-all catches it.
 #include <boost/assert.hpp>
 #include <stdexcept>
 #include <string>

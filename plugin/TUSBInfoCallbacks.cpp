@@ -1,5 +1,3 @@
-// The plug-in object and its creation at load. This file is compiled so that null checks on `this` survive
-// optimisation: the host may call through a null pointer, and the plug-in registers with a null manager.
 #include "plugin/TUSBInfoCallbacks.h"
 
 #include <boost/pointer_cast.hpp>
@@ -24,7 +22,7 @@ int gStarted = 0;
 
 namespace {
 
-/// Runs ahead of every other initializer of the module, whatever the order of its files: the vocabulary's
+/// Runs before every other initializer of the module, whatever the order of its files: the vocabulary's
 /// constants carry the default priority and are not built yet, so nothing here may touch them.
 __attribute__((constructor(101))) void CreatePluginObject() {
   // The host owns it from here on and ends it through PrepareForUnload.
@@ -39,7 +37,7 @@ std::unique_ptr<TUsb> MakeProvider(const ClassPointer& cls, TPluginManagerProvid
   return std::make_unique<Provider>(cls, handle);
 }
 
-/// The maker of the provider that serves `className`; null for a class that is not served.
+/// The function that makes the provider for `className`; null for a class that is not served.
 ProviderMaker FindProviderMaker(const std::string& className) {
   struct ServedClass {
     const std::string& name;
@@ -93,6 +91,8 @@ std::string TUSBInfoCallbacks::GetInterfaceVersion() {
 }
 
 void TUSBInfoCallbacks::PrepareForUnload() {
+  // The host may call through a null pointer, and this file is compiled so that the check survives
+  // optimisation.
   if (reinterpret_cast<std::uintptr_t>(this) == 0) return;
   delete this;
 }

@@ -1,4 +1,4 @@
-// The plug-in object: the one thing that the host loads and talks to. A load-time initializer creates it, it
+// The plug-in object: the one object that the host loads and calls. A load-time initializer creates it, it
 // registers itself with the host's plug-in manager, serves class requests, and deletes itself when the host
 // prepares to unload the module.
 #pragma once
@@ -15,7 +15,7 @@ class TUsb;
 
 namespace NKESTA20 {
 
-/// Exported for the host's benefit; never used here.
+/// Exported for the host; never used here.
 extern USBINFO_HOST_API int gStarted;
 
 class TUSBInfoCallbacks : public IPluginCallbacks, public IPluginBasicQueryCallbacks {
@@ -44,7 +44,7 @@ class TUSBInfoCallbacks : public IPluginCallbacks, public IPluginBasicQueryCallb
   int RetrieveDataForClass(TUsb* provider);
 
  private:
-  /// Handed to every provider; null, which keeps them silent, when the host has no plug-in manager.
+  /// Passed to every provider; null, which keeps them silent, when the host has no plug-in manager.
   TPluginManagerProvider* fProviderHandle = nullptr;
 };
 

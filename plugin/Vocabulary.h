@@ -1,6 +1,7 @@
 // The names that the plug-in shares with the host's CIM schema, its fixed texts and the device list's path.
 // Internal linkage: every source file holds its own copies, built at load after the plug-in object and
-// destroyed in reverse. Their order is part of the vocabulary, as are the ones that no operation reads.
+// destroyed in reverse. Their order and the constants that no operation reads are part of the vocabulary,
+// too.
 #pragma once
 
 #include <string>

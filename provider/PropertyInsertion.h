@@ -1,5 +1,5 @@
-// Insertion into property maps: only what carries a value is stored, and the first value of a name stays.
-// The inventory relies on both.
+// Insertion into property maps: only non-empty values are stored, and the first value of a name stays. The
+// inventory relies on both.
 #pragma once
 
 #include <string>

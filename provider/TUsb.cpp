@@ -1,4 +1,3 @@
-// The base of every provider; see the header.
 #include "provider/TUsb.h"
 
 #include "host/TAddToVectorCallback.h"

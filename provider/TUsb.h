@@ -31,7 +31,7 @@ class TUsb {
   virtual bool GetCIMInstances();
   /// The same for the class named; every provider implements it.
   virtual bool GetCIMInstances(std::string className) = 0;
-  /// Gathers what the instances are made from; nothing here.
+  /// Collects the data that the instances are made from; does nothing here.
   virtual void CollectData();
 
   NKESTA20::TPluginManagerProvider* GetInfoHandle();
@@ -52,8 +52,8 @@ class TUsb {
   NKESTA20::ICIMInstance* GenerateCIMInstance(NKESTA20::PropertyMap properties, std::string className);
 
  protected:
-  /// Generates an instance from each of `maps`; true if at least one was made. A host exception costs its
-  /// own instance only and is told in a status line that begins with `errorPrefix`.
+  /// Generates an instance from each of `maps`; true if at least one was made. A host exception skips its own
+  /// instance only and is logged in a status line that begins with `errorPrefix`.
   bool GenerateInstances(const std::vector<NKESTA20::PropertyMap>& maps, const std::string& className,
                          const std::string& errorPrefix);
 

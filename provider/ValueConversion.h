@@ -10,8 +10,8 @@
 
 namespace conversion_detail {
 
-/// A stream for one conversion, with the default formatting. Lack of memory leaves it as std::bad_alloc: a
-/// stream keeps it to itself otherwise, and a shorter text would pass for the whole.
+/// A stream for one conversion, with the default formatting. It throws std::bad_alloc when memory is short;
+/// by default a stream hides that, and a shortened text would pass for the whole.
 inline std::stringstream NewStream() {
   std::stringstream stream(std::ios_base::in | std::ios_base::out);
   stream.imbue(std::locale::classic());
@@ -45,8 +45,8 @@ T stringToDataType(std::string text) {
   return result;
 }
 
-/// The hexadecimal number that `text` begins with, in spite of the name. Leading blanks are not skipped: a
-/// text that starts with one gives 0.
+/// The hexadecimal number that `text` begins with, despite the function's name. Leading blanks are not
+/// skipped: a text that starts with one gives 0.
 template <typename T>
 T ExtractDecimalDataToHex(std::string text) {
   T result = 0;

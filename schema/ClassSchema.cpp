@@ -105,7 +105,7 @@ std::vector<ClassSchema> MakeServedClasses() {
   };
 }
 
-/// Length, first and last character tell nearly all names apart.
+/// Nearly all names differ in length, first or last character.
 std::size_t FirstSlotOf(std::string_view name) {
   if (name.empty()) return 0;
   const auto code = [](char c) { return static_cast<std::size_t>(static_cast<unsigned char>(c)); };

@@ -1,5 +1,5 @@
-// The served classes: one table of names, types, keys and what an instance may lack. The stand-in host holds
-// everything against it that is created, set and committed; inventories and exports read it.
+// The served classes: one table of names, types, keys and what an instance may lack. The stand-in host checks
+// everything that is created, set and committed against it; inventories and exports read it.
 #pragma once
 
 #include <array>
@@ -60,8 +60,8 @@ struct PropertySchema {
   std::string name;
   NKESTA20::TCIMValue::TCIMType::ECIMType type;
   bool isKey = false;
-  /// An instance may lack it: a text that a device does not send, what only a port above it gives, a speed
-  /// that is not known.
+  /// An instance may lack it: a text that a device does not send, a value that comes from the port above, an
+  /// unknown speed.
   bool isOptional = false;
   /// Of a reference: the class that it leads to, kEntityBaseClass where that may be several.
   std::string referenceClass = {};
@@ -87,8 +87,7 @@ struct ClassSchema {
 
  private:
   std::array<std::size_t, kPropertyCount> fIndexes;
-  /// Indexes by name: each in the slot where the search for its name begins, or in the next free one after
-  /// it.
+  /// Indexes by name, each in the slot where the search for its name begins, or in the next free slot.
   std::array<std::size_t, 64> fSlots;
 };
 

@@ -26,7 +26,7 @@ TEST_PACKAGES=(groff-base jq libxml2-utils mandoc python3-jsonschema zsh)
 PAGE_PACKAGES=(chromium chromium-driver graphviz python3-selenium)
 # What the slower checks take on top.
 CHECK_PACKAGES=(clang clang-format clang-tidy pyflakes3 shellcheck)
-# What telling the coverage takes on top of the first ones.
+# What measuring the coverage takes on top of the first ones.
 COVERAGE_PACKAGES=(gcovr)
 # What the fuzzers take on top of the first ones; without llvm's symbolizer, reports and known leaks have no names.
 FUZZ_PACKAGES=(clang "libclang-rt-$(debian_clang)-dev" llvm)
@@ -79,11 +79,16 @@ install_packages() {
     apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" >&2
 }
 
-# build PRESET [TARGET...]: configures once, with the options in CONFIGURE_OPTIONS if there are any, and builds.
+# build PRESET [TARGET...]: configures once, with the options in CONFIGURE_OPTIONS if there are any, and builds. A
+# compiler cache is used where one is installed; it needs some freedom to take the tests' precompiled header.
 build() {
   local preset=$1 options
   shift
   read -ra options <<< "${CONFIGURE_OPTIONS:-}"
+  if command -v ccache > /dev/null; then
+    options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
+  fi
   [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" "${options[@]}" >&2
   if [ $# -gt 0 ]; then
     cmake --build --preset "$preset" --target "$@" >&2

@@ -1,5 +1,5 @@
-// One class of the namespace and its committed instances. A class that the schema lacks can be asked for too,
-// as a host may ask a plug-in for anything; it only refuses to make instances. The namespace owns it.
+// One class of the namespace and its committed instances. A class that the schema lacks can be requested too,
+// since a host may ask a plug-in for any class; it refuses to make instances. The namespace owns it.
 #pragma once
 
 #include <boost/enable_shared_from_this.hpp>
@@ -36,10 +36,10 @@ class USBINFO_STANDIN_EXPORT CimClass : public NKESTA20::ICIMClass,
   /// commits are not visited.
   void EnumerateInstances(InstanceCallback callback, int flags, NKESTA20::PropertyMap context) override;
 
-  /// Files a committed instance under its path, in the place of one of the same path.
+  /// Stores a committed instance under its path; it replaces one of the same path.
   USBINFO_STANDIN_LOCAL void Store(const boost::shared_ptr<Instance>& instance);
 
-  /// The same, without passing the seam.
+  /// The same, without calling the observer of HostSeam.
   const std::string& Name() const { return fName; }
   const std::vector<boost::shared_ptr<Instance>>& Instances() const { return fInstances; }
 

@@ -1,5 +1,5 @@
-// A device list given by the user in place of the machine: every file holds it, every command is silent, and
-// nothing of the machine is touched.
+// A device list that the user gave, in place of the machine: every file has this text, every command prints
+// nothing, and the machine is not touched.
 #pragma once
 
 #include <string>

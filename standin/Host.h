@@ -1,6 +1,6 @@
 // The stand-in host: the one process-wide object behind the host's static operations. It owns the namespace,
 // the logger, the plug-in manager and the operating-system services, and is configured before a plug-in is
-// loaded. Plug-ins register with it and belong to themselves.
+// loaded. Plug-ins register with it and own themselves.
 #pragma once
 
 #include <boost/shared_ptr.hpp>
@@ -22,8 +22,8 @@ class USBINFO_STANDIN_EXPORT Host {
 
   static Host& Instance();
 
-  /// Back to the start: no instances, no registered plug-ins, the machine's name and services, no log sink,
-  /// a plug-in manager of its own.
+  /// Restores the initial state: no instances, no registered plug-ins, the machine's name and services, no
+  /// log sink, a plug-in manager of its own.
   void Reset();
 
   void SetSystemName(const std::string& name) { fSystemName = name; }
@@ -33,7 +33,7 @@ class USBINFO_STANDIN_EXPORT Host {
   void SetOperatingSystem(std::unique_ptr<OperatingSystem> services) { fServices = std::move(services); }
   OperatingSystem& Services() { return *fServices; }
 
-  /// What stands for the plug-in manager: any namespace, or null.
+  /// What the host returns as its plug-in manager: any namespace, or null.
   void SetPluginManager(boost::shared_ptr<NKESTA20::ICIMNamespace> manager) { fManager = manager; }
   boost::shared_ptr<NKESTA20::ICIMNamespace> PluginManager() const { return fManager; }
 
@@ -43,7 +43,7 @@ class USBINFO_STANDIN_EXPORT Host {
   void Register(NKESTA20::IPluginCallbacks* plugin) { fPlugins.push_back(plugin); }
   /// Forgets a plug-in, before it goes away.
   void Forget(NKESTA20::IPluginCallbacks* plugin);
-  /// The registered plug-ins, in the order in which they came.
+  /// The registered plug-ins, in the order of their registration.
   const std::vector<NKESTA20::IPluginCallbacks*>& Plugins() const { return fPlugins; }
 
  private:

@@ -1,5 +1,5 @@
-// What stands behind the host's opaque value types: immutable data with a use count, shared by copies, so
-// that handing a value on costs a pointer. Only the stand-in looks inside.
+// The data of the host's opaque value types: immutable, with a use count, and shared by copies, so that
+// passing a value on costs a pointer. Only the stand-in uses it.
 #pragma once
 
 #include <atomic>
@@ -43,7 +43,7 @@ struct ReferenceData : SharedData {
 
 namespace NKESTA20 {
 
-/// The stand-in's door to the data behind the opaque types; null for a null value or an empty path.
+/// The stand-in's access to the data of the opaque types; null for a null value or an empty path.
 class HostData {
  public:
   static const standin::ValueData* Of(const TCIMValue& value) {

@@ -1,5 +1,5 @@
-// How an operation of the stand-in passes the seam. Mostly nobody watches, and then passing it costs one
-// comparison: a subject that is not at hand is only made for an observer.
+// How an operation of the stand-in calls the observer of HostSeam. Without one, which is the usual case, this
+// costs one comparison: the subject's text is only made for an observer.
 #pragma once
 
 #include <string>

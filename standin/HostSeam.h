@@ -1,6 +1,6 @@
-// The one seam that every host operation of the stand-in passes before it does anything. A test sets an
+// The one hook that every host operation of the stand-in calls before it does anything else. A test sets an
 // observer to count the calls, to record them, or to make the n-th one throw. Copies of values share their
-// data and cannot fail, so they do not pass here.
+// data and cannot fail, so they do not call it.
 #pragma once
 
 #include <functional>
@@ -53,7 +53,8 @@ class HostSeam {
  public:
   using Observer = std::function<void(const HostCall&)>;
 
-  /// Sees every call from now on; what it throws leaves the operation. An empty one sees nothing.
+  /// Is called for every operation from now on; an exception that it throws leaves the operation. An empty
+  /// one is not called.
   USBINFO_STANDIN_EXPORT static void SetObserver(Observer observer);
 };
 

@@ -1,5 +1,5 @@
-// One instance of a class: its properties in one block in the schema's order, held against the schema as they
-// are set. The class owns it once it is committed; until then whoever created it does.
+// One instance of a class: its properties in one block in the schema's order, checked against the schema as
+// they are set. Its class owns it once it is committed; until then its creator does.
 #pragma once
 
 #include <boost/enable_shared_from_this.hpp>
@@ -50,8 +50,8 @@ class USBINFO_STANDIN_EXPORT Instance : public NKESTA20::ICIMInstance,
   void SetProperty(const std::string& name, const NKESTA20::TCIMValue& value,
                    NKESTA20::PropertyMap context) override;
 
-  // Reading without passing the seam. What is returned is valid as long as the instance, values until they
-  // are set again.
+  // Reading without calling the observer of HostSeam. What is returned is valid as long as the instance,
+  // values until they are set again.
 
   const schema::ClassSchema& Schema() const { return fSchema; }
   /// The value of the property at `index` in the schema; null while it is not set.

@@ -1,4 +1,4 @@
-// The core logger: it hands every line to whoever runs the host. The host owns it.
+// The core logger: it passes every line to the program that runs the host. The host owns it.
 #pragma once
 
 #include <functional>

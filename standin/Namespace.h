@@ -24,8 +24,8 @@ class USBINFO_STANDIN_EXPORT Namespace : public NKESTA20::ICIMNamespace,
   boost::shared_ptr<NKESTA20::ICIMClass> GetClass(const std::string& className,
                                                   NKESTA20::PropertyMap context) override;
 
-  /// The class of that name, without passing the seam; for a name that the schema lacks, a class that makes
-  /// no instances.
+  /// The class of that name, without calling the observer of HostSeam; for a name that the schema lacks, a
+  /// class that makes no instances.
   boost::shared_ptr<CimClass> ClassForRequest(const std::string& className);
 
  private:

@@ -1,5 +1,5 @@
-// What the host asks of the operating system on a plug-in's behalf: an interface with the real machine behind
-// it, or a device list given by the user, or a test's double.
+// What the host asks of the operating system on a plug-in's behalf. Implemented by the real machine, by a
+// device list that the user gave, and by test doubles.
 #pragma once
 
 #include <string>

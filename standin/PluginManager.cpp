@@ -1,5 +1,3 @@
-// The plug-in manager. This file is compiled so that the null check on `this` survives optimisation: plug-ins
-// register through a null pointer where a host has no manager.
 #include "standin/PluginManager.h"
 
 #include <cstdint>
@@ -12,6 +10,8 @@ namespace NKESTA20 {
 
 void TPluginManagerNamespace::RegisterPlugin(IPluginCallbacks* plugin) {
   standin::HostEntry::Pass(standin::HostOperation::kRegisterPlugin);
+  // Plug-ins register through a null pointer where a host has no manager, and this file is compiled so that
+  // the check survives optimisation.
   if (reinterpret_cast<std::uintptr_t>(this) == 0) return;
   standin::Host::Instance().Register(plugin);
 }

@@ -1,4 +1,4 @@
-// The stand-in's plug-in manager: what plug-ins register with at load. As a namespace it holds no classes.
+// The stand-in's plug-in manager: plug-ins register with it at load. As a namespace it has no classes.
 #pragma once
 
 #include <boost/shared_ptr.hpp>

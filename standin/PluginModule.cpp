@@ -18,7 +18,7 @@ void WarnOfFailure(const std::string& path) noexcept {
     Host::Instance().CoreLogger().Write(ILogger::kWarning,
                                         path + ": the plug-in failed when it was unloaded");
   } catch (...) {
-    // The plug-in is gone all the same.
+    // The plug-in counts as deleted even so.
   }
 }
 
@@ -33,7 +33,8 @@ PluginModule::PluginModule(const std::string& path) {
   try {
     Load(path);
   } catch (...) {
-    // What registered may have been destroyed by the exception, so it is forgotten without a last call.
+    // The exception may have destroyed the plug-in that registered, so it is removed without another call to
+    // it.
     while (Host::Instance().Plugins().size() > before) {
       Host::Instance().Forget(Host::Instance().Plugins().back());
     }
@@ -53,8 +54,8 @@ PluginModule::~PluginModule() {
 }
 
 void PluginModule::Load(const std::string& path) {
-  // The system promises that dlopen never throws, but what a module's initialization throws comes through it.
-  // A pointer that the compiler cannot look through keeps the way open.
+  // dlopen is declared not to throw, but an exception from a module's initialization passes through it.
+  // Calling it through a volatile pointer keeps the compiler from dropping the handler.
   void* (*volatile const open)(const char*, int) = ::dlopen;
   fHandle.reset(open(path.c_str(), RTLD_NOW | RTLD_LOCAL));
   if (fHandle == nullptr) throw PluginError(::dlerror());

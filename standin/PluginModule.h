@@ -1,5 +1,5 @@
 // A plug-in module loaded into the process, and the plug-in that registered with the host while it loaded.
-// Owns both: the destructor lets the plug-in delete itself, then unloads the module.
+// Owns both: the destructor has the plug-in delete itself, then unloads the module.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@
 
 namespace standin {
 
-/// Why a module cannot be used; what() is one line for the user.
+/// A module cannot be used; what() says why, in one line for the user.
 class USBINFO_STANDIN_EXPORT PluginError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -27,15 +27,15 @@ class PluginModule {
   USBINFO_STANDIN_EXPORT explicit PluginModule(const std::string& path);
   PluginModule(const PluginModule&) = delete;
   PluginModule& operator=(const PluginModule&) = delete;
-  /// What the plug-in throws when it is told to go is logged as a warning; the module is unloaded all the
-  /// same.
+  /// An exception of the plug-in's PrepareForUnload is logged as a warning; the module is unloaded
+  /// nevertheless.
   USBINFO_STANDIN_EXPORT ~PluginModule();
 
   NKESTA20::IPluginCallbacks& Lifecycle() { return *fLifecycle; }
   NKESTA20::IPluginBasicQueryCallbacks& Queries() { return *fQueries; }
 
   /// A whole round as a host drives it: Init, one request for the classes named, in order, then DeInit, which
-  /// also follows a request that throws. Names that the schema lacks are asked for all the same.
+  /// also follows a request that throws. Names that the schema lacks are requested, too.
   USBINFO_STANDIN_EXPORT void Collect(const std::vector<std::string>& classNames);
 
  private:
@@ -44,9 +44,9 @@ class PluginModule {
   };
 
   void Load(const std::string& path);
-  /// Takes over the plug-ins that came after the first `before`.
+  /// Takes over the plug-ins that registered after the first `before`.
   void TakeOver(std::size_t before);
-  /// Forgets a plug-in and lets it delete itself.
+  /// Removes a plug-in and has it delete itself.
   void Dismiss(NKESTA20::IPluginCallbacks* plugin) noexcept;
   void DeInitAfterFailure() noexcept;
 

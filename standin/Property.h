@@ -1,5 +1,5 @@
-// One property of one instance, which owns it and hands out shared pointers to it; setting the property again
-// changes the value in place, so that earlier hand-outs see the new one.
+// One property of one instance, which owns it and returns shared pointers to it. Setting the property again
+// changes the value in place, so earlier pointers see the new one.
 #pragma once
 
 #include <string>
@@ -17,7 +17,7 @@ class Property : public NKESTA20::ICIMProperty {
   const NKESTA20::TCIMValue& GetValue(NKESTA20::PropertyMap context) override;
   std::string GetValueAsText() override;
 
-  // The same, without passing the seam.
+  // The same, without calling the observer of HostSeam.
 
   const std::string& Name() const { return fName; }
   bool IsSet() const { return NKESTA20::HostData::Of(fValue) != nullptr; }

@@ -1,4 +1,4 @@
-// What the host says of the system, over the one stand-in host.
+// The host's knowledge of the system, from the one stand-in host.
 #include "host/TCIMSchemaHelper.h"
 #include "standin/Host.h"
 #include "standin/HostEntry.h"

@@ -1,5 +1,6 @@
-// Reading values and object paths as what they are, for those who run the stand-in: the host's own types
-// only turn into text and small numbers. Reading does not pass the seam, for it is not the plug-in's doing.
+// Typed access to values and object paths for programs that run the stand-in; the host's own types convert
+// only to text and small numbers. Reading does not call the observer of HostSeam, since it is not an
+// operation of the plug-in.
 #pragma once
 
 #include <cstdint>

@@ -27,7 +27,7 @@ void Check(int error) {
   if (error != 0) ThrowSystemError(error);
 }
 
-/// What the child does with its descriptors: nothing to read, output to `output`, errors dropped.
+/// The child's descriptors: empty input, output to `output`, errors dropped.
 class SpawnActions {
  public:
   SpawnActions() { Check(posix_spawn_file_actions_init(&fActions)); }
@@ -47,7 +47,7 @@ class SpawnActions {
   posix_spawn_file_actions_t fActions;
 };
 
-/// What the child is: the leader of a group of its own, with the default signals.
+/// The child's attributes: leader of its own process group, default signal handling.
 class SpawnAttributes {
  public:
   SpawnAttributes() { Check(posix_spawnattr_init(&fAttributes)); }
@@ -55,7 +55,7 @@ class SpawnAttributes {
   SpawnAttributes& operator=(const SpawnAttributes&) = delete;
   ~SpawnAttributes() { posix_spawnattr_destroy(&fAttributes); }
 
-  void SetApart() {
+  void SetGroupAndSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     Check(posix_spawnattr_setsigmask(&fAttributes, &signals));
@@ -95,7 +95,7 @@ ChildProcess::ChildProcess(const std::string& command) {
   SpawnActions actions;
   actions.Redirect(input.Get());
   SpawnAttributes attributes;
-  attributes.SetApart();
+  attributes.SetGroupAndSignals();
   std::string shell = "sh";
   std::string option = "-c";
   std::string line = command;
@@ -139,7 +139,7 @@ void ChildProcess::AwaitEnd(Clock::time_point deadline) {
   } else if (errno != ESRCH) {
     ThrowSystemError(errno);
   }
-  // Where this process ignores the end of its children, there is none to wait for any more.
+  // Where this process ignores SIGCHLD, the system has reaped the child already.
   siginfo_t end;
   fGone = ::waitid(P_PID, static_cast<id_t>(fPid), &end, WEXITED | WNOHANG | WNOWAIT) != 0;
   if (fGone) fGuard.Forget();

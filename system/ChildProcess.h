@@ -22,8 +22,8 @@ class ChildProcess {
   ChildProcess& operator=(const ChildProcess&) = delete;
   ~ChildProcess();
 
-  /// What the command writes until the pipe is closed and the command has ended. Throws std::system_error,
-  /// with ETIMEDOUT when that takes longer than `limit` and EFBIG beyond `maxBytes`.
+  /// Everything that the command writes until the pipe is closed and the command has ended. Throws
+  /// std::system_error, with ETIMEDOUT when that takes longer than `limit` and EFBIG beyond `maxBytes`.
   std::string Collect(std::chrono::milliseconds limit, std::size_t maxBytes);
 
  private:
@@ -32,7 +32,7 @@ class ChildProcess {
   ProcessGroupGuard fGuard;
   pid_t fPid = -1;
   FileDescriptor fOutput;
-  /// The system has reaped the child by itself; its number may be another's by now.
+  /// The system has reaped the child by itself; its process ID may have been reused.
   bool fGone = false;
 };
 

@@ -1,4 +1,3 @@
-// Owned descriptors, whole reads and writes; see the header.
 #include "system/FileDescriptor.h"
 
 #include <fcntl.h>

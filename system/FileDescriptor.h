@@ -18,7 +18,7 @@ class FileDescriptor {
 
   int Get() const { return fFd; }
   bool IsOpen() const { return fFd >= 0; }
-  /// Gives the descriptor away.
+  /// Gives up ownership of the descriptor.
   int Take();
   void Close();
 

@@ -44,7 +44,7 @@ FileDescriptor OpenFolder(int parent, const std::string& name) {
   return folder;
 }
 
-/// What a link that was opened itself holds.
+/// The text of a link whose descriptor refers to the link itself.
 std::string ReadLink(int link) {
   std::array<char, PATH_MAX> target{};
   const ssize_t length = ::readlinkat(link, "", target.data(), target.size());
@@ -52,7 +52,7 @@ std::string ReadLink(int link) {
   return std::string(target.data(), static_cast<std::size_t>(length));
 }
 
-/// The links of /proc lead to what they stand for, whatever text they show.
+/// The kernel resolves links of /proc to their object, whatever their text says.
 bool IsLinkOfProc(int link) {
   struct statfs system {};
   return ::fstatfs(link, &system) == 0 && system.f_type == PROC_SUPER_MAGIC;
@@ -68,12 +68,12 @@ int OwnDescriptor(int folder, const std::string& name) {
   return number;
 }
 
-/// Goes along a path, one component at a time.
+/// Follows a path, one component at a time.
 class PathWalk {
  public:
   explicit PathWalk(const std::string& path) : folder(OpenFolder(AT_FDCWD, ".")) {
     if (path.empty()) ThrowSystemError(ENOENT);
-    GoOnWith(path);
+    ContinueWith(path);
     while (!IsAtEnd()) {
     }
   }
@@ -84,7 +84,7 @@ class PathWalk {
   int descriptor = -1;
 
  private:
-  /// Takes the next component; true when it is what the path leads to.
+  /// Takes the next component; true when it is the path's last one.
   bool IsAtEnd() {
     TakeName();
     FileDescriptor entry(::openat(folder.Get(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
@@ -100,7 +100,7 @@ class PathWalk {
     return false;
   }
 
-  /// Throws when none is left: the path names a folder, by a slash at its end.
+  /// Throws when none is left: a path that ends in a slash names a folder.
   void TakeName() {
     const std::size_t begin = fRest.find_first_not_of('/');
     if (begin == std::string::npos) ThrowSystemError(EISDIR);
@@ -116,13 +116,13 @@ class PathWalk {
     return true;
   }
 
-  /// True when the link is the end: a descriptor of ours.
+  /// True when the link is the path's end: a descriptor of this process.
   bool FollowLink(int link, const struct stat& status) {
     constexpr int kMostLinks = 40;  // as the kernel's own limit
     if (++fLinks > kMostLinks) ThrowSystemError(ELOOP);
     RequireTrusted(status, folder.Get(), name);
     if (IsLinkOfProc(link)) return FollowLinkOfProc();
-    GoOnWith(ReadLink(link) + fRest);
+    ContinueWith(ReadLink(link) + fRest);
     return false;
   }
 
@@ -139,7 +139,7 @@ class PathWalk {
     return true;
   }
 
-  void GoOnWith(std::string path) {
+  void ContinueWith(std::string path) {
     if (path.front() == '/') folder = OpenFolder(AT_FDCWD, "/");
     fRest = std::move(path);
   }

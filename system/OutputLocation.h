@@ -1,10 +1,10 @@
-// Where a path leads that is to be written to: the folder, held open, and the name in it. Every symbolic link
-// on the way is followed here rather than by the kernel, so that what was checked is what is used.
+// The file that an output path leads to: its folder, held open, and its name there. Every symbolic link on
+// the way is followed here rather than by the kernel, so that the checked file is the one that is used.
 //
-// In a folder with the sticky bit where everyone may create files, such as /tmp, another user may have put
-// something under the name in order to redirect or to receive the output. There, whatever the sysctls
-// protected_symlinks, protected_fifos and protected_regular say, links and files count only when they belong
-// to us or to the folder's owner.
+// In a world-writable folder with the sticky bit, such as /tmp, another user may have created something of
+// that name to redirect or receive the output. There, links and files are used only when they belong to this
+// process's user or to the folder's owner, whatever the sysctls protected_symlinks, protected_fifos and
+// protected_regular say.
 #pragma once
 
 #include <sys/stat.h>
@@ -17,8 +17,7 @@
 
 namespace sys {
 
-/// The path leads through or to something of another user's that must not be used. what() says which part of
-/// it.
+/// The path leads through or to something of another user's that must not be used. what() names it.
 class UntrustedPath : public std::runtime_error {
  public:
   using runtime_error::runtime_error;
@@ -33,14 +32,14 @@ class OutputLocation {
   /// Opened with O_PATH, for openat(2) and its like.
   int Folder() const { return fFolder.Get(); }
   const std::string& Name() const { return fName; }
-  /// What is there; nothing for a file that is still to be created.
+  /// The status of what exists there; nothing for a file that is still to be created.
   const std::optional<struct stat>& Existing() const { return fExisting; }
 
-  /// Whether a new file can take the place: nothing is there, or a regular file that the path names by its
+  /// Whether a new file can be put there: nothing exists yet, or a regular file that the path names by its
   /// name. False for devices and pipes, and for what this process has open already: /proc/self/fd/N, and
   /// /dev/stdout, which is a link to it.
   bool IsReplaceable() const;
-  /// Both lead to the same name in the same folder.
+  /// Whether both lead to the same name in the same folder.
   bool IsSameAs(const OutputLocation& other) const;
 
   /// Opens what is there, to write at its end. Waits for a reader where it is a FIFO. Throws

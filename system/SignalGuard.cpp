@@ -28,7 +28,7 @@ std::atomic<bool> isStarting = false;
 
 static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
 
-/// Another thread is starting a command, with its own signals blocked, and will know its group in a moment.
+/// Another thread is starting a command, with its own signals blocked; it will store the group's id shortly.
 void AwaitStart() {
   constexpr timespec kMoment = {0, 1000000};
   while (isStarting) ::nanosleep(&kMoment, nullptr);
@@ -57,7 +57,7 @@ bool HasHandler(int signal, void (*handler)(int)) {
          action.sa_handler == handler;
 }
 
-/// Where `signal` has the handler `from`, it gets `to`.
+/// Replaces the handler of `signal` by `to` if it is `from`.
 void ReplaceHandler(int signal, void (*from)(int), void (*to)(int)) {
   if (!HasHandler(signal, from)) return;
   struct sigaction action = {};

@@ -1,4 +1,4 @@
-// What a signal that ends the process must not leave behind: a temporary file, or a command that runs on.
+// Cleans up when a signal ends the process: removes a temporary file and kills a command that is running.
 // While a guard lives, SIGHUP, SIGINT, SIGQUIT and SIGTERM first remove the file or kill the command, then
 // end the process as they would have without the guard, so that its parent sees the signal. A signal that the
 // process ignores or handles by itself is left alone. One file and one command are guarded at a time.
@@ -11,7 +11,7 @@
 
 namespace sys {
 
-/// Has the signals handled while at least one of these lives. The other guards bring their own.
+/// The signals are handled while at least one of these exists. The other guards have their own.
 class EndingSignals {
  public:
   EndingSignals();
@@ -20,7 +20,7 @@ class EndingSignals {
   ~EndingSignals();
 };
 
-/// The file `name` in the open folder `folder` is removed by the signals, if it is there.
+/// Has the signals remove the file `name` in the open folder `folder`, if it exists.
 class FileGuard {
  public:
   /// `folder` must stay open as long as the guard lives. Throws std::system_error, with ENAMETOOLONG for a
@@ -34,8 +34,8 @@ class FileGuard {
   EndingSignals fSignals;
 };
 
-/// A process group is killed by the signals. They are held back from the construction until Watch, so that
-/// none comes between the start of the command and the moment when its group is known.
+/// Has the signals kill a process group. They are blocked from construction until Watch, so that none arrives
+/// between the start of the command and the moment when its group is known.
 class ProcessGroupGuard {
  public:
   ProcessGroupGuard();
@@ -44,7 +44,7 @@ class ProcessGroupGuard {
   ~ProcessGroupGuard();
 
   void Watch(pid_t group);
-  /// To be called before the group's leader is reaped: its id may then become another's.
+  /// To be called before the group's leader is reaped, since its id may then be reused.
   void Forget();
 
  private:

@@ -14,7 +14,7 @@ namespace sys {
 
 namespace {
 
-/// 60 random bits, so that nobody can put something there beforehand.
+/// 60 random bits, so that nobody can create a file of that name first.
 std::string RandomName() {
   constexpr std::string_view kDigits = "abcdefghijklmnopqrstuvwxyz234567";
   std::array<unsigned char, 12> random{};

@@ -1,5 +1,5 @@
-// A file with a random name that is written beside the one whose place it takes. Until then it can be read
-// and written by its owner alone; it is removed with the object, or by a signal that ends the process.
+// A file with a random name, written beside the file that it will replace. Until then only its owner can read
+// and write it. The destructor removes it, as does a signal that ends the process.
 #pragma once
 
 #include <optional>

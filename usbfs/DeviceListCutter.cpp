@@ -1,4 +1,3 @@
-// Text in, records out; see the header.
 #include "usbfs/DeviceListCutter.h"
 
 #include <algorithm>
@@ -58,7 +57,7 @@ class RecordBuilder {
   std::queue<UsbDevice> fRecords;
 };
 
-/// The number of the last line: the newlines of `text`, but for one at its very start.
+/// The number of the last line: the number of newlines in `text`, except one at its very start.
 std::ptrdiff_t LastLineNumber(const std::string& text) {
   if (text.empty()) return 0;
   return std::count(text.begin() + 1, text.end(), '\n');

@@ -1,4 +1,3 @@
-// Acquisition; see the header.
 #include "usbfs/DeviceListSource.h"
 
 #include <cstdlib>
@@ -18,7 +17,7 @@ constexpr const char* kUnmountUsbfs = "umount usbfs > /dev/null 2>&1";
 constexpr const char* kListCommand = "usb-devices";
 constexpr int kListCommandSeconds = 300;
 
-/// Runs a mount command; whether it worked shows in the file that it brings, not in its exit status.
+/// Runs a mount command. Its exit status is ignored: the mount has worked when the file is there.
 void RunIgnoringStatus(const char* command) {
   // The commands are constants and the shell's search path is the host's own.
   [[maybe_unused]] const int status = std::system(command);  // NOLINT(cert-env33-c)

@@ -12,7 +12,7 @@ class DeviceListSource {
   explicit DeviceListSource(const TUsb& log) : fLog(log) {}
 
   /// The text: of the usbfs list, else of the debugfs list, else of usbfs mounted for the moment, else of the
-  /// "usb-devices" command. Empty when there is none; the log then tells. A host exception is caught while
+  /// "usb-devices" command. Empty when there is none, which the log reports. A host exception is caught while
   /// files are tested and read, and passed through from the command.
   std::string Read() const;
 

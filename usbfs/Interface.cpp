@@ -1,4 +1,3 @@
-// The "I" line; see the header.
 #include "usbfs/Interface.h"
 
 void Interface::Initialize(std::string line) {

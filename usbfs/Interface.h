@@ -1,5 +1,5 @@
 // The "I" line of a device block: one interface descriptor, kept as text. The class is cut at "(", unlike the
-// device's own class. Owned by a device record; a scratch one serves the test for hubs.
+// device's own class. Owned by a device record; the test for hubs uses a temporary one.
 #pragma once
 
 #include <string>
@@ -15,11 +15,11 @@ class Interface : public LineParser {
   std::string getDriver() const { return driver; }
   /// Class code without the class name: "09" for a hub.
   std::string getClass() const { return interfaceClass; }
-  /// Subclass code and the blank behind it.
+  /// Subclass code and the blank after it.
   std::string getSubClass() const { return interfaceSubClass; }
   /// Interface number, blanks on both sides kept.
   std::string getInterface() const { return interfaceNumber; }
-  /// Protocol code and the blank behind it.
+  /// Protocol code and the blank after it.
   std::string getProtocol() const { return interfaceProtocol; }
 
  private:

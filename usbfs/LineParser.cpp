@@ -1,4 +1,3 @@
-// Field extraction; see the header.
 #include "usbfs/LineParser.h"
 
 #include <algorithm>

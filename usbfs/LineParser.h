@@ -1,5 +1,5 @@
-// What the six line parsers of the device list share: cutting a field out of a line. The parsers derive
-// from it and are owned by a device record.
+// The base of the six line parsers of the device list: it cuts a field out of a line. The parsers derive from
+// it and are owned by a device record.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 class LineParser {
  public:
   /// The text of `line` between `key` and `terminator`, both given in lower case and matched without regard
-  /// to case; the first occurrence of each wins, the terminator being looked for from the key on. The
+  /// to case; the first occurrence of each counts, and the search for the terminator begins at the key. The
   /// terminator "\n" means the end of the line. Nothing is trimmed. Empty when either is missing.
   std::string getString(std::string line, std::string key, std::string terminator) const;
 

@@ -1,4 +1,3 @@
-// One device record; see the header.
 #include "usbfs/UsbDevice.h"
 
 #include <boost/make_shared.hpp>

@@ -21,7 +21,7 @@ class UsbDevice {
 
   UsbDevice();
 
-  /// Each hands a whole line of the list to its parser.
+  /// Each passes a whole line of the list to its parser.
   void setTopology(std::string line);
   void setDescriptor(std::string line);
   void setInterface(std::string line);

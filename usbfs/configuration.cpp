@@ -1,4 +1,3 @@
-// The "C" line; see the header.
 #include "usbfs/configuration.h"
 
 void configuration::Initialize(std::string line) {

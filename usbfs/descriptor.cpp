@@ -1,4 +1,3 @@
-// The "D" line; see the header.
 #include "usbfs/descriptor.h"
 
 #include <algorithm>

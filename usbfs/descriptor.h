@@ -13,11 +13,11 @@ class descriptor : public LineParser {
 
   /// USB version without its points, blanks kept: " 200 ".
   std::string getVersion() const { return version; }
-  /// Protocol code and the blank behind it.
+  /// Protocol code and the blank after it.
   std::string getProtocol() const { return protocol; }
   /// Class code with the class name: "09(hub  ) ".
   std::string getClasscode() const { return classCode; }
-  /// Subclass code and the blank behind it.
+  /// Subclass code and the blank after it.
   std::string getSubClasscode() const { return subClassCode; }
   /// Number of configurations, with the blanks before it.
   std::string getConfigs() const { return configs; }

@@ -1,4 +1,3 @@
-// The "S" lines; see the header.
 #include "usbfs/deviceInfo.h"
 
 namespace {

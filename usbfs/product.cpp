@@ -1,4 +1,3 @@
-// The "P" line; see the header.
 #include "usbfs/product.h"
 
 void product::Initialize(std::string line) {

@@ -1,4 +1,3 @@
-// The "T" line; see the header.
 #include "usbfs/topology.h"
 
 void topology::Initialize(std::string line) {

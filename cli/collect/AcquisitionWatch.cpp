@@ -71,7 +71,7 @@ std::string AcquisitionWatch::SpawnProcess(const std::string& command, int secon
 }
 
 std::string AcquisitionWatch::TakeExitStatus(std::string output) {
-  // The shell writes it last, so nothing that the command prints can take its place.
+  // The shell writes it last, so nothing that the command prints can replace it.
   const std::size_t mark = output.rfind(kStatusMark);
   if (mark == std::string::npos) {
     fAcquisition->commandFailure = "the shell that runs usb-devices did not come to its end; try again";

@@ -15,9 +15,9 @@
 #include "cli/collect/AcquisitionWatch.h"
 #include "cli/collect/DeviceListText.h"
 #include "cli/collect/Hardening.h"
+#include "cli/collect/InventoryMask.h"
 #include "cli/collect/ListLimits.h"
 #include "cli/collect/LossWatch.h"
-#include "cli/collect/InventoryMask.h"
 #include "cli/collect/MaskingSystem.h"
 #include "cli/collect/ModulePath.h"
 #include "cli/collect/SerialMask.h"
@@ -50,7 +50,7 @@ SerialMask MaskOf(const Source& source) {
   return SerialMask::OfKeyFile(source.maskKey);
 }
 
-/// The machine. It may take its time; where standard error is a terminal, a notice says so.
+/// The machine. Where standard error is a terminal, a notice is printed when a command takes long.
 std::unique_ptr<OperatingSystem> WatchedMachine(const std::shared_ptr<Acquisition>& acquisition,
                                                 bool noLimits) {
   auto machine =
@@ -65,7 +65,7 @@ std::unique_ptr<OperatingSystem> Masked(std::unique_ptr<OperatingSystem> system,
   return std::make_unique<MaskingSystem>(std::move(system), MaskOf(source));
 }
 
-/// Throws UserError for a text that is no device list, or one beyond the limits.
+/// Throws UserError for a text that is not a device list, or is beyond the limits.
 void CheckDeviceList(const std::string& text, const Source& source) {
   const std::string name = NameOfList(source.devices);
   if (!IsBlank(text) && !LooksLikeDeviceList(text)) {
@@ -92,7 +92,7 @@ std::string SystemNameOf(const Source& source, bool isEmpty) {
   return kUnknown;
 }
 
-/// Drives the plug-in as a host does. An exception's type may live in the module, so its message is read
+/// Calls the plug-in as a host does. An exception's type may be defined in the module, so its message is read
 /// while the module is still loaded.
 void DrivePlugin(const std::string& pluginPath, const std::vector<std::string>& classNames) {
   const std::string path = PluginModulePath(pluginPath);
@@ -183,8 +183,8 @@ Inventory CollectFrom(std::string deviceList, const Source& source,
                       const std::vector<std::string>& classNames, LogWriter& log) {
   CheckDeviceList(deviceList, source);
   const std::string systemName = SystemNameOf(source, IsBlank(deviceList));
-  auto given = std::make_unique<standin::GivenDeviceList>(std::move(deviceList));
-  return Serve(Masked(std::move(given), source), systemName, source.plugin, classNames, log);
+  auto system = std::make_unique<standin::GivenDeviceList>(std::move(deviceList));
+  return Serve(Masked(std::move(system), source), systemName, source.plugin, classNames, log);
 }
 
 }  // namespace cli

@@ -20,7 +20,7 @@ MachineFacts::DebugfsList LookAtDebugfs() {
 
 bool IsInPath(const std::string& command) {
   const char* const path = std::getenv("PATH");
-  // The colon ends the last folder, which may be empty and then means the current one.
+  // The colon ends the last folder. An empty folder means the current one.
   std::istringstream folders(std::string(path == nullptr ? "/usr/bin:/bin" : path) + ":");
   std::error_code error;
   for (std::string folder; std::getline(folders, folder, ':');) {

@@ -5,12 +5,12 @@
 
 namespace cli {
 
-/// What can be seen of the places that device lists come from.
+/// What is known about the places that device lists come from.
 struct MachineFacts {
   bool hasUsb = false;
   enum class DebugfsList { kReadable, kForbidden, kMissing } debugfsList = DebugfsList::kMissing;
   bool hasListCommand = false;
-  /// The kernel has USB and knows of no device, not even of a root hub.
+  /// The kernel has USB and knows no device, not even a root hub.
   bool hasNoDevices = false;
 
   static MachineFacts OfThisMachine();
@@ -19,7 +19,7 @@ struct MachineFacts {
 /// One line for the user.
 std::string AdviseOnEmptyMachine(const MachineFacts& facts);
 
-/// Its second half: why no list names a device, and what to do.
+/// The second half of that line: why no list names a device, and what to do.
 std::string ReasonForNoList(const MachineFacts& facts);
 
 }  // namespace cli

@@ -1,5 +1,5 @@
-// An operating system in front of another one, which it owns: it hands every question on and every answer
-// back. What changes some of them derives from it and overrides only those.
+// An operating system that forwards every call to another one, which it owns. Classes that change some of the
+// calls derive from it and override only those.
 #pragma once
 
 #include <memory>
@@ -12,16 +12,16 @@ namespace cli {
 
 class ForwardingSystem : public standin::OperatingSystem {
  public:
-  explicit ForwardingSystem(std::unique_ptr<standin::OperatingSystem> behind) : fBehind(std::move(behind)) {}
+  explicit ForwardingSystem(std::unique_ptr<standin::OperatingSystem> next) : fNext(std::move(next)) {}
 
-  bool FileExists(const std::string& path) override { return fBehind->FileExists(path); }
-  std::string CaptureFile(const std::string& path) override { return fBehind->CaptureFile(path); }
+  bool FileExists(const std::string& path) override { return fNext->FileExists(path); }
+  std::string CaptureFile(const std::string& path) override { return fNext->CaptureFile(path); }
   std::string SpawnProcess(const std::string& command, int seconds) override {
-    return fBehind->SpawnProcess(command, seconds);
+    return fNext->SpawnProcess(command, seconds);
   }
 
  private:
-  std::unique_ptr<standin::OperatingSystem> fBehind;
+  std::unique_ptr<standin::OperatingSystem> fNext;
 };
 
 }  // namespace cli

@@ -1,5 +1,4 @@
-// How the process protects itself: from its caller where it has more rights, and from others who would look
-// into it.
+// Protects the process from a caller with fewer rights, and its memory from other processes.
 #pragma once
 
 namespace cli {
@@ -9,7 +8,7 @@ namespace cli {
 bool HasRightsOfItsFile();
 
 /// As root, and with the rights of the program file, sets PATH to the system's own folders, so that the
-/// caller cannot choose the commands that are run. To be called before any of them is. Throws
+/// caller cannot choose the commands that are run. To be called before any command is run. Throws
 /// std::system_error.
 void ProtectSearchPath();
 

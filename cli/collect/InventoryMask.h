@@ -1,4 +1,4 @@
-// Masks the serial numbers of an inventory that was read as such, from a saved document.
+// Masks the serial numbers of an inventory that was read from a saved document.
 #pragma once
 
 #include "cli/model/Inventory.h"
@@ -7,7 +7,7 @@ namespace cli {
 
 class SerialMask;
 
-/// The same inventory with masks in the place of serial numbers, but for those of root hubs: they are bus
+/// The same inventory with masks in place of serial numbers, except those of root hubs, which are bus
 /// addresses of the host controllers.
 Inventory MaskSerials(const Inventory& inventory, const SerialMask& mask);
 

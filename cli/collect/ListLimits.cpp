@@ -19,7 +19,7 @@ std::string ToLower(std::string_view text) {
   return lower;
 }
 
-/// What stands between `key` and `terminator`; empty when either is missing.
+/// The text between `key` and `terminator`; empty when either is missing.
 std::string_view FieldOf(std::string_view line, std::string_view key, std::string_view terminator) {
   const std::size_t at = line.find(key);
   if (at == std::string_view::npos) return {};
@@ -29,8 +29,8 @@ std::string_view FieldOf(std::string_view line, std::string_view key, std::strin
   return line.substr(begin, end - begin);
 }
 
-/// What stands behind `key`; empty when that is missing.
-std::string_view RestBehind(std::string_view line, std::string_view key) {
+/// The text after `key`; empty when that is missing.
+std::string_view TextAfter(std::string_view line, std::string_view key) {
   const std::size_t at = line.find(key);
   return at == std::string_view::npos ? std::string_view() : line.substr(at + key.size());
 }
@@ -46,7 +46,7 @@ unsigned int LeadingNumber(std::string_view text, unsigned int most) {
   return std::min(number, most);
 }
 
-/// The bytes that `text` takes where it stands in an object path within an object path.
+/// The length of `text` in an object path within an object path, in bytes.
 std::uint64_t EscapedLength(std::string_view text) {
   constexpr std::uint64_t kMoreForAnEscape = 3;
   const auto escapes = std::count_if(text.begin(), text.end(), [](char c) { return c == '"' || c == '\\'; });
@@ -58,13 +58,13 @@ bool IsOfHub(std::string_view line) {
   return FieldOf(line, "cls=", "(") == "09";
 }
 
-/// Adds what the record makes whose "T:" line is `line`, in lower case.
+/// Adds the size of what the record makes that begins with the "T:" line `line`, in lower case.
 void AddRecord(std::string_view line, ListSize& size) {
   // In a port: HubName, DeviceID, Name, PortNumber; in its link: hub and port. In a hub or device likewise.
   constexpr std::uint64_t kIdentifiersPerInstance = 6;
   constexpr std::uint64_t kFixedLength = std::string_view("Bus  Device  Port 00").size();
   constexpr unsigned int kMostPorts = 255;
-  const unsigned int ports = LeadingNumber(RestBehind(line, "mxch="), kMostPorts);
+  const unsigned int ports = LeadingNumber(TextAfter(line, "mxch="), kMostPorts);
   const unsigned int level = LeadingNumber(FieldOf(line, "lev=", " prnt="), 1);
   const std::uint64_t identifier = EscapedLength(FieldOf(line, "bus=", "lev=")) +
                                    EscapedLength(FieldOf(line, "dev#=", " spd=")) + kFixedLength;
@@ -89,7 +89,7 @@ ListSize ListSize::Of(std::string_view list) {
     }
     list.remove_prefix(std::min(end + 1, list.size()));
   }
-  // A hub has such a line for each of its settings.
+  // A hub has such a line for each of its alternate settings.
   size.hubs = std::min(size.hubs, records);
   return size;
 }

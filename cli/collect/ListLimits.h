@@ -1,6 +1,6 @@
-// How big an inventory a device list makes, from a quick look at its lines: a short list can make a large
-// one. The plug-in compares every device and hub with every port, and repeats a hub's identifier in each of
-// up to 255 ports.
+// Estimates how large an inventory a device list makes from a quick look at its lines, since a short list can
+// make a large one. The plug-in compares every device and hub with every port, and repeats a hub's identifier
+// in each of up to 255 ports.
 #pragma once
 
 #include <cstdint>
@@ -13,19 +13,19 @@ namespace cli {
 struct ListSize {
   std::uint64_t ports = 0;
   std::uint64_t hubs = 0;
-  /// The hubs and devices that hang on a port.
+  /// The hubs and devices that are plugged into a port.
   std::uint64_t dependents = 0;
-  /// The length of the identifiers in all instances, in bytes, counted as often as they stand there and with
-  /// the escapes that quotes and backslashes take.
+  /// The length of the identifiers in all instances, in bytes, counted each time they occur, escapes of
+  /// quotes and backslashes included.
   std::uint64_t identifierBytes = 0;
 
   static ListSize Of(std::string_view list);
 
-  /// The pairs that the associations look at.
+  /// The pairs that the associations compare.
   std::uint64_t Comparisons() const;
 };
 
-/// As many comparisons as 32 full buses take: 128 ports each, and as many hubs and devices.
+/// The comparisons that 32 full buses take: 128 ports each, and as many hubs and devices.
 inline constexpr std::uint64_t kMostComparisons = 4096ULL * 4096;
 inline constexpr std::uint64_t kMostIdentifierBytes = 256ULL << 20;
 

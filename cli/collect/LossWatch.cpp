@@ -18,13 +18,13 @@ bool EndsWith(std::string_view text, std::string_view end) {
   return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
 }
 
-/// What `text` says that was lost; empty when nothing was.
+/// What was lost according to `text`; empty when nothing was.
 std::string_view LossOf(std::string_view text) {
   for (const std::string_view whole :
        {"USBInfo plugin threw unknown exception", "Could not change Status Description property"}) {
     if (text == whole) return whole;
   }
-  // The names of providers and associations stand in front, tabs behind.
+  // Names of providers and associations come before them, tabs after them.
   constexpr std::string_view kError = " encountered an error";
   const std::size_t error = text.find(kError);
   if (error == std::string_view::npos) return {};
@@ -33,7 +33,7 @@ std::string_view LossOf(std::string_view text) {
   for (const std::string_view start : {"generating CIM instances for ", "enumerating CIM instances for "}) {
     if (StartsWith(text, start)) return start.substr(0, start.find(" for "));
   }
-  // A record at level 0 that is no hub hangs on nothing and lacks the properties of what does.
+  // A record at level 0 that is not a hub has no parent and lacks the properties that come from one.
   constexpr std::string_view kReading = "when collecting ";
   if (StartsWith(text, kReading) && !EndsWith(text, " Error Code: CIM_ERR_NO_SUCH_PROPERTY")) {
     return "collecting properties";

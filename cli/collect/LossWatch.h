@@ -1,6 +1,5 @@
-// Whether the inventory lost something on its way out of the plug-in. The plug-in goes on where a class, an
-// instance or a link fails, as it should in a host; only a line of its log says so. What is left looks whole
-// and is not.
+// Detects whether the plug-in lost a part of the inventory. The plug-in goes on when a class, an instance or
+// a link fails, as it should in a host; only a line of its log says so. The rest looks complete but is not.
 #pragma once
 
 #include <cstddef>
@@ -12,8 +11,8 @@ namespace cli {
 
 class LossWatch {
  public:
-  /// Takes the next line of the plug-in's log, whatever is shown of it. Only lines of the severity "status"
-  /// count, and only by their fixed texts: what devices say of themselves stands in debug lines alone.
+  /// Takes the next line of the plug-in's log, whether it is shown or not. Only lines of the severity
+  /// "status" count, by their fixed texts; strings of devices occur in debug lines only.
   void Take(NKESTA20::ILogger::EQSVLogSeverity severity, std::string_view text);
 
   /// Throws UserError when a line said that something was lost.
@@ -21,7 +20,7 @@ class LossWatch {
 
  private:
   std::size_t fLosses = 0;
-  /// What the first of them says, a constant.
+  /// What the first such line reports, a constant.
   std::string_view fFirst;
 };
 

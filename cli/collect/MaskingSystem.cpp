@@ -10,14 +10,14 @@ namespace cli {
 
 namespace {
 
-/// As the plug-in compares letters, whatever the locale.
+/// Compares letters as the plug-in does, whatever the locale.
 std::string ToLower(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
   return text;
 }
 
-/// The serial number on a line, with where it begins; empty where there is none.
+/// The serial number on a line and its position; empty where there is none.
 struct SerialField {
   std::size_t begin = 0;
   std::string_view value;
@@ -53,8 +53,8 @@ std::string MaskSerials(const std::string& text, const SerialMask& mask) {
   return masked;
 }
 
-MaskingSystem::MaskingSystem(std::unique_ptr<standin::OperatingSystem> behind, SerialMask mask)
-    : ForwardingSystem(std::move(behind)), fMask(std::move(mask)) {}
+MaskingSystem::MaskingSystem(std::unique_ptr<standin::OperatingSystem> next, SerialMask mask)
+    : ForwardingSystem(std::move(next)), fMask(std::move(mask)) {}
 
 std::string MaskingSystem::CaptureFile(const std::string& path) {
   return MaskSerials(ForwardingSystem::CaptureFile(path), fMask);

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The folder of the program. Never a relative one: the current folder is the caller's choice.
+/// The folder of the program. Never a relative path, since the caller chooses the current folder.
 fs::path FolderOfProgram(const std::string& program) {
   std::error_code error;
   const fs::path folder = fs::read_symlink(program, error).parent_path();

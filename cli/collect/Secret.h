@@ -1,5 +1,4 @@
-// Bytes that nobody else is to see: locked in memory where the system allows it, and wiped when the last copy
-// goes.
+// Secret bytes: locked in memory where the system allows it, and wiped when the last copy is destroyed.
 #pragma once
 
 #include <cstddef>

@@ -20,8 +20,8 @@ namespace {
 
 constexpr const char* kAdvice = "make one with \"head -c 32 /dev/urandom > key\" and name it with --mask-key";
 
-/// As much of `fd` as there is room for in `buffer`, up to its end: the number of bytes. Unlike
-/// sys::ReadAll, it leaves no copies in memory.
+/// Reads from `fd` up to its end or until `buffer` is full; gives the number of bytes. Unlike sys::ReadAll,
+/// it leaves no copies in memory.
 std::size_t ReadInto(Secret& buffer, int fd) {
   std::size_t filled = 0;
   while (filled < buffer.Size()) {

@@ -1,5 +1,5 @@
-// What stands in a serial number's place where it must not be shown: a keyed hash, so that inventories that
-// were masked with one key still compare, and nobody without the key can try serial numbers out.
+// The mask that replaces a serial number: a keyed hash, so that inventories masked with the same key can
+// still be compared, and nobody without the key can try out serial numbers.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,7 @@ namespace cli {
 
 class SerialMask {
  public:
-  /// The shortest and the longest key that is taken, in bytes.
+  /// The shortest and the longest key that is accepted, in bytes.
   static constexpr std::size_t kShortestKey = 16;
   static constexpr std::size_t kLongestKey = std::size_t{1} << 20;
 
@@ -26,13 +26,13 @@ class SerialMask {
   /// input. Warns on standard error of a file that other users can read or write. Throws UserError when it
   /// cannot be read, is too short or too long, and as OfKey does.
   static SerialMask OfKeyFile(const std::string& path);
-  /// The key is drawn at random, once for the run of the program.
+  /// The key is random and drawn once per run of the program.
   static SerialMask OfThisRun();
 
   /// "masked-" and the first 16 hexadecimal digits of the HMAC-SHA-256 of `serial`.
   std::string Mask(std::string_view serial) const;
-  /// By what inventories can show that they were masked with one key: 16 hexadecimal digits, the hash of a
-  /// fixed text. None of a random key, with which nothing else compares.
+  /// Identifies the key with which an inventory was masked: 16 hexadecimal digits, the hash of a fixed text.
+  /// Nothing for a random key, since no other inventory can have been masked with it.
   std::optional<std::string> Fingerprint() const;
 
  private:

@@ -14,7 +14,7 @@ bool IsKernelsOwn(const fs::path& path) {
 }
 
 /// /dev/stdin, /dev/fd/3, /dev/sda; /proc/self/fd/3.
-bool HasNoNameOfItsOwn(const fs::path& path) {
+bool IsDeviceOrDescriptor(const fs::path& path) {
   const std::vector<fs::path> parts(path.begin(), path.end());
   if (parts.size() < 3) return false;
   if (parts[1] == "dev") return parts[2] != "shm";
@@ -33,7 +33,7 @@ std::string WithoutSuffix(const fs::path& file) {
 std::optional<std::string> SystemNameOfList(const std::string& path) {
   if (path == "-") return std::nullopt;
   const fs::path normal = fs::path(path).lexically_normal();
-  if (normal.is_absolute() && HasNoNameOfItsOwn(normal)) return std::nullopt;
+  if (normal.is_absolute() && IsDeviceOrDescriptor(normal)) return std::nullopt;
   if (IsKernelsOwn(normal)) return std::string();
   return WithoutSuffix(normal.filename());
 }

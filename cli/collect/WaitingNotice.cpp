@@ -14,15 +14,15 @@ namespace cli {
 
 namespace {
 
-/// Runs an action on a thread of its own after a time, unless the object goes before. The destructor waits
-/// for an action that has begun.
+/// Runs an action on a separate thread after a time, unless the object is destroyed before. The destructor
+/// waits for an action that has begun.
 class Timer {
  public:
   Timer(std::chrono::milliseconds time, std::function<void()> action) {
     try {
       fThread = std::thread([this, time, action = std::move(action)] { Count(time, action); });
     } catch (const std::system_error&) {
-      // No thread to be had: the action is not worth failing for.
+      // Without a thread there is no action; that is not worth an error.
     }
   }
   Timer(const Timer&) = delete;
@@ -44,7 +44,7 @@ class Timer {
       lock.unlock();
       if (!isOver) action();
     } catch (...) {
-      // Nobody is there to be told.
+      // There is nobody to report it to.
     }
   }
 
@@ -56,17 +56,17 @@ class Timer {
 
 }  // namespace
 
-WaitingNotice::WaitingNotice(std::unique_ptr<standin::OperatingSystem> behind,
-                             std::chrono::milliseconds patience, Tell tell)
-    : ForwardingSystem(std::move(behind)), fPatience(patience), fTell(std::move(tell)) {}
+WaitingNotice::WaitingNotice(std::unique_ptr<standin::OperatingSystem> next,
+                             std::chrono::milliseconds patience, Notify notify)
+    : ForwardingSystem(std::move(next)), fPatience(patience), fNotify(std::move(notify)) {}
 
 std::string WaitingNotice::SpawnProcess(const std::string& command, int seconds) {
-  if (fIsTold) return ForwardingSystem::SpawnProcess(command, seconds);
+  if (fIsNotified) return ForwardingSystem::SpawnProcess(command, seconds);
   const std::string line = fmt::format("usbinfo: waiting for {}, for {} seconds at most ...\n",
                                        EscapeForTerminal(command), seconds);
   const Timer timer(fPatience, [this, line] {
-    fIsTold = true;
-    fTell(line);
+    fIsNotified = true;
+    fNotify(line);
   });
   return ForwardingSystem::SpawnProcess(command, seconds);
 }

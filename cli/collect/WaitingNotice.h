@@ -1,5 +1,5 @@
-// Says what is being waited for when a command of the machine takes long, so that a silent terminal does not
-// pass for a hung program. A thread of its own counts the time; it is gone when the command is done.
+// Prints what is being waited for when a command of the machine takes long, so that a silent terminal does
+// not look like a hung program. A separate thread measures the time; it ends with the command.
 #pragma once
 
 #include <chrono>
@@ -13,19 +13,19 @@ namespace cli {
 
 class WaitingNotice : public ForwardingSystem {
  public:
-  using Tell = std::function<void(const std::string& line)>;
+  using Notify = std::function<void(const std::string& line)>;
 
-  /// Calls `tell` with one line, from another thread, when a command is not done after `patience`; once only,
-  /// however many commands there are. What `tell` throws is dropped.
-  WaitingNotice(std::unique_ptr<standin::OperatingSystem> behind, std::chrono::milliseconds patience,
-                Tell tell);
+  /// Calls `notify` with one line, from another thread, when a command is not done after `patience`; once
+  /// only, however many commands there are. Exceptions of `notify` are dropped.
+  WaitingNotice(std::unique_ptr<standin::OperatingSystem> next, std::chrono::milliseconds patience,
+                Notify notify);
 
   std::string SpawnProcess(const std::string& command, int seconds) override;
 
  private:
   std::chrono::milliseconds fPatience;
-  Tell fTell;
-  bool fIsTold = false;
+  Notify fNotify;
+  bool fIsNotified = false;
 };
 
 }  // namespace cli

@@ -1,11 +1,11 @@
-// What the user should know although the command goes on.
+// Warnings: messages after which the command goes on.
 #pragma once
 
 #include <string>
 
 namespace cli {
 
-/// Prints `warning`, made fit for a terminal, as one line on standard error.
+/// Prints `warning` as one line on standard error, escaped for a terminal.
 void Warn(const std::string& warning);
 
 }  // namespace cli

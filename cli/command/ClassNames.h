@@ -8,12 +8,10 @@
 
 namespace cli {
 
-/// The short names of all classes, in the order of the schema: small letters, without what all have in
-/// common.
+/// The short names of all classes, in the order of the schema: in lower case, without the common prefix.
 std::vector<std::string> ShortClassNames();
 
-/// The class of that short or full name, without regard to the case of its letters. Throws UsageError when
-/// there is none.
+/// The class of that short or full name, in upper or lower case. Throws UsageError when there is none.
 schema::ClassId ClassOfName(const std::string& name);
 
 }  // namespace cli

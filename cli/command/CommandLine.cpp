@@ -71,11 +71,9 @@ CommandSpec CommandLine::Diff() {
           .manual = R"(.Ar OLD
 and
 .Ar NEW
-are inventories, as
-.Fl -format Li json
-prints them, or device lists, as
+are JSON inventories or device lists, the same files that
 .Fl -devices
-takes them.
+takes.
 One of them may be a single dash, which is standard input.)",
           .operands = DiffOperands(fDiff),
           .options = WithHelp(DiffOptionTable(fDiff)),

@@ -1,4 +1,4 @@
-// The command line of usbinfo: its subcommands with their options, and running what was asked for.
+// The command line of usbinfo: its subcommands with their options, and running them.
 #pragma once
 
 #include <string>
@@ -18,8 +18,8 @@ class CommandLine {
   CommandLine(const CommandLine&) = delete;
   CommandLine& operator=(const CommandLine&) = delete;
 
-  /// Does what `arguments`, which do not include the program's name, ask for; gives the exit status. Throws
-  /// UserError for what ends the command with status 2.
+  /// Runs the command with `arguments`, which do not include the program's name; gives the exit status.
+  /// Throws UserError for errors that end the command with status 2.
   int Run(const std::vector<std::string>& arguments);
 
  private:
@@ -36,7 +36,7 @@ class CommandLine {
   bool fAsksForVersion = false;
   /// What to generate from the table of options; empty for nothing.
   std::string fGenerated;
-  /// The subcommand whose help is asked for; empty for the whole command's.
+  /// The subcommand whose help was requested; empty for that of the whole command.
   std::string fTopic;
   CommandSpec fCommand;
 };

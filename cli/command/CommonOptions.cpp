@@ -8,7 +8,7 @@ Option HelpOption(bool& isAsked) {
   return {.names = {"-h", "--help"},
           .help = "Print this help",
           .isExclusive = true,
-          .manual = "Print a short help and exit.",
+          .manual = "Print the options and exit.",
           .store = StoreTrue(isAsked)};
 }
 
@@ -18,7 +18,7 @@ Option OutputOption(std::string& path) {
           .help = "Write to FILE, whole or not at all",
           .defaultValue = "standard output",
           .manual = R"(Write to this file instead of standard output.
-It is written whole or not at all.
+The file is written whole or not at all, and must not be one that the command reads.
 A single dash is standard output.)",
           .store = StoreText(path)};
 }

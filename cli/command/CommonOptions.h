@@ -1,4 +1,4 @@
-// Options that several subcommands have, each with the same meaning in all of them.
+// Options that several subcommands share.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace cli {
 /// -h, --help.
 Option HelpOption(bool& isAsked);
 
-/// --output FILE; "-" is standard output, as nothing is.
+/// --output FILE; "-" and an empty name mean standard output.
 Option OutputOption(std::string& path);
 
 /// --color WHEN.

@@ -7,9 +7,9 @@ namespace cli {
 
 std::vector<Operand> DiffOperands(DiffOptions& options) {
   return {{.name = "OLD",
-           .help = "The inventory before: a JSON inventory or a device list; - is standard input",
+           .help = "The old inventory: a JSON inventory or a device list; - is standard input",
            .store = StoreText(options.before)},
-          {.name = "NEW", .help = "The inventory after, likewise", .store = StoreText(options.after)}};
+          {.name = "NEW", .help = "The new inventory, in the same forms", .store = StoreText(options.after)}};
 }
 
 std::vector<Option> DiffOptionTable(DiffOptions& options) {
@@ -26,16 +26,15 @@ std::vector<Option> DiffOptionTable(DiffOptions& options) {
           {.names = {"--system-name"},
            .value = "NAME",
            .help = "The system name of device lists",
-           .manual = R"(The name of the system in the keys of device lists, as in
+           .manual = R"(The name of the system in the keys of device lists, as for
 .Cm show .
-JSON inventories keep theirs.)",
+JSON inventories keep their own names.)",
            .store = StoreText(options.systemName)},
           {.names = {"--plugin"},
            .value = "FILE",
-           .help = "The plug-in module that reads lists",
+           .help = "Read device lists with this plug-in module",
            .defaultValue = "the installed one",
-           .manual = R"(The plug-in module that reads device lists.
-The default is the installed one.)",
+           .manual = "Read device lists with this plug-in module instead of the installed one.",
            .store = StoreText(options.plugin)}};
 }
 

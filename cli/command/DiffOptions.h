@@ -25,7 +25,7 @@ struct DiffOptions {
 /// OLD and NEW, stored in `options`.
 std::vector<Operand> DiffOperands(DiffOptions& options);
 
-/// The table of options, which store what they are given in `options`. That must outlive them.
+/// The table of options, which store their values in `options`. That must outlive them.
 std::vector<Option> DiffOptionTable(DiffOptions& options);
 
 }  // namespace cli

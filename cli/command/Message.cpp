@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t kMostBytes = 2000;
 constexpr std::size_t kBytesOfEnd = 500;
 
-/// The place of the first character that begins at `at` or behind it.
+/// The position of the first character that begins at `at` or after it.
 std::size_t CharacterFrom(const std::string& text, std::size_t at) {
   while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80) ++at;
   return at;

@@ -1,12 +1,12 @@
-// What the command says to people besides the data.
+// The command's messages to people, apart from the data.
 #pragma once
 
 #include <string>
 
 namespace cli {
 
-/// Prints "usbinfo: " and `message` on one line of standard error. Of a message that is longer than a line
-/// ought to be, the middle is left out; what to do stands at its end.
+/// Prints "usbinfo: " and `message` on one line of standard error. A very long message loses its middle,
+/// since its end says what to do.
 void PrintMessage(const std::string& message);
 
 }  // namespace cli

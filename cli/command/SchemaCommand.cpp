@@ -1,10 +1,10 @@
 #include "cli/command/SchemaCommand.h"
 
 #include "cli/command/ExitStatus.h"
-#include "cli/format/CimTypes.h"
 #include "cli/format/MofFormat.h"
 #include "cli/text/JsonWriter.h"
 #include "cli/text/Output.h"
+#include "schema/CimTypes.h"
 #include "schema/ClassSchema.h"
 
 using Type = NKESTA20::TCIMValue::TCIMType;
@@ -19,7 +19,7 @@ void WriteProperty(JsonWriter& json, const schema::PropertySchema& property, Det
   json.Key(property.name);
   json.BeginObject();
   json.Key("type");
-  json.String(CimTypeName(property.type));
+  json.String(schema::CimTypeName(property.type));
   json.Key("isArray");
   json.Bool(property.type == Type::kStringArray);
   json.Key("isKey");

@@ -1,4 +1,4 @@
-// `usbinfo schema`: the definitions of the classes that an inventory is made of. Reads the schema alone; no
+// `usbinfo schema`: the definitions of the classes that an inventory is made of. Reads only the schema; no
 // plug-in is loaded.
 #pragma once
 

@@ -14,7 +14,7 @@ struct SchemaOptions {
   std::string output;
 };
 
-/// The table of options, which store what they are given in `options`. That must outlive them.
+/// The table of options, which store their values in `options`. That must outlive them.
 std::vector<Option> SchemaOptionTable(SchemaOptions& options);
 
 }  // namespace cli

@@ -26,12 +26,12 @@ LogSeverity SeverityOf(const std::string& name) {
   return static_cast<LogSeverity>(number);
 }
 
-/// The classes to ask for: those named, else all in the order in which they build on each other.
+/// The classes to request: those named, else all in the order in which they build on each other.
 std::vector<std::string> RequestedClasses(const std::vector<std::string>& request) {
   return request.empty() ? AllClasses() : request;
 }
 
-/// The plug-in is asked for any class; one that nobody serves is most often a mistyped one.
+/// The plug-in is asked for any class, but a class that the schema lacks is probably mistyped.
 void ReportUnknownClasses(const std::vector<std::string>& request) {
   std::vector<std::string> unknown;
   for (const std::string& name : request) {
@@ -53,12 +53,12 @@ std::string Render(const ShowOptions& options, const OutputFormat& format, const
   return format.render(inventory, rendering);
 }
 
-/// For people, nothing is printed where there is nothing; programs get their empty document. Tells whether
-/// there was something.
+/// An empty inventory prints nothing in formats for people, and an empty document in formats for programs.
+/// Gives whether there was something to print.
 bool Print(const ShowOptions& options, const OutputFormat& format, const Inventory& inventory) {
   if (inventory.IsEmpty() && !format.isMachineReadable) return false;
   const std::string text = Render(options, format, inventory);
-  // A table without columns is nothing to print; no JSON Lines are a document.
+  // A table without columns prints nothing, but an empty text is a valid document of JSON Lines.
   if (text.empty() && !format.isMachineReadable) return false;
   WriteOutput(options.output, text);
   return !inventory.IsEmpty();
@@ -71,12 +71,12 @@ std::string AdviseOnEmpty(const ShowOptions& options) {
   }
   if (options.source.devices.empty()) return AdviseOnEmptyMachine(MachineFacts::OfThisMachine());
   return fmt::format(
-      "no USB device found: {} holds no device list; expected is what /sys/kernel/debug/usb/devices or "
+      "no USB device found: {} is empty; expected is what /sys/kernel/debug/usb/devices or "
       "usb-devices prints",
       NameOfList(options.source.devices));
 }
 
-/// `inventory` is what was collected, `shown` the part that was asked for.
+/// `inventory` is what was collected, `shown` the selected part.
 std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& inventory,
                                  const Inventory& shown) {
   if (inventory.IsEmpty()) return AdviseOnEmpty(options);
@@ -88,7 +88,7 @@ std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& in
                      fmt::join(options.columns, ","));
 }
 
-/// The log is made anew before anything is read: named like an input, it would empty that.
+/// Opening the log empties its file before anything is read, so it must not be one of the inputs.
 void CheckFiles(const ShowOptions& options) {
   const Source& source = options.source;
   const NamedFile devices = {"--devices", source.devices};

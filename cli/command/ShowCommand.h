@@ -6,7 +6,7 @@
 
 namespace cli {
 
-/// Runs the command; gives its exit status, throws UserError for what ends it with another line.
+/// Runs the command; gives its exit status. Throws UserError for errors that end the command with status 2.
 int RunShow(const ShowOptions& options);
 
 }  // namespace cli

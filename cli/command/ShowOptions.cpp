@@ -40,37 +40,38 @@ std::vector<Option> SourceOptions(Source& source) {
            .help = "Read this device list (a copy of /sys/kernel/debug/usb/devices or the output of "
                    "usb-devices) or saved JSON inventory; - is standard input",
            .defaultValue = "this machine's list",
-           .manual = R"(Read this device list instead of the machine's: a copy of
-.Pa /sys/kernel/debug/usb/devices
-or the output of
-.Xr usb-devices 1 .
-A JSON inventory, as
+           .manual = R"(Read this file instead of the device list of this machine.
+It is a copy of
+.Pa /sys/kernel/debug/usb/devices ,
+the output of
+.Xr usb-devices 1 ,
+or a JSON inventory, as
 .Fl -format Cm json
-prints it, is read as well.
-Nothing of this machine is read then, and no command is run.
+prints it.
+Nothing of this machine is read, and no command is run.
 A single dash is standard input.)",
            .store = StoreText(source.devices)},
           {.names = {"--no-limits"},
-           .help = "Take lists that are larger than any machine's",
-           .manual = R"(Take lists beyond the limits that no machine exceeds.
+           .help = "Accept lists that are larger than those of any machine",
+           .manual = R"(Accept lists with more ports and devices than any machine has.
 Such a list can take minutes and gigabytes of memory.)",
            .store = StoreTrue(source.noLimits)},
           {.names = {"--system-name"},
            .value = "NAME",
            .help = "The system name in the keys",
-           .defaultValue = "the host name, or the name of the list's file",
+           .defaultValue = "the host name, or the name of the file",
            .manual = R"(The name of the system in the instances' keys.
-The default is the host name; of a list that
-.Fl -devices
-names, the file's name without
+The default is the host name; for a list from
+.Fl -devices ,
+it is the name of the file without
 .Pa .txt ,
 .Pa .list
 or
 .Pa .log ,
 and
 .Li unknown
-where the list comes from a pipe.
-A JSON inventory keeps its own.)",
+for standard input.
+A JSON inventory keeps its own name.)",
            .store = StoreText(source.systemName)}};
 }
 
@@ -82,13 +83,13 @@ StoreValue StoreFormat(ShowOptions& options, std::string format) {
 Option ColumnsOption(std::vector<std::string>& columns) {
   return {.names = {"--columns"},
           .value = "A,B,...",
-          .help = "Show these properties in the tables, where a class has them",
+          .help = "Show these properties in the table, if a class has them",
           .choices = ChoicesOf(TableColumnNames()),
           .isList = true,
-          .manual = R"(Show these properties in the tables, in this order; a class shows those that it
-has.
-Capital and small letters are the same.
-Each is one of)",
+          .manual = R"(Show these properties in the table, in this order.
+Each class shows the properties that it has.
+Case does not matter.
+Each name is one of)",
           .store = [&columns](const std::string& list) {
             columns.clear();
             for (const std::string& name : SplitList(list, "property names")) {
@@ -136,26 +137,26 @@ std::vector<Option> SelectionOptions(Selection& selection) {
        .isRepeatable = true,
        .manual = R"(Print only the instances of this class.
 May be given more than once.
-Full names, as
-.Cm KALDO_USBPort ,
-are understood as well; capital and small letters are the same.
-It is one of)",
+Full names such as
+.Cm KALDO_USBPort
+are accepted as well; case does not matter.
+The name is one of)",
        .store = [&selection](const std::string& name) { selection.classes.push_back(ClassOfName(name)); }},
       {.names = {"-d"},
        .value = "[VID]:[PID]",
        .help = "Print only the devices and hubs of this vendor and product, in hexadecimal",
        .isRepeatable = true,
-       .manual = R"(Print only the hubs and devices with this vendor and product, hexadecimal
-numbers, as
-.Xr lsusb 8
-does.
-May be given more than once, for any of them.)",
+       .manual = R"(Print only the hubs and devices with this vendor and product, in hexadecimal, as
+in
+.Xr lsusb 8 .
+The vendor or the product may be missing.
+If the option is repeated, an item must match one of the values.)",
        .store = [&selection](const std::string& text) { AddIds(selection.ids, text); }},
       {.names = {"-s"},
        .value = "[BUS]:[DEV]",
        .help = "Print only the devices and hubs of this bus and number, in decimal",
-       .manual = R"(Print only the hubs and devices on this bus and with this device number, decimal
-numbers.)",
+       .manual = R"(Print only the hubs and devices on this bus and with this device number, in
+decimal.)",
        .store = [&selection](const std::string& text) { SetPlace(selection.place, text); }}};
 }
 
@@ -166,40 +167,42 @@ Option RequestOption(std::vector<std::string>& request) {
           .choices = ChoicesOf(AllClasses()),
           .isList = true,
           .manual = R"(Ask the plug-in for exactly these classes, in this order, in one request.
-The associations link what was asked for before them.
-The names are handed over as they are; what is printed is of one of)",
+The associations link the instances of the classes before them.
+The names are passed to the plug-in unchanged.
+Each class that it serves is one of)",
           .store = [&request](const std::string& list) { request = SplitList(list, "class names"); }};
 }
 
 std::vector<Option> MaskOptions(Source& source) {
   return {{.names = {"--mask-serials"},
-           .help = "Print and log hashes in place of serial numbers",
-           .manual = R"(Print and log hashes in place of serial numbers.
-Equal serial numbers have equal hashes under one key.
+           .help = "Print and log hashes instead of serial numbers",
+           .manual = R"(Print and log hashes instead of serial numbers.
+With the same key, equal serial numbers have equal hashes.
 Root hubs keep their serial number, which is the address of their controller.
-Hashes made by version 1.0.0 do not compare with these.)",
+Hashes of version 1.0.0 do not compare with these.)",
            .store = StoreTrue(source.maskSerials)},
           {.names = {"--mask-key"},
            .value = "FILE",
-           .help = "The key to hash with, so that inventories with the same key compare; - is standard input",
-           .defaultValue = "a new one for every run",
+           .help = "Hash with this key, so that inventories with the same key compare; - is standard input",
+           .defaultValue = "a random key for each run",
            .requiredOption = "--mask-serials",
            .manual = R"(Read the key for
 .Fl -mask-serials
 from this file, so that inventories with the same key can be compared.
 A single dash is standard input.
-The key has 16 bytes or more, which nobody can guess, and nobody else may read
-the file;
-.Ql head -c 32 /dev/urandom > key
+The key must have at least 16 bytes and be hard to guess, and other users must not
+be able to read the file.
+The command
+.Ql umask 077; head -c 32 /dev/urandom > key
 makes one.
-The default is a new key for every run.)",
+The default is a random key for each run.)",
            .store = StoreText(source.maskKey)}};
 }
 
 Option PluginOption(std::string& path) {
   return {.names = {"--plugin"},
           .value = "FILE",
-          .help = "The plug-in module to load",
+          .help = "Load this plug-in module",
           .defaultValue = "the installed one",
           .manual = "Load this plug-in module instead of the installed one.",
           .store = StoreText(path)};
@@ -212,15 +215,15 @@ std::vector<Option> LogOptions(ShowOptions& options) {
            .value = "FILE",
            .help = "Write the log to this file",
            .defaultValue = "standard error",
-           .manual = R"(Write the plug-in's log there instead of to standard error; to no file that is
-read or written otherwise.)",
+           .manual = R"(Write the plug-in's log to this file instead of standard error.
+It must not be a file that another option names.)",
            .store = StoreText(options.log)},
           {.names = {"--log-level"},
            .value = "LEVEL",
-           .help = "Log from this severity on",
+           .help = "Log lines of this severity and higher",
            .defaultValue = options.logLevel,
            .choices = severities,
-           .manual = "Log lines of this severity and graver ones:",
+           .manual = "Log lines of this severity and higher:",
            .store = StoreChoice(options.logLevel, severities)},
           {.names = {"--log-format"},
            .value = "FORMAT",

@@ -13,13 +13,13 @@ namespace cli {
 struct ShowOptions {
   Source source;
   std::string format;
-  /// The formats that were asked for, one way or the other.
+  /// The formats that were requested, by --format or by their short options.
   std::vector<std::string> askedFormats;
   bool isVerbose = false;
   /// Names of properties to show; empty for what the format chooses.
   std::vector<std::string> columns;
   std::string color = "auto";
-  /// Names of classes to ask for, as they were given; empty for all.
+  /// Names of classes to request from the plug-in, unchanged; empty for all.
   std::vector<std::string> request;
   /// The part of the inventory to print.
   Selection selection;
@@ -31,10 +31,10 @@ struct ShowOptions {
   std::string logFormat = "text";
 };
 
-/// The table of options, which store what they are given in `options`. That must outlive them.
+/// The table of options, which store their values in `options`. That must outlive them.
 std::vector<Option> ShowOptionTable(ShowOptions& options);
 
-/// To be called once the command line is read: settles the format. Throws UsageError for options that
+/// To be called once the command line is read: determines the format. Throws UsageError for options that
 /// contradict each other.
 void CompleteShowOptions(ShowOptions& options);
 

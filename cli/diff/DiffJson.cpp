@@ -10,7 +10,7 @@ namespace cli {
 
 namespace {
 
-/// A member that is null where there is no text.
+/// A member that is null when the text is empty.
 void WriteTextOrNull(JsonWriter& json, const char* key, const std::string& text) {
   json.Key(key);
   if (text.empty()) {

@@ -8,7 +8,7 @@ namespace cli {
 
 struct InventoryDifference;
 
-/// One object, all lists always there, keys in a fixed order. ASCII only.
+/// One object with all lists, even empty ones, and keys in a fixed order. ASCII only.
 std::string RenderDiffJson(const InventoryDifference& difference);
 
 }  // namespace cli

@@ -27,7 +27,7 @@ std::string NounOf(ClassId classId) {
   }
 }
 
-/// The model: vendor and product number, and the product string, as far as the item has them.
+/// The model: vendor and product number and the product string, those of them that the item has.
 std::string DescribeModel(const Item& item) {
   const std::string id = FormatId(item);
   const std::string product = SentString(item, PropertyId::kDescription);
@@ -50,7 +50,7 @@ std::string DescribeItem(const PlacedItem& placed) {
          DescribeSerial(*placed.item) + ports;
 }
 
-/// Where what is there now is another model, the old one stands before it.
+/// The model, after the old one if that was different.
 std::string DescribeChanged(const ItemChange& change) {
   const std::string before = DescribeModel(*change.before.item);
   const std::string after = DescribeModel(*change.after.item);
@@ -58,7 +58,7 @@ std::string DescribeChanged(const ItemChange& change) {
   return NounOf(change.after.item->Class()) + WithBlank(models) + DescribeSerial(*change.after.item);
 }
 
-/// A value of the property, as a person reads it.
+/// A value of the property, as text for people.
 struct ValueDescription {
   PropertyId property;
 
@@ -79,7 +79,7 @@ struct ValueDescription {
   std::string operator()(const Reference& reference) const { return QuoteForTerminal(reference.path); }
 };
 
-/// In words, where these differ; empty otherwise.
+/// Both speeds as classes, where these differ; empty otherwise.
 std::string DescribeSpeeds(ClassId classId, const PropertyChange& change) {
   const auto inWords = [classId](const Value& value) {
     const auto* const number = std::get_if<std::uint64_t>(&value);
@@ -102,8 +102,8 @@ std::string DescribeProperty(ClassId classId, const PropertyChange& change) {
                      std::visit(describe, change.before), std::visit(describe, change.after));
 }
 
-/// What is reported of one item, and where in the text it belongs: of one class at one place, what went
-/// stands before what came.
+/// What is reported of one item, and its order in the text: of one class at one place, removed items come
+/// before added ones.
 struct Entry {
   const Place* place;
   ClassId classId;

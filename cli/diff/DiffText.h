@@ -8,11 +8,12 @@
 
 namespace cli {
 
-/// "bus 1, port 2.0", "bus 1"; for what is on no known bus, its identifier in quotes instead of the bus.
+/// "bus 1, port 2.0", "bus 1"; for an item that is not on a known bus, its identifier in quotes instead of
+/// the bus.
 std::string DescribePlace(const Place& place);
 
-/// Empty when there is no difference. Texts of devices stand in quotes, escaped, so that none can forge a
-/// line, a value or a command to the terminal.
+/// Empty when there is no difference. Texts of devices are quoted and escaped, so that none can forge a line,
+/// a value or a command to the terminal.
 std::string RenderDiffText(const InventoryDifference& difference, bool isColored);
 
 }  // namespace cli

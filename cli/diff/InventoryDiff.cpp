@@ -14,16 +14,16 @@ namespace {
 
 constexpr std::size_t kNone = UsbTreeNode::kNone;
 
-/// A place, or the way down from a hub that is known in both inventories.
+/// A place, or the path down from a hub that was matched in both inventories.
 struct Position {
-  /// Number of that hub's pair; kNone when the way begins at the place's own top.
+  /// Number of that hub's pair; kNone when the path begins at the top of the place.
   std::size_t hub = kNone;
   Place place;
 
   bool operator==(const Position& other) const { return hub == other.hub && place == other.place; }
 };
 
-/// What items must have in common to be taken for the same; fields that do not count are left empty.
+/// What items must have in common to be matched; fields that do not count are empty.
 struct Likeness {
   ClassId classId;
   Position position;
@@ -36,7 +36,7 @@ struct Likeness {
   }
 };
 
-/// One of the inventories while its items are looked for in the other.
+/// One of the inventories, with the partners of its items in the other.
 class Side {
  public:
   explicit Side(const Inventory& inventory)
@@ -55,12 +55,12 @@ class Side {
   /// All nodes in the order of their places.
   const std::vector<std::size_t>& InOrder() const { return fInOrder; }
   const Position& PositionOf(std::size_t node) const { return fPositions[node]; }
-  /// The same item on the other side; kNone as long as it was not found.
+  /// The same item on the other side; kNone until it is found.
   std::size_t PartnerOf(std::size_t node) const { return fPartners[node]; }
   bool IsFound(std::size_t node) const { return fPartners[node] != kNone; }
   void SetPartner(std::size_t node, std::size_t partner) { fPartners[node] = partner; }
 
-  /// A port that is there, or not, because its hub is.
+  /// A port that was added or removed together with its hub.
   bool GoesWithHub(std::size_t node) const {
     const std::size_t parent = Node(node).parent;
     return ItemOf(node).Class() == ClassId::kPort && parent != kNone &&
@@ -76,7 +76,7 @@ class Side {
     return {&ItemOf(node), Node(node).place, isHub ? static_cast<std::size_t>(ports) : 0};
   }
 
-  /// Counts positions from the hubs that have a number now; kNone is no number.
+  /// Counts positions from the hubs that have a number now; kNone means no number.
   void CountFrom(const std::vector<std::size_t>& numbers) {
     for (const std::size_t index : fTree.TopDown()) {
       const UsbTreeNode& node = Node(index);
@@ -95,18 +95,18 @@ class Side {
   std::vector<std::size_t> fInOrder;
 };
 
-/// Which items a pass looks at, on the old side and on the new one.
+/// Which items a pass compares, on the old side and on the new one.
 enum class Serial { kBoth, kNeither, kOldOnly, kNewOnly };
 
-/// One way to know items again.
+/// One rule for matching items.
 struct Pass {
   Serial serial;
   bool byPosition;
   bool byId;
 };
 
-/// From the surest way to the weakest. A serial number may be readable in only one of the inventories; then
-/// the same model at the same place is the same item.
+/// From the strictest rule to the weakest. A serial number may be readable in only one of the inventories;
+/// then the same model at the same place is the same item.
 constexpr std::array<Pass, 6> kPasses = {{{Serial::kBoth, true, true},
                                           {Serial::kBoth, false, true},
                                           {Serial::kNeither, true, true},
@@ -115,8 +115,8 @@ constexpr std::array<Pass, 6> kPasses = {{{Serial::kBoth, true, true},
                                           {Serial::kNewOnly, true, true}}};
 constexpr std::size_t kSerialPasses = 2;
 
-/// Hubs come first, for what hangs on a hub that moved has moved with it: an item's position counts from the
-/// nearest hub that was known by its serial number.
+/// Hubs come first, since what is connected to a hub that moved has moved with it: an item's position counts
+/// from the nearest hub that was matched by its serial number.
 class Matcher {
  public:
   Matcher(const Inventory& before, const Inventory& after) : fOld(before), fNew(after) {
@@ -154,7 +154,7 @@ class Matcher {
     return groups;
   }
 
-  /// Pairs what is alike, in the order of the places where several are.
+  /// Pairs equal items; where there are several, in the order of their places.
   void Run(const Pass& pass, ClassId classId) {
     const bool oldHasSerial = pass.serial == Serial::kBoth || pass.serial == Serial::kOldOnly;
     const bool newHasSerial = pass.serial == Serial::kBoth || pass.serial == Serial::kNewOnly;
@@ -187,16 +187,16 @@ class Matcher {
   Side fNew;
 };
 
-/// What depends on the place, on the kernel's number for the device, or on the system: these differences are
-/// reported as such.
-bool IsComparedElsewhere(PropertyId property) {
+/// Properties that depend on the place, on the kernel's number for the device or on the system; those
+/// differences are reported by other means.
+bool IsReportedSeparately(PropertyId property) {
   constexpr std::array<PropertyId, 6> kProperties = {
       PropertyId::kDeviceID,   PropertyId::kName,       PropertyId::kHubName,
       PropertyId::kPortNumber, PropertyId::kSystemName, PropertyId::kSystemCreationClassName};
   return std::find(kProperties.begin(), kProperties.end(), property) != kProperties.end();
 }
 
-/// The value as it counts: a string that a device did not send is none.
+/// The value to compare: a string that the device did not send counts as absent.
 Value Significant(const Value& value) {
   const auto* const text = std::get_if<std::string>(&value);
   if (text == nullptr) return value;
@@ -208,7 +208,7 @@ Value Significant(const Value& value) {
 std::vector<PropertyChange> ChangesOf(const Item& before, const Item& after) {
   std::vector<PropertyChange> changes;
   for (const schema::PropertySchema& property : before.Schema().properties) {
-    if (IsComparedElsewhere(property.id)) continue;
+    if (IsReportedSeparately(property.id)) continue;
     const Value& old = before.Get(property.id);
     const Value& now = after.Get(property.id);
     if (Significant(old) != Significant(now)) changes.push_back({property.id, old, now});
@@ -216,7 +216,7 @@ std::vector<PropertyChange> ChangesOf(const Item& before, const Item& after) {
   return changes;
 }
 
-/// Lists what the matcher found.
+/// Builds the difference from what the matcher found.
 class DifferenceBuilder {
  public:
   explicit DifferenceBuilder(const Matcher& matcher) : fOld(matcher.Old()), fNew(matcher.New()) {}
@@ -240,19 +240,21 @@ class DifferenceBuilder {
     return !(fOld.PositionOf(old) == fNew.PositionOf(now));
   }
 
-  bool IsOldElsewhere(std::size_t old) const {
+  bool WasRemovedOrMovedAway(std::size_t old) const {
     return !fOld.IsFound(old) || HasMoved(old, fOld.PartnerOf(old));
   }
-  bool IsNewFromElsewhere(std::size_t now) const {
+  bool WasAddedOrMovedHere(std::size_t now) const {
     return !fNew.IsFound(now) || HasMoved(fNew.PartnerOf(now), now);
   }
 
-  /// Whether something else than before is plugged into a port, which is reported of that item.
+  /// Whether another item than before is plugged into a port, which is reported with that item.
   bool HasOtherOccupant(std::size_t old, std::size_t now) const {
     const auto& before = fOld.Node(old).children;
     const auto& after = fNew.Node(now).children;
-    return std::any_of(before.begin(), before.end(), [this](std::size_t it) { return IsOldElsewhere(it); }) ||
-           std::any_of(after.begin(), after.end(), [this](std::size_t it) { return IsNewFromElsewhere(it); });
+    return std::any_of(before.begin(), before.end(),
+                       [this](std::size_t it) { return WasRemovedOrMovedAway(it); }) ||
+           std::any_of(after.begin(), after.end(),
+                       [this](std::size_t it) { return WasAddedOrMovedHere(it); });
   }
 
   bool FollowsFromPlace(PropertyId property, std::size_t old, std::size_t now) const {

@@ -1,5 +1,5 @@
 // What differs between two inventories: items added, removed, moved to another port and changed. An item is
-// known again by its vendor, product and serial number where it has one, else by its place; docs/comparing.md
+// recognised by its vendor, product and serial number if it has one, else by its place; docs/comparing.md
 // gives the rules.
 #pragma once
 
@@ -35,21 +35,21 @@ struct ItemChange {
   std::vector<PropertyChange> properties;
 };
 
-/// Every list is in the order of the places, those of `after` where there are two.
+/// Every list is in the order of the places; where an item has two, that in `after` counts.
 struct InventoryDifference {
   std::string oldSystem;
   std::string newSystem;
   std::vector<PlacedItem> added;
   std::vector<PlacedItem> removed;
-  /// With what changed about them, too.
+  /// With their changed properties, too.
   std::vector<ItemChange> moved;
   std::vector<ItemChange> changed;
 
-  /// True when nothing differs but perhaps the systems' names.
+  /// True when nothing differs except perhaps the systems' names.
   bool IsEmpty() const { return added.empty() && removed.empty() && moved.empty() && changed.empty(); }
 };
 
-/// Both inventories must outlive the difference. Takes about as long as sorting their items does.
+/// Both inventories must outlive the difference. Takes about as long as sorting their items.
 InventoryDifference Compare(const Inventory& before, const Inventory& after);
 
 }  // namespace cli

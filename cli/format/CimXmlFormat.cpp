@@ -2,10 +2,10 @@
 
 #include <optional>
 
-#include "cli/format/CimTypes.h"
 #include "cli/format/XmlWriter.h"
 #include "cli/model/Inventory.h"
 #include "cli/model/ObjectPath.h"
+#include "schema/CimTypes.h"
 
 using schema::PropertySchema;
 
@@ -31,7 +31,7 @@ void WriteKeyValue(XmlWriter& xml, const PropertySchema& key, const std::string&
   WriteKeyBinding(xml, key, [&] {
     xml.Element("KEYVALUE", [&] {
       xml.Attribute("VALUETYPE", "string");
-      xml.Attribute("TYPE", CimTypeName(key.type));
+      xml.Attribute("TYPE", schema::CimTypeName(key.type));
       xml.Text(value);
     });
   });
@@ -71,7 +71,7 @@ void WriteInstanceName(XmlWriter& xml, const Item& item) {
   });
 }
 
-/// Writes a property of which the value is present, as its type wants it.
+/// Writes a property with the elements that its type needs; the value must be present.
 struct PropertyWriter {
   XmlWriter& xml;
   const PropertySchema& property;
@@ -104,7 +104,7 @@ struct PropertyWriter {
   }
   void WriteNameAndType() const {
     xml.Attribute("NAME", property.name);
-    xml.Attribute("TYPE", CimTypeName(property.type));
+    xml.Attribute("TYPE", schema::CimTypeName(property.type));
   }
 };
 

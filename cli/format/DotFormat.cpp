@@ -11,8 +11,8 @@ namespace cli {
 
 namespace {
 
-/// For a line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; a
-/// device's string holds neither.
+/// For a line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; neither
+/// may come from a device's string.
 void AppendToLabel(const Character& character, bool isUnprintable, std::string& out) {
   if (character.code == U'&') {
     out += "&amp;";
@@ -44,7 +44,7 @@ class Graph {
   std::string Text() const {
     if (fTree.Nodes().empty()) return "digraph usb {\n}\n";
     std::string text = Head();
-    // Graphviz draws what hangs together bottom up.
+    // Graphviz draws connected nodes from the bottom up.
     for (auto top = fTree.Top().rbegin(); top != fTree.Top().rend(); ++top) text += Node(*top);
     for (std::size_t index = 0; index < fTree.Nodes().size(); ++index) {
       if (!fIsTop[index]) text += Node(index);
@@ -89,15 +89,21 @@ class Graph {
 
   std::string Port(std::size_t index, const std::string& place) const {
     const UsbTreeNode& node = fTree.Nodes()[index];
-    if (!IsFree(node)) return NodeText(index, "port used", {place, SpeedOf(fTree, node)}, "fontsize=9");
-    return NodeText(
-        index, "port free", {place + " free"},
-        R"(shape=plaintext, style="", fontcolor="#667080", fontsize=8, height=0.16, margin="0.03,0")");
+    constexpr const char* kSmall =
+        R"(shape=plaintext, style="", fontcolor="#667080", fontsize=8, height=0.16, margin="0.03,0")";
+    switch (fInventory.StateOf(*node.item)) {
+      case PortState::kFree:
+        return NodeText(index, "port free", {place + " free"}, kSmall);
+      case PortState::kUnknown:
+        return NodeText(index, "port unknown", {place}, kSmall);
+      default:
+        return NodeText(index, "port used", {place, SpeedOf(fTree, node)}, "fontsize=9");
+    }
   }
 
   bool IsFree(const UsbTreeNode& port) const { return fInventory.StateOf(*port.item) == PortState::kFree; }
 
-  /// A device's identifier and its speed, as far as it is known.
+  /// A device's identifier, and its speed if it is known.
   std::string Facts(const UsbTreeNode& node) const {
     const std::string speed = SpeedOf(fTree, node);
     return speed.empty() ? FormatId(*node.item) : FormatId(*node.item) + ", " + speed;

@@ -10,7 +10,7 @@ class Inventory;
 struct RenderOptions;
 
 /// A digraph in the DOT language, in UTF-8; without nodes for an empty inventory. Nodes are named n0, n1, ...
-/// and carry the SVG classes controller, hub, port or device, ports used or free besides.
+/// and have the SVG class controller, hub, port or device; ports also have used, free or unknown.
 std::string RenderDot(const Inventory& inventory, const RenderOptions& options);
 
 }  // namespace cli

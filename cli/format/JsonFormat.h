@@ -1,5 +1,5 @@
-// The inventory as one JSON document, schema "usbinfo.inventory/1": stable key order, all six classes always
-// there, instances in enumeration order, properties ascending by name.
+// The inventory as one JSON document, schema "usbinfo.inventory/1": stable key order, all six classes even if
+// empty, instances in enumeration order, properties ascending by name.
 #pragma once
 
 #include <string>
@@ -9,8 +9,8 @@ namespace cli {
 class Inventory;
 struct RenderOptions;
 
-/// ASCII only, so that no string of a device reaches a terminal as it is. Bytes that are no UTF-8 become
-/// U+FFFD, references their object path text.
+/// ASCII only, so that no string of a device reaches a terminal unescaped. Bytes that are not UTF-8 become
+/// U+FFFD, references their object path as text.
 std::string RenderJson(const Inventory& inventory, const RenderOptions& options);
 
 }  // namespace cli

@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
-#include "cli/format/CimTypes.h"
 #include "cli/model/Inventory.h"
 #include "cli/text/Text.h"
+#include "schema/CimTypes.h"
 
 using schema::ClassSchema;
 using schema::PropertySchema;
@@ -29,7 +29,7 @@ std::string Declaration(const PropertySchema& property) {
     return fmt::format("  {}{} REF {};\n", key, property.referenceClass, property.name);
   }
   const char* const brackets = property.type == Type::kStringArray ? "[]" : "";
-  return fmt::format("  {}{} {}{};\n", key, CimTypeName(property.type), property.name, brackets);
+  return fmt::format("  {}{} {}{};\n", key, schema::CimTypeName(property.type), property.name, brackets);
 }
 
 /// The class that the entities' keys come from.

@@ -22,7 +22,7 @@ const std::vector<OutputFormat>& OutputFormats() {
       {"cimxml", "a CIM-XML declaration", true, RenderCimXml},
       {"mof", "class declarations and instances in the Managed Object Format", true, RenderMof},
       {"dot", "a graph for dot(1)", true, RenderDot, true},
-      {"html", "a page that stands alone", true, RenderHtml, true, true},
+      {"html", "an HTML page in one file", true, RenderHtml, true, true},
   };
   return formats;
 }

@@ -1,5 +1,5 @@
-// The output formats: one file each, and the one list of them. A format turns the inventory into text; where
-// the text goes is not its business.
+// The output formats: one file each, and the one list of them. A format turns the inventory into text; its
+// caller decides where the text goes.
 #pragma once
 
 #include <string>
@@ -14,12 +14,12 @@ struct OutputFormat {
   std::string name;
   /// A few words of plain text.
   std::string description;
-  /// For programs rather than people: an empty inventory is still a document.
+  /// For programs rather than people: an empty inventory still gives a document.
   bool isMachineReadable;
   std::string (*render)(const Inventory& inventory, const RenderOptions& options);
-  /// Draws how the items hang together: what is selected comes with the path that leads to it.
+  /// Draws how the items are connected: selected items are shown with the path that leads to them.
   bool keepsPath = false;
-  /// Shows the names that vendors and products are known by.
+  /// Shows the names of vendors and products from the list of names.
   bool showsNames = false;
 };
 

@@ -1,5 +1,5 @@
-// What an output format may know of the place its text goes to and of what was asked for. The command fills
-// it from its options; a format reads what concerns it and passes over the rest.
+// What an output format may know about the command's options and about where its text goes. The command fills
+// it; a format reads what concerns it and ignores the rest.
 #pragma once
 
 #include <string>
@@ -12,14 +12,14 @@ namespace cli {
 class UsbIds;
 
 struct RenderOptions {
-  /// Standard output rather than a file: fit the width if it is a terminal.
+  /// The text goes to standard output rather than a file: fit the width if that is a terminal.
   bool isStandardOutput = true;
   Color color = Color::kAuto;
-  /// More about each thing than a line holds.
+  /// Show more about each item than fits on a line.
   bool isVerbose = false;
   /// The properties to show; empty for what the format chooses.
   std::vector<std::string> columns = {};
-  /// What vendors and products are known as; null for no such names. Owned by the caller.
+  /// The names of vendors and products; null for none. Owned by the caller.
   const UsbIds* names = nullptr;
 };
 

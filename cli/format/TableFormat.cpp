@@ -40,12 +40,12 @@ std::string Identifier(const Item& item, PropertyId property) {
   return path ? path->Key(kOwn) : std::string();
 }
 
-/// NameOf has overloads, so it cannot be handed on by its name alone.
+/// NameOf has overloads, so its name alone does not select one.
 std::string ItemName(const Item& item) {
   return NameOf(item);
 }
 
-/// Cut to less, a text does not help any more.
+/// A text that is cut shorter is of no use.
 constexpr std::size_t kSmallestText = 16;
 
 TableColumn Text(const char* title, Getter text, Importance importance = Importance::kIdentifier) {
@@ -130,7 +130,7 @@ class ChosenColumns {
         "PORTS", [](const Item& hub) { return hub.Text(PropertyId::kNumberOfPorts); }, Importance::kUseful);
   }
 
-  /// Of hubs and devices, which have names; `own` is what only one of the classes has.
+  /// The columns of hubs and devices; `own` are those that only one of the classes has.
   TableColumns OfNamed(const TableColumn& own) const {
     TableColumns columns = {Bus(kOwn),
                             Device("DEV", kOwn),

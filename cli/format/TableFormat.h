@@ -1,5 +1,5 @@
-// The inventory as tables for people: a section per class, a row per instance, columns that suit the class or
-// those that were asked for.
+// The inventory as tables for people: a section per class, a row per instance, and the columns of the class
+// or those requested.
 #pragma once
 
 #include <string>
@@ -10,11 +10,11 @@ namespace cli {
 class Inventory;
 struct RenderOptions;
 
-/// Fits a terminal's width, as the tree does. Without `options.columns` the columns are chosen for the class;
-/// else they are those properties, as far as the class has them. Empty when no class with instances has one.
+/// Fits a terminal's width, as the tree does. Without `options.columns` each class has its own columns; else
+/// they are those of the properties that the class has. Empty when no class with instances has one of them.
 std::string RenderTable(const Inventory& inventory, const RenderOptions& options);
 
-/// The names of all properties of all classes, ascending, each once: what `options.columns` may hold.
+/// The names of all properties of all classes, ascending, each once; `options.columns` may hold these.
 std::vector<std::string> TableColumnNames();
 
 }  // namespace cli

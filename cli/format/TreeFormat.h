@@ -1,5 +1,5 @@
-// The inventory as a tree for people: each controller, its root hub, every port with its state, what hangs on
-// it, speed and vendor:product.
+// The inventory as a tree for people: each controller, its root hub, every port with its state, what is
+// plugged in, speed and vendor:product.
 #pragma once
 
 #include <string>

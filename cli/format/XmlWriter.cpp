@@ -19,7 +19,7 @@ bool IsForbidden(char32_t code) {
   return (code < 0x20 && !isBlank) || code == 0xFFFE || code == 0xFFFF;
 }
 
-/// None for a character that markup does not consist of.
+/// Null for a character that needs no entity.
 const char* EntityOf(char32_t code) {
   switch (code) {
     case U'&':
@@ -42,7 +42,7 @@ void AppendText(const Character& character, bool isUnprintable, std::string& out
   } else if (!character.isValid || IsForbidden(character.code)) {
     out += kReplacement;
   } else if (character.code == U'\r') {
-    // A reader makes a newline of the character itself.
+    // A reader would turn the character itself into a newline.
     out += "&#13;";
   } else if (isUnprintable && !isKeptBlank) {
     fmt::format_to(std::back_inserter(out), "&#x{:X};", static_cast<unsigned int>(character.code));
@@ -51,7 +51,7 @@ void AppendText(const Character& character, bool isUnprintable, std::string& out
   }
 }
 
-/// A reader makes blanks of tabs and newlines that stand in an attribute.
+/// A reader turns tabs and newlines in an attribute into blanks.
 void AppendAttribute(const Character& character, bool isUnprintable, std::string& out) {
   const bool isLostBlank = character.code == U'\t' || character.code == U'\n';
   if (isLostBlank) {
@@ -63,11 +63,11 @@ void AppendAttribute(const Character& character, bool isUnprintable, std::string
 
 }  // namespace
 
-/// The printer's own memory has sizes of type int in some versions, so what it writes is kept here.
+/// In some versions the printer's own buffer has sizes of type int, so its output is kept here.
 class XmlWriter::Printer : public tinyxml2::XMLPrinter {
  public:
   Printer() {
-    // Texts arrive with their entities.
+    // Texts already contain their entities.
     constexpr bool kProcessEntities = false;
     tinyxml2::XMLPrinter::VisitEnter(tinyxml2::XMLDocument(kProcessEntities));
   }
@@ -104,7 +104,7 @@ void XmlWriter::Text(std::string_view text) {
 }
 
 void XmlWriter::End() {
-  // The printer closes an element by itself that never got a text.
+  // The printer self-closes an element that never got a text.
   if (fIsElementEmpty) fPrinter->PushText("");
   fPrinter->CloseElement();
   fIsElementEmpty = false;

@@ -1,5 +1,5 @@
-// An XML document written from its beginning to its end through tinyxml2's printer. It keeps the elements
-// balanced and makes any text fit for XML 1.0.
+// Writes an XML document sequentially through tinyxml2's printer. It keeps the elements balanced and makes
+// any text valid in XML 1.0.
 #pragma once
 
 #include <memory>
@@ -23,7 +23,7 @@ class XmlWriter {
     body();
     End();
   }
-  /// An element with nothing but text in it.
+  /// An element that contains only text.
   void TextElement(const char* name, std::string_view text) {
     Element(name, [&] { Text(text); });
   }

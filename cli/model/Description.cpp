@@ -19,7 +19,7 @@ std::string PlaceOnBus(const UsbTreeNode& node, const std::string& identifier) {
   return fmt::format("{} {}", node.Class() == ClassId::kHub ? "hub" : "device", DeviceOf(identifier));
 }
 
-/// "26 ports"; "2 of 26 ports" where the others are left out.
+/// "26 ports"; "2 of 26 ports" when a selection left the others out.
 std::string CountShown(const ItemsOfClass& ofClass, const std::string& noun) {
   std::string all = Count(ofClass.total, noun);
   return ofClass.items.size() == ofClass.total ? all : fmt::format("{} of {}", ofClass.items.size(), all);

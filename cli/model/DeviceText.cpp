@@ -13,7 +13,7 @@ std::string SentString(const Item& item, PropertyId property) {
 }
 
 std::string SentString(const std::string& text) {
-  // What the plug-in puts in the place of a string that no line of the list gives.
+  // What the plug-in stores when no line of the list gives the string.
   return text == "Not Available" ? std::string() : text;
 }
 

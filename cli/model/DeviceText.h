@@ -1,4 +1,4 @@
-// What a hub or device says of itself, in the words and numbers that people know.
+// What a hub or device reports about itself, as text for people.
 #pragma once
 
 #include <cstdint>
@@ -24,19 +24,19 @@ std::string FormatId(const Item& item);
 /// "1.10" for 110; "version unknown" for 0.
 std::string FormatVersion(std::uint64_t version);
 
-/// A code of two hexadecimal digits, of which the property holds the first as its distance from the digit 0:
-/// "0*"; "?" when it is not a digit.
+/// A code of two hexadecimal digits; the property holds the first one minus the character '0': "0*"; "?" when
+/// it is not a digit.
 std::string FormatCode(std::uint64_t code);
 
-/// Whether a number that the list gives as one digit, such as that of the configurations, is known: a
-/// missing one is kept as a number that is not a digit.
+/// Whether a number that the list gives as one digit, such as the number of configurations, is known. A
+/// missing one is stored as a number that is not a digit.
 bool IsDigit(std::uint64_t number);
 
 /// "1 port", "2 ports".
 std::string Count(std::uint64_t number, const std::string& noun);
 
-/// The names that a list of vendors and products has for a hub or device: "product (vendor)", or as much of
-/// it as is listed. It is not what the device says of itself. Empty without `names`.
+/// The names that the list of vendors and products has for a hub or device: "product (vendor)", or the one of
+/// them that is listed. It does not come from the device. Empty without `names`.
 std::string KnownAs(const Item& item, const UsbIds* names);
 
 }  // namespace cli

@@ -39,8 +39,8 @@ Item ReadItem(ClassId classId, const standin::Instance& instance) {
   return item;
 }
 
-/// True when the last request for connections comes after those for all that it links, and no later request
-/// makes the ports anew.
+/// True when the last request for connections comes after the requests for the classes that it links, and no
+/// later request recreates the ports.
 bool AsksForConnections(const std::vector<std::string>& requested) {
   const auto nameOf = [](ClassId classId) { return schema::ClassOf(classId).name; };
   const auto last = std::find(requested.rbegin(), requested.rend(), nameOf(ClassId::kConnection));

@@ -13,7 +13,7 @@ class Host;
 namespace cli {
 
 /// What `host` holds now. `requested` names the classes that the plug-in was asked for, in order: a port's
-/// state is known only where the connections were asked for after all that they link.
+/// state is known only when the connections were requested after the classes that they link.
 Inventory FromHost(const standin::Host& host, const std::vector<std::string>& requested);
 
 }  // namespace cli

@@ -44,7 +44,7 @@ void RequireExactly(const json& value, const std::string& pointer, const std::st
   if (value != expected) Refuse(pointer, fmt::format("must be \"{}\"", expected));
 }
 
-/// Refuses an object without one of the members, or with another one.
+/// Refuses an object that lacks one of the members or has another one.
 void RequireMembers(const json& object, const std::string& pointer, const std::vector<std::string>& names) {
   RequireObject(object, pointer);
   for (const std::string& name : names) {
@@ -88,7 +88,7 @@ std::vector<std::string> ReadTexts(const json& value, const std::string& pointer
   return texts;
 }
 
-/// A reference to an item of the class that is named, or of any entity class for the base of all.
+/// A reference to an item of the named class, or of any entity class when that is the base class.
 Reference ReadReference(const json& value, const std::string& pointer, const std::string& className) {
   std::string text = ReadText(value, pointer);
   const std::optional<ObjectPath> path = ParseObjectPath(text);
@@ -146,15 +146,16 @@ void ReadClasses(const json& classes, const std::string& pointer, Inventory& inv
   }
 }
 
-/// The document does not say whether connections were asked for. They were where there are some, and where
-/// the only hubs are the controllers' own, so that there is nothing to connect.
+/// The document does not say whether connections were requested. They were if there are some, or if the only
+/// hubs are root hubs, so that there is nothing to connect.
 bool HasConnections(const Inventory& inventory) {
   if (!inventory.Connections().empty()) return true;
   return inventory.Devices().empty() && !inventory.Hubs().empty() &&
          inventory.Hubs().size() == inventory.Controllers().size();
 }
 
-/// The schema first: a document of another one is refused as such, not by its first unknown member.
+/// The schema is checked first, so that the message for a document of another schema says so and does not
+/// name an unknown member.
 Inventory ReadInventory(const json& document) {
   RequireObject(document, "");
   if (!document.contains("schema")) Refuse("/schema", "is missing");

@@ -7,7 +7,7 @@ namespace {
 constexpr std::string_view kDeviceMarker = " Device ";
 constexpr std::string_view kPortMarker = " Port ";
 
-/// What follows the last `marker`, or all where there is none, without the blanks around it.
+/// What follows the last `marker`, or the whole text without one, without the blanks around it.
 std::string_view TextAfter(std::string_view text, std::string_view marker) {
   const std::size_t found = text.rfind(marker);
   if (found != std::string_view::npos) text.remove_prefix(found + marker.size());

@@ -1,6 +1,6 @@
 // The parts of an identifier, the DeviceID of an item: "Bus 01  Device   3" of a controller, hub or device,
-// "Bus 01  Device   3 Port 02" of a port. A list may hold anything, so any part may be missing: it is empty
-// then.
+// "Bus 01  Device   3 Port 02" of a port. A list may hold anything, so any part may be missing and is then
+// empty.
 #pragma once
 
 #include <string_view>

@@ -37,7 +37,7 @@ Inventory Inventory::Only(const std::function<bool(const Item&)>& keep) const {
 }
 
 PortState Inventory::StateOf(const Item& port) const {
-  // What the plug-in sets for every port, and changes where it links a device.
+  // The plug-in sets this for every port, and changes it when it links a device.
   static const Value kNoDevice = std::vector<std::string>{"No device connected"};
   if (port.Get(PropertyId::kStatusDescriptions) != kNoDevice) return PortState::kUsed;
   return fKnowsConnections ? PortState::kFree : PortState::kUnknown;

@@ -1,5 +1,5 @@
-// The USB inventory of one machine, as a plain value: the six classes and their items. Readers fill it, and
-// all that shows, selects and compares takes it and nothing else.
+// The USB inventory of one machine, as a plain value: the six classes and their items. Two readers fill it;
+// formats, selection and comparison use nothing else.
 #pragma once
 
 #include <cstddef>
@@ -41,17 +41,17 @@ class Inventory {
   /// The links from ports to what is plugged into them.
   const std::vector<Item>& Connections() const { return Of(ClassId::kConnection).items; }
 
-  /// Adds an item behind the others of its class.
+  /// Adds an item after the others of its class.
   void Add(Item item);
 
   /// True when no class has an item.
   bool IsEmpty() const;
-  /// True when a selection left items out.
+  /// True when a selection has left items out.
   bool IsPartial() const;
   /// The part whose items `keep` is true for, in the same order; the totals stay.
   Inventory Only(const std::function<bool(const Item&)>& keep) const;
 
-  /// Whether a port that no device is reported on is free: known where the connections were collected.
+  /// Whether a port without a reported device is known to be free, because the connections were collected.
   bool KnowsConnections() const { return fKnowsConnections; }
   void SetKnowsConnections(bool isKnown) { fKnowsConnections = isKnown; }
   PortState StateOf(const Item& port) const;

@@ -13,7 +13,7 @@ class UsbIds;
 struct ItemFact {
   const char* label;
   std::string value;
-  /// Something that people look a device up by.
+  /// Something that people search a device by.
   bool isSearched = false;
 };
 

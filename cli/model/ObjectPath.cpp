@@ -10,7 +10,7 @@ bool Skip(std::string_view& rest, std::string_view expected) {
   return true;
 }
 
-/// Takes a quoted value from the beginning of `rest`; nothing where there is none.
+/// Removes a quoted value from the beginning of `rest`; nothing when there is none.
 std::optional<std::string> TakeQuoted(std::string_view& rest) {
   if (!Skip(rest, "\"")) return std::nullopt;
   std::string value;
@@ -37,7 +37,7 @@ const std::string& ObjectPath::Key(schema::PropertyId property) const {
 }
 
 void AppendKey(std::string& path, std::string_view name, std::string_view value) {
-  // Values hold no separator of their own outside of quotes, so the first key is the one after the class.
+  // Keys are separated outside of quotes only, so the first key follows the class.
   path += path.find('.') == std::string::npos ? '.' : ',';
   path.append(name).append("=\"");
   for (const char c : value) {

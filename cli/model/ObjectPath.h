@@ -1,5 +1,5 @@
 // Object paths as text, as the host writes them: `Class.Key="value",Key="value"`, keys ascending by name,
-// quotes and backslashes within a value behind a backslash.
+// quotes and backslashes in a value escaped by a backslash.
 #pragma once
 
 #include <optional>
@@ -21,10 +21,10 @@ struct ObjectPath {
   const std::string& Key(schema::PropertyId property) const;
 };
 
-/// Appends `name="value"` to a path that holds the class's name, and other keys before it.
+/// Appends `name="value"` to a path that holds the class's name and perhaps other keys.
 void AppendKey(std::string& path, std::string_view name, std::string_view value);
 
-/// Nothing where `text` is not the path of an entity with all of its keys, in order.
+/// Nothing when `text` is not the path of an entity with all of its keys, in order.
 std::optional<ObjectPath> ParseObjectPath(std::string_view text);
 
 }  // namespace cli

@@ -12,7 +12,7 @@ namespace cli {
 
 namespace {
 
-/// A hub's ports and a machine's buses have few digits; longer numbers are not theirs.
+/// Numbers of ports and buses have few digits; longer ones are not valid.
 std::optional<std::uint32_t> ReadNumber(std::string_view text) {
   constexpr std::size_t kMaxDigits = 9;
   std::uint32_t number = 0;

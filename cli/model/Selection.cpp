@@ -17,7 +17,7 @@ namespace {
 
 using Items = std::unordered_set<const Item*>;
 
-/// The number that the whole of `digits` is.
+/// The number that all of `digits` make.
 std::optional<unsigned> ParseNumber(std::string_view digits, int base) {
   unsigned number = 0;
   const char* const end = digits.data() + digits.size();
@@ -26,7 +26,7 @@ std::optional<unsigned> ParseNumber(std::string_view digits, int base) {
   return number;
 }
 
-/// True unless `text` is no id; one that is left out stays without value.
+/// False when `text` is not an id; an empty one leaves the value unset.
 bool ParseOptionalId(std::string_view text, std::optional<std::uint16_t>& id) {
   constexpr std::size_t kMaxDigits = 4;
   if (text.empty()) return true;
@@ -38,7 +38,7 @@ bool ParseOptionalId(std::string_view text, std::optional<std::uint16_t>& id) {
   return true;
 }
 
-/// True unless `text` is no number; one that is left out stays without value.
+/// False when `text` is not a number; an empty one leaves the value unset.
 bool ParseOptionalNumber(std::string_view text, std::optional<unsigned>& number) {
   if (text.empty()) return true;
   number = ParseNumber(text, 10);
@@ -82,7 +82,7 @@ Items FindMatches(const Inventory& inventory, const Selection& selection) {
   return matches;
 }
 
-/// Adds all that stands above the items in the tree.
+/// Adds all items above these in the tree.
 void AddItemsAbove(const Inventory& inventory, Items& items) {
   const UsbTree tree(inventory);
   const auto& nodes = tree.Nodes();

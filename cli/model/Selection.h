@@ -1,5 +1,5 @@
 // Which part of an inventory the user asked for: hubs and devices by their ids or their place, and classes by
-// name. What the options say is parsed here, and the part is cut out of a collected inventory.
+// name. Parses the values of the options and selects the part of a collected inventory.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +23,7 @@ struct BusDevice {
   std::optional<unsigned> device;
 };
 
-/// What is selected must match one of the ids, the place and one of the classes, as far as these are set;
+/// A selected item matches one of the ids, the place and one of the classes, those of them that are set;
 /// nothing set selects all.
 struct Selection {
   std::vector<VendorProduct> ids;
@@ -40,7 +40,7 @@ std::optional<VendorProduct> ParseVendorProduct(const std::string& text);
 /// "1:3", "1:", ":3", ":" and "3", which is a device's number too: decimal; nothing for any other form.
 std::optional<BusDevice> ParseBusDevice(const std::string& text);
 
-/// What of `inventory` is selected, in the same order. Ids and places select hubs and devices alone; with
+/// The selected part of `inventory`, in the same order. Ids and places select only hubs and devices; with
 /// `keepsPath` these come with the controllers, hubs and ports that lead to them and the links among all
 /// these, unless classes are selected too.
 Inventory Select(const Inventory& inventory, const Selection& selection, bool keepsPath);

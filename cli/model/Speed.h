@@ -6,7 +6,7 @@
 
 namespace cli {
 
-/// The classes of speed that people tell apart by colour.
+/// The classes of speed that are shown in different colours.
 enum class SpeedClass { kUnknown, kLow, kFull, kHigh, kSuper };
 
 /// The class of a port's speed.

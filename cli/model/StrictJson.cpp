@@ -16,7 +16,7 @@ namespace {
 /// An inventory nests five deep.
 constexpr std::size_t kMaxDepth = 16;
 
-/// Where the `byte`-th byte of `text`, counted from 1, stands for people.
+/// The line and column of the `byte`-th byte of `text`, counted from 1.
 std::string LineAndColumn(const std::string& text, std::size_t byte) {
   const std::size_t at = std::min(byte == 0 ? 0 : byte - 1, text.size());
   const auto end = text.begin() + static_cast<std::ptrdiff_t>(at);
@@ -26,8 +26,8 @@ std::string LineAndColumn(const std::string& text, std::size_t byte) {
   return fmt::format("line {}, column {}", line, column);
 }
 
-/// Follows the library's events, keeps account of where it is and of the names used there, and ends the
-/// reading where something is wrong.
+/// Follows the library's events, keeps track of the position and the names used there, and stops reading at
+/// an error.
 class Watcher : public nlohmann::json_sax<json> {
  public:
   explicit Watcher(const std::string& text) : fText(text) {}
@@ -70,7 +70,7 @@ class Watcher : public nlohmann::json_sax<json> {
     std::set<std::string> names = {};
   };
 
-  /// To what was begun last.
+  /// The pointer to the innermost open value.
   std::string Pointer() const {
     std::string pointer;
     for (const Container& container : fOpen) {
@@ -115,7 +115,7 @@ std::string PointerTo(const std::string& pointer, const std::string& name) {
     } else if (c == '/') {
       longer += "~1";
     } else if (c == '\0') {
-      // A message would end here.
+      // A zero byte would end a message.
       longer += "\xEF\xBF\xBD";
     } else {
       longer += c;
@@ -129,7 +129,8 @@ std::string PointerTo(const std::string& pointer, std::size_t index) {
 }
 
 json ParseStrictJson(const std::string& text) {
-  // Twice over the text: the library's way to watch while it builds takes quadratic time for long lists.
+  // The text is parsed twice, since the library's callback during parsing takes quadratic time for long
+  // lists.
   Watcher watcher(text);
   json::sax_parse(text, &watcher);
   return json::parse(text);

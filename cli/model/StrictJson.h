@@ -1,5 +1,5 @@
-// JSON texts that anybody may have written, read without trust: nothing is overwritten by a later namesake,
-// nothing nests without end, and what is wrong is told with its place in the text.
+// A strict reader of untrusted JSON: it refuses repeated names and deep nesting, and reports errors with
+// their place in the text.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
@@ -15,11 +15,11 @@ class JsonError : public std::runtime_error {
 };
 
 /// The JSON pointer to the member `name`, or the element of that number, of what `pointer` leads to; for
-/// messages, so a zero byte in the name stands as U+FFFD.
+/// messages, so a zero byte in the name becomes U+FFFD.
 std::string PointerTo(const std::string& pointer, const std::string& name);
 std::string PointerTo(const std::string& pointer, std::size_t index);
 
-/// The one value that `text` holds. Throws JsonError when it is no JSON, names a member twice, nests deeper
+/// The one value that `text` holds. Throws JsonError when it is not JSON, names a member twice, nests deeper
 /// than an inventory ever does, or has a number beyond every range.
 nlohmann::json ParseStrictJson(const std::string& text);
 

@@ -1,4 +1,3 @@
-// Names by number; see the header.
 #include "cli/model/UsbIds.h"
 
 #include <fcntl.h>
@@ -21,7 +20,7 @@ namespace {
 constexpr const char* kPlaces[] = {"/usr/share/misc/usb.ids", "/var/lib/usbutils/usb.ids",
                                    "/usr/share/hwdata/usb.ids"};
 
-/// Many times what the list has grown to in twenty years.
+/// Many times the size that the list has reached in twenty years.
 constexpr off_t kLargestList = 64 << 20;
 
 struct NumberAndName {
@@ -46,7 +45,7 @@ std::optional<NumberAndName> Parse(std::string_view line) {
 }
 
 std::string ReadList(const std::string& path) {
-  // A pipe without a writer would be waited for.
+  // Opening a pipe without a writer would wait.
   const sys::FileDescriptor file = sys::OpenFile(path, O_RDONLY | O_NONBLOCK);
   struct stat status {};
   if (::fstat(file.Get(), &status) != 0) sys::ThrowSystemError(errno);
@@ -56,7 +55,7 @@ std::string ReadList(const std::string& path) {
   return sys::ReadAll(file.Get());
 }
 
-UsbIds ReadGiven(const std::string& path) {
+UsbIds ReadNamedFile(const std::string& path) {
   try {
     return UsbIds(ReadList(path));
   } catch (const std::system_error& error) {
@@ -76,7 +75,7 @@ std::uint32_t Joined(std::uint32_t vendor, std::uint16_t product) {
 
 UsbIds::UsbIds(std::string list) : fList(std::make_shared<const std::string>(std::move(list))) {
   std::string_view rest = *fList;
-  // What is no vendor begins another part of the list, whose lines are nobody's products.
+  // Any other line begins another part of the list, whose lines are not products.
   bool isBelowVendor = false;
   while (!rest.empty()) {
     const std::string_view line = rest.substr(0, rest.find('\n'));
@@ -96,14 +95,14 @@ UsbIds::UsbIds(std::string list) : fList(std::make_shared<const std::string>(std
 }
 
 std::optional<UsbIds> UsbIds::OfThisMachine() {
-  if (const char* const given = std::getenv("USBINFO_IDS")) {
-    return *given == '\0' ? std::nullopt : std::optional<UsbIds>(ReadGiven(given));
+  if (const char* const file = std::getenv("USBINFO_IDS")) {
+    return *file == '\0' ? std::nullopt : std::optional<UsbIds>(ReadNamedFile(file));
   }
   for (const char* place : kPlaces) {
     try {
       return UsbIds(ReadList(place));
     } catch (const std::system_error&) {
-      // Names are an extra: without this list there may be the next.
+      // Names are optional: on failure the next list is tried.
       continue;
     }
   }

@@ -1,6 +1,6 @@
-// The names of vendors and products by number, from the list that Debian installs as usb.ids. They are other
-// people's knowledge, shown beside what a device says of itself and never in its place. The command reads the
-// list once, and only for formats that people read.
+// The names of vendors and products by number, from the list that Debian installs as usb.ids. They do not
+// come from the device, so they are shown beside its own strings and never in their place. The command reads
+// the list once, and only for formats for people.
 #pragma once
 
 #include <cstdint>
@@ -14,21 +14,21 @@ namespace cli {
 
 class UsbIds {
  public:
-  /// Takes what it knows from `list`: lines of a vendor's number in four digits and its name, below each its
-  /// products in the same way behind a tab. Whatever else stands there is passed over.
+  /// Reads the names from `list`: lines of a vendor's four-digit number and its name, each followed by its
+  /// products in the same form after a tab. Other lines are ignored.
   explicit UsbIds(std::string list);
 
-  /// The names that this machine has: those of the file that USBINFO_IDS names, none where that is empty, and
-  /// where it is not set, those of the first list that is installed. Throws UserError when the file that
-  /// USBINFO_IDS names cannot be read.
+  /// The names on this machine: those of the file that USBINFO_IDS names, none when that is empty; when it is
+  /// not set, those of the first list that is installed. Throws UserError when the file that USBINFO_IDS
+  /// names cannot be read.
   static std::optional<UsbIds> OfThisMachine();
 
-  /// A name as the list has it, any byte but a newline in it; empty when it is not known.
+  /// A name as the list has it, with any bytes except a newline; empty when it is not known.
   std::string Vendor(std::uint16_t vendor) const;
   std::string Product(std::uint16_t vendor, std::uint16_t product) const;
 
  private:
-  /// A name is a piece of the list.
+  /// Names are pieces of the list's text.
   struct Entry {
     std::uint32_t number;
     std::string_view name;
@@ -38,9 +38,9 @@ class UsbIds {
   static void Sort(Entries& entries);
   static std::string Find(const Entries& entries, std::uint32_t number);
 
-  /// Shared, so that copies keep what the entries are pieces of.
+  /// Shared, so that copies keep the text that the entries point into.
   std::shared_ptr<const std::string> fList;
-  /// Ascending by number; of several with the same one the first counts.
+  /// Ascending by number; of several with the same number the first counts.
   Entries fVendors;
   Entries fProducts;
 };

@@ -24,7 +24,7 @@ UsbTree::UsbTree(const Inventory& inventory) {
     fTop.push_back(index);
     Descend(index);
   }
-  if (fTopDown.size() < fNodes.size()) TakeApartCircles();
+  if (fTopDown.size() < fNodes.size()) UnlinkCircles();
 }
 
 const UsbTreeNode& UsbTree::Shown(const UsbTreeNode& node) const {
@@ -102,8 +102,8 @@ void UsbTree::Descend(std::size_t top) {
   }
 }
 
-/// What the descent did not reach is linked in a circle, or below one.
-void UsbTree::TakeApartCircles() {
+/// Nodes that were not reached from the top are linked in a circle, or are below one.
+void UsbTree::UnlinkCircles() {
   std::vector<bool> isReached(fNodes.size(), false);
   for (const std::size_t index : fTopDown) isReached[index] = true;
   for (std::size_t index = 0; index < fNodes.size(); ++index) {

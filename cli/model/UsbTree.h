@@ -1,5 +1,6 @@
-// How the items of an inventory hang together: controllers hold their root hub, hubs their ports, ports what
-// is plugged in. Made from the links; what no link leads to stands at the top, so nothing is lost.
+// How the items of an inventory are connected: root hubs are below controllers, ports below hubs, and what is
+// plugged in below ports. Made from the links; an item that no link leads to is at the top, so nothing is
+// lost.
 #pragma once
 
 #include <cstddef>
@@ -16,13 +17,13 @@ struct UsbTreeNode {
   /// A controller, hub, port or device; owned by the inventory.
   const Item* item;
   Place place = {};
-  /// Index of the node right above; kNone when there is none.
+  /// Index of the parent; kNone when there is none.
   std::size_t parent = kNone;
-  /// Indices of the nodes right below.
+  /// Indices of the children.
   std::vector<std::size_t> children = {};
   /// A hub right below its controller.
   bool isRootHub = false;
-  /// The place continues that of the parent.
+  /// Whether the place continues that of the parent.
   bool isPlacedBelowParent = false;
 
   ClassId Class() const { return item->Class(); }
@@ -38,11 +39,11 @@ struct UsbTreeRow {
 
 class UsbTree {
  public:
-  /// A list may claim any number of tiers; rows below this one stay at its depth.
+  /// A list may claim any number of tiers; rows below this one are drawn at its depth.
   static constexpr std::size_t kMaxDepth = 32;
 
   /// `inventory` must outlive the tree. Links that lead nowhere, to a controller or to a second parent are
-  /// passed over; items that are linked in a circle stand at the top, each by itself.
+  /// ignored; items that are linked in a circle are at the top, each by itself.
   explicit UsbTree(const Inventory& inventory);
 
   /// Controllers, hubs, ports, devices, each in the inventory's order.
@@ -51,9 +52,10 @@ class UsbTree {
   const std::vector<std::size_t>& Top() const { return fTop; }
   /// Indices of all nodes, parents before their children.
   const std::vector<std::size_t>& TopDown() const { return fTopDown; }
-  /// The node whose description stands for `node`: a port shows the one item that is plugged in.
+  /// The node that is described in the row of `node`: for a port, the only item that is plugged in.
   const UsbTreeNode& Shown(const UsbTreeNode& node) const;
-  /// A row per node, parents before their children; what a port shows has none of its own.
+  /// A row per node, parents before their children; an item that is shown in its port's row has no row
+  /// itself.
   std::vector<UsbTreeRow> Rows() const;
 
  private:
@@ -62,7 +64,7 @@ class UsbTree {
   void LinkRootHubs();
   void LinkItems(const Inventory& inventory);
   void Descend(std::size_t top);
-  void TakeApartCircles();
+  void UnlinkCircles();
 
   std::vector<UsbTreeNode> fNodes;
   std::vector<std::size_t> fTop;

@@ -15,7 +15,7 @@ struct Reference {
   bool operator==(const Reference& other) const { return path == other.path; }
 };
 
-/// The first alternative stands for a property that an item lacks.
+/// The first alternative means that the item lacks the property.
 using Value = std::variant<std::monostate, std::uint64_t, std::string, std::vector<std::string>, Reference>;
 
 /// Strings unchanged, numbers in decimal, lists as `{a, b}`, references as their object path; empty for a

@@ -132,7 +132,7 @@ std::string OperandCases(const CommandSpec& command) {
   return cases;
 }
 
-/// What is offered where no subcommand stands yet.
+/// The words offered before a subcommand was typed.
 std::string Unnamed(const CommandSpec& command) {
   if (!command.subcommands.empty()) return "ONE " + JoinedSubcommands(command, " ");
   return command.operands.empty() ? "TEXT" : KindOf(command.operands.front());

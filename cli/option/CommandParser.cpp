@@ -26,11 +26,11 @@ std::string Listed(const std::vector<std::string>& descriptions) {
   return fmt::format("{}", fmt::join(descriptions, ", "));
 }
 
-/// One command or subcommand, declared to CLI11. That splits the arguments into options, values and operands
-/// and leaves what it does not know; everything else is checked here, so that the messages are ours.
+/// One command or subcommand, declared to CLI11, which splits the arguments into options, values and operands
+/// and passes on unknown ones. Everything else is checked here, so that all messages have our form.
 class DeclaredCommand {
  public:
-  /// Declares the options and operands of `command` on `app`; both are the caller's.
+  /// Declares the options and operands of `command` on `app`; the caller owns both.
   DeclaredCommand(const CommandSpec& command, CLI::App& app) : fApp(&app) {
     app.set_help_flag();
     app.allow_extras();
@@ -51,7 +51,7 @@ class DeclaredCommand {
   }
 
   /// The first option that was given; null when there is none.
-  const Option* FirstGiven() const {
+  const Option* FirstOptionUsed() const {
     for (const auto& [option, parsed] : fOptions) {
       if (parsed->count() > 0) return option;
     }
@@ -163,7 +163,7 @@ class CommandParser {
     try {
       fApp.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
     } catch (const CLI::ArgumentMismatch&) {
-      // Nothing is left for the last one, whose value the next argument would be.
+      // The last option has no argument left for its value.
       Choose();
       throw UsageError(DescribeMissingValue(arguments.back()));
     } catch (const CLI::ParseError& error) {
@@ -197,15 +197,16 @@ class CommandParser {
     CheckEqualsSigns(arguments);
     RefuseUnknown();
     const DeclaredCommand* const named = Named();
-    const Option* const foreign = named == nullptr ? nullptr : fDeclared.FirstGiven();
-    if (foreign != nullptr) throw UsageError(DescribeForeign(foreign->LastName()));
+    const Option* const foreign = named == nullptr ? nullptr : fDeclared.FirstOptionUsed();
+    if (foreign != nullptr) throw UsageError(DescribeOptionOfOther(foreign->LastName()));
     const DeclaredCommand& chosen = named == nullptr ? fDeclared : *named;
     chosen.StoreOptions();
     chosen.StoreOperands();
     if (fChosen->check) fChosen->check();
   }
 
-  /// CLI11 would take the next argument for the value that is empty, and a value where none is taken.
+  /// CLI11 would read the next argument as the value when that is empty, and accept a value for an option
+  /// without one.
   void CheckEqualsSigns(const std::vector<std::string>& arguments) const {
     for (const std::string& argument : arguments) {
       if (argument == "--") return;
@@ -237,13 +238,13 @@ class CommandParser {
   }
 
   std::string DescribeUnknownOption(const std::string& name) const {
-    if (FindAnywhere(name) != nullptr) return DescribeForeign(name);
+    if (FindAnywhere(name) != nullptr) return DescribeOptionOfOther(name);
     std::vector<std::string> known;
     for (const Option* const option : VisibleOptions(*fChosen)) known.push_back(option->LastName());
     return fmt::format("unknown option {}{}", name, Question(Nearest(name, known)));
   }
 
-  std::string DescribeForeign(const std::string& name) const {
+  std::string DescribeOptionOfOther(const std::string& name) const {
     return fmt::format("{} is not supported by {}", name, Call());
   }
 
@@ -272,7 +273,7 @@ class CommandParser {
 
   const CommandSpec& fCommand;
   CLI::App fApp;
-  /// The default subcommand's options, which are taken on either side of its name.
+  /// The default subcommand's options, which may stand on either side of its name.
   DeclaredCommand fDeclared;
   /// The other subcommands.
   std::vector<std::pair<const CommandSpec*, DeclaredCommand>> fSubcommands;

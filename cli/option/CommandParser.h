@@ -1,4 +1,4 @@
-// Reads a command line by a command's table of options.
+// Parses a command line according to a command's table of options.
 #pragma once
 
 #include <string>
@@ -9,9 +9,8 @@
 namespace cli {
 
 /// Stores what `arguments`, which do not include the program's name, say, and gives the part of `command`
-/// that was asked for: one of its subcommands, or itself where it has none. Throws UsageError when they are
-/// not what the table allows; the message names the help to read. Nothing is stored then but what exclusive
-/// options store.
+/// that was asked for: one of its subcommands, or itself where it has none. Throws UsageError when the table
+/// does not allow them; the message names the help to read. Then only exclusive options have stored anything.
 const CommandSpec& ParseCommand(const CommandSpec& command, const std::vector<std::string>& arguments);
 
 }  // namespace cli

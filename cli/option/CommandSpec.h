@@ -1,4 +1,4 @@
-// A command or a subcommand: its options, its operands and what it does.
+// A command or a subcommand: its options, its operands and its action.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ struct Operand {
   std::string name;
   /// One sentence of plain text without its period.
   std::string help = {};
-  /// What shells complete it with; none for the names of files.
+  /// The words that shells complete it with; none for file names.
   std::vector<Choice> choices = {};
   bool isOptional = false;
   /// Takes the argument. Throws UsageError, which says what it must be.
@@ -26,16 +26,16 @@ struct CommandSpec {
   std::string name;
   /// One sentence of plain text without its period.
   std::string summary = {};
-  /// What stands before the options in the manual page, as mdoc source.
+  /// The text before the options in the manual page, as mdoc source.
   std::string manual = {};
   std::vector<Operand> operands = {};
   std::vector<Option> options = {};
   std::vector<CommandSpec> subcommands = {};
-  /// This subcommand is run where none is named. Its options may stand before its name, too.
+  /// This subcommand is run when none is named. Its options may stand before its name, too.
   bool isDefault = false;
-  /// The option that was probably meant where the command is given a file's name without one; empty for none.
+  /// The option that was probably meant when the command is given a file name as an operand; empty for none.
   std::string fileOption = {};
-  /// Called once everything is stored, for what depends on several options. Throws UsageError.
+  /// Called after all options are stored, to check what depends on several of them. Throws UsageError.
   std::function<void()> check = {};
   /// Gives the exit status.
   std::function<int()> run = {};
@@ -46,12 +46,12 @@ struct CommandSpec {
   const CommandSpec* FindSubcommand(const std::string& word) const;
   /// Null when there is none of that name.
   const Option* FindOption(const std::string& optionName) const;
-  /// How `chosen`, which is this command, or one of its subcommands, is called: "usbinfo diff". The default
-  /// subcommand needs no word.
+  /// The full name of `chosen`, which is this command or one of its subcommands: "usbinfo diff". The default
+  /// subcommand has no word.
   std::string CallOf(const CommandSpec& chosen) const;
 };
 
-/// The options that texts name.
+/// The options that help, manual page and completions show.
 std::vector<const Option*> VisibleOptions(const CommandSpec& command);
 
 }  // namespace cli

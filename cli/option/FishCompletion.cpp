@@ -33,7 +33,7 @@ std::string Quoted(const std::string& text) {
   return "'" + Filled(text, {{"\\", R"(\\)"}, {"'", R"(\')"}}) + "'";
 }
 
-/// The words that a choice is made among, each with what it means. Fish expands them once more.
+/// The choices of a value, each with its meaning. Fish expands them once more.
 std::string Words(const std::vector<Choice>& choices) {
   std::vector<std::string> words;
   words.reserve(choices.size());
@@ -59,7 +59,7 @@ std::string NamesOf(const Option& option) {
   return names;
 }
 
-/// When the options and operands of `part` are offered.
+/// The condition under which the options and operands of `part` are offered.
 std::string ConditionOf(const CommandSpec& command, const CommandSpec& part) {
   const bool isMeantByNone = part.isDefault || &part == &command;
   return Quoted(FunctionName(command) + "_is " + part.name + (isMeantByNone ? " none" : ""));

@@ -1,4 +1,4 @@
-// The texts that are made from a command's table of options when it is built.
+// The texts that the build generates from a command's table of options.
 #pragma once
 
 #include <string>

@@ -29,7 +29,7 @@ std::vector<std::string> Wrapped(const std::string& text) {
   return lines;
 }
 
-/// What is named on the left, and what it is on the right of it, or below where the name is too long.
+/// A name on the left and its description on the right, or below when the name is too long.
 std::string Entry(const std::string& name, std::vector<std::string> lines) {
   const std::string left = "  " + name;
   std::string text = fmt::format("{:{}}", left, kDescriptionColumn);

@@ -7,8 +7,8 @@
 
 namespace cli {
 
-/// The help of `chosen`, which is `command` or one of its subcommands; that of the default subcommand is the
-/// whole command's. No line is longer than 80 columns.
+/// The help of `chosen`, which is `command` or one of its subcommands. For the default subcommand it is that
+/// of the whole command. No line is longer than 80 columns.
 std::string HelpText(const CommandSpec& command, const CommandSpec& chosen);
 
 }  // namespace cli

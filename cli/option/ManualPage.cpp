@@ -46,14 +46,14 @@ std::string ChoiceList(const Option& option) {
       [](const Choice& left, const Choice& right) { return left.name.size() < right.name.size(); });
   std::string text = fmt::format(".Bl -tag -width {} -compact\n", longest->name);
   for (const Choice& choice : option.choices) {
-    const char* const remark = choice.name == option.defaultValue ? "; the default" : "";
-    text += fmt::format(".It Cm {}\n{}{}\n", choice.name, Escaped(choice.description), remark);
+    const char* const suffix = choice.name == option.defaultValue ? "; the default" : "";
+    text += fmt::format(".It Cm {}\n{}{}\n", choice.name, Escaped(choice.description), suffix);
   }
   return text + ".El\n";
 }
 
-/// What stands in parentheses behind a choice; empty for nothing.
-std::string RemarkOn(const Choice& choice, const Option& option) {
+/// The text in parentheses after a choice; empty for none.
+std::string DescriptionOf(const Choice& choice, const Option& option) {
   if (choice.name != option.defaultValue) return choice.description;
   return choice.description.empty() ? "the default" : choice.description + ", the default";
 }
@@ -63,11 +63,11 @@ std::string ChoiceSentence(const Option& option) {
   const std::size_t last = option.choices.size() - 1;
   for (std::size_t index = 0; index <= last; ++index) {
     const Choice& choice = option.choices[index];
-    const std::string remark = RemarkOn(choice, option);
+    const std::string description = DescriptionOf(choice, option);
     const char* const mark = index == last ? " ." : index + 1 == last ? "" : " ,";
     if (index > 0 && index == last) text += "or\n";
-    text += remark.empty() ? fmt::format(".Cm {}{}\n", choice.name, mark)
-                           : fmt::format(".Cm {}\n.Pq {}{}\n", choice.name, Escaped(remark), mark);
+    text += description.empty() ? fmt::format(".Cm {}{}\n", choice.name, mark)
+                                : fmt::format(".Cm {}\n.Pq {}{}\n", choice.name, Escaped(description), mark);
   }
   return text;
 }

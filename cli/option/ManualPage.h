@@ -7,8 +7,8 @@
 
 namespace cli {
 
-/// What stands under OPTIONS, in the mdoc language: a section for each subcommand that has options besides
-/// its help.
+/// The text under OPTIONS, in the mdoc language: a section for each subcommand that has options besides
+/// --help.
 std::string ManualOptions(const CommandSpec& command);
 
 }  // namespace cli

@@ -1,5 +1,4 @@
-// One option of a command: what the parser, the help, the manual page and the shells' completions are made
-// from.
+// One option of a command. The parser, the help, the manual page and the shell completions are made from it.
 #pragma once
 
 #include <functional>
@@ -18,23 +17,22 @@ struct Choice {
 struct Option {
   /// With their dashes; the long one last.
   std::vector<std::string> names;
-  /// Stands for the value in all texts; empty for an option without one. Shells complete "FILE" with the
-  /// names of files.
+  /// The value's name in all texts; empty for an option without one. Shells complete "FILE" with file names.
   std::string value = {};
   /// One sentence of plain text without its period.
   std::string help = {};
-  /// What holds where the option is not given; empty where that goes without saying.
+  /// The default, as text; empty where it is obvious.
   std::string defaultValue = {};
   /// The words that texts list and shells offer for the value; none where it is free.
   std::vector<Choice> choices = {};
   /// The value is a list of such words, separated by commas.
   bool isList = false;
   bool isRepeatable = false;
-  /// Another option, without which this one has no use; empty for none.
+  /// Another option that this one requires; empty for none.
   std::string requiredOption = {};
-  /// Where it is given, the rest of the command line is neither checked nor stored.
+  /// When it is given, the rest of the command line is neither checked nor stored.
   bool isExclusive = false;
-  /// No text names it.
+  /// It is left out of all texts.
   bool isHidden = false;
   /// The paragraph in the manual page, as mdoc source; the choices follow it.
   std::string manual = {};

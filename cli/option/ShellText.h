@@ -1,4 +1,4 @@
-// What the completions of all shells are put together with.
+// Helpers that the completions of all shells share.
 #pragma once
 
 #include <string>
@@ -25,7 +25,7 @@ std::string JoinedTakers(const CommandSpec& command, const std::string& separato
 /// The name that the command's functions begin with in a shell: "_usbinfo".
 std::string FunctionName(const CommandSpec& command);
 
-/// `text` with each of the `places` filled with what belongs there.
+/// `text` with each of the `places` replaced by its value.
 std::string Filled(std::string text, const std::vector<std::pair<std::string, std::string>>& places);
 
 }  // namespace cli

@@ -16,7 +16,7 @@ bool IsBeginning(const std::string& word, const std::string& whole) {
 }  // namespace
 
 std::size_t EditDistance(const std::string& from, const std::string& to) {
-  // The distances from the letters of `from` seen so far to each beginning of `to`.
+  // The distances from the processed prefix of `from` to each prefix of `to`.
   std::vector<std::size_t> distances(to.size() + 1);
   std::iota(distances.begin(), distances.end(), std::size_t{0});
   for (const char letter : from) {
@@ -34,7 +34,7 @@ std::string Nearest(const std::string& word, const std::vector<std::string>& wor
   std::string nearest;
   std::size_t least = word.size() / 3 + 1;
   for (const std::string& candidate : words) {
-    // What differs this much in length is not near, however long it takes to see how far.
+    // Words that differ this much in length are not near, so their distance need not be computed.
     const bool mayBeNear = word.size() < candidate.size() + least;
     const std::size_t distance = IsBeginning(word, candidate) ? 0
                                  : mayBeNear                  ? EditDistance(word, candidate)

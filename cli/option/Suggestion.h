@@ -1,4 +1,4 @@
-// What somebody probably meant who mistyped a word.
+// Suggestions for mistyped words.
 #pragma once
 
 #include <string>
@@ -6,11 +6,11 @@
 
 namespace cli {
 
-/// The number of letters to insert, remove or replace to make `to` of `from`.
+/// The number of letters to insert, remove or replace to turn `from` into `to`.
 std::size_t EditDistance(const std::string& from, const std::string& to);
 
-/// The one of `words` that is nearest to `word`, the first of several; empty when none is near: when `word`
-/// does not begin it and more than a third of the letters differ.
+/// The one of `words` that is nearest to `word`, the first of several. Empty when none is near: when it does
+/// not begin with `word` and more than a third of its letters differ.
 std::string Nearest(const std::string& word, const std::vector<std::string>& words);
 
 }  // namespace cli

@@ -1,4 +1,4 @@
-// What is wrong with a command line.
+// An error in a command line.
 #pragma once
 
 #include "cli/text/UserError.h"

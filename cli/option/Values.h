@@ -1,4 +1,4 @@
-// What options do with their values: take them as they are, or as words of a list of choices.
+// How options take their values: as any text, or as words of a list of choices.
 #pragma once
 
 #include <functional>
@@ -12,8 +12,8 @@ namespace cli {
 
 using StoreValue = std::function<void(const std::string& value)>;
 
-/// Takes any text but an empty one, which is most often an unset variable: to take that for an option left
-/// out would do something else than was meant.
+/// Takes any text but an empty one. That is most often an unset variable, and ignoring the option would not
+/// do what the user meant.
 StoreValue StoreText(std::string& target);
 
 /// Takes the name of one of `choices`.
@@ -31,14 +31,13 @@ std::vector<Choice> ChoicesOf(const std::vector<std::string>& names);
 /// them is empty.
 std::vector<std::string> SplitList(const std::string& list, const std::string& what);
 
-/// To be thrown for a `word` that is none of `names`; the message lists them.
+/// The error for a `word` that is not one of `names`; the message lists them.
 UsageError NotAmong(const std::string& word, const std::vector<std::string>& names);
 
-/// The one of `names` that `word` is without regard to the case of its letters. Throws UsageError when
-/// it is none.
+/// The one of `names` that equals `word` in upper or lower case. Throws UsageError when none does.
 std::string NameOf(const std::string& word, const std::vector<std::string>& names);
 
-/// `text` with small letters of ASCII in the place of capitals.
+/// `text` with ASCII letters in lower case.
 std::string ToLower(std::string text);
 
 }  // namespace cli

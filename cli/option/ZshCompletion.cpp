@@ -59,7 +59,7 @@ std::string ActionOf(const Operand& operand) {
   return operand.choices.empty() ? "_files" : "(" + Joined(operand.choices, " ") + ")";
 }
 
-/// The word that says which options are not offered any more, once this one is given.
+/// The word that lists the options that are no longer offered once this one is given.
 std::string ExclusionOf(const Option& option) {
   if (option.isRepeatable) return "*";
   if (option.isExclusive) return "(- *)";

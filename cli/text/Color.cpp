@@ -1,4 +1,3 @@
-// The decision about colour, from the option, the environment and where the text goes; see the header.
 #include "cli/text/Color.h"
 
 #include <unistd.h>

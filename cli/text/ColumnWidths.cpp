@@ -25,7 +25,7 @@ std::size_t TotalWidth(const std::vector<Shown>& shown) {
   return total;
 }
 
-/// Gives each column the width it asks for and finds how narrow it may become.
+/// Gives each column the width that it needs and finds its smallest width.
 void Reset(std::vector<Shown>& shown, const std::vector<ColumnNeed>& needs) {
   const bool hasOthers = std::any_of(shown.begin(), shown.end(), [](const Shown& column) {
     return column.importance != Importance::kIdentifier;

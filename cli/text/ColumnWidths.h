@@ -1,5 +1,5 @@
-// How the columns of a table share a width that is too small for all of them: which ones become narrower, and
-// which ones are left out.
+// Fits the columns of a table into a width that is too small for them: some become narrower, others are left
+// out.
 #pragma once
 
 #include <cstddef>
@@ -7,21 +7,21 @@
 
 namespace cli {
 
-/// What a column is worth to the reader of a row. Those worth least are left out first, of two that are worth
-/// the same the right one.
+/// How important a column is. The least important are left out first, of two that are equally important the
+/// right one.
 enum class Importance {
   kMinor,
   kUseful,
   kMain,
-  /// Tells rows apart: is cut only where no column of another importance is left.
+  /// Identifies the row: it is cut only when no column of another importance is left.
   kIdentifier
 };
 
-/// What a column asks for, in columns of the terminal.
+/// What a column needs, in columns of the terminal.
 struct ColumnNeed {
   /// The width of its widest cell, 1 or more.
   std::size_t widest;
-  /// Cut to less than this, the column is left out instead. It may be more than `widest`.
+  /// The column is left out rather than cut to less than this. It may be more than `widest`.
   std::size_t minimum;
   Importance importance;
 };

@@ -108,7 +108,7 @@ void JsonWriter::AppendQuoted(std::string_view text) {
   fText += '"';
 }
 
-// No other value ends in a bracket that opens.
+// No other value ends in an opening bracket.
 bool JsonWriter::IsAfterOpeningBracket() const {
   return fText.back() == '{' || fText.back() == '[';
 }

@@ -1,5 +1,5 @@
-// A JSON document written from its beginning to its end, in ASCII whatever the strings hold. It keeps nothing
-// but the text, so that running out of memory is an exception like any other.
+// Writes a JSON document sequentially, in ASCII whatever the strings hold. It stores only the text, so that
+// running out of memory is an ordinary exception.
 #pragma once
 
 #include <cstddef>

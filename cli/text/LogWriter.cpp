@@ -59,7 +59,7 @@ void LogWriter::Write(LogSeverity severity, const std::string& text) {
   constexpr std::size_t kHeldBackAtMost = 65536;
   if (severity > fLevel) return;
   fHeldBack += fFormat == LogFormat::kText ? FormatText(severity, text) : FormatJson(severity, text);
-  // On a terminal a line is wanted when it happens.
+  // On a terminal, lines are shown at once.
   if (!fFile.IsOpen() || fHeldBack.size() > kHeldBackAtMost) Flush();
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kBytes = 256;
 
-/// The bytes that are copied: printable ASCII but for what some format escapes.
+/// The bytes that are copied: printable ASCII, except characters that some format escapes.
 constexpr std::array<bool, kBytes> MakeCopied() {
   std::array<bool, kBytes> copied{};
   for (unsigned char byte = ' '; byte < 0x7F; ++byte) {
@@ -38,7 +38,7 @@ void AppendMapped(std::string_view text, const CharacterPolicy& policy, std::str
     if (copied > 0) {
       out += text.substr(0, copied);
       text.remove_prefix(copied);
-      // What follows plain ASCII is judged as at a text's beginning.
+      // After plain ASCII, a character is treated as at the beginning of a text.
       finder = UnprintableFinder();
       continue;
     }

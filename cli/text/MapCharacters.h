@@ -1,4 +1,4 @@
-// The one loop that steps through a text: what each character becomes is a policy.
+// The one loop over the characters of a text; a policy decides what each character becomes.
 #pragma once
 
 #include <functional>
@@ -13,8 +13,8 @@ namespace cli {
 /// by it where it stands (Unprintable.h).
 using CharacterPolicy = std::function<void(const Character& character, bool isUnprintable, std::string& out)>;
 
-/// Appends `text` to `out`, each character as `policy` makes it. Letters, digits, blanks and those signs of
-/// ASCII that no format escapes are copied and never reach the policy.
+/// Appends `text` to `out`, each character as `policy` maps it. ASCII letters, digits, blanks and the signs
+/// that no format escapes are copied without calling the policy.
 void AppendMapped(std::string_view text, const CharacterPolicy& policy, std::string& out);
 
 /// The same as a text of its own.

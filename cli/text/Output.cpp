@@ -25,7 +25,7 @@ void Check(int result) {
   if (result != 0) sys::ThrowSystemError(errno);
 }
 
-/// The rights that the user's mask leaves to a new file.
+/// The mode of a new file under the user's umask.
 mode_t ModeOfNewFile() {
   constexpr mode_t kForAll = 0666;
   const mode_t mask = ::umask(0);
@@ -33,8 +33,8 @@ mode_t ModeOfNewFile() {
   return kForAll & ~mask;
 }
 
-/// Where a new file would get another owner than the old one, gives it the old one's, which is root's right,
-/// or the old group alone. Gives the rights for the new file.
+/// Gives the new file the old one's owner, which takes root, or only its group. Returns the mode for the new
+/// file.
 mode_t TakeOverOwner(const std::string& path, int file, const struct stat& old) {
   constexpr mode_t kRights = S_IRWXU | S_IRWXG | S_IRWXO;
   struct stat status {};
@@ -49,7 +49,7 @@ mode_t TakeOverOwner(const std::string& path, int file, const struct stat& old) 
         "cannot write {}: cannot keep the owner of the old file: {}; name a new file with --output", path,
         std::strerror(errno)));
   }
-  // The rights of the old group are not for the new one.
+  // The old group's rights must not go to another group.
   return mode & ~static_cast<mode_t>(S_IRWXG);
 }
 
@@ -73,7 +73,7 @@ bool AreOneFile(const std::string& left, const std::string& right) {
   try {
     return OutputLocation(left).IsSameAs(OutputLocation(right));
   } catch (const std::runtime_error&) {
-    // Where one of them leads nowhere, it cannot be written, or read, either.
+    // A path that leads nowhere cannot be written or read, either.
     return false;
   }
 }

@@ -13,7 +13,7 @@ namespace cli {
 
 namespace {
 
-/// 0 when the variable is not set or is no positive number.
+/// 0 when the variable is not set or is not a positive number.
 std::size_t WidthOfEnvironment() {
   const char* const value = std::getenv("COLUMNS");
   if (value == nullptr) return 0;

@@ -1,4 +1,4 @@
-// What a text for people is shown on: how wide it is, and what it can show.
+// The device that a text for people is shown on: its width and its character set.
 #pragma once
 
 #include <cstddef>

@@ -74,7 +74,7 @@ class TextTable::Branches {
     }
   }
 
-  /// Goes on to `row`, to be called for one row after the other.
+  /// Moves on to `row`; to be called for each row in order.
   void Enter(Row row) {
     fRow = row;
     fGoesOn.resize(fRows[row].depth);
@@ -100,7 +100,7 @@ class TextTable::Branches {
   static constexpr Strokes kAscii = {"|-", "`-", "|"};
   static constexpr Strokes kUtf8 = {"\xE2\x94\x9C\xE2\x94\x80", "\xE2\x94\x94\xE2\x94\x80", "\xE2\x94\x82"};
 
-  /// The lines from the levels above `depth` to rows further below, no more than a cell can show.
+  /// The lines from the levels above `depth` to later rows, at most as many as a cell can show.
   std::string Passing(std::size_t depth) const {
     std::string lines;
     for (std::size_t level = 1; level < std::min(depth, kWidestCell); ++level) {
@@ -112,10 +112,10 @@ class TextTable::Branches {
 
   const std::vector<RowData>& fRows;
   const Strokes& fStrokes;
-  /// For each row whether another one hangs on the same row below it.
+  /// For each row, whether its parent has another child after it.
   std::vector<bool> fHasSibling;
   Row fRow = 0;
-  /// fHasSibling of the row entered last and of those it hangs on, by depth.
+  /// fHasSibling of the current row and of its ancestors, by depth.
   std::vector<bool> fGoesOn;
 };
 
@@ -195,7 +195,7 @@ class TextTable::Printer {
     return cells;
   }
 
-  /// Nothing where the column is left out.
+  /// Nothing when the column is left out.
   void AddTo(std::vector<Cell>& cells, std::size_t column, const std::string& text, Tone tone) const {
     const std::size_t width = fWidths[column];
     if (width == 0) return;
@@ -210,7 +210,7 @@ class TextTable::Printer {
 
   const TextTable& fTable;
   Branches fBranches;
-  /// By column; 0 where it is left out.
+  /// By column; 0 when it is left out.
   std::vector<std::size_t> fWidths;
 };
 
@@ -244,7 +244,7 @@ std::string TextTable::Print() const {
 }
 
 std::string TextTable::Shown(const std::string& text) const {
-  // More than a cell shows, even of characters with combining marks. What follows need not be looked at.
+  // More than a cell can show, even with combining marks. The rest need not be processed.
   constexpr std::size_t kMostBytes = 16 * kWidestCell;
   std::string shown = EscapeUnprintable(EscapeForTerminal(text.substr(0, kMostBytes)));
   if (text.size() > kMostBytes) shown += Mark();

@@ -1,5 +1,5 @@
-// A table for people: what the formats that print rows and columns share. It fits a terminal's width, draws
-// the lines of a tree, and shows what a terminal would act on as escapes, whatever a cell holds.
+// A table for people, for the formats that print rows and columns. It fits a terminal's width, draws the
+// lines of a tree, and escapes what a terminal would act on, whatever a cell holds.
 #pragma once
 
 #include <cstddef>
@@ -11,10 +11,10 @@
 
 namespace cli {
 
-/// What a colour says of a thing.
+/// What the colour of an item means.
 enum class Tone { kPlain, kHeading, kHub, kFree };
 
-/// `text`, which must be fit for a terminal, in the colour of `tone`.
+/// `text`, which must be escaped for a terminal, in the colour of `tone`.
 std::string Toned(const std::string& text, Tone tone);
 
 /// Off a terminal each column is as wide as its widest cell. On a terminal that is too narrow for this,
@@ -32,7 +32,7 @@ class TextTable {
   enum class Kind {
     kLeft,
     kRight,
-    /// To the left, behind lines that lead from each row to those below it. At most one column.
+    /// Aligned to the left, after lines that lead from each row to its children. At most one column.
     kTree
   };
   struct Column {
@@ -47,7 +47,7 @@ class TextTable {
 
   /// To be called before there are rows.
   void AddColumn(Column column);
-  /// A new row behind the others, empty and without a tone. In a tree it belongs to the last row of the depth
+  /// Adds a row after the others, empty and without a tone. In a tree it belongs to the last row of the depth
   /// before its own; so `depth` must be at most one more than that of the last row, and 0 for the first.
   Row AddRow(std::size_t depth = 0);
   /// Any bytes may stand in `text`.
@@ -71,9 +71,9 @@ class TextTable {
     std::vector<std::string> furtherLines;
   };
 
-  /// `text` as a terminal can show it, in at most kWidestCell columns.
+  /// `text` escaped for a terminal, in at most kWidestCell columns.
   std::string Shown(const std::string& text) const;
-  /// What a cut cell ends in.
+  /// The mark at the end of a cut cell.
   const char* Mark() const;
 
   Surface fSurface;

@@ -1,4 +1,4 @@
-// What ends the command with exit status 2: one line that says what, where and what to do about it.
+// An error that ends the command with exit status 2: one line that says what, where and what to do about it.
 #pragma once
 
 #include <stdexcept>

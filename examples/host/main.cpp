@@ -1,13 +1,13 @@
-// A small host: loads the plug-in module through the installed stand-in library, asks it for hubs and
-// devices, and prints every property they have. It owns the module; the stand-in owns the instances.
+// A small host: loads the plug-in module with the installed stand-in library, asks it for hubs and devices,
+// and prints their properties. The program owns the module; the stand-in owns the instances.
 //
-// With CMake (PREFIX is where usbinfo is installed; for /usr leave it out):
+// With CMake (PREFIX is where usbinfo is installed; below /usr, leave CMAKE_PREFIX_PATH out):
 //   cmake -S examples/host -B build/example -G Ninja -DCMAKE_PREFIX_PATH=PREFIX
 //   cmake --build build/example --target run
 // With one call of the compiler:
 //   g++ -std=c++17 -o example-host examples/host/main.cpp $(pkg-config --cflags --libs usbinfo)
 //   ./example-host "$(pkg-config --variable=plugin usbinfo)"
-// Usage: example-host MODULE [DEVICE-LIST]    the machine's own list unless one is named
+// Usage: example-host MODULE [DEVICE-LIST]    the default is this machine's list
 #include <algorithm>
 #include <exception>
 #include <fstream>
@@ -42,7 +42,7 @@ std::string ReadFile(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// A device chooses its own strings: what might be a command to the terminal becomes a question mark.
+/// Devices choose their own strings: characters that could control the terminal become question marks.
 std::string Harmless(std::string text) {
   std::replace_if(
       text.begin(), text.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
@@ -60,7 +60,7 @@ void ConfigureHost(const std::vector<std::string>& arguments) {
   host.SetOperatingSystem(std::make_unique<standin::GivenDeviceList>(ReadFile(arguments[1])));
 }
 
-/// An exception's type may live in the module, so what it says is taken while the module is still loaded.
+/// An exception's type may live in the module, so its message is copied while the module is still loaded.
 void Collect(const std::string& modulePath) {
   standin::PluginModule module(modulePath);
   try {

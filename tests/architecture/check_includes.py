@@ -22,16 +22,17 @@ MAY_INCLUDE = {
     "schema": ["host"],
     "standin": ["host", "schema", "system"],
     "cli/text": ["system"],
-    "cli/model": ["schema", "cli/text"],
+    "cli/model": ["schema", "cli/model/UsbIds", "cli/text"],
+    "cli/model/UsbIds": ["cli/model", "cli/text", "system"],
     "cli/model/FromHost": ["standin", "host", "schema", "cli/model", "cli/text"],
     "cli/diff": ["cli/model", "cli/text"],
     "cli/format": ["cli/model", "cli/text", "schema"],
     "cli/format/OutputFormat": ["cli/format", "cli/model", "cli/text", "schema"],
-    "cli/collect": ["standin", "system", "host", "cli/model", "cli/model/FromHost", "cli/text"],
+    "cli/collect": ["standin", "system", "schema", "host", "cli/model", "cli/model/FromHost", "cli/text"],
     "cli/option": ["cli/text"],
     "cli/command": ["cli/collect", "cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model",
-                    "cli/model/FromHost", "cli/option", "cli/text", "schema", "standin", "system"],
-    "cli/main": ["cli/command", "cli/option", "cli/text", "cli/collect"],
+                    "cli/model/FromHost", "cli/model/UsbIds", "cli/option", "cli/text", "schema", "standin", "system"],
+    "cli/main": ["cli/command", "cli/option", "cli/text", "cli/collect", "system"],
 }
 # What the module is made of: its rows know no library but Boost and the standard one.
 MODULE_ROWS = ("host", "provider", "usbfs", "inventory", "association", "plugin")
@@ -54,7 +55,7 @@ def row_of(file):
     return max(rows, key=len, default=None)
 
 
-def complaint(file, quoted, bracketed):
+def violation(file, quoted, bracketed):
     """What is wrong with one include of `file`; None where nothing is."""
     row, name = row_of(file), quoted or bracketed
     if not name:
@@ -71,7 +72,7 @@ def complaint(file, quoted, bracketed):
         return f"{name} is no path from the top to a folder of the table"
     is_module = row.split("/")[0] in MODULE_ROWS
     if is_module and not name.startswith("boost/") and not STANDARD.fullmatch(name):
-        return f"{row} may not use the library behind <{name}>"
+        return f"{row} may not use the library of <{name}>"
     return None
 
 
@@ -89,7 +90,7 @@ def check_file(root, file):
         found.append(f"{file}:1: lacks #pragma once")
     for number, line in enumerate(lines, 1):
         directive = DIRECTIVE.match(line)
-        wrong = directive and complaint(file, *directive.groups())
+        wrong = directive and violation(file, *directive.groups())
         if wrong:
             found.append(f"{file}:{number}: {wrong}")
     return found

@@ -38,7 +38,7 @@ Typed DescribeValue(const NKESTA20::TCIMValue& value) {
 
 class AssociationCalls : public AssociationTest {
  protected:
-  /// A mock owned by the fixture: an expectation that owned what it hands out would keep itself alive.
+  /// A mock owned by the fixture: an expectation that owned what it returns would keep itself alive.
   template <typename Mock>
   shared_ptr<StrictMock<Mock>> NewMock() {
     const auto owner = std::make_shared<StrictMock<Mock>>();
@@ -98,7 +98,7 @@ class AssociationCalls : public AssociationTest {
   InstancePointer hub = NewMock<MockInstance>();
   InstancePointer port = NewMock<MockInstance>();
   InstancePointer device = NewMock<MockInstance>();
-  /// What properties hand out by reference.
+  /// The values that properties return by reference.
   std::deque<TCIMValue> values;
 };
 

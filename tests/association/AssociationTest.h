@@ -16,8 +16,8 @@
 
 namespace usbinfo_test {
 
-/// A class that hands out only its first instance when it is enumerated, and the others later through the
-/// callback that it kept, as a host may.
+/// A class that passes only its first instance to the callback when it is enumerated, and the others later,
+/// since it keeps the callback, as a host may.
 class LateClass : public NKESTA20::ICIMClass {
  public:
   explicit LateClass(const boost::shared_ptr<standin::CimClass>& cls) : fClass(cls) {}
@@ -99,7 +99,7 @@ class AssociationTest : public HostTest {
     return std::make_unique<Provider>(fAssociation, &handle);
   }
 
-  /// Has `late` hand out the rest when a property of this name is read for the `turn`-th time.
+  /// Has `late` pass on the rest when a property of this name is read for the `turn`-th time.
   static void HandOutTheRestAt(const std::string& property, int turn,
                                const boost::shared_ptr<LateClass>& late) {
     standin::HostSeam::SetObserver([=, seen = 0](const standin::HostCall& call) mutable {

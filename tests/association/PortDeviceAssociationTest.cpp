@@ -1,5 +1,5 @@
-// Ports linked to what is plugged into them, and marked as occupied: what matches and what is marked. What
-// fails, and what is then logged, is tested in PortDeviceFailuresTest.cpp.
+// Ports linked to what is plugged into them, and marked as occupied: what matches and what is marked.
+// Failures and their log lines are tested in PortDeviceFailuresTest.cpp.
 #include "tests/association/PortDeviceTest.h"
 #include "tests/inventory/InventoryTest.h"
 

@@ -147,7 +147,7 @@ INSTANTIATE_TEST_SUITE_P(AtEveryStep, PortDeviceRead,
 
 class PortDeviceSetup : public PortDeviceFailure, public ::testing::WithParamInterface<HostStep> {};
 
-TEST_P(PortDeviceSetup, HostErrorIsToldPairsNothingAndLeavesOutTheEndLine) {
+TEST_P(PortDeviceSetup, HostErrorIsLoggedPairsNothingAndLeavesOutTheEndLine) {
   CommitPort("port", 1, "A", "0");
   CommitDevice("device", 1, "A", "0");
   HostCalls::Fail(GetParam().operation, GetParam().subject, 1, ThrowHostError);

@@ -131,7 +131,7 @@ TEST_F(PortHubAssociation, SkipsAPortWithoutAHubSilently) {
   EXPECT_EQ(log, Log());
 }
 
-TEST_F(PortHubAssociation, TellsAnUnreadableHubOncePerPortAndTriesTheNextHub) {
+TEST_F(PortHubAssociation, LogsAnUnreadableHubOncePerPortAndTriesTheNextHub) {
   Commit("KALDO_USBHub", "nameless", {{"HubDepth", Number(1)}});
   const std::string hub = CommitHub("hub", "A", 1);
   const std::string port1 = CommitPort("1", "A", 1);
@@ -148,7 +148,7 @@ TEST_F(PortHubAssociation, ReadsAHubsNameEvenWhenItsDepthDiffers) {
   EXPECT_EQ(log, Log{AntecedentError("CIM_ERR_NO_SUCH_PROPERTY")});
 }
 
-TEST_F(PortHubAssociation, TellsAHubWithoutADepth) {
+TEST_F(PortHubAssociation, LogsAHubWithoutADepth) {
   Commit("KALDO_USBHub", "bottomless", {{"Name", TCIMValue("A")}});
   CommitPort("port", "A", 0);
   EXPECT_EQ(MakeLinks(), Links());
@@ -176,7 +176,7 @@ TEST_F(PortHubAssociation, GuardsEveryStepOfReadingAHub) {
   EXPECT_EQ(log, Log(3, AntecedentError("CIM_ERR_ACCESS_DENIED")));
 }
 
-TEST_F(PortHubAssociation, TellsAnUnreadablePortAndGoesOnWithTheNext) {
+TEST_F(PortHubAssociation, LogsAnUnreadablePortAndGoesOnWithTheNext) {
   const std::string hub = CommitHub("hub", "A", 1);
   Commit("KALDO_USBPort", "no depth", {{"HubName", TCIMValue("A")}});
   Commit("KALDO_USBPort", "no hub", {{"HubDepth", Number(1)}});
@@ -237,7 +237,7 @@ TEST_F(PortHubAssociation, ReadsDepthBeforeNameAndStopsAtTheFirstMatch) {
 
 class PortHubSetup : public PortHubAssociation, public ::testing::WithParamInterface<HostStep> {};
 
-TEST_P(PortHubSetup, HostErrorIsToldAndNothingIsPaired) {
+TEST_P(PortHubSetup, HostErrorIsLoggedAndNothingIsPaired) {
   CommitHub("hub", "A", 1);
   CommitPort("port", "A", 1);
   HostCalls::Fail(GetParam().operation, GetParam().subject, 1, ThrowHostError);

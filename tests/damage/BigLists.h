@@ -5,7 +5,7 @@
 
 namespace usbinfo_test {
 
-/// A device below the root hub of bus 1; nothing says that there is one.
+/// A device below the root hub of bus 1, which the list need not hold.
 std::string DeviceOnNoHub(std::size_t number);
 
 /// `count` of those.

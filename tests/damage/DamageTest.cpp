@@ -20,7 +20,7 @@ namespace {
 /// differ in length, so all places of a line are still hit.
 constexpr std::size_t kStride = SANITIZED ? 107 : 1;
 
-/// Each capture's bytes are shared out among so many tests, which run side by side.
+/// Each capture's bytes are divided among this number of tests, which run in parallel.
 constexpr std::size_t kParts = 4;
 
 /// All of a text that reaches an instance or the log. The records hold more, which CheckRecords looks at.

@@ -77,12 +77,12 @@ TEST(Scale, ReadsThreePropertiesOfEveryPortForEveryDeviceThatFindsNone) {
   constexpr std::size_t kDevices = 50;
   const std::string list = RootHub(kPorts) + DevicesOnNoHub(kDevices);
   std::string astray = list;
-  // Their port is none of the hub's.
+  // Their port is not one of the hub's.
   for (std::size_t at = astray.find("Prnt=01"); at != std::string::npos; at = astray.find("Prnt=01", at)) {
     astray.replace(at, 7, "Prnt=99");
   }
-  // Linking a port takes two of its properties and two of its hub's; the root hub hangs on nothing, which its
-  // depth tells.
+  // Linking a port takes two of its properties and two of its hub's; of the root hub, which is not plugged
+  // into a port, only the depth is read.
   const std::size_t linked = kPorts * (2 + 2) + 1;
   EXPECT_EQ(HostCalls(astray).Of(HostOperation::kGetProperty), linked + kDevices * (3 + kPorts * 3));
   // Port 00 is the first that is looked at.

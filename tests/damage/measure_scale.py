@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Times usbinfo on enormous device lists and tells its peak memory: measure_scale.py USBINFO [NAME...]
+"""Measures the time and the peak memory of usbinfo on enormous device lists: measure_scale.py USBINFO [NAME...]
 
-The lists are made here, in a temporary folder; what must come out is checked by the tests, not here. Without
-names all lists are run, the ones that take minutes last. Nothing is kept."""
+The lists are made here, in a temporary folder, and some are beyond the limits of the command. The tests check the
+output, not this script. Without names all lists are run, the slowest ones last. Nothing is kept."""
 import os
 import subprocess
 import sys
@@ -53,25 +53,17 @@ def long_line():
     yield device(1, 1, 1, 0, 2, 0).replace("Device 2", "x" * (1 << 20))
 
 
-def lost_blocks(count):
-    """Blocks without a topology line, which make no record."""
-    for number in range(count):
-        yield f"S:  Product=Lost {number}\n\n"
-
-
 LISTS = {
     "full-bus-1": lambda: full_buses(1),
     "long-line-1MB": long_line,
     "lone-10000": lambda: lone_devices(10000),
     "lone-20000": lambda: lone_devices(20000),
     "lone-40000": lambda: lone_devices(40000),
-    "lost-1000000": lambda: lost_blocks(1000000),
     "stray-1020x1000": lambda: stray_devices(1020, 1000),
     "stray-1020x2000": lambda: stray_devices(1020, 2000),
     "stray-2040x2000": lambda: stray_devices(2040, 2000),
     "full-buses-8": lambda: full_buses(8),
     "full-buses-16": lambda: full_buses(16),
-    "lone-100MB": lambda: lone_devices(390000),
     "full-buses-64": lambda: full_buses(64),
 }
 
@@ -82,7 +74,8 @@ FORMATS = ("tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html")
 def measure(usbinfo, path, output_format):
     """Of one run: the exit status, seconds of wall clock and of CPU, and the peak in MiB."""
     began = time.monotonic()
-    command = [usbinfo, "--devices", path, "--system-name", "box", "--format", output_format]
+    command = [usbinfo, "--devices", path, "--no-limits", "--system-name", "box",
+               "--format", output_format]
     child = subprocess.Popen(command + ["--output", path + ".out"], stderr=subprocess.DEVNULL)
     _, status, usage = os.wait4(child.pid, 0)
     child.returncode = os.waitstatus_to_exitcode(status)

@@ -86,7 +86,7 @@ def cut(line, key, stop=None):
 
 
 def plain(text):
-    """Make a printable text of bytes; whatever is no UTF-8 is U+FFFD."""
+    """Make a printable text of bytes; whatever is not UTF-8 is U+FFFD."""
     return text.decode("utf-8", "replace")
 
 
@@ -182,7 +182,7 @@ class Record:
 
 
 def host_type(line):
-    """Tell the kind of host controller from the product line."""
+    """Find the kind of host controller in the product line."""
     for name, kind in ((b"ohci", 3), (b"uhci", 2), (b"ehci", 4)):
         if name in line.lower():
             return kind
@@ -312,7 +312,7 @@ class Run:
         self._debug(f"TUSBInfoCallbacks::retrieveDataForClass - {outcome}")
 
     def _provide(self, class_name, provider, find):
-        """Commit what find() delivers; tell whether there was any."""
+        """Commit what find() delivers; return whether there was any."""
         self._debug(f"Entering {provider}::GetCIMInstances routine")
         found = find()
         for properties in found:
@@ -399,7 +399,7 @@ class Run:
                 for hub, port in pairs if hub is not None]
 
     def _connections(self):
-        """Pair devices, then hubs, with the port that each hangs on."""
+        """Pair devices, then hubs, with the port that each is plugged into."""
         return self._connected(DEVICE) + self._connected(HUB)
 
     def _connected(self, class_name):

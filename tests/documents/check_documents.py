@@ -23,7 +23,7 @@ def blocks(text):
 
 
 def calls(block):
-    """The command lines with what they print, None where the document does not tell; those that a pipe or a backslash
+    """The command lines with what they print, None where the document does not show it; those that a pipe or backslash
     carries on are joined."""
     lines = re.sub(r"(\||\\)\n\s+", lambda end: end.group(1).strip("\\") + " ", block).splitlines(keepends=True)
     if not block.startswith("$ "):

@@ -17,8 +17,8 @@ void Furnish(FakeOperatingSystem& machine, const Scenario& scenario) {
 
 namespace {
 
-/// A hub, a device and a hub below it, and a device at the root, which the host refuses to tell a hub name
-/// of; with texts too long for a string to hold without memory of its own.
+/// A hub, a device and a hub below it, and a device at the root, for which the host has no hub name; with
+/// texts too long for a string's internal buffer.
 std::string ListOfLongTexts() {
   const std::string start = "T:  Bus=01 of the many that a machine of this size may have Lev=";
   const std::string identity =

@@ -87,7 +87,7 @@ TEST(Lifecycle, TenThousandLivesLeaveTheProcessAsItWas) {
   const std::size_t resident = ResidentBytes();
   for (int number = 0; number < kCycles; ++number) Live(number);
   EXPECT_EQ(CurrentHoldings(), before);
-  if (SANITIZED) return;  // their allocator keeps freed memory and tells of none
+  if (SANITIZED) return;  // their allocator keeps freed memory and reports none
   // The heap rounds sizes in ways that depend on its past; a leak of one byte a life would show.
   EXPECT_LT(HeapBytes(), heap + kCycles);
   constexpr std::size_t kTolerance = std::size_t{1} << 20U;

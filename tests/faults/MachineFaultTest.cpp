@@ -39,7 +39,7 @@ class LedMachine : public standin::Machine {
     return Machine::SpawnProcess("PATH=" + fFolder.Path().string() + "; " + command, kSeconds);
   }
 
-  /// Called when a file was found, ahead of its being read.
+  /// Called when a file was found, before it is read.
   std::function<void(const std::string& file)> afterTest;
 
  private:

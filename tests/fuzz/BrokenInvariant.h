@@ -17,7 +17,7 @@ inline void Require(bool holds, const char* what) {
   if (!holds) throw BrokenInvariant(what);
 }
 
-/// The same for two things that must be equal texts; both are told.
+/// The same for two texts that must be equal; the message holds both.
 inline void RequireEqual(const std::string& found, const std::string& expected, const char* what) {
   if (found == expected) return;
   throw BrokenInvariant(std::string(what) + ": found \"" + found + "\", expected \"" + expected + "\"");

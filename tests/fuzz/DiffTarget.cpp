@@ -58,9 +58,9 @@ void CheckAlone(const Inventory& inventory) {
   Require(Compare(inventory, inventory).IsEmpty(), "no difference from itself");
   const Inventory nothing("");
   const InventoryDifference all = Compare(nothing, inventory);
-  std::size_t told = all.added.size();
-  for (const cli::PlacedItem& item : all.added) told += item.ports;
-  RequireCount(told, CountOf(inventory), "things that differ from nothing");
+  std::size_t reported = all.added.size();
+  for (const cli::PlacedItem& item : all.added) reported += item.ports;
+  RequireCount(reported, CountOf(inventory), "items that differ from nothing");
   CheckText(all);
   CheckJsonForm(all);
 }

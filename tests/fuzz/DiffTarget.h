@@ -6,8 +6,8 @@
 namespace usbinfo_test {
 
 /// `text` is one saved inventory, or two with a zero byte between them. Throws BrokenInvariant unless each is
-/// refused in so many words or differs from itself in nothing and from an empty one in all it has; and, of
-/// two, the difference read the other way round is the mirrored one, and both its forms can be read.
+/// refused with a message, or does not differ from itself and differs from an empty one in all its items;
+/// and, of two, exchanging them mirrors the difference, and both its forms can be read.
 void CheckDiff(const std::string& text);
 
 }  // namespace usbinfo_test

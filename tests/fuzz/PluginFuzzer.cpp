@@ -5,8 +5,8 @@
 #include "tests/fuzz/PluginTarget.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  // Every port is held against every hub and device and printed in every format: a few claims of 255 ports
-  // would take up the fuzzer's time. What so many ports do, other tests tell.
+  // Every port is compared with every hub and device and printed in every format: a few hubs of 255 ports
+  // would take most of the fuzzer's time. Other tests cover that many ports.
   constexpr std::size_t kMostItems = 16;
   const std::string text(reinterpret_cast<const char*>(data), size);
   if (usbinfo_test::ItemsIn(text) <= kMostItems) usbinfo_test::CheckPlugin(text);

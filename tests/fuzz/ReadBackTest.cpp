@@ -219,11 +219,21 @@ TEST(Utf8Model, ReplacesWhatIsNotShown) {
   const std::string bad = "\xEF\xBF\xBD";
   EXPECT_EQ(AsShown("a\tb\x7F\xC2\x9B\xE2\x80\xAE\xE2\x80\xA9\xEF\xBF\xBF\xFFz\xC3\xA4"),
             "a" + bad + "b" + bad + bad + bad + bad + bad + bad + "z\xC3\xA4");
-  EXPECT_EQ(AsShown("a\xE2\x80\x8D\xF3\xA0\x81\x81z"), "a" + bad + bad + "z");
-  const std::string four = "a\xCC\x81\xE1\xAA\xB0\xCC\x81\xCC\x81";
-  EXPECT_EQ(AsShown(four + "\xCC\x81"), four + bad);
-  const std::string heart = "\xE2\x9D\xA4\xEF\xB8\x8F";
-  EXPECT_EQ(AsShown(heart + "a\xEF\xB8\x8F"), heart + "a" + bad);
+  for (const char* invisible :
+       {"\xC2\xAD", "\xE2\x80\x8B", "\xE2\x81\xA5", "\xE3\x85\xA4", "\xF3\xA0\x80\xA0"}) {
+    EXPECT_EQ(AsShown(std::string("a") + invisible), "a" + bad) << testing::PrintToString(invisible);
+  }
+}
+
+TEST(Utf8Model, ReplacesWhatTheCharactersBeforeItMakeBad) {
+  const std::string bad = "\xEF\xBF\xBD";
+  const std::string mark = "\xCC\x81";
+  const std::string selector = "\xEF\xB8\x8F";
+  const std::string heart = "\xE2\x9D\xA4";
+  EXPECT_EQ(AsShown("a" + mark + mark + mark + mark + mark + mark + "b" + mark),
+            "a" + mark + mark + mark + mark + bad + bad + "b" + mark);
+  EXPECT_EQ(AsShown(heart + selector + selector + "a" + selector + "\xFF" + selector),
+            heart + selector + bad + "a" + bad + bad + bad);
 }
 
 TEST(PathModel, TakesPathsApart) {

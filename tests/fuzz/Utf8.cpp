@@ -1,12 +1,13 @@
 #include "tests/fuzz/Utf8.h"
 
+#include <locale.h>
+
 #include <algorithm>
-#include <clocale>
 #include <cstdlib>
 #include <cwchar>
-#include <set>
-#include <utility>
+#include <sstream>
 
+#include "cli/text/CombiningMarks.h"
 #include "tests/fuzz/BrokenInvariant.h"
 
 namespace usbinfo_test {
@@ -25,7 +26,7 @@ constexpr Sequence kSequences[] = {{0xC2, 0xDF, 0x1F, 0x80, 0xBF, 2}, {0xE0, 0xE
                                    {0xEE, 0xEF, 0x0F, 0x80, 0xBF, 3}, {0xF0, 0xF0, 0x07, 0x90, 0xBF, 4},
                                    {0xF1, 0xF3, 0x07, 0x80, 0xBF, 4}, {0xF4, 0xF4, 0x07, 0x80, 0x8F, 4}};
 
-/// What stands at one place: a whole character, or a piece of `length` bytes that is none.
+/// A piece of text: a whole character, or `length` bytes that are not one.
 struct Piece {
   std::size_t length;
   bool isWhole;
@@ -51,67 +52,73 @@ Piece PieceAt(const std::string& text, std::size_t at) {
   return {row->length, true, character};
 }
 
-bool TurnsDirection(std::uint32_t character) {
-  return character == 0x061C || character == 0x200E || character == 0x200F ||
-         (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
-}
-
+/// Controls, line ends and noncharacters.
 bool IsControl(std::uint32_t character) {
   return character < 0x20 || (character >= 0x7F && character < 0xA0) || character == 0x2028 ||
-         character == 0x2029;
+         character == 0x2029 || (character & 0xFFFEU) == 0xFFFE ||
+         (character >= 0xFDD0 && character <= 0xFDEF);
 }
 
-bool IsNoCharacter(std::uint32_t character) {
-  return (character & 0xFFFFU) >= 0xFFFE || (character >= 0xFDD0 && character <= 0xFDEF);
+bool IsMark(std::uint32_t character) {
+  return std::any_of(std::begin(cli::kCombiningMarks), std::end(cli::kCombiningMarks),
+                     [=](const auto& range) { return range.first <= character && character <= range.last; });
 }
 
-bool IsVariationSelector(std::uint32_t character) {
-  return (character >= 0xFE00 && character <= 0xFE0F) || (character >= 0xE0100 && character <= 0xE01EF);
-}
-
-/// The columns that a terminal gives to the character, by the C library.
+/// As the C library has it for UTF-8, whatever the locale is; negative for what it does not know.
 int WidthOf(std::uint32_t character) {
   static const locale_t utf8 = ::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  Require(utf8 != nullptr, "the machine has the locale");
   const locale_t before = ::uselocale(utf8);
   const int width = ::wcwidth(static_cast<wchar_t>(character));
-  ::uselocale(before);
+  static_cast<void>(::uselocale(before));
   return width;
 }
 
-/// Format controls, fillers and what is set aside for more of them.
-bool IsBlankedOut(std::uint32_t character) {
-  static const std::set<std::uint32_t> kLone = {0x00AD, 0x034F, 0x115F, 0x1160, 0x17B4,
-                                                0x17B5, 0x3164, 0xFEFF, 0xFFA0};
-  const auto isIn = [character](std::uint32_t first, std::uint32_t last) {
-    return character >= first && character <= last;
-  };
-  return kLone.count(character) != 0 || isIn(0x180B, 0x180F) || isIn(0x200B, 0x200F) ||
-         isIn(0x2060, 0x206F) || isIn(0xFFF0, 0xFFFB) || isIn(0x13430, 0x1343F) || isIn(0x1BCA0, 0x1BCA3) ||
-         isIn(0x1D173, 0x1D17A) || isIn(0xE0000, 0xE0FFF);
+/// Takes no room by itself, or is a blank that passes for a letter, or is reserved for such.
+bool IsInvisible(std::uint32_t character) {
+  constexpr std::uint32_t kFillers[] = {0xAD, 0x115F, 0x3164, 0xFFA0};
+  const bool isFiller = std::find(std::begin(kFillers), std::end(kFillers), character) != std::end(kFillers);
+  const bool isReserved = character == 0x2065 || (character >= 0xFFF0 && character <= 0xFFF8) ||
+                          (character >= 0xE0000 && character <= 0xE0FFF);
+  return isFiller || isReserved || (WidthOf(character) == 0 && !IsMark(character));
 }
 
-/// Which characters of a text people see, asked for one after the other.
-class Sight {
+bool SelectsVariation(std::uint32_t character) {
+  return (character >= 0xFE00 && character <= 0xFE0F) || (character >= 0xE0100 && character <= 0xE01EF);
+}
+
+/// Goes through a text: what is bad depends on what stands before it.
+class BadCharacters {
  public:
-  bool Shows(std::uint32_t character) {
-    constexpr int kMostMarks = 4;
-    constexpr std::uint32_t kFirstSymbol = 0x2000;
-    if (IsVariationSelector(character)) {
+  bool IsBad(std::uint32_t character) {
+    if (character < 0x80) {
       fMarks = 0;
-      return std::exchange(fShownBefore, 0) >= kFirstSymbol;
+      fTakesSelector = false;
+      return IsControl(character);
     }
-    const bool isPlain = !IsControl(character) && !TurnsDirection(character) && !IsNoCharacter(character) &&
-                         !IsBlankedOut(character);
-    const bool isMark = isPlain && WidthOf(character) == 0;
-    fMarks = isMark ? fMarks + 1 : 0;
-    fShownBefore = isPlain && !isMark ? character : 0;
-    return isPlain && fMarks <= kMostMarks;
+    fMarks = IsMark(character) ? fMarks + 1 : 0;
+    const bool isSelector = SelectsVariation(character);
+    const bool isBad =
+        IsControl(character) || fMarks > 4 || (isSelector ? !fTakesSelector : IsInvisible(character));
+    fTakesSelector = !isBad && !isSelector && fMarks == 0 && character >= 0x2000;
+    return isBad;
   }
+  void PassBroken() { *this = BadCharacters(); }
 
  private:
-  int fMarks = 0;
-  std::uint32_t fShownBefore = 0;
+  std::size_t fMarks = 0;
+  bool fTakesSelector = false;
 };
+
+/// By the locale's character set; throws BrokenInvariant when something in it cannot be printed.
+std::size_t ColumnsOf(const std::string& line) {
+  std::wstring wide(line.size(), L'\0');
+  const std::size_t length = std::mbstowcs(wide.data(), line.c_str(), wide.size());
+  Require(length != static_cast<std::size_t>(-1), "the text is of the locale's character set");
+  const int columns = ::wcswidth(wide.data(), length);
+  Require(columns >= 0, "the locale can print the text");
+  return static_cast<std::size_t>(columns);
+}
 
 }  // namespace
 
@@ -130,12 +137,13 @@ std::string ReplaceBrokenUtf8(const std::string& text) {
 }
 
 std::string AsShown(const std::string& text) {
+  BadCharacters characters;
   std::string shown;
-  Sight sight;
   for (std::size_t at = 0; at < text.size();) {
     const Piece piece = PieceAt(text, at);
-    const bool isShown = sight.Shows(piece.isWhole ? piece.character : 0);
-    shown += isShown ? text.substr(at, piece.length) : "\xEF\xBF\xBD";
+    if (!piece.isWhole) characters.PassBroken();
+    const bool isBad = !piece.isWhole || characters.IsBad(piece.character);
+    shown += isBad ? "\xEF\xBF\xBD" : text.substr(at, piece.length);
     at += piece.length;
   }
   return shown;
@@ -151,18 +159,21 @@ void ForEachCharacter(const std::string& text, const std::function<void(std::uin
 }
 
 void RequireFitForTerminal(const std::string& text, bool tabs) {
-  Sight sight;
-  ForEachCharacter(text, [tabs, &sight](std::uint32_t character) {
-    const bool isShown = sight.Shows(character);
+  BadCharacters characters;
+  ForEachCharacter(text, [&](std::uint32_t character) {
+    const bool isBad = characters.IsBad(character);
     if (character == '\n' || (tabs && character == '\t')) return;
-    Require(isShown, "people see every character of the text, and none acts on a terminal");
+    Require(!isBad, "the text holds a character that acts or is not seen");
   });
 }
 
-void RequireFitForCharacterSet(const std::string& text) {
-  const bool isAscii = std::all_of(text.begin(), text.end(), [](char c) { return (c & 0x80) == 0; });
-  Require(isAscii || MB_CUR_MAX > 1, "the text is ASCII where the character set is");
+void RequireFitForTable(const std::string& text, std::size_t columns) {
+  constexpr std::size_t kWidest = 256;
   RequireFitForTerminal(text, false);
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    Require(ColumnsOf(line) <= columns * (kWidest + 1), "no cell is wider than cells may be");
+  }
 }
 
 }  // namespace usbinfo_test

@@ -1,7 +1,8 @@
-// UTF-8 by the ranges of the Unicode standard, written without the libraries that the formats use, so that
-// what those make of broken bytes can be held against it.
+// UTF-8 by the ranges of the Unicode standard, and what is not seen by the C library's widths, written
+// without the code that the formats use, so that what that makes of any bytes can be held against it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -12,18 +13,19 @@ namespace usbinfo_test {
 /// that begins none.
 std::string ReplaceBrokenUtf8(const std::string& text);
 
-/// `text` as documents for people show it: in addition U+FFFD for each control character, each mark that
-/// turns the reading direction or is not seen, marks that pile up, and what XML has no character for.
+/// `text` as documents for people show it: in addition U+FFFD for each control character, each character that
+/// is not seen, each combining mark that follows four others, and what XML has no character for.
 std::string AsShown(const std::string& text);
 
-/// Calls `take` with each character of `text`; throws BrokenInvariant when it is no UTF-8.
+/// Calls `take` with each character of `text`; throws BrokenInvariant when it is not UTF-8.
 void ForEachCharacter(const std::string& text, const std::function<void(std::uint32_t character)>& take);
 
-/// Throws BrokenInvariant when `text` is no UTF-8 or holds something that a terminal acts on, that turns
-/// the reading direction or that is not seen; newlines may stand in it, and tabs if `tabs` says so.
+/// Throws BrokenInvariant when `text` is no UTF-8 or holds something that a terminal acts on, that is not
+/// seen or that turns the reading direction; newlines may stand in it, and tabs if `tabs` says so.
 void RequireFitForTerminal(const std::string& text, bool tabs);
 
-/// The same, and ASCII throughout where the locale's character set is: U+FFFD is spelled there, too.
-void RequireFitForCharacterSet(const std::string& text);
+/// The same for a table of so many columns, without tabs: in addition each line is printable in the locale
+/// and no wider than that many of the widest cells, 256 and a blank each.
+void RequireFitForTable(const std::string& text, std::size_t columns);
 
 }  // namespace usbinfo_test

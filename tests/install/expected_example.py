@@ -14,7 +14,7 @@ import sys
 
 
 def as_text(value):
-    """Tell how the host writes a value."""
+    """Return a value as the host writes it."""
     if isinstance(value, list):
         value = "{" + ", ".join(value) + "}"
     # The host holds bytes; the example shows each that is no ASCII as "?".

@@ -117,7 +117,7 @@ TEST_F(ControllerProperties, OtherErrorLeavesThemHalfAssembledAndUnfiled) {
   EXPECT_TRUE(Inventory::fUsbControllerData.empty());
 }
 
-TEST_F(ControllerProperties, WhatAFailureLeftBehindWinsOverTheNextController) {
+TEST_F(ControllerProperties, WhatAFailureLeftWinsOverTheNextController) {
   HostCalls::Fail(HostOperation::kMakeStringValue, "Bus 01  Device   1", 1, ThrowHostError);
   EXPECT_THROW(inventory.FillControllerProperties(MakeHub({kRootHubLine, "S:  Product=one"})), TQSVException);
   const Properties second = EntryOf({"S:  Product=two"});
@@ -125,7 +125,7 @@ TEST_F(ControllerProperties, WhatAFailureLeftBehindWinsOverTheNextController) {
   EXPECT_TRUE(inventory.fProperties.empty());
 }
 
-TEST_F(ControllerProperties, AreFiledWithEmptyNamesWhenTheHostCannotTellThem) {
+TEST_F(ControllerProperties, AreFiledWithEmptyNamesWhenTheHostDoesNotKnowThem) {
   HostCalls::Fail(HostOperation::kGetSystemCreationClassName, "", HostCalls::kEvery, ThrowHostError);
   const Properties entry = EntryOf({"S:  Product=uhci"});
   EXPECT_EQ(entry, (Properties{{"Description", Text("uhci")},

@@ -355,7 +355,7 @@ TEST_F(DeviceProperties, ErrorInTheSecondPortLeavesTheHubAndTheFirstPort) {
   EXPECT_EQ(TextsOf(Inventory::fUsbPortData, "Name"), std::vector<std::string>{"Bus 01  Device   1 Port 00"});
 }
 
-TEST_F(DeviceProperties, AreFiledWithEmptyNamesWhenTheHostCannotTellThem) {
+TEST_F(DeviceProperties, AreFiledWithEmptyNamesWhenTheHostDoesNotKnowThem) {
   HostCalls::Fail(HostOperation::kGetClassNamespace, "", HostCalls::kEvery, ThrowHostError);
   for (const Properties& entry : {HubEntry({kHubLine}), DeviceEntry({kDeviceLine})}) {
     EXPECT_EQ(entry.at("SystemName"), Text(""));

@@ -13,12 +13,12 @@
 
 namespace usbinfo_test {
 
-/// An exception that is none of the host's.
+/// An exception that is not the host's.
 class AnotherError : public std::exception {};
 
 using Failure = void (*)();
 
-/// One kind of host call, to be made to fail.
+/// A kind of host call that is made to fail.
 struct HostStep {
   standin::HostOperation operation;
   const char* subject;

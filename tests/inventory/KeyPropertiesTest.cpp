@@ -1,5 +1,4 @@
-// The keys that name the hosting system and the entry's own class, and what becomes of them when the host
-// cannot tell a name.
+// The keys that name the hosting system and the entry's own class, also when the host does not know a name.
 #include "tests/inventory/InventoryTest.h"
 #include "tests/inventory/SystemNames.h"
 #include "tests/support/HostMocks.h"

@@ -110,7 +110,7 @@ TEST_P(Provider, GivesAnInstanceExactlyTheEntrysProperties) {
   EXPECT_EQ(Describe(*instances[0]), Describe(served.list[0]));
 }
 
-TEST_P(Provider, SkipsAFailingEntryAndTellsItInOneLine) {
+TEST_P(Provider, SkipsAFailingEntryAndLogsItInOneLine) {
   FillList();
   HostCalls::Fail(HostOperation::kCreateInstance, "", 2, ThrowHostError);
   EXPECT_TRUE(MakeProvider()->GetCIMInstances(served.className));
@@ -119,7 +119,7 @@ TEST_P(Provider, SkipsAFailingEntryAndTellsItInOneLine) {
   EXPECT_EQ(log, Concatenated({{served.Entering()}, EntryLog(), failed, EntryLog(), {served.Exiting()}}));
 }
 
-TEST_P(Provider, TellsTheCodeOfARefusedPropertyAndOfARefusedCommit) {
+TEST_P(Provider, LogsTheCodeOfARefusedPropertyAndOfARefusedCommit) {
   served.list = {{{"Unknown", TCIMValue("x")}}, {{"DeviceID", TCIMValue("keys are missing")}}};
   EXPECT_FALSE(MakeProvider()->GetCIMInstances(served.className));
   EXPECT_EQ(log, (Log{served.Entering(), Generating(), Debug("Setting property : Unknown"),

@@ -1,4 +1,3 @@
-// The hosting system's names as a test wants them; see the header.
 #include "tests/inventory/SystemNames.h"
 
 #include "host/TCIMSchemaHelper.h"

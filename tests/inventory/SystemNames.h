@@ -1,5 +1,5 @@
-// Takes the place of the host's knowledge of the hosting system in this test program, so that a test may give
-// the system any name, or none, and see whose namespace was asked about.
+// Replaces the host's knowledge of the hosting system in this test program, so that a test can set the
+// system's names and see which namespaces were passed.
 #pragma once
 
 #include <optional>
@@ -16,7 +16,7 @@ struct SystemNames {
   /// What the host answers; its usual answer when not set.
   std::optional<std::string> creationClassName;
   std::optional<std::string> name;
-  /// The namespaces handed in, in order: for the creation class name and for the name.
+  /// The namespaces passed in, in order: for the creation class name and for the name.
   std::vector<const NKESTA20::ICIMNamespace*> askedForClass;
   std::vector<const NKESTA20::ICIMNamespace*> askedForName;
 };

@@ -9,7 +9,7 @@ namespace usbinfo_test {
 enum class FaultKind {
   kHostException,      // TQSVException, CIM_ERR_FAILED
   kStandardException,  // a std::exception that is not the host's
-  kForeignException,   // something that is no std::exception
+  kForeignException,   // not a std::exception
 };
 
 struct Fault {

@@ -7,7 +7,8 @@ namespace usbinfo_test {
 
 namespace {
 
-/// Where a field stands: the type of its line, the key before it and what ends it; empty: the line's end.
+/// The position of a field: the type of its line, the key before it and the text that ends it; empty: the
+/// line's end.
 struct FieldPlace {
   Field field;
   char line;
@@ -99,9 +100,9 @@ ListModel::ListModel(std::string_view text) {
     if (topology == end) break;
     const Line* const closing =
         std::find_if(topology, end, [](const Line& line) { return line.type == "E" || line.type == "\n"; });
-    const Line* const behind = closing == end ? end : closing + 1;
-    fRecords.push_back(Read(start, behind));
-    start = behind;
+    const Line* const after = closing == end ? end : closing + 1;
+    fRecords.push_back(Read(start, after));
+    start = after;
   }
 }
 
@@ -118,11 +119,11 @@ std::vector<ListModel::Line> ListModel::Split(std::string_view text) {
   return lines;
 }
 
-ListRecord ListModel::Read(const Line* first, const Line* behind) {
+ListRecord ListModel::Read(const Line* first, const Line* after) {
   ListRecord record;
   const auto lastOf = [&](char type) {
     const auto found =
-        std::find_if(std::make_reverse_iterator(behind), std::make_reverse_iterator(first),
+        std::find_if(std::make_reverse_iterator(after), std::make_reverse_iterator(first),
                      [type](const Line& line) { return !line.type.empty() && line.type[0] == type; });
     return found.base() == first ? std::string_view() : std::prev(found.base())->text;
   };
@@ -132,7 +133,7 @@ ListRecord ListModel::Read(const Line* first, const Line* behind) {
     if (place.line != type) line = lastOf(type = place.line);
     record.fields[place.field] = ValueIn(line, place.key, place.end);
   }
-  for (const Line* each = first; each != behind; ++each) {
+  for (const Line* each = first; each != after; ++each) {
     if (each->type == "S") ReadStrings(each->text, record);
     if (each->type == "I" && ValueIn(each->text, "cls=", "(") == "09") record.isHub = true;
   }

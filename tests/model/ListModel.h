@@ -66,7 +66,7 @@ class ListModel {
   };
 
   static std::vector<Line> Split(std::string_view text);
-  static ListRecord Read(const Line* first, const Line* behind);
+  static ListRecord Read(const Line* first, const Line* after);
   static void ReadStrings(std::string_view line, ListRecord& record);
 
   std::vector<ListRecord> fRecords;

@@ -31,7 +31,7 @@ struct Outcome {
   bool operator!=(const Outcome& other) const { return !(*this == other); }
 };
 
-/// The first thing in which the two differ, for a failing test; empty when they do not.
+/// The first difference between the two, for the message of a failing test; empty when there is none.
 std::string Difference(const Outcome& actual, const Outcome& expected);
 
 /// The text of Outcome::leaving for an exception of this kind.

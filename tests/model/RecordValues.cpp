@@ -60,7 +60,7 @@ std::string Identifier(std::string_view bus, const std::string& number) {
   return "Bus " + std::string(bus) + " Device " + number;
 }
 
-/// A device number as its own line has it, three characters wide.
+/// A device number as in its own line, three characters wide.
 std::string AlignedRight(const std::string& number) {
   constexpr std::size_t kWidth = 3;
   return std::string(kWidth - std::min(kWidth, number.size()), ' ') + number;

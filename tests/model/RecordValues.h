@@ -20,7 +20,7 @@ struct RecordValues {
   unsigned short level;
   std::string identifier;
   std::string parent;
-  std::string port;  // the identifier of the port that it hangs on
+  std::string port;  // the identifier of the port that it is plugged into
   std::string product;
   std::string manufacturer;
   std::string serial;
@@ -45,7 +45,7 @@ struct ListValues {
   std::vector<RecordValues> records;
 };
 
-/// Nothing for an empty text, which counts as no list at all.
+/// Nothing for an empty text, which does not count as a list.
 ListValues ReadListValues(const std::string& text);
 
 }  // namespace usbinfo_test

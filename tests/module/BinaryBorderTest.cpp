@@ -1,5 +1,5 @@
-// What the module's file must not hold, whatever else its border's description lists, and the integer that it
-// shows to the host.
+// What the module's file must not contain, apart from the description of its border, and the integer that it
+// exports.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,3 @@
-// Reading `nm` and `readelf`; see the header.
 #include "tests/module/BinaryTools.h"
 
 #include <gtest/gtest.h>
@@ -94,7 +93,7 @@ std::map<std::string, std::set<std::string>> NamesByPointer(const std::string& p
   const std::vector<std::string> raw = LinesOf("nm --without-symbol-versions '" + path + "'");
   const std::vector<std::string> readable = LinesOf("nm -C --without-symbol-versions '" + path + "'");
   EXPECT_EQ(raw.size(), readable.size()) << path;
-  constexpr std::size_t kNameAt = 19;  // behind the address, the kind and two blanks
+  constexpr std::size_t kNameAt = 19;  // after the address, the kind and two blanks
   for (std::size_t line = 0; line < raw.size(); ++line) {
     const std::string name = WithShortTypes(readable[line].substr(kNameAt));
     names[raw[line].substr(kNameAt)].insert(name);
@@ -116,7 +115,7 @@ std::string Loader() {
   return {};
 }
 
-/// The sanitizers tell their runtime about the module's globals first of all.
+/// The sanitizers register the module's globals first.
 bool IsSanitizers(const std::string& initializer) {
   return SANITIZED && initializer.rfind("_sub_I_00099", 0) == 0;
 }

@@ -1,5 +1,4 @@
-// What the binary tools tell about a module file: its symbols, what it needs and what runs first when it is
-// loaded.
+// What the binary tools report about a module file: its symbols, its libraries and its initializers.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +19,7 @@ struct Symbol {
   std::string name;
 };
 
-/// The symbols that the module shows or wants at run time.
+/// The symbols that the module exports or imports at run time.
 std::vector<Symbol> DynamicSymbols(const std::string& path);
 /// All symbols, the local ones included.
 std::vector<Symbol> AllSymbols(const std::string& path);
@@ -31,7 +30,7 @@ std::vector<std::string> NeededLibraries(const std::string& path);
 /// The libraries among them as files that the loader would take.
 std::vector<std::string> NeededFiles(const std::string& path);
 
-/// The entries of a class's virtual table behind the type's own two, in order, those of further bases behind
+/// The entries of a class's virtual table after the type's own two, in order, those of further bases after
 /// them: for each the names of the function there. Several, where the compiler has found functions to be the
 /// same; none, where it has left the entry of a class without objects empty.
 std::vector<std::set<std::string>> VirtualTable(const std::string& path, const std::string& className);

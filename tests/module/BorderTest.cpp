@@ -1,6 +1,5 @@
-// The module's border held against its description in border.txt: whoever changes what a host sees of the
-// module, or what the module wants of a host, has to change that file too. Entries that compilers are free
-// about are named here.
+// The module's border compared with its description in border.txt: a change of what the module exports or
+// imports has to change that file too. Entries that depend on the compiler are listed here.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -50,7 +49,7 @@ bool IsOfTheHost(const Symbol& symbol) {
   return symbol.name.find("NKESTA20::") != std::string::npos;
 }
 
-/// The library's name without the version behind ".so" that the distribution decides on, as for Boost.
+/// The library's name without the version after ".so", which depends on the distribution, as for Boost.
 std::string WithoutBoostSeries(const std::string& library) {
   return library.rfind("libboost_", 0) == 0 ? library.substr(0, library.find(".so") + 3) : library;
 }
@@ -118,7 +117,7 @@ TEST_F(Border, CreatesThePluginObjectInTheDescribedInitializer) {
             Described("first initializer, with its priority"));
 }
 
-/// True when the entry is the one described: "-" stands for what is no function.
+/// True when the entry is the one described: "-" stands for anything but a function.
 bool IsDescribed(const std::set<std::string>& entry, const std::string& described) {
   const bool isDestructor = described.find('~') != std::string::npos;
   if (entry.empty()) return isDestructor || described == "-";

@@ -1,5 +1,5 @@
 // Whole rounds over captured device lists: what the host holds afterwards and every line that was logged,
-// against what was worked out from the captures by other means.
+// against what was derived from the captures by other means.
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sstream>

@@ -1,6 +1,6 @@
-// The plug-in object comes into being ahead of every constant of the module, whatever the order in which the
-// module's files were linked. Shown twice over: by the list of initializers in the file, and by what has been
-// allocated when the object registers, since constants longer than a short string allocate.
+// The plug-in object is created before every constant of the module, whatever the order in which the module's
+// files were linked. Tested in two ways: by the list of initializers in the file, and by what has been
+// allocated when the object registers, since long string constants allocate.
 #include <algorithm>
 
 #include "tests/module/BinaryTools.h"

@@ -39,7 +39,7 @@ TEST_F(Load, RegistersOnceAndWritesNothing) {
   EXPECT_THAT(calls, IsEmpty());
 }
 
-TEST_F(Load, PluginTellsWhoItIs) {
+TEST_F(Load, PluginNamesItself) {
   standin::PluginModule module(MODULE_PATH);
   EXPECT_EQ(host.Plugins().at(0), &module.Lifecycle());
   EXPECT_EQ(module.Lifecycle().GetType(), 0);

@@ -1,4 +1,3 @@
-// The module's fixture; see the header.
 #include "tests/module/ModuleTest.h"
 
 #include <dlfcn.h>

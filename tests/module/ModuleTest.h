@@ -18,7 +18,7 @@
 
 namespace usbinfo_test {
 
-/// A module opened by hand; closed with the object. Whatever the module created is the test's to end.
+/// A module opened by hand; closed with the object. The test must delete what the module created.
 class OpenModule {
  public:
   explicit OpenModule(const char* path);
@@ -33,8 +33,8 @@ class OpenModule {
   void* fHandle;
 };
 
-/// The module opened by hand, with the plug-in object that a host without a manager never gets to know. The
-/// destructor has the object delete itself and closes the module.
+/// The module opened by hand, with the plug-in object, which does not register in a host without a manager.
+/// The destructor has the object delete itself and closes the module.
 class UnrecordedPlugin {
  public:
   UnrecordedPlugin();

@@ -1,5 +1,5 @@
-// What the stand-in's library shows, held against its description in standin_exports.txt: whoever shows more, or
-// takes something away from the programs that link it, has to change that file too.
+// The symbols that the stand-in's library exports, compared with standin_exports.txt: adding or removing one
+// has to change that file too.
 #include <gtest/gtest.h>
 
 #include <fstream>

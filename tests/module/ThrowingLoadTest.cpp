@@ -29,8 +29,8 @@ constexpr int kNothingLeftToFail = 19;
   std::_Exit(asExpected ? kAsExpected : kOtherwise);
 }
 
-/// Loads the module. The system's header promises that this never throws, which a compiler may build upon; a
-/// pointer that it cannot look through keeps the way open.
+/// Loads the module. dlopen is declared not to throw; calling it through a volatile pointer keeps the
+/// compiler from dropping the handlers of an exception.
 void* Load() {
   void* (*volatile const open)(const char*, int) = ::dlopen;
   return open(MODULE_PATH, RTLD_NOW | RTLD_LOCAL);

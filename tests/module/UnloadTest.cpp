@@ -1,5 +1,5 @@
-// Unloading and loading anew: the module leaves the process for good, and a new load knows nothing of the
-// old.
+// Unloading and loading again: the module is removed from the process, and a new load keeps no state of the
+// old one.
 #include "standin/ValueView.h"
 #include "tests/module/ModuleTest.h"
 #include "tests/support/Allocations.h"
@@ -66,8 +66,7 @@ TEST_F(Unload, LeavesTheHostsInstancesUsable) {
   LoadCollectUnload();
   EXPECT_THAT(ControllerIds(), ElementsAre("Bus 01  Device   1"));
   const auto port = host.Cimv2()->ClassForRequest("KALDO_USBPort")->Instances().at(0);
-  EXPECT_THAT(standin::StringsOf(*port->Find("StatusDescriptions")),
-              ElementsAre("Device connected"));
+  EXPECT_THAT(standin::StringsOf(*port->Find("StatusDescriptions")), ElementsAre("Device connected"));
 }
 
 TEST_F(Unload, ForgetsThePlugin) {

@@ -1,4 +1,4 @@
-"""Headless Chromium for the tests of the page: opens pages from files, tells what they asked the network and the
+"""Headless Chromium for the tests of the page: opens pages from files, reports what they asked the network and the
 console for, and sets up media, sizes and scripts by the browser's debugging protocol."""
 import os
 import pathlib
@@ -62,7 +62,7 @@ class Browser:
         return self.driver.execute_script(text, *arguments)
 
     def accessible(self):
-        """What assistive software is told: (role, name, properties) of every node that is not ignored."""
+        """What assistive software gets: (role, name, properties) of every node that is not ignored."""
         self.protocol("Accessibility.enable")
         nodes = self.protocol("Accessibility.getFullAXTree")["nodes"]
         self.protocol("Accessibility.disable")

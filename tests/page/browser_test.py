@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The page in a browser: what it shows, the filter, details, hostile strings, scripts off, paper, the dark, a phone,
-and what assistive software is told.
+and what assistive software gets.
 
 Usage: browser_test.py USBINFO
 """
@@ -307,7 +307,7 @@ class PageTest(unittest.TestCase):
         self.assertIn("Bus 05 Generic Platform OHCI controller", self.texts("h2"))
         self.assertLess(max(self.browser.script(below)), 10)
 
-    # What assistive software is told
+    # What assistive software gets
 
     def test_has_headings_landmarks_and_names(self):
         self.open_capture(DESKTOP)

@@ -1,5 +1,5 @@
-// How the plug-in object registers itself: with which manager, in which view, what becomes of the references
-// it takes on the way, and what a host that fails leaves behind.
+// How the plug-in object registers itself: with which manager, in which view, which references it releases,
+// and what is left when the host fails.
 #include "host/IPluginBasicQueryCallbacks.h"
 #include "host/TQSVException.h"
 #include "standin/PluginManager.h"

@@ -22,7 +22,7 @@ inline const std::string kRootHubWithMouse =
     "I:* If#= 0 Alt= 0 #EPs= 1 Cls=03(HID  ) Sub=01 Prot=02 Driver=usbhid\n"
     "E:  Ad=81(I) Atr=03(Int.) MxPS=   4 Ivl=10ms\n";
 
-/// Two root hubs on buses of their own, two ports and one, nothing plugged in.
+/// Two root hubs on different buses, with two ports and one, nothing plugged in.
 inline const std::string kTwoRootHubs =
     "T:  Bus=07 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=12  MxCh= 2\n"
     "I:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 Prot=00 Driver=hub\n"

@@ -25,7 +25,7 @@ const LogLine kNoFile{kStatus, "Could not open usb device file "};
 
 class DispatchFailure : public PluginTest {
  protected:
-  /// A class named `name` that hands out whatever the test sets up.
+  /// A class named `name` that returns whatever the test sets up.
   boost::shared_ptr<NiceMock<MockClass>> MakeClass(const std::string& name) {
     const auto cls = boost::make_shared<NiceMock<MockClass>>();
     fName = name;
@@ -153,7 +153,7 @@ TEST_F(DispatchFailure, AnExceptionFromAProvidersOwnLineIsSwallowed) {
               ElementsAre(Received("KALDO_USBHub"), kUnknownException, kNoInstances, kNormalExit));
 }
 
-TEST_F(DispatchFailure, AnExceptionThatLeavesLeavesNoProviderBehind) {
+TEST_F(DispatchFailure, AnExceptionThatLeavesLeaksNoProvider) {
   Request({"KALDO_USBPort"});
   host.CoreLogger().SetSink(nullptr);
   FailHostCall(HostOperation::kWriteLog, kNoInstances.text, [] { throw 7; });
@@ -186,7 +186,7 @@ TEST_F(DispatchFailure, ANullClassIsAnExceptionAfterTheClassesBeforeIt) {
   EXPECT_THAT(DispatchLog(), ElementsAre(Received("KALDO_USBPortOnHub"), kNoInstances));
 }
 
-TEST(AssertionHandler, TellsWhatFailedAndWhere) {
+TEST(AssertionHandler, ReportsWhatFailedAndWhere) {
   try {
     boost::assertion_failed("pointer != 0", "Operate()", "File.h", 7);
   } catch (const std::logic_error& error) {

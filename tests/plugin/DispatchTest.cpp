@@ -69,7 +69,7 @@ TEST_P(ServedClassDispatch, WrapsTheProvidersLinesInItsOwn) {
   EXPECT_THAT(log, Contains(Entering()));
 }
 
-TEST_P(ServedClassDispatch, TellsWhenInstancesWereMade) {
+TEST_P(ServedClassDispatch, ReportsWhenInstancesWereMade) {
   GiveDeviceList(kRootHubWithMouse);
   Request({"KALDO_USBHub", "KALDO_USBPort", "KALDO_USBDevice"});
   log.clear();

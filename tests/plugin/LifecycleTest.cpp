@@ -18,7 +18,7 @@ class Lifecycle : public PluginTest {
   IPluginCallbacks& callbacks = plugin;
 };
 
-/// Tells when it is destroyed.
+/// Reports when it is destroyed.
 class WatchedPlugin : public TUSBInfoCallbacks {
  public:
   explicit WatchedPlugin(int* destroyed) : fDestroyed(destroyed) {}
@@ -53,7 +53,7 @@ TEST_F(Lifecycle, EveryCallHandsOutAFreshString) {
   EXPECT_EQ(callbacks.GetName(), "USB Information Collector");
 }
 
-TEST_F(Lifecycle, IdentityIsToldWithoutTheHost) {
+TEST_F(Lifecycle, IdentityNeedsNoHost) {
   int hostCalls = 0;
   standin::HostSeam::SetObserver([&](const standin::HostCall&) { ++hostCalls; });
   callbacks.GetType();

@@ -1,5 +1,5 @@
-// The object that comes into being with the plug-in's code itself: here with this program, since it links the
-// plug-in's objects. This file notes what had registered when its own constants were built, and has the
+// The object that the plug-in's code creates when it is loaded: here with this program, which links the
+// plug-in's objects. This file records what had registered when its own constants were built, and has the
 // object delete itself when all tests are done.
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The fixture for the plug-in object: a fresh host with an inventory that nobody has built yet, one plug-in
-// object registered with it, and the lines that tell how a request went.
+// object registered with it, and the lines that report a request's outcome.
 #pragma once
 
 #include <boost/make_shared.hpp>

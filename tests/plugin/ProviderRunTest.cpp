@@ -1,5 +1,5 @@
 // One run of one provider, whatever it is: which of its operations are called, in which order, and which
-// lines tell how it went.
+// lines report the outcome.
 #include <stdexcept>
 
 #include "host/TQSVException.h"
@@ -27,7 +27,7 @@ class ProviderRun : public PluginTest {
   StrictMock<MockProvider> provider;
 };
 
-/// Throws something that is no exception class.
+/// Throws something that is not an exception class.
 bool ThrowNumber() {
   throw 7;
 }

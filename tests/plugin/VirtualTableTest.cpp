@@ -28,7 +28,7 @@ class VirtualTable : public PluginTest {
   void* Primary() { return static_cast<IPluginCallbacks*>(&plugin); }
   void* Secondary() { return static_cast<IPluginBasicQueryCallbacks*>(&plugin); }
 
-  /// Requests nothing through `slot`, which tells by its line whether GetData is there.
+  /// Requests no class through `slot`; the line that is logged shows whether GetData is there.
   void RequestNothing(void* object, std::size_t slot) {
     boost::shared_ptr<ICIMNamespace> ns = host.Cimv2();
     ClassList classes;
@@ -58,7 +58,7 @@ TEST_F(VirtualTable, InitAndDeInitFollowPrepareForUnload) {
   EXPECT_THAT(log, ElementsAre(kInit, kDeInit));
 }
 
-TEST_F(VirtualTable, VersionsAreToldApartBySlot) {
+TEST_F(VirtualTable, VersionsDifferBySlot) {
   class Numbered : public TUSBInfoCallbacks {
     std::string GetVersion() override { return "version"; }
     std::string GetInterfaceVersion() override { return "interface version"; }

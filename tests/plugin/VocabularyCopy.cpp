@@ -1,4 +1,3 @@
-// A second file that holds the vocabulary, to be compared with the test's own copies.
 #include "tests/plugin/VocabularyCopy.h"
 
 #include "plugin/Vocabulary.h"

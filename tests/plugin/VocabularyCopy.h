@@ -1,5 +1,5 @@
-// Two constants of the vocabulary as another source file holds them, for a test that wants to tell copies
-// apart. The other file owns them.
+// Two constants of the vocabulary as another source file holds them, for a test that compares the copies. The
+// other file owns them.
 #pragma once
 
 #include <string>

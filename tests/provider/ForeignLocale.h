@@ -17,8 +17,8 @@ class GroupingNumbers : public std::numpunct<char> {
   std::string do_grouping() const override { return "\3"; }
 };
 
-/// Takes '_' for the only blank, and makes letters small as Turkish does: 'I' is no capital of 'i', a byte
-/// above 127 is.
+/// Has '_' as its only blank, and converts to lower case as Turkish does: the capital of 'i' is not 'I' but a
+/// byte above 127.
 class ForeignLetters : public std::ctype<char> {
  public:
   ForeignLetters() : std::ctype<char>(Table()) {}

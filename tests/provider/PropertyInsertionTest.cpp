@@ -68,7 +68,7 @@ TEST_F(PropertyInsertion, NamesAreComparedExactlyAndOrderedByByte) {
                        Pair("name", IsValue(Type::kString, "b"))));
 }
 
-TEST_F(PropertyInsertion, AHostThatCannotTellNullPassesItsFailureOn) {
+TEST_F(PropertyInsertion, AHostThatFailsToTestForNullPassesItsFailureOn) {
   const TCIMValue value(12UL);
   Refuse(HostOperation::kIsNull);
   EXPECT_THROW(InsertProperty(&map, "Speed", value), TQSVException);

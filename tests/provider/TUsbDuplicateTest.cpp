@@ -49,7 +49,7 @@ class TUsbDuplicate : public usbinfo_test::ProviderTest {
         }));
   }
 
-  /// The provider's class, which no question may reach.
+  /// The provider's class, which must not be called.
   boost::shared_ptr<StrictClass> requestedClass = boost::make_shared<StrictClass>();
   boost::shared_ptr<StrictClass> itsClass = boost::make_shared<StrictClass>();
   boost::shared_ptr<StrictInstance> instance = boost::make_shared<StrictInstance>();
@@ -85,12 +85,12 @@ TEST_F(TUsbDuplicate, ComparesPathsWithTheHostsEqualityAndNothingElse) {
                           HostOperation::kCompareReferences));
 }
 
-TEST_F(TUsbDuplicate, FailureToTellTheClassLeaves) {
+TEST_F(TUsbDuplicate, FailureToGetTheClassLeaves) {
   EXPECT_CALL(*instance, GetClass(IsEmpty())).WillOnce(Throw(HostFailure()));
   EXPECT_THROW(provider.IsDuplicateInstance(instance.get()), TQSVException);
 }
 
-TEST_F(TUsbDuplicate, FailureToTellThePathLeaves) {
+TEST_F(TUsbDuplicate, FailureToGetThePathLeaves) {
   EXPECT_CALL(*instance, GetClass(IsEmpty())).WillOnce(Return(itsClass));
   EXPECT_CALL(*instance, GetObjectPath(IsEmpty())).WillOnce(Throw(HostFailure()));
   EXPECT_THROW(provider.IsDuplicateInstance(instance.get()), TQSVException);
@@ -103,7 +103,7 @@ TEST_F(TUsbDuplicate, FailureToEnumerateLeaves) {
   EXPECT_THROW(provider.IsDuplicateInstance(instance.get()), std::runtime_error);
 }
 
-TEST_F(TUsbDuplicate, FailureToTellAnExistingPathLeaves) {
+TEST_F(TUsbDuplicate, FailureToGetAnExistingPathLeaves) {
   const auto broken = boost::make_shared<StrictInstance>();
   EXPECT_CALL(*broken, GetObjectPath(_)).WillOnce(Throw(HostFailure()));
   ExpectQuestions({Existing("a"), broken});

@@ -86,7 +86,7 @@ TEST_F(TUsbGenerate, NeitherChecksNorConvertsAValue) {
                           HostOperation::kGetCoreLogger, HostOperation::kWriteLog));
 }
 
-TEST_F(TUsbGenerate, WritesEachLineAheadOfWhatItTells) {
+TEST_F(TUsbGenerate, WritesEachLineBeforeTheStepThatItNames) {
   const auto note = [this](const char* what) { return [this, what] { log.push_back({-1, what}); }; };
   EXPECT_CALL(*cls, CreateInstance(_)).WillOnce(InvokeWithoutArgs([this] {
     log.push_back({-1, "create"});

@@ -1,5 +1,5 @@
-// The table of the six classes, held against a second copy of it that is written out here: every name, type
-// and key in it decides what the plug-in may set and what the exports show.
+// The table of the six classes, compared with a second copy that is written out here: every name, type and
+// key in it decides what the plug-in may set and what the exports show.
 #include <gmock/gmock.h>
 
 #include <map>
@@ -38,7 +38,7 @@ TEST(ClassSchema, ServesTheSixClassesEachAssociationAfterWhatItLinks) {
                                  "KALDO_USBPortOnHub", "KALDO_USBConnection"));
 }
 
-TEST(ClassSchema, TellsEntitiesFromAssociations) {
+TEST(ClassSchema, DistinguishesEntitiesFromAssociations) {
   using Kind = schema::ClassSchema::Kind;
   std::vector<Kind> kinds;
   for (const auto& served : schema::ServedClasses()) kinds.push_back(served.kind);

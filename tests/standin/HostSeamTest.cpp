@@ -141,7 +141,7 @@ std::vector<SeamCase> AllOperations() {
   return all;
 }
 
-/// What a test throws at the seam: nothing that anyone else throws or catches.
+/// What a test throws at the seam: a type that no other code throws or catches.
 struct Refusal {};
 
 class HostSeamTest : public usbinfo_test::HostTest, public ::testing::WithParamInterface<SeamCase> {

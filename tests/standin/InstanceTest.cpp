@@ -1,5 +1,5 @@
-// Instances under the stand-in's strict eye: what may be set, read and committed, with the exact status where
-// it may not, and properties that are handed out without a copy.
+// The stand-in's checks of instances: what may be set, read and committed, with the exact status where it may
+// not, and properties that are returned without a copy.
 #include <gmock/gmock.h>
 
 #include <boost/shared_ptr.hpp>

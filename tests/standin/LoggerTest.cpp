@@ -1,4 +1,4 @@
-// The core logger: every line reaches the sink as it was written, and no sink is no trouble.
+// The core logger: every line reaches the sink as it was written, and without a sink lines are dropped.
 #include <gmock/gmock.h>
 
 #include <string>

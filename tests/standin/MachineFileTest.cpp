@@ -1,5 +1,5 @@
 // The machine's files: whether they are there and what they hold, kernel files and pipes included, with the
-// status that tells why one cannot be read.
+// status that says why one cannot be read.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>

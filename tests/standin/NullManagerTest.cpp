@@ -17,7 +17,7 @@ using usbinfo_test::IdlePlugin;
 
 class NullManagerTest : public usbinfo_test::HostTest {
  protected:
-  /// Registers as a plug-in does, without a look at the result of the cast.
+  /// Registers as a plug-in does, without checking the result of the cast.
   void RegisterUnchecked() {
     const auto manager = TRootObject::GetPluginManager();
     dynamic_cast<TPluginManagerNamespace*>(manager.get())->RegisterPlugin(&plugin);

@@ -96,7 +96,7 @@ TEST_F(ObjectPathTest, IsEqualWhenClassAndKeysAre) {
   EXPECT_FALSE(path("C", "1") == MakePath("C", {{"DeviceID", TCIMValue("1")}}));
 }
 
-TEST_F(ObjectPathTest, TellsKeysApartThatImitateOneAnother) {
+TEST_F(ObjectPathTest, DistinguishesKeysThatImitateOneAnother) {
   const auto path = [](const std::string& first, const std::string& second) {
     return MakePath("C", {{"A", TCIMValue(first)}, {"B", TCIMValue(second)}});
   };

@@ -254,7 +254,7 @@ TEST_F(PluginModuleTest, RefusesAPluginThatAnswersNoQueriesAndLetsItGo) {
   EXPECT_FALSE(IsLoaded(UNQUERIED_MODULE));
 }
 
-/// In a child, for the loader keeps its lock when a module's initialization throws.
+/// In a child, since the loader keeps its lock when a module's initialization throws.
 TEST_F(PluginModuleTest, PassesOnWhatTheModulesInitializationThrows) {
   const int exitCode = usbinfo_test::ExitOfChild([] {
     const std::string status = usbinfo_test::StatusOf([] { const PluginModule module(FAILING_MODULE); });

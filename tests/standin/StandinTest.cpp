@@ -1,4 +1,3 @@
-// What the stand-in's tests share; see the header.
 #include "tests/standin/StandinTest.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,3 @@
-// together, since a sanitizer's own would not match.
 #include "tests/support/Allocations.h"
 
 #include <cstdlib>
@@ -95,6 +94,8 @@ Allocations::Pause::~Pause() {
 
 }  // namespace usbinfo_test
 
+// All forms of `new` and `delete` for ordinary alignment are replaced together, since a sanitizer's own would
+// not match.
 void* operator new(std::size_t size) {
   return Allocate(size);
 }

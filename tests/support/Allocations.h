@@ -1,5 +1,5 @@
 // Counts what `new` and `delete` do in the whole process, modules loaded later included, so that a test can
-// tell that something was freed, see the first block that somebody allocates, or have an allocation fail. A
+// check that something was freed, find the first block that is allocated, or have an allocation fail. A
 // program that links Allocations.cpp gets the counting operators.
 #pragma once
 
@@ -35,7 +35,7 @@ class Allocations {
     std::function<void()> fOnFailure;
   };
 
-  /// While it lives, allocations are neither counted for a Failure nor do they fail: they are the test's own.
+  /// While it exists, allocations are the test's own: they are not counted for a Failure and do not fail.
   class Pause {
    public:
     Pause();

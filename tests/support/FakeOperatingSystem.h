@@ -24,7 +24,7 @@ class FakeOperatingSystem : public standin::OperatingSystem {
 
   std::map<std::string, std::string> files;
   std::map<std::string, std::string> outputs;
-  /// Called ahead of each answer with the recorded line; may throw, or change what is there.
+  /// Called before each answer with the recorded line; may throw, or change the answers.
   std::function<void(const std::string& call)> onCall;
 
  private:

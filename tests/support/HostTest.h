@@ -1,5 +1,5 @@
 // The fixture for all that runs on the stand-in host: a fresh host per test, its log recorded, its machine a
-// fake that answers nothing until told to, `system` recorded among the machine's calls.
+// fake that has no files and no output until a test sets them, `system` recorded among the machine's calls.
 #pragma once
 
 #include <gmock/gmock.h>

@@ -7,10 +7,10 @@
 
 namespace usbinfo_test {
 
-/// Called with each command from now on; empty: commands fail and leave no trace.
+/// Called with each command from now on; empty: commands fail and are not recorded.
 void SetSystemHook(std::function<void(const std::string& command)> hook);
 
-/// For what takes the place of `system`: hands the command to the hook; false when there is none.
+/// For the replacement of `system`: passes the command to the hook; false when there is none.
 bool CallSystemHook(const char* command);
 
 /// What `system` answers for a command that the shell does not find.

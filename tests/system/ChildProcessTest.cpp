@@ -1,5 +1,5 @@
-// A shell command with its output caught: the limits on its time and its size, and nothing of its group left
-// over however it ends.
+// A shell command with its output captured: the limits on time and size, and that no process of its group is
+// left however it ends.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 

@@ -1,4 +1,4 @@
-// Where a path leads that is to be written to, and that nobody else can choose that in a folder for everyone.
+// Where an output path leads, and that no other user can redirect it in a world-writable folder.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -26,7 +26,7 @@ constexpr uid_t kRoot = 0;
 constexpr uid_t kNobody = 65534;
 constexpr uid_t kOther = 1001;
 
-/// This process has the rights of `user`, until the object goes.
+/// Gives this process the rights of `user` until the object is destroyed.
 class EffectiveUser {
  public:
   explicit EffectiveUser(uid_t user) : fBefore(::geteuid()) { EXPECT_EQ(::seteuid(user), 0); }
@@ -57,7 +57,7 @@ int ErrorOfLocating(const std::string& path) {
   }
 }
 
-/// Something that another user can put into a folder, and the path by which the output would go there.
+/// Something that another user can create in a folder, and the output path that leads to it.
 struct Trap {
   const char* kind;
   std::function<void(const std::string& path, const std::string& elsewhere)> set;
@@ -76,7 +76,7 @@ const std::vector<Trap>& Traps() {
   return traps;
 }
 
-/// A folder of `mode` and `owner` that holds a trap of another owner; what `user` finds there.
+/// A folder of `mode` and `owner` that holds a trap of another owner; the result for `user`.
 std::string ReasonToRefuse(const Trap& trap, mode_t mode, uid_t owner, uid_t trapOwner, uid_t user) {
   const TemporaryFolder folder;
   const std::string shared = folder.File("shared");

@@ -1,4 +1,3 @@
-// Processes for the stand-in's tests; see the header.
 #include "tests/system/Processes.h"
 
 #include <grp.h>

@@ -1,5 +1,5 @@
-// What the tests that start processes share: a fixture that finds what was left behind, a forked child to do
-// harm in, and the end of a process that is not ours.
+// What the tests that start processes share: a fixture that finds leftovers, a forked child for destructive
+// tests, and waiting for a process that is not a child.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,8 +11,8 @@
 
 namespace usbinfo_test {
 
-/// Fails a test that leaves a child process, a zombie or an open descriptor behind, or that waits for a
-/// command which was to be ended.
+/// Fails a test that leaves a child process, a zombie or an open descriptor, or that waits for a command
+/// which should have been killed.
 class ProcessTest : public ::testing::Test {
  protected:
   void SetUp() override;

@@ -1,5 +1,4 @@
-// What is left when a signal ends the process: no temporary file, no command, and a parent that sees the
-// signal.
+// A signal that ends the process leaves no temporary file and no command, and the parent sees the signal.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -98,7 +97,7 @@ TEST_P(SignalGuardTest, KillsACommandThatHasJustStarted) {
   EXPECT_TRUE(Ends(pipe.Receive()));
 }
 
-/// Lets a signal in that its creator holds back, and sends it to itself.
+/// Unblocks a signal that its creator blocks, and sends it to itself.
 void TakeSignal(int signal) {
   sigset_t set;
   sigemptyset(&set);

@@ -1,4 +1,4 @@
-// The file that a new content is written to: who may read it, its name, and when it goes.
+// The file that new content is written to: its mode, its name, and when it is removed.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>

@@ -1,5 +1,5 @@
-// What becomes of exceptions while the device list is acquired: the host's own are caught as long as files
-// are tested and read, at every step, and all others pass.
+// Exceptions while the device list is acquired: the host's own are caught as long as files are tested and
+// read, at every step, and all others pass.
 #include <gmock/gmock.h>
 
 #include <ostream>

@@ -32,7 +32,7 @@ const LogLine kListIsEmpty = {kStatus, "USB device file is empty"};
 
 class AcquisitionTest : public HostTest {
  protected:
-  /// A list of one device, which matches without a complaint.
+  /// A list of one device without an unmatched line.
   static std::string OneDevice(const std::string& product) {
     return "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 6\nS:  Product=" + product;
   }

@@ -97,7 +97,7 @@ TEST_F(Acquisition, EmptyFileAndEmptyOutputEndWithAStatusLineAndNoEnd) {
   EXPECT_THAT(log, ElementsAre(kBegin, kListIsEmpty));
 }
 
-TEST_F(Acquisition, OutputThatTellsOfAMissingCommandIsLoggedAndNotCut) {
+TEST_F(Acquisition, OutputThatReportsAMissingCommandIsLoggedAndNotCut) {
   const std::string inAList = OneDevice("command-not-found");
   for (const std::string& output :
        {std::string("command-not-found"), std::string("x command-not-found\n"), inAList}) {
@@ -115,7 +115,7 @@ TEST_F(Acquisition, OtherWordingsOfAMissingCommandAreCutLikeAList) {
                                LogLine{kStatus, "s can't match the data"}, kEnd));
 }
 
-TEST_F(Acquisition, AFileMayTellOfAMissingCommand) {
+TEST_F(Acquisition, AFileMaySayThatACommandIsMissing) {
   machine->files[kProcList] = OneDevice("command-not-found");
   EXPECT_THAT(Acquire(), ElementsAre("command-not-found"));
   EXPECT_THAT(calls, ElementsAre(kTestProc, kReadProc));

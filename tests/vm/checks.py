@@ -1,6 +1,6 @@
 """The checks: what is done in the guest, and what must come of it.
 
-A check is reported by its name with the lines that tell what differs. All checks run in one boot, one after
+A check is reported by its name with the lines that show what differs. All checks run in one boot, one after
 the other; each takes the machine as the one before left it.
 """
 
@@ -145,15 +145,15 @@ def run_all(guest, release, report):
 
 
 def check_debugfs(report, name, taken, buses):
-    """With the list of debugfs, everything is told as it is plugged in, and nothing is mounted."""
+    """With the list of debugfs, everything is shown as it is plugged in, and nothing is mounted."""
     report.add(f"{name}: the inventory is what is plugged in",
                taken.check_inventory(device_list.kernel_list(buses)))
-    report.add(f"{name}: the log tells of the list of debugfs",
+    report.add(f"{name}: the log names the list of debugfs",
                taken.check_log(expectation.log(taken.list), ""))
 
 
 def check_fallback(report, name, taken, buses):
-    """Without a list to read, mounting usbfs is tried once, in vain; usb-devices tells, in its own way."""
+    """Without a list to read, mounting usbfs is tried once and fails; the list comes from usb-devices."""
     report.add(f"{name}: the inventory is what usb-devices makes of what is plugged in",
                taken.check_inventory(device_list.script_list(buses)))
     report.add(f"{name}: usbfs cannot be mounted, the log says so, and usb-devices steps in",

@@ -1,4 +1,4 @@
-"""What two inventories, as JSON documents, have in common and what not, told instance by instance.
+"""What two inventories, as JSON documents, have in common and what not, instance by instance.
 
 An instance is known by its class and its key: of those that both have, the properties are compared.
 """
@@ -25,7 +25,7 @@ def changes(before, after):
 
 
 def differences(expected, actual):
-    """Lines that tell how the document differs from what was expected; none when it is the same."""
+    """Lines that show how the document differs from what was expected; none when it is the same."""
     if expected == actual:
         return []
     found = changes(expected, actual)

@@ -1,4 +1,4 @@
-"""The device list that tells of given buses, as the kernel and as the usb-devices script write it.
+"""The device list that describes given buses, as the kernel and as the usb-devices script write it.
 
 What is left out has no influence on the inventory: bandwidth, endpoints' details, names of classes and
 drivers. From the list, tests/data/derive_expected.py derives the inventory by the parser's documented rules.

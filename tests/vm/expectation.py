@@ -46,7 +46,7 @@ class FallbackRun(derive.Run):
 # --- what changes when devices are pulled out and put in ---------------------
 
 def changes(before, after):
-    """How the inventories of two states of the machine differ, told from the buses themselves."""
+    """How the inventories of two states of the machine differ, computed from the buses themselves."""
     old, new = _by_place(before), _by_place(after)
     gone = [old[place] for place in old.keys() - new.keys()]
     come = [new[place] for place in new.keys() - old.keys()]

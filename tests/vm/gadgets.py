@@ -1,7 +1,7 @@
 """The gadgets that the guest makes: devices whose descriptions QEMU's do not cover.
 
 Each hangs on a dummy controller of its own, in its only port. A gadget is written down as a folder that looks
-as it has to look in configfs, and told as the bus that the kernel must find for it.
+as it has to look in configfs, and described as the bus that the kernel must find for it.
 """
 
 import pathlib

@@ -49,7 +49,7 @@ def _add_busybox(root):
 def _add_programs(root, build):
     """The products go next to each other; libraries from elsewhere keep their places.
 
-    Debian's own shell comes along: busybox's would run its own mount without looking for one in the path.
+    Debian's own shell is included: busybox's would run its own mount without looking for one in the path.
     """
     programs = [*(build / name for name in ("usbinfo", "usbinfo-plugin.so")), pathlib.Path("/bin/dash")]
     libraries = set(re.findall(r"(?:=> |^\t)(/\S+) \(", _output("ldd", *map(str, programs)), re.MULTILINE))
@@ -64,7 +64,7 @@ def _add_programs(root, build):
 
 
 def _add_modules(root, kernel):
-    """Copy the modules of each list and write the list, everything ahead of what needs it, nothing twice."""
+    """Copy the modules of each list and write the list, everything before what needs it, nothing twice."""
     release, = (kernel / "lib/modules").iterdir()
     loaded = set()
     for name, modules in MODULE_LISTS.items():

@@ -15,7 +15,7 @@ namespace cli {
 
 namespace {
 
-/// Nothing is loaded or sent, and only the page's own style and script are taken.
+/// Nothing may be loaded or sent, and only the page's own style and script are applied.
 std::string SecurityPolicy() {
   return fmt::format("default-src 'none'; style-src {}; script-src {}; base-uri 'none'; form-action 'none'",
                      kPageStyle.source, kPageScript.source);
@@ -32,7 +32,7 @@ void WriteHead(HtmlWriter& writer, const Inventory& inventory) {
   writer.Close();
 }
 
-/// What a class of the figures is called, where one of it is meant.
+/// The singular name of a class in the figures.
 struct Figure {
   ClassId classId;
   const char* noun;
@@ -55,7 +55,7 @@ std::string NoteOnPorts(const Inventory& inventory) {
   return fmt::format("{} used, {} free", used, static_cast<std::ptrdiff_t>(ports.size()) - used);
 }
 
-/// Where a part is selected, the note says of how many.
+/// For a selection, the note gives the total.
 void WriteFigure(HtmlWriter& writer, const Inventory& inventory, const Figure& figure) {
   const ItemsOfClass& ofClass = inventory.Of(figure.classId);
   const std::size_t number = ofClass.items.size();
@@ -68,7 +68,7 @@ void WriteFigure(HtmlWriter& writer, const Inventory& inventory, const Figure& f
   writer.Close();
 }
 
-/// What a selection by class left out whole.
+/// The classes that a selection left out completely.
 void WriteLeftOut(HtmlWriter& writer, const Inventory& inventory) {
   std::vector<std::string> counts;
   for (const Figure& figure : kFigures) {
@@ -97,7 +97,7 @@ void WriteHeader(HtmlWriter& writer, const Inventory& inventory) {
   writer.Close();
 }
 
-/// The filter does nothing without the script, which therefore shows it.
+/// The filter needs the script, which therefore makes it visible.
 void WriteFilter(HtmlWriter& writer) {
   writer.Open("div", {{"id", "filter"}, {"role", "search"}, {"hidden", ""}});
   writer.Element("label", {{"for", "words"}}, "Filter");

@@ -1,4 +1,5 @@
-// The inventory as a page for a browser: one file that loads nothing, with or without scripts, on paper too.
+// The inventory as a page for a browser: one file that loads nothing else and works with or without scripts
+// and in print.
 #pragma once
 
 #include <string>

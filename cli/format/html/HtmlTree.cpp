@@ -12,7 +12,7 @@ namespace cli {
 
 namespace {
 
-/// The item that shows a node, as a link's target.
+/// The anchor of the item that shows a node.
 std::string Anchor(std::size_t node) {
   return fmt::format("i{}", node);
 }
@@ -22,7 +22,7 @@ const char* StyleOf(ClassId classId) {
   return kStyles[static_cast<std::size_t>(classId)];
 }
 
-/// A speed as short as a socket is small: "480M", "5G".
+/// A speed short enough for a socket: "480M", "5G".
 std::string ShortSpeed(const UsbTreeNode& port) {
   const std::string speed = FormatSpeed(port.item->Number(PropertyId::kSpeed));
   return speed.empty() ? "?" : speed.substr(0, speed.find(' ')) + speed[speed.find(' ') + 1];
@@ -94,7 +94,7 @@ void HtmlTree::WriteUnlinked(std::size_t first) {
 
 void HtmlTree::WriteList(std::size_t first, std::size_t end) {
   fWriter.Open("ul", {{"class", "items"}});
-  // Below the deepest row that is drawn as such, all rows stand at its depth.
+  // Rows below the maximum depth are drawn at that depth.
   for (std::size_t row = first; row < end; row = EndOf(row)) WriteItem(row);
   fWriter.Close();
 }

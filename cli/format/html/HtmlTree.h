@@ -1,5 +1,5 @@
-// The machine as the page shows it: a section per controller, its hubs as rows of sockets, and what is
-// plugged in as nested lists.
+// The part of the page that shows the machine: a section per controller, its hubs as rows of sockets, and
+// what is plugged in as nested lists.
 #pragma once
 
 #include <string>
@@ -24,11 +24,11 @@ class HtmlTree {
  private:
   const UsbTreeNode& NodeAt(std::size_t row) const { return fTree.Nodes()[fRows[row].node]; }
   PortState StateOf(const UsbTreeNode& port) const;
-  /// A port on a hub that nothing is known to be plugged into is a socket and nothing more.
+  /// A port on a hub with nothing known to be plugged in is shown as a socket only.
   bool IsSocketOnly(const UsbTreeNode& node) const;
   /// How many ports a hub has, and how many are free where that is known of all of them.
   std::string PortsOf(const UsbTreeNode& hub) const;
-  /// The first row after `row` that does not hang on it.
+  /// The first row after `row` that is not below it.
   std::size_t EndOf(std::size_t row) const;
 
   void WriteController(std::size_t row);
@@ -42,7 +42,7 @@ class HtmlTree {
   void WriteFacts(std::size_t row);
   void WriteSockets(std::size_t row);
   void WriteSocket(const UsbTreeNode& port, std::size_t index);
-  /// The device's own string, or what it is known as where it has none.
+  /// The device's own string, or its name from the list of names if it has none.
   void WriteName(const UsbTreeNode& node);
 
   HtmlWriter& fWriter;

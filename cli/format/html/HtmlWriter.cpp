@@ -43,7 +43,7 @@ void HtmlWriter::Tag(const char* element, const Attributes& attributes, const ch
 }
 
 void HtmlWriter::Open(const char* element, const Attributes& attributes) {
-  // Between pieces of a line, a line's end would be a blank.
+  // Inside a line of text, a line end would show as a blank.
   if (fDocument.back() == '>' && element != std::string_view("span")) fDocument += '\n';
   Tag(element, attributes, ">");
   fOpen.push_back(element);

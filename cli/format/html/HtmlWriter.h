@@ -1,5 +1,5 @@
-// Writes HTML that is well-formed XML too: elements are balanced, every text and attribute value is escaped
-// and made fit to be shown. What is its own markup never comes from elsewhere.
+// Writes HTML that is well-formed XML too: elements are balanced, and every text and attribute value is
+// escaped, unprintable characters included. Markup never comes from data.
 #pragma once
 
 #include <string>
@@ -12,17 +12,17 @@ class HtmlWriter {
  public:
   using Attributes = std::vector<std::pair<const char*, std::string>>;
 
-  /// Element and attribute names are the program's own; an attribute without a value is written with an empty
-  /// one.
+  /// Element and attribute names must be constants of the program; an attribute without a value is written
+  /// with an empty one.
   void Open(const char* element, const Attributes& attributes = {});
   /// Ends the element that was opened last; there must be one.
   void Close();
   /// An element that has no content in HTML, such as `meta`.
   void Void(const char* element, const Attributes& attributes);
   void Text(const std::string& text);
-  /// An element with nothing but text in it.
+  /// An element that contains only text.
   void Element(const char* element, const Attributes& attributes, const std::string& text);
-  /// The program's own style or script, as it is.
+  /// The program's own style or script, unescaped.
   void Asset(const char* element, const char* content);
 
   /// The document so far.

@@ -5,9 +5,9 @@
 namespace cli {
 
 struct PageAsset {
-  /// What stands between the tags.
+  /// The text between the tags.
   const char* text;
-  /// The same as a source of a content security policy: 'sha256-...'.
+  /// Its hash as a source of a content security policy: 'sha256-...'.
   const char* source;
 };
 

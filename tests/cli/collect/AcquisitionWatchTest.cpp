@@ -1,6 +1,6 @@
-// A list of this machine that could not be had is a failure and no machine without USB: for each way in which
-// it can fail, and for those that are none, what the command says and what becomes of the file that it was to
-// write.
+// A list of this machine that cannot be read is a failure and not a machine without USB. For each way in
+// which reading can fail, and for cases that are not failures: what the command reports, and what happens to
+// its output file.
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -29,7 +29,7 @@ const MachineFacts kNoUsb = {false, MachineFacts::DebugfsList::kMissing, false, 
 const MachineFacts kUsb = {true, MachineFacts::DebugfsList::kForbidden, false, false};
 const MachineFacts kUsbWithoutDevices = {true, MachineFacts::DebugfsList::kForbidden, true, true};
 
-/// A machine as the test wants it, behind the watch.
+/// A machine whose answers the test chooses, observed by the watch.
 class AcquisitionWatchTest : public testing::Test {
  protected:
   AcquisitionWatch Watch(bool noLimits = false) {

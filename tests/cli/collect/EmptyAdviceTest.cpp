@@ -1,5 +1,5 @@
-// What the user is told when this machine shows nothing: for every combination of what can be found out, the
-// reason and the way out.
+// The message when this machine has nothing to show: for every combination of facts, the reason and what to
+// do.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -65,7 +65,7 @@ TEST_P(EmptyAdviceTest, SaysWhyAndWhatToDo) {
 INSTANTIATE_TEST_SUITE_P(Machines, EmptyAdviceTest, testing::ValuesIn(kRows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-/// The search path, put back when the object goes.
+/// The search path, restored by the destructor.
 class SearchPath {
  public:
   explicit SearchPath(const char* value) : fBefore(std::getenv("PATH")) { Set(value); }
@@ -120,7 +120,7 @@ TEST(MachineFacts, TakeAnEmptyFolderOfTheSearchPathForTheCurrentOne) {
   std::filesystem::current_path(before);
 }
 
-TEST(MachineFacts, TellWhetherTheKernelHasUsb) {
+TEST(MachineFacts, ShowWhetherTheKernelHasUsb) {
   EXPECT_EQ(MachineFacts::OfThisMachine().hasUsb, std::filesystem::exists("/sys/bus/usb"));
 }
 

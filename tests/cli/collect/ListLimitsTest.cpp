@@ -1,5 +1,4 @@
-// The quick look at a list: its figures for texts as they come and as nobody writes them, and the limits to
-// the last unit.
+// The quick look at a list: its figures for ordinary and for odd texts, and the exact limits.
 #include <gmock/gmock.h>
 
 #include <string>
@@ -84,7 +83,7 @@ TEST(ListLimits, AreThoseOfThirtyTwoFullBuses) {
             "the list is too large: 65281 ports times 257 hubs and devices are 16777217 comparisons, and the "
             "limit is "
             "16777216; if you have the time and the memory, use --no-limits");
-  // Hubs at level 0 hang on nothing, but their ports look for them.
+  // Hubs at level 0 are not plugged into a port, but their ports are compared with them.
   EXPECT_NE(
       UserErrorOf([] { CheckListLimits(Times(257, Record("01", "00", "255") + kHubLine), "the list"); }), "");
 }
@@ -102,7 +101,7 @@ class LimitedListTest : public CliTest {};
 TEST_F(LimitedListTest, IsTakenWhereTheUserMeansIt) {
   // Few ports, but many identifiers of a length: quick to make.
   const std::string list = Record(std::string(200000, 'b'), "00", "255");
-  cli::LogWriter silent("", NKESTA20::ILogger::kError, cli::LogFormat::kText);
+  cli::LogWriter silent("", cli::LogSeverity::kError, cli::LogFormat::kText);
   cli::Source source;
   source.devices = "list";
   source.plugin = MODULE_PATH;

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/format/RenderOptions.h"
 #include "cli/collect/Collection.h"
 #include "cli/collect/LossWatch.h"
 #include "cli/format/OutputFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "host/TQSVException.h"
 #include "standin/HostSeam.h"
 #include "standin/StatusCode.h"
@@ -29,7 +29,7 @@ using testing::StartsWith;
 namespace usbinfo_test {
 namespace {
 
-std::string Complaint(ILogger::EQSVLogSeverity severity, const std::vector<std::string>& lines) {
+std::string LossError(ILogger::EQSVLogSeverity severity, const std::vector<std::string>& lines) {
   LossWatch watch;
   for (const std::string& line : lines) watch.Take(severity, line);
   return UserErrorOf([&watch] { watch.CheckNothingLost(); });
@@ -50,10 +50,10 @@ const std::vector<std::string> kLosses = {
 
 TEST(LossWatchTest, KnowsEveryLineThatSaysThatSomethingWasLost) {
   for (const std::string& line : kLosses) {
-    EXPECT_THAT(Complaint(ILogger::kStatus, {line}),
+    EXPECT_THAT(LossError(ILogger::kStatus, {line}),
                 StartsWith("the inventory is incomplete: the plug-in logged 1 failure, the first: "));
   }
-  EXPECT_THAT(Complaint(ILogger::kStatus, kLosses),
+  EXPECT_THAT(LossError(ILogger::kStatus, kLosses),
               HasSubstr(" logged 6 failures, the first: USBInfo plugin threw unknown "
                         "exception; "));
 }
@@ -68,9 +68,9 @@ TEST(LossWatchTest, TakesNoOtherLineForALoss) {
       "an error" + kTabs + "generating CIM instances for ",
       "",
   };
-  EXPECT_EQ(Complaint(ILogger::kStatus, harmless), "");
-  // What a device says of itself is logged for debugging, and may be anything.
-  EXPECT_EQ(Complaint(ILogger::kDebug, kLosses), "");
+  EXPECT_EQ(LossError(ILogger::kStatus, harmless), "");
+  // Strings of devices are logged at the debug level and may be anything.
+  EXPECT_EQ(LossError(ILogger::kDebug, kLosses), "");
 }
 
 /// A root hub of two ports, and a device on the first of them.
@@ -109,7 +109,7 @@ class PartialInventoryTest : public CliTest {
     cli::Source source;
     source.devices = "list";
     source.plugin = MODULE_PATH;
-    cli::LogWriter silent("", ILogger::kError, cli::LogFormat::kText);
+    cli::LogWriter silent("", cli::LogSeverity::kError, cli::LogFormat::kText);
     const cli::Inventory inventory = cli::CollectFrom(kSmallList, source, cli::AllClasses(), silent);
     return cli::FindOutputFormat("json").render(inventory, {});
   }
@@ -139,8 +139,7 @@ TEST_F(PartialInventoryTest, IsAnErrorWheneverTheHostFailsAnInstanceOrALink) {
   std::size_t errors = 0;
   for (std::size_t number = 0; number < all; ++number) {
     const std::string outcome = CollectFailing(number, [](HostOperation operation) {
-      // The keys' values are made without a word about a failure, and reading the list is no matter of the
-      // log.
+      // A failure to make the keys' values is not logged, and reading the list is not checked by the log.
       static const std::set<HostOperation> kOfInstances = {
           HostOperation::kGetClass,    HostOperation::kCreateInstance,   HostOperation::kEnumerateInstances,
           HostOperation::kCommit,      HostOperation::kGetObjectPath,    HostOperation::kGetProperty,

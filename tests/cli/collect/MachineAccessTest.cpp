@@ -1,5 +1,5 @@
-// Whether the command touches the machine: never with a list given, and with none it ends one way or the
-// other. Commands on a made-up search path leave a trace when they are run; root never runs them.
+// Whether the command touches the machine: never when a list is given; without one it prints an inventory or
+// an error. Commands on a search path of the test leave a trace when they are run; root never runs them.
 #include <gmock/gmock.h>
 #include <unistd.h>
 

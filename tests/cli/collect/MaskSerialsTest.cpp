@@ -1,5 +1,5 @@
-// --mask-serials: hashes stand where serial numbers stood, in every format and in the log, and nothing else
-// shows them. What a serial number is on a line, and which are root hubs', is worked out here once more.
+// --mask-serials: hashes replace serial numbers in every format and in the log, and nothing else shows them.
+// The test finds serial numbers and root hubs in the lists by its own code.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -16,9 +16,9 @@
 #include <thread>
 #include <vector>
 
-#include "cli/format/RenderOptions.h"
 #include "cli/collect/MaskingSystem.h"
 #include "cli/format/OutputFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "host/TQSVException.h"
 #include "system/FileDescriptor.h"
 #include "tests/cli/support/CliTest.h"
@@ -48,9 +48,8 @@ bool IsBlank(const std::string& line) {
   return line.find_first_not_of(" \t\r") == std::string::npos;
 }
 
-/// Whether the line of that number is a string of a root hub: seen from there, there are strings, the "P:"
-/// line of a root hub, lines of its descriptor and its "T:" line, and in front of that no string but for
-/// blank lines.
+/// Whether the line of that number is a string of a root hub: before it come strings, the "P:" line of a root
+/// hub, lines of its descriptor and its "T:" line, and before that, blank lines aside, no string.
 bool IsOfRootHub(const std::vector<std::string>& lines, std::size_t number) {
   const auto goBackOver = [&](const char* types) {
     while (number > 0 && std::string(types).find(lines[number].substr(0, 1)) != std::string::npos &&
@@ -161,14 +160,14 @@ CommandResult RunWithKey(const std::string& list, std::vector<std::string> optio
   return RunMasked(list, options);
 }
 
-/// All that the command lets out about `list`: every format, the tree with its details, too, and the log of
-/// everything.
-std::string EverythingToldOf(const std::string& list) {
-  std::string told;
+/// Everything that the command prints about `list`: every format, the tree with its details, and the verbose
+/// log.
+std::string EverythingPrintedOf(const std::string& list) {
+  std::string printed;
   for (const cli::OutputFormat& format : cli::OutputFormats()) {
-    told += RunMasked(list, {"--format", format.name}).output;
+    printed += RunMasked(list, {"--format", format.name}).output;
   }
-  return told + RunMasked(list, {"-v"}).output + RunMasked(list, {"--log-level", "verbose"}).errors +
+  return printed + RunMasked(list, {"-v"}).output + RunMasked(list, {"--log-level", "verbose"}).errors +
          RunMasked(list, {"--log-level", "verbose", "--log-format", "json"}).errors;
 }
 
@@ -176,7 +175,7 @@ std::string WithoutMasks(const std::string& text) {
   return std::regex_replace(text, std::regex("masked-[0-9a-f]{16}"), "masked");
 }
 
-// Worked out with other programs: the key is stretched by argon2id_hash_raw(2, 65536, 1, ...) of libargon2 to
+// Computed with other programs: the key is stretched by argon2id_hash_raw(2, 65536, 1, ...) of libargon2 to
 // 32 bytes with the salt "usbinfo/masks/v1", then hmac.new(stretched, text, hashlib.sha256) of Python is cut
 // to 16 digits.
 TEST(SerialMaskTest, IsTheHashThatTheStandardsDescribe) {
@@ -227,7 +226,7 @@ TEST(SerialMaskTest, ReadsItsKeyFromAFifoThatIsWrittenInPieces) {
   EXPECT_EQ(mask.Mask("a"), Mask().Mask("a"));
 }
 
-TEST(RootHubStrings, StandRightBehindTheLinesThatTheKernelWritesItself) {
+TEST(RootHubStrings, FollowTheLinesThatTheKernelWritesItself) {
   const std::string top = "T:  Bus=01 Lev=00 Prnt=00\n";
   const std::string middle = "B:  Alloc=0\nD:  Ver= 2.00\n";
   const std::string vendor = "P:  Vendor=1d6b ProdID=0002\n";
@@ -288,28 +287,28 @@ TEST(MaskSerialsOption, LetsNothingOutButTheMasks) {
   for (const auto& [name, list] : Lists()) {
     const std::string other =
         ReplaceSerials(list, [](const std::string& serial) { return serial + "other"; });
-    EXPECT_EQ(WithoutMasks(EverythingToldOf(list)), WithoutMasks(EverythingToldOf(other))) << name;
+    EXPECT_EQ(WithoutMasks(EverythingPrintedOf(list)), WithoutMasks(EverythingPrintedOf(other))) << name;
   }
 }
 
-TEST(MaskSerialsOption, TellsNoSerialNumberThatIsNothingElse) {
+TEST(MaskSerialsOption, ShowsNoSerialNumberThatIsNothingElse) {
   for (const auto& [name, list] : Lists()) {
     const std::string rest = ReplaceSerials(list, [](const std::string&) { return std::string(); });
-    const std::string told = EverythingToldOf(list);
+    const std::string printed = EverythingPrintedOf(list);
     for (const std::string& serial : SerialsOf(list)) {
       if (serial.size() < 4 || rest.find(serial) != std::string::npos) continue;
-      EXPECT_THAT(told, Not(HasSubstr(serial))) << name;
+      EXPECT_THAT(printed, Not(HasSubstr(serial))) << name;
     }
   }
 }
 
-TEST(MaskSerialsOption, TellsNoPartOfAForgedSerialNumber) {
-  EXPECT_THAT(EverythingToldOf(ListOfForgedSerials()), Not(HasSubstr("secr")));
-  EXPECT_THAT(EverythingToldOf(DeviceListWith("a\nS:  SerialNumber=secret Product=secret")),
+TEST(MaskSerialsOption, ShowsNoPartOfAForgedSerialNumber) {
+  EXPECT_THAT(EverythingPrintedOf(ListOfForgedSerials()), Not(HasSubstr("secr")));
+  EXPECT_THAT(EverythingPrintedOf(DeviceListWith("a\nS:  SerialNumber=secret Product=secret")),
               Not(HasSubstr("secr")));
 }
 
-/// Puts the text of `plain` where `masked` has a mask, which may stand behind "SerialNumber=" alone.
+/// Puts the text of `plain` where `masked` has a mask, which is allowed after "SerialNumber=" only.
 void UndoMasks(json& masked, const json& plain) {
   const std::regex whole("masked-[0-9a-f]{16}");
   for (auto& property : masked.items()) {
@@ -430,8 +429,8 @@ TEST(MaskKeyOption, WarnsOfAKeyThatOthersCanRead) {
   }
 }
 
-/// What a usb-devices of the test's own sees of the command that waits for it: the limit on core files that
-/// it inherits, and whether the command may be looked into.
+/// What a usb-devices script of the test sees of the command that waits for it: the inherited limit on core
+/// files, and whether the command's memory may be read.
 std::string ProtectionOf(std::vector<std::string> options) {
   const TemporaryFolder folder;
   folder.ShareWithAll();
@@ -451,7 +450,7 @@ TEST(MaskSerialsOption, LeavesNoCoreFileAndNoWayForADebugger) {
   EXPECT_THAT(ProtectionOf({}), testing::EndsWith("\nopen\n"));
 }
 
-/// The plug-in on a recorded machine behind the mask.
+/// The plug-in on a recorded machine whose lists are masked.
 class MaskingSystemTest : public CliTest {
  protected:
   void CollectMasked(const std::function<void(FakeOperatingSystem&)>& furnish) {
@@ -470,7 +469,7 @@ TEST_F(MaskingSystemTest, MasksTheFilesOfTheMachineAsAGivenList) {
   EXPECT_EQ(Rendered(), RunWithKey(list, {"--format", "json"}).output);
 }
 
-TEST_F(MaskingSystemTest, MasksTheOutputOfACommandAheadOfTheLog) {
+TEST_F(MaskingSystemTest, MasksTheOutputOfACommandBeforeTheLog) {
   const std::string list = ReadFile(CapturePath("vm-desktop-usb-devices"));
   CollectMasked([&list](FakeOperatingSystem& fake) { fake.outputs["usb-devices"] = list; });
   EXPECT_EQ(Rendered(), RunWithKey(list, {"--format", "json"}).output);

@@ -1,5 +1,5 @@
-// Where the command looks for the plug-in when none is named: beside itself, then where an installation puts
-// it.
+// Where the command looks for the plug-in when none is named: in its own folder, then where an installation
+// puts it.
 #include <gmock/gmock.h>
 #include <unistd.h>
 
@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A copy of the command in a `bin` of its own, as an installation has it.
+/// A copy of the command in a folder `bin`, as in an installation.
 class ModulePathTest : public testing::Test {
  protected:
   ModulePathTest() {

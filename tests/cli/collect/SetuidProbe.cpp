@@ -1,5 +1,5 @@
-// A program to be made set-user-ID: prints the search path that it leaves to its commands, and what it
-// answers to the module named in its argument. Its exit status is 1 where it runs without rights of its file.
+// A program to be made set-user-ID: prints the search path for its commands, and its message about the module
+// named in its argument. Its exit status is 1 when it runs without the rights of its file.
 #include <cstdlib>
 #include <iostream>
 

@@ -1,4 +1,4 @@
-// The name of the system that a list is of, from where the list comes from.
+// The name of the system that a list describes, from the list's path.
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
@@ -61,9 +61,10 @@ TEST(DeviceListsSystem, IsNamedInEveryKeyAndHintedAtWhereUnknown) {
   const CommandResult unknown = Command({"--devices", "-", "-j"}).Input(list).Run();
   EXPECT_EQ(nameIn(unknown), "unknown");
   EXPECT_EQ(unknown.errors, kHint);
-  const CommandResult told = Command({"--devices", "-", "-j", "--system-name", "lab-8"}).Input(list).Run();
-  EXPECT_EQ(nameIn(told), "lab-8");
-  EXPECT_EQ(told.errors, "");
+  const CommandResult overridden =
+      Command({"--devices", "-", "-j", "--system-name", "lab-8"}).Input(list).Run();
+  EXPECT_EQ(nameIn(overridden), "lab-8");
+  EXPECT_EQ(overridden.errors, "");
 }
 
 TEST(DeviceListsSystem, IsTheSameInADifference) {

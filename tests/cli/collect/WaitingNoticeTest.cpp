@@ -1,5 +1,5 @@
-// The notice while a command of the machine takes long. Nothing here waits for a time: the commands wait for
-// what the notice does, and it for them.
+// The notice while a command of the machine takes long. No test waits for a period of time: commands wait for
+// the notice, and the notice for commands.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -38,7 +38,7 @@ std::size_t ThreadCount() {
   return static_cast<std::size_t>(std::distance(fs::begin(tasks), fs::end(tasks)));
 }
 
-/// A machine whose commands are what the test makes of them, behind a notice that the test sees.
+/// A machine whose commands the test defines, with a notice that the test records.
 class WaitingNoticeTest : public testing::Test {
  protected:
   WaitingNotice NoticeAfter(std::chrono::milliseconds patience) {
@@ -47,43 +47,43 @@ class WaitingNoticeTest : public testing::Test {
     fake->files["file"] = "text";
     fake->onCall = [this](const std::string& call) { fOnCall(call); };
     return WaitingNotice(std::move(fake), patience, [this](const std::string& line) {
-      fTold.push_back(line);
-      fIsTold.set_value();
+      fNotices.push_back(line);
+      fIsNotified.set_value();
     });
   }
   void OnCall(std::function<void(const std::string&)> action) { fOnCall = std::move(action); }
-  void AwaitNotice() { fIsTold.get_future().wait(); }
-  const std::vector<std::string>& Told() const { return fTold; }
+  void AwaitNotice() { fIsNotified.get_future().wait(); }
+  const std::vector<std::string>& Notices() const { return fNotices; }
   const std::vector<std::string>& Calls() const { return fCalls; }
 
  private:
   std::vector<std::string> fCalls;
-  std::vector<std::string> fTold;
-  std::promise<void> fIsTold;
+  std::vector<std::string> fNotices;
+  std::promise<void> fIsNotified;
   std::function<void(const std::string&)> fOnCall = [](const std::string&) {};
 };
 
-TEST_F(WaitingNoticeTest, IsGivenWhileTheCommandRunsAndItsOutputStays) {
+TEST_F(WaitingNoticeTest, IsPrintedWhileTheCommandRunsAndItsOutputIsKept) {
   WaitingNotice system = NoticeAfter(kAtOnce);
   OnCall([this](const std::string&) { AwaitNotice(); });
   EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
-  EXPECT_THAT(Told(), ElementsAre(kNotice));
+  EXPECT_THAT(Notices(), ElementsAre(kNotice));
   EXPECT_THAT(Calls(), ElementsAre("spawn usb-devices 300"));
 }
 
-TEST_F(WaitingNoticeTest, IsGivenOnceForAllCommands) {
+TEST_F(WaitingNoticeTest, IsPrintedOnceForAllCommands) {
   WaitingNotice system = NoticeAfter(kAtOnce);
   OnCall([this](const std::string&) { AwaitNotice(); });
   system.SpawnProcess("usb-devices", 300);
   OnCall([](const std::string&) { EXPECT_EQ(ThreadCount(), 1U); });
   EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
-  EXPECT_EQ(Told().size(), 1U);
+  EXPECT_EQ(Notices().size(), 1U);
 }
 
-TEST_F(WaitingNoticeTest, IsNotGivenForACommandThatIsDoneBefore) {
+TEST_F(WaitingNoticeTest, IsNotPrintedForACommandThatEndsInTime) {
   WaitingNotice system = NoticeAfter(kNever);
   EXPECT_EQ(system.SpawnProcess("usb-devices", 300), "the list");
-  EXPECT_THAT(Told(), IsEmpty());
+  EXPECT_THAT(Notices(), IsEmpty());
 }
 
 TEST_F(WaitingNoticeTest, LeavesNoThreadBehind) {
@@ -121,7 +121,7 @@ TEST_F(WaitingNoticeTest, NamesTheCommandOnOneLine) {
   WaitingNotice system = NoticeAfter(kAtOnce);
   OnCall([this](const std::string&) { AwaitNotice(); });
   system.SpawnProcess("a\n\x1B[2J", 5);
-  EXPECT_THAT(Told(), ElementsAre("usbinfo: waiting for a\\n\\x1b[2J, for 5 seconds at most ...\n"));
+  EXPECT_THAT(Notices(), ElementsAre("usbinfo: waiting for a\\n\\x1b[2J, for 5 seconds at most ...\n"));
 }
 
 TEST_F(WaitingNoticeTest, IsNotForFiles) {
@@ -129,10 +129,10 @@ TEST_F(WaitingNoticeTest, IsNotForFiles) {
   OnCall([](const std::string&) { EXPECT_EQ(ThreadCount(), 1U); });
   EXPECT_TRUE(system.FileExists("file"));
   EXPECT_EQ(system.CaptureFile("file"), "text");
-  EXPECT_THAT(Told(), IsEmpty());
+  EXPECT_THAT(Notices(), IsEmpty());
 }
 
-/// The whole command on a machine whose only list is what a usb-devices of the test's own prints.
+/// The whole command on a machine whose only list is printed by a usb-devices script of the test.
 class WaitingCommandTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -141,7 +141,7 @@ class WaitingCommandTest : public testing::Test {
     }
   }
 
-  /// Makes a usb-devices that writes down how many threads its caller has, does `wait`, and prints a list.
+  /// Makes a usb-devices script that records how many threads its caller has, runs `wait`, and prints a list.
   Command WithListCommand(const std::string& wait) {
     fFolder.Script("usb-devices",
                    "caller=$PPID\n"
@@ -181,7 +181,7 @@ TEST_F(WaitingCommandTest, SaysOnATerminalWhatItWaitsFor) {
   EXPECT_EQ(Threads(), "2\n");
 }
 
-TEST_F(WaitingCommandTest, NeverCountsTheTimeWhereStandardErrorIsNoTerminal) {
+TEST_F(WaitingCommandTest, StartsNoTimerWhereStandardErrorIsNotATerminal) {
   const CommandResult result = WithListCommand("").Run();
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.errors, "");

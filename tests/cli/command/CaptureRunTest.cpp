@@ -1,4 +1,4 @@
-// The command over every captured device list: what it prints and logs is what a script worked out from the
+// The command over every captured device list: what it prints and logs is what a script computed from the
 // same text, and a good list leaves standard error empty.
 #include <gmock/gmock.h>
 
@@ -67,7 +67,7 @@ TEST_P(CaptureRunTest, PrintsAValidCimDocument) {
   EXPECT_EQ(document.Count("//VALUE.NAMEDOBJECT"), InstanceCount());
 }
 
-TEST_P(CaptureRunTest, PrintsTheTreeUnlessToldOtherwise) {
+TEST_P(CaptureRunTest, PrintsTheTreeByDefault) {
   const CommandResult result = RunOnCapture({});
   EXPECT_EQ(result.output, RunOnCapture({"--format", "tree"}).output);
   EXPECT_EQ(result.output.empty(), !HasDevices());

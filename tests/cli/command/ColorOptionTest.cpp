@@ -1,4 +1,4 @@
-// --color: who gets colours, what they say, and that no device can send any of its own.
+// --color: which outputs are coloured, what the colours mean, and that no device can send colours.
 #include <gmock/gmock.h>
 
 #include <regex>
@@ -93,7 +93,7 @@ TEST(ColorOption, AddsNothingButColours) {
   }
 }
 
-TEST(ColorOption, TellsControllersHubsAndFreePortsApart) {
+TEST(ColorOption, ColoursControllersHubsAndFreePortsDifferently) {
   const std::vector<std::string> lines = Lines(Desktop({"--color", "always"}).Run().output);
   EXPECT_THAT(lines.at(3), StartsWith("\x1B[1mBus 01"));
   EXPECT_EQ(lines.at(4),
@@ -104,7 +104,7 @@ TEST(ColorOption, TellsControllersHubsAndFreePortsApart) {
   EXPECT_EQ(lines.at(8), "  │ ├─Port 00 QEMU USB Keyboard     0627:0001  12 Mbit/s");
 }
 
-TEST(ColorOption, TellsHeadingsAndFreePortsOfTheTableApart) {
+TEST(ColorOption, ColoursHeadingsAndFreePortsOfTheTableDifferently) {
   const std::string text = Desktop({"--format", "table", "--color", "always"}).Run().output;
   EXPECT_THAT(text, StartsWith("\x1B[1mKALDO_USBController: 4 instances\x1B[0m\nBUS CONTROLLER\n01  xHCI"));
   EXPECT_THAT(text, HasSubstr("\x1B[2mfree\x1B[0m\n"));

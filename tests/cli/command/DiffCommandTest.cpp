@@ -1,5 +1,5 @@
-// `usbinfo diff` as people run it: both kinds of input, both forms, exit statuses, and every failure in one
-// line that says what, where and what to do.
+// `usbinfo diff` as people run it: both kinds of input, both forms, exit statuses, and a message of one line
+// for every failure that says what, where and what to do.
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -70,7 +70,7 @@ TEST_P(DiffOfCaptures, WorksWithEveryOtherCapture) {
 INSTANTIATE_TEST_SUITE_P(Captures, DiffOfCaptures, testing::ValuesIn(CaptureNames()),
                          [](const auto& row) { return ToTestName(row.param); });
 
-TEST(Diff, TellsWhatDiffersWithStatusOne) {
+TEST(Diff, ReportsDifferencesWithStatusOne) {
   const CommandResult result = Diff({Capture(), OtherCapture()});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "");
@@ -226,7 +226,7 @@ TEST(Diff, KeepsAForgedMemberNameOnTheLineOfItsMessage) {
       "anew with usbinfo --format json\n");
 }
 
-TEST(Diff, TellsAnOutputThatFails) {
+TEST(Diff, ReportsAnOutputThatFails) {
   for (const char* format : {"text", "json"}) {
     const std::vector<std::string> arguments = {"diff", Capture(), OtherCapture(), "--format", format};
     EXPECT_EQ(Command(arguments).OutputToClosedPipe().Run().errors, "");

@@ -22,7 +22,7 @@ std::string Capture() {
   return CapturePath("vm-desktop-debugfs");
 }
 
-/// The options that have the command fail with `message`; "@" stands for a folder of the test's own.
+/// The options with which the command fails with `message`; "@" stands for a folder of the test.
 struct Failure {
   const char* name;
   std::vector<std::string> arguments;
@@ -160,7 +160,7 @@ TEST(UnreadableInput, NamesStandardInput) {
   EXPECT_EQ(Lines(result.errors).size(), 1U) << result.errors;
 }
 
-TEST(FailedOutput, IsToldForAFullDevice) {
+TEST(FailedOutput, IsReportedForAFullDevice) {
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"--devices", Capture()}, {"--help"}, {"--version"}}) {
     const CommandResult result = RunInto([](Command& command) { command.OutputTo("/dev/full"); }, arguments);
@@ -196,7 +196,7 @@ TEST(ClosedPipe, LeavesAWholeLog) {
   EXPECT_EQ(log, ReadFile(folder.File("log")));
 }
 
-TEST(FailedOutput, IsToldForAClosedStandardOutput) {
+TEST(FailedOutput, IsReportedForAClosedStandardOutput) {
   const CommandResult result =
       RunInto([](Command& command) { command.CloseOutput(); }, {"--devices", Capture()});
   EXPECT_EQ(result.status, 2);
@@ -222,7 +222,7 @@ TEST(FailedOutput, NeverPutsAMessageIntoTheLogInsteadOfAClosedStandardError) {
   EXPECT_EQ(ReadFile(folder.File("log")), "");
 }
 
-TEST(FailedOutput, IsToldForALogThatLostLines) {
+TEST(FailedOutput, IsReportedForALogThatLostLines) {
   const TemporaryFolder folder;
   const std::string log = folder.File("log");
   CommandResult result;

@@ -1,4 +1,4 @@
-// --output: the file gets what standard output would get, whole or not at all, and standard output stays
+// --output: the file gets what standard output would get, completely or not at all, and standard output stays
 // empty.
 #include <gmock/gmock.h>
 
@@ -102,7 +102,7 @@ TEST(OutputOption, GetsTheEmptyDocumentOfAnEmptyInventory) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "");
     EXPECT_THAT(result.errors,
-                StartsWith("usbinfo: no USB device found: standard input holds no device list; "));
+                StartsWith("usbinfo: no USB device found: standard input is empty; "));
     EXPECT_EQ(ReadFile(path), Command({"--devices", "-", "--format", format}).Run().output);
   }
 }

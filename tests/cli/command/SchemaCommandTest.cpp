@@ -1,4 +1,5 @@
-// `usbinfo schema`: both forms, to standard output and to a file, without a plug-in or a look at the machine.
+// `usbinfo schema`: both forms, to standard output and to a file, without a plug-in and without reading the
+// machine.
 #include <gmock/gmock.h>
 
 #include <nlohmann/json.hpp>
@@ -15,7 +16,7 @@ using ::testing::HasSubstr;
 namespace usbinfo_test {
 namespace {
 
-TEST(Schema, PrintsTheMofDeclarationsUnlessToldOtherwise) {
+TEST(Schema, PrintsTheMofDeclarationsByDefault) {
   for (const std::vector<std::string>& arguments :
        {std::vector<std::string>{"schema"}, {"schema", "--format", "mof"}}) {
     const CommandResult result = RunUsbinfo(arguments);
@@ -40,7 +41,7 @@ TEST(Schema, PrintsEveryClassAndPropertyAsJson) {
   EXPECT_EQ(entry, document["classes"].end());
 }
 
-TEST(Schema, TellsTypeArrayKeyAndTargetOfAProperty) {
+TEST(Schema, ShowsTypeArrayKeyAndTargetOfAProperty) {
   const ordered_json classes =
       ordered_json::parse(RunUsbinfo({"schema", "--format", "json"}).output)["classes"];
   EXPECT_EQ(classes["KALDO_USBPort"]["kind"], "entity");
@@ -61,7 +62,7 @@ TEST(Schema, WritesAFileInstead) {
   EXPECT_EQ(ReadFile(folder.File("schema.mof")), cli::RenderMofSchema());
 }
 
-TEST(Schema, TellsAnOutputThatCannotBeWritten) {
+TEST(Schema, ReportsAnOutputThatCannotBeWritten) {
   const TemporaryFolder folder;
   const CommandResult result = RunUsbinfo({"schema", "--output", folder.File("missing/schema.mof")});
   EXPECT_EQ(result.status, 2);
@@ -73,9 +74,9 @@ TEST(Schema, RefusesOptionsThatAreNotItsOwn) {
   EXPECT_EQ(before.status, 2);
   EXPECT_EQ(before.errors,
             "usbinfo: --devices is not supported by usbinfo schema; see usbinfo schema --help\n");
-  const CommandResult behind = RunUsbinfo({"schema", "--devices", "list"});
-  EXPECT_EQ(behind.status, 2);
-  EXPECT_EQ(behind.output, "");
+  const CommandResult afterSubcommand = RunUsbinfo({"schema", "--devices", "list"});
+  EXPECT_EQ(afterSubcommand.status, 2);
+  EXPECT_EQ(afterSubcommand.output, "");
   EXPECT_EQ(RunUsbinfo({"schema", "--format", "yaml"}).errors,
             "usbinfo: --format: \"yaml\" is not one of mof, json; see usbinfo schema --help\n");
 }

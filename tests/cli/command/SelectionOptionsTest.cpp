@@ -1,5 +1,5 @@
-// -d, -s and --class through the real command: what is printed in which format, what the tree's heading
-// counts, and what is said where nothing matched.
+// -d, -s and --class through the real command: what each format prints, what the tree's heading counts, and
+// the message when nothing matched.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -68,7 +68,7 @@ std::string IdsOf(const json& instance) {
   return text;
 }
 
-/// What of `classes` has the property `name` like `model`, hubs and devices only.
+/// The hubs and devices in `classes` whose property `name` equals that of `model`.
 json AllLike(const json& classes, const json& model, const std::vector<std::string>& names) {
   json expected = classes;
   for (const auto& item : classes.items()) {
@@ -244,7 +244,7 @@ USB              DEVICE                ID             SPEED
 Bus 02, device 3 USB Attached SCSI HBA 46f4:0003  5+ Gbit/s
 )";
 
-TEST(SelectionInTheTree, ComesWithItsWayAndSaysHowMuchIsLeftOut) {
+TEST(SelectionInTheTree, ComesWithItsPathAndSaysHowMuchIsLeftOut) {
   EXPECT_EQ(RunOnDesktop({"-s", "1:4"}).output, kKeyboardTree);
   EXPECT_EQ(RunOnDesktop({"-d", "1d6b:0003"}).output, kRootHubTree);
   EXPECT_EQ(RunOn(CapturePath("vm-desktop-usb-devices"), {"-s", "2:3"}).output, kUnlinkedTree);
@@ -270,7 +270,7 @@ TEST(SelectionInTheTree, OfAssociationsAloneSaysThatNoRowIsTheirs) {
   }
 }
 
-TEST(SelectionOfNothing, IsToldInOneLine) {
+TEST(SelectionOfNothing, IsReportedInOneLine) {
   const auto errors = [](const std::vector<std::string>& options) {
     const CommandResult result = RunOnDesktop(options);
     EXPECT_EQ(result.status, 1);
@@ -310,11 +310,11 @@ TEST(SelectionOfNothing, LeavesTheOldOutputWhereItWas) {
   EXPECT_EQ(ReadFile(path), "old");
 }
 
-TEST(SelectionOfNothing, OnAnEmptyMachineIsToldAsTheEmptyMachine) {
+TEST(SelectionOfNothing, OnAnEmptyMachineIsReportedAsTheEmptyMachine) {
   const CommandResult result = RunUsbinfo({"--devices", "/dev/null", "-d", "1d6b:"});
   EXPECT_EQ(result.status, 1);
   EXPECT_THAT(result.errors,
-              testing::StartsWith("usbinfo: no USB device found: /dev/null holds no device list"));
+              testing::StartsWith("usbinfo: no USB device found: /dev/null is empty"));
 }
 
 TEST(SelectionOfARequest, TakesFromWhatWasRequested) {

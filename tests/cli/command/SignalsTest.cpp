@@ -28,7 +28,7 @@ class Fifo {
   std::string fPath = fFolder.File("fifo");
 };
 
-/// Starts the command, with its standard input from a FIFO and SIGINT as the test wants it.
+/// Starts the command with its standard input from a FIFO and `interrupt` handling SIGINT.
 pid_t Start(std::vector<std::string> arguments, const std::string& input = "/dev/null",
             void (*interrupt)(int) = SIG_DFL) {
   return StartChild([&] {

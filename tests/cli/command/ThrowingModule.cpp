@@ -1,5 +1,5 @@
 // A module whose plug-in throws when it is asked for data; the name of the first class says what. The plug-in
-// belongs to itself, as plug-ins do.
+// owns itself, as plug-ins do.
 #include <boost/shared_ptr.hpp>
 #include <new>
 #include <stdexcept>

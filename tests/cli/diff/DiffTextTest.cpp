@@ -20,7 +20,7 @@ using testing::Not;
 namespace usbinfo_test {
 namespace {
 
-/// Two machines between which one thing was added, removed, moved and changed each, with `text` in all their
+/// Two machines between which one item each was added, removed, moved and changed, with `text` in all their
 /// strings.
 struct Pair {
   explicit Pair(const std::string& text) {
@@ -46,7 +46,7 @@ struct Pair {
   Inventory now{""};
 };
 
-TEST(DiffText, TellsOneThingALineAndItsPropertiesBelow) {
+TEST(DiffText, ListsOneItemALineAndItsPropertiesBelow) {
   EXPECT_THAT(Lines(Pair("x").Text(false)),
               ElementsAre("system \"old x\" -> \"new x\"",
                           "- bus 1, port 0: device 1234:5678 \"gone x\", serial \"1x\"",
@@ -67,7 +67,7 @@ TEST(DiffText, ColoursTheLinesByWhatHappened) {
            "\x1B[33m~ bus 1, port 8: port\x1B[0m"}));
 }
 
-TEST(DiffText, TellsSpeedsInNumbersWhereWordsWouldNotTellThemApart) {
+TEST(DiffText, ShowsSpeedsAsNumbersWhereWordsWouldBeTheSame) {
   InventoryBuilder before;
   before.AddBus(1, 1);
   InventoryBuilder after = before;
@@ -79,7 +79,7 @@ TEST(DiffText, TellsSpeedsInNumbersWhereWordsWouldNotTellThemApart) {
               ElementsAre("~ bus 1, port 0: port", "    Speed: 12000000 -> 12000001"));
 }
 
-/// The text with what stands in quotes left out: what is not a device's.
+/// The text without the parts in quotes, that is, without texts of devices.
 std::string WithoutQuoted(const std::string& text) {
   std::string outside;
   bool isQuoted = false;
@@ -106,7 +106,7 @@ TEST(HostileDiffs, SendNothingToATerminal) {
   for (const HostileString& hostile : HostileStrings()) {
     std::string text = Pair(hostile.bytes).Text(false);
     text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());
-    // What is escaped already holds nothing to be escaped but its backslashes.
+    // In an escaped text only the backslashes need escaping again.
     std::string doubled;
     for (const char c : text) doubled += c == '\\' ? std::string("\\\\") : std::string(1, c);
     EXPECT_EQ(cli::EscapeForTerminal(text), doubled) << hostile.name;
@@ -129,7 +129,7 @@ TEST(HostileDiffs, AreReadBackFromJson) {
   }
 }
 
-TEST(DiffJson, HoldsAllThatIsToldInAFixedOrder) {
+TEST(DiffJson, HoldsAllDifferencesInAFixedOrder) {
   Pair pair("x");
   const auto document = nlohmann::ordered_json::parse(cli::RenderDiffJson(cli::Compare(pair.old, pair.now)));
   std::vector<std::string> names;
@@ -147,7 +147,7 @@ TEST(DiffJson, HoldsAllThatIsToldInAFixedOrder) {
             R"([{"name":"Description","from":"before x","to":"after x"}])");
 }
 
-TEST(DiffJson, TellsWhatThereIsNotAsNull) {
+TEST(DiffJson, ShowsWhatIsAbsentAsNull) {
   InventoryBuilder before;
   InventoryBuilder after;
   after.AddBus(7, 3);

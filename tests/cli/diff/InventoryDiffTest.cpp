@@ -1,4 +1,5 @@
-// What counts as added, removed, moved and changed, thing by thing, told as the text for people tells it.
+// What counts as added, removed, moved and changed, item by item, compared in the form of the text for
+// people.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -41,7 +42,7 @@ TEST(InventoryDiff, FindsNoneBetweenAnInventoryAndItself) {
   EXPECT_THAT(Differences(machine, machine), IsEmpty());
 }
 
-TEST(InventoryDiff, TellsADeviceThatCameAndNotItsPortsState) {
+TEST(InventoryDiff, ListsADeviceThatWasAddedAndNotItsPortsState) {
   Machine before;
   Machine after;
   after.AddDevice(after.root, 2, 2, kStick);
@@ -69,7 +70,7 @@ TEST(InventoryDiff, PassesOverAHubAndAllOnItThatGotOtherNumbers) {
   EXPECT_THAT(Differences(before, after), IsEmpty());
 }
 
-TEST(InventoryDiff, TellsADeviceWithASerialNumberThatMoved) {
+TEST(InventoryDiff, ListsADeviceWithASerialNumberThatMoved) {
   Machine before;
   before.AddDevice(before.root, 0, 2, kStick);
   Machine after;
@@ -78,7 +79,7 @@ TEST(InventoryDiff, TellsADeviceWithASerialNumberThatMoved) {
               ElementsAre("> bus 1, port 0 -> bus 1, port 3: device 1234:5678 \"Stick\", serial \"S1\""));
 }
 
-TEST(InventoryDiff, TellsADeviceWithoutSerialNumberThatMovedAsGoneAndCome) {
+TEST(InventoryDiff, ListsADeviceWithoutSerialNumberThatMovedAsRemovedAndAdded) {
   for (const char* none : {"Not Available", ""}) {
     Machine before;
     before.AddDevice(before.root, 0, 2, {"Mouse", none});
@@ -89,7 +90,7 @@ TEST(InventoryDiff, TellsADeviceWithoutSerialNumberThatMovedAsGoneAndCome) {
   }
 }
 
-TEST(InventoryDiff, KnowsAThingByVendorProductAndSerialNumberTogether) {
+TEST(InventoryDiff, RecognisesAnItemByVendorProductAndSerialNumberTogether) {
   for (const Model& other :
        {Model{"Stick", "S2"}, Model{"Stick", "S1", 0x4321}, Model{"Stick", "S1", 0x1234, 1}}) {
     Machine before;
@@ -104,7 +105,7 @@ TEST(InventoryDiff, KnowsAThingByVendorProductAndSerialNumberTogether) {
   }
 }
 
-TEST(InventoryDiff, TellsAnotherModelWithoutSerialNumberAtTheSamePlaceAsChanged) {
+TEST(InventoryDiff, ListsAnotherModelWithoutSerialNumberAtTheSamePlaceAsChanged) {
   Machine before;
   before.AddDevice(before.root, 0, 2, kMouse);
   Machine after;
@@ -114,7 +115,7 @@ TEST(InventoryDiff, TellsAnotherModelWithoutSerialNumberAtTheSamePlaceAsChanged)
                           "    Description: \"Mouse\" -> \"Keyboard\"", "    USBDeviceID: 5678 -> 0001"));
 }
 
-TEST(InventoryDiff, KnowsTheSameModelAgainWhoseSerialNumberCouldBeReadOnce) {
+TEST(InventoryDiff, RecognisesTheSameModelWhoseSerialNumberCouldBeReadOnce) {
   Machine before;
   before.AddDevice(before.root, 0, 2, {"Stick", "Not Available"});
   Machine after;
@@ -126,7 +127,7 @@ TEST(InventoryDiff, KnowsTheSameModelAgainWhoseSerialNumberCouldBeReadOnce) {
               ElementsAre("~ bus 1, port 0: device 1234:5678 \"Stick\"", "    SerialNumber: \"S1\" -> none"));
 }
 
-TEST(InventoryDiff, TellsAnotherModelWithASerialNumberAsOneGoneAndOneCome) {
+TEST(InventoryDiff, ListsAnotherModelWithASerialNumberAsRemovedAndAdded) {
   Machine before;
   before.AddDevice(before.root, 0, 2, {"Mouse", "Not Available", 1, 1});
   Machine after;
@@ -136,7 +137,7 @@ TEST(InventoryDiff, TellsAnotherModelWithASerialNumberAsOneGoneAndOneCome) {
                           "+ bus 1, port 0: device 1234:5678 \"Stick\", serial \"S1\""));
 }
 
-TEST(InventoryDiff, MatchesThingsThatShareASerialNumberByPlaceFirstAndThenInOrder) {
+TEST(InventoryDiff, MatchesItemsThatShareASerialNumberByPlaceFirstAndThenInOrder) {
   Machine before;
   for (const int port : {0, 1, 2}) before.AddDevice(before.root, port, port + 2, kStick);
   Machine after;
@@ -146,7 +147,7 @@ TEST(InventoryDiff, MatchesThingsThatShareASerialNumberByPlaceFirstAndThenInOrde
                           "> bus 1, port 0 -> bus 1, port 3: device 1234:5678 \"Stick\", serial \"S1\""));
 }
 
-TEST(InventoryDiff, TellsAHubThatWentWithItsPortsAndEachDeviceOnIt) {
+TEST(InventoryDiff, ListsAHubThatWasRemovedWithItsPortsAndEachDeviceOnIt) {
   Machine before;
   const std::string hub = before.AddHub(before.root, 1, 2, 7, {"Hub", "H1"});
   before.AddDevice(hub, 6, 3, kMouse);
@@ -156,7 +157,7 @@ TEST(InventoryDiff, TellsAHubThatWentWithItsPortsAndEachDeviceOnIt) {
                           "- bus 1, port 1.6: device 1234:5678 \"Mouse\""));
 }
 
-TEST(InventoryDiff, MovesWhatHangsOnAHubAlongWithIt) {
+TEST(InventoryDiff, MovesWhatIsConnectedToAHubWithIt) {
   Machine before;
   const std::string hub = before.AddHub(before.root, 1, 2, 4, {"Hub", "H1"});
   before.AddDevice(hub, 0, 3, kMouse);
@@ -173,7 +174,7 @@ TEST(InventoryDiff, MovesWhatHangsOnAHubAlongWithIt) {
                           "> bus 1, port 1 -> bus 1, port 3.2: hub 1234:5678 \"Hub\", serial \"H1\""));
 }
 
-TEST(InventoryDiff, TellsWhatChangedOnAHubThatMoved) {
+TEST(InventoryDiff, ListsWhatChangedOnAHubThatMoved) {
   Machine before;
   const std::string hub = before.AddHub(before.root, 1, 2, 2, {"Hub", "H1"});
   before.AddDevice(hub, 0, 3, kMouse);
@@ -186,7 +187,7 @@ TEST(InventoryDiff, TellsWhatChangedOnAHubThatMoved) {
                           "+ bus 1, port 2.1: device 1234:5678 \"Mouse\""));
 }
 
-TEST(InventoryDiff, TellsWhatChangedAboutAThingThatMovedInOnePlace) {
+TEST(InventoryDiff, ListsThePropertiesThatChangedBelowAnItemThatMoved) {
   Machine before;
   before.AddDevice(before.root, 0, 2, kStick);
   Machine after;
@@ -197,7 +198,7 @@ TEST(InventoryDiff, TellsWhatChangedAboutAThingThatMovedInOnePlace) {
                           "    USBVersion: 200 -> 300"));
 }
 
-TEST(InventoryDiff, TellsEveryPropertyThatChanged) {
+TEST(InventoryDiff, ListsEveryPropertyThatChanged) {
   Machine before;
   before.AddDevice(before.root, 0, 2, kStick);
   Machine after;
@@ -219,7 +220,7 @@ TEST(InventoryDiff, TakesTheWordForNoTextAsNone) {
   EXPECT_THAT(Differences(before, after), IsEmpty());
 }
 
-TEST(InventoryDiff, TellsAPortsOwnChanges) {
+TEST(InventoryDiff, ListsAPortsOwnChanges) {
   Machine before;
   Machine after;
   nlohmann::json& port = after.Find("KALDO_USBPort", after.root + " Port 03");
@@ -231,17 +232,17 @@ TEST(InventoryDiff, TellsAPortsOwnChanges) {
                   "    StatusDescriptions: \"No device connected\" -> \"Device connected\", \"Odd\""));
 }
 
-TEST(InventoryDiff, TellsPortsThatAHubGained) {
+TEST(InventoryDiff, ListsPortsThatAHubGained) {
   Machine before;
   before.AddHub(before.root, 0, 2, 2);
   Machine after;
   after.AddHub(after.root, 0, 2, 3);
   EXPECT_THAT(Differences(before, after),
-              ElementsAre("~ bus 1, port 0: hub 1234:5678 \"Thing\"", "    NumberOfPorts: 2 -> 3",
+              ElementsAre("~ bus 1, port 0: hub 1234:5678 \"Item\"", "    NumberOfPorts: 2 -> 3",
                           "+ bus 1, port 0.2: port"));
 }
 
-TEST(InventoryDiff, TellsAControllerThatCameWithItsRootHub) {
+TEST(InventoryDiff, ListsAControllerThatWasAddedWithItsRootHub) {
   InventoryBuilder before;
   before.AddBus(1, 2);
   InventoryBuilder after = before;
@@ -251,7 +252,7 @@ TEST(InventoryDiff, TellsAControllerThatCameWithItsRootHub) {
                           "+ bus 2: hub 1d6b:0002 \"Controller\", serial \"0000:00:14.0\", with 6 ports"));
 }
 
-TEST(InventoryDiff, KnowsARootHubAgainWhoseBusGotAnotherNumber) {
+TEST(InventoryDiff, RecognisesARootHubWhoseBusGotAnotherNumber) {
   InventoryBuilder before;
   before.AddDevice(before.AddBus(1, 2, "0000:00:14.0"), 0, 2, kMouse);
   InventoryBuilder after;
@@ -261,17 +262,16 @@ TEST(InventoryDiff, KnowsARootHubAgainWhoseBusGotAnotherNumber) {
                           "> bus 1 -> bus 3: hub 1d6b:0002 \"Controller\", serial \"0000:00:14.0\""));
 }
 
-TEST(InventoryDiff, TellsADeviceThatGaveWayToAHubAsGoneAndCome) {
+TEST(InventoryDiff, ListsADeviceThatAHubReplacedAsRemovedAndAdded) {
   Machine before;
   before.AddDevice(before.root, 0, 2, kMouse);
   Machine after;
   after.AddHub(after.root, 0, 2, 4);
-  EXPECT_THAT(Differences(before, after),
-              ElementsAre("+ bus 1, port 0: hub 1234:5678 \"Thing\", with 4 ports",
-                          "- bus 1, port 0: device 1234:5678 \"Mouse\""));
+  EXPECT_THAT(Differences(before, after), ElementsAre("+ bus 1, port 0: hub 1234:5678 \"Item\", with 4 ports",
+                                                      "- bus 1, port 0: device 1234:5678 \"Mouse\""));
 }
 
-TEST(InventoryDiff, ComparesTwoMachinesWithoutMindingTheirNames) {
+TEST(InventoryDiff, ComparesTwoMachinesWhateverTheirNames) {
   const Machine before("one");
   Machine after("two");
   EXPECT_THAT(Differences(before, after), IsEmpty());
@@ -299,12 +299,13 @@ TEST(InventoryDiff, OrdersByBusAndPortsAsNumbers) {
                                   "bus 10, port 9", "bus 10, port 10"));
 }
 
-/// What a difference tells, as texts in an order that does not depend on it.
-struct Told {
-  std::vector<std::string> came, went, moved, changed;
+/// What a difference lists, as texts in a fixed order.
+struct Listed {
+  std::vector<std::string> added, removed, moved, changed;
 
-  bool operator==(const Told& other) const {
-    return came == other.came && went == other.went && moved == other.moved && changed == other.changed;
+  bool operator==(const Listed& other) const {
+    return added == other.added && removed == other.removed && moved == other.moved &&
+           changed == other.changed;
   }
 };
 
@@ -316,8 +317,8 @@ std::string TextOf(const cli::PlacedItem& placed) {
   return text;
 }
 
-Told TellAll(const InventoryDifference& difference, bool isMirrored) {
-  Told told;
+Listed ListAll(const InventoryDifference& difference, bool isMirrored) {
+  Listed listed;
   const auto texts = [isMirrored](const std::vector<cli::ItemChange>& changes) {
     std::vector<std::string> lines;
     for (const cli::ItemChange& change : changes) {
@@ -330,12 +331,12 @@ Told TellAll(const InventoryDifference& difference, bool isMirrored) {
     std::sort(lines.begin(), lines.end());
     return lines;
   };
-  for (const cli::PlacedItem& placed : difference.added) told.came.push_back(TextOf(placed));
-  for (const cli::PlacedItem& placed : difference.removed) told.went.push_back(TextOf(placed));
-  told.moved = texts(difference.moved);
-  told.changed = texts(difference.changed);
-  if (isMirrored) std::swap(told.came, told.went);
-  return told;
+  for (const cli::PlacedItem& placed : difference.added) listed.added.push_back(TextOf(placed));
+  for (const cli::PlacedItem& placed : difference.removed) listed.removed.push_back(TextOf(placed));
+  listed.moved = texts(difference.moved);
+  listed.changed = texts(difference.changed);
+  if (isMirrored) std::swap(listed.added, listed.removed);
+  return listed;
 }
 
 /// A machine of hubs and devices plugged in at random; few serial numbers, so that many are shared.
@@ -344,7 +345,7 @@ InventoryBuilder RandomMachine(unsigned int seed) {
   const auto below = [&random](unsigned int limit) { return static_cast<int>(random() % limit); };
   const auto model = [&below] {
     const int serial = below(5);
-    return Model{"Thing", serial < 2 ? "Not Available" : "S" + std::to_string(serial), 1, below(3)};
+    return Model{"Item", serial < 2 ? "Not Available" : "S" + std::to_string(serial), 1, below(3)};
   };
   InventoryBuilder machine;
   std::vector<std::string> hubs = {machine.AddBus(1, 3, "R1"), machine.AddBus(2, 3)};
@@ -365,7 +366,7 @@ TEST(InventoryDiff, IsMirroredWhereTheInventoriesChangePlaces) {
   for (unsigned int seed = 0; seed < kMachines; ++seed) {
     const Inventory one = RandomMachine(2 * seed).Read();
     const Inventory other = RandomMachine(2 * seed + 1).Read();
-    EXPECT_TRUE(TellAll(Compare(one, other), false) == TellAll(Compare(other, one), true)) << "seed " << seed;
+    EXPECT_TRUE(ListAll(Compare(one, other), false) == ListAll(Compare(other, one), true)) << "seed " << seed;
     EXPECT_TRUE(Compare(one, one).IsEmpty()) << "seed " << seed;
   }
 }

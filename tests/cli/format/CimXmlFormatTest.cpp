@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/format/RenderOptions.h"
 #include "cli/format/CimXmlFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "cli/format/XmlWriter.h"
 #include "tests/cli/support/CliTest.h"
 #include "tests/cli/support/XmlDocument.h"

@@ -1,10 +1,10 @@
-// The graph for Graphviz: its nodes and edges as text, and what a device's string becomes in a label.
+// The graph for Graphviz: its nodes and edges as text, and strings of devices in labels.
 #include <gmock/gmock.h>
 
 #include <string>
 
-#include "cli/format/RenderOptions.h"
 #include "cli/format/DotFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "tests/cli/support/CliTest.h"
 #include "tests/cli/support/ShownText.h"
 
@@ -66,7 +66,7 @@ TEST_F(DotFormatTest, RunsFromLeftToRightUnderTheSummary) {
   EXPECT_THAT(Render(), HasSubstr("label=\"testhost: 1 controller, 1 hub, 2 ports (1 free), 1 device\""));
 }
 
-TEST_F(DotFormatTest, SaysWhereThingsWithoutAControllerAre) {
+TEST_F(DotFormatTest, ShowsWhereItemsWithoutAControllerAre) {
   AddHub("Bus 03  Device   5", "Lost hub", 1);
   AddPort("Bus 03  Device   5 Port 00", 12000000, "No device connected");
   AddDevice("Bus 03  Device   6", "Lost mouse", 1);

@@ -93,7 +93,7 @@ TEST(HostileStrings, SendNothingToATerminalThroughAnyFormat) {
           << format << " " << locale;
     }
   }
-  // Tabs have their place in XML text.
+  // Tabs are allowed in XML text.
   std::string xml = RunOn(HostileDeviceList(), {"--format", "cimxml"}).output;
   xml.erase(std::remove(xml.begin(), xml.end(), '\t'), xml.end());
   EXPECT_FALSE(ActsOnTerminal(xml));

@@ -1,5 +1,5 @@
-// The page for a browser, as a document: its frame, what it says of every item, and that no string leaves its
-// text. What a browser makes of it is tested with one.
+// The page for a browser, as a document: its frame, what it shows of every item, and that no string leaves
+// its text. Tests with a browser are in tests/page.
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
@@ -94,7 +94,7 @@ TEST_F(HtmlFormatTest, GivesFiguresUnderTheMachinesName) {
   EXPECT_THAT(Select("//dl[@class='figures']//dd[@class='note']"), ElementsAre("1 used, 1 free"));
 }
 
-TEST_F(HtmlFormatTest, TellsOfHowManyAPartIsWithoutCountingFreePorts) {
+TEST_F(HtmlFormatTest, ShowsTheTotalsOfAPartWithoutCountingFreePorts) {
   AddSmallMachine();
   const cli::Inventory part = Collected().Only([](const cli::Item& item) {
     const std::string& identifier = item.String(cli::PropertyId::kDeviceID);
@@ -132,7 +132,7 @@ TEST_F(HtmlFormatTest, DrawsPortsAsSocketsThatLeadToWhatIsPluggedIn) {
             std::vector<std::string>{"#" + Select("//li[@class='item device']/@id").front()});
 }
 
-TEST_F(HtmlFormatTest, TellsFactsAsFarAsTheyAreKnown) {
+TEST_F(HtmlFormatTest, ShowsTheFactsThatAreKnown) {
   AddSmallMachine();
   const std::string facts = "//li[@class='item device']/details/dl/div/";
   EXPECT_THAT(Select(facts + "dt"),
@@ -147,7 +147,7 @@ TEST_F(HtmlFormatTest, FiltersByNameIdManufacturerAndSerialNumber) {
               ElementsAre("Mouse", "046d:c077", "Mouse", "Maker"));
 }
 
-TEST_F(HtmlFormatTest, TellsWhatAThingIsKnownAs) {
+TEST_F(HtmlFormatTest, ShowsTheListedNameOfAnItem) {
   AddSmallMachine();
   const cli::UsbIds names("046d  Logitech, Inc.\n\tc077  Mouse <M105>\n");
   cli::RenderOptions options;
@@ -158,7 +158,7 @@ TEST_F(HtmlFormatTest, TellsWhatAThingIsKnownAs) {
   EXPECT_EQ(page.Count("//span[@class='known']"), 0U);
 }
 
-TEST_F(HtmlFormatTest, ShowsWhatAThingIsKnownAsWhereItHasNoName) {
+TEST_F(HtmlFormatTest, ShowsTheListedNameOfAnItemWithoutAName) {
   CommitEntity("KALDO_USBDevice", "Bus 01  Device   2",
                {{"Description", TCIMValue("Not Available")},
                 {"VendorID", TCIMValue(static_cast<unsigned short>(0x046D))},
@@ -170,7 +170,7 @@ TEST_F(HtmlFormatTest, ShowsWhatAThingIsKnownAsWhereItHasNoName) {
   EXPECT_THAT(page.Select("//span[@class='name']/span"), ElementsAre("(no name)", "(Logitech, Inc.)"));
 }
 
-TEST_F(HtmlFormatTest, TellsTheFirstDigitOfCodes) {
+TEST_F(HtmlFormatTest, ShowsTheFirstDigitOfCodes) {
   CommitEntity("KALDO_USBDevice", "Bus 01  Device   2",
                {{"ClassCode", TCIMValue(static_cast<unsigned char>('f' - '0'))}});
   EXPECT_THAT(Select("//dt[.='Class']/following-sibling::dd"), ElementsAre("f*"));
@@ -188,7 +188,7 @@ TEST_F(HtmlFormatTest, KeepsWhatIsLinkedToNoController) {
               ElementsAre("Lost hub", "free", "(no name)"));
 }
 
-TEST_F(HtmlFormatTest, ListsAllThatHangsOnOnePort) {
+TEST_F(HtmlFormatTest, ListsAllThatIsPluggedIntoOnePort) {
   Path hub = AddHub(kRoot, "Hub", 1);
   Path port = AddPortOn(hub, "Bus 01  Device   1 Port 00", 12000000, kUsed);
   Associate("KALDO_USBConnection", port, AddDevice("Bus 01  Device   2", "One", 2));

@@ -1,13 +1,13 @@
-// The JSON document: its exact form, the type of each value, the order of everything, and what becomes of
-// bytes that JSON has no place for.
+// The JSON document: its exact form, the type of each value, the order of everything, and bytes that JSON
+// cannot hold.
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "cli/format/RenderOptions.h"
 #include "cli/format/JsonFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "tests/cli/support/CliTest.h"
 
 using cli::Inventory;

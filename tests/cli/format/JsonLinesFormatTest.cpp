@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "cli/format/RenderOptions.h"
 #include "cli/format/JsonLinesFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "tests/cli/support/CliTest.h"
 
 using cli::Inventory;

@@ -4,8 +4,8 @@
 #include <limits>
 #include <string>
 
-#include "cli/format/RenderOptions.h"
 #include "cli/format/MofFormat.h"
+#include "cli/format/RenderOptions.h"
 #include "tests/cli/support/CliTest.h"
 
 using cli::Inventory;

@@ -186,7 +186,7 @@ TEST_F(TreeFormatTest, NamesTheSpeedClassOfADevice) {
             "Bus 01, device 4 d      0000:0000  5+ Gbit/s\n");
 }
 
-TEST_F(TreeFormatTest, TellsTheSpeedOfAPortInWholeUnits) {
+TEST_F(TreeFormatTest, ShowsTheSpeedOfAPortInWholeUnits) {
   AddPort("Bus 01  Device   1 Port 00", 1000000, kFree);
   AddPort("Bus 01  Device   1 Port 01", 2500000000, kFree);
   AddPort("Bus 01  Device   1 Port 02", 20000000000, kFree);

@@ -1,5 +1,5 @@
-// -v: what the tree tells below each hub and device, which digits it makes of the stored numbers, and that
-// nothing of it breaks the tree.
+// -v: what the tree shows below each hub and device, how it prints the stored numbers, and that the lines of
+// the tree stay intact.
 #include <gmock/gmock.h>
 
 #include <string>
@@ -29,7 +29,7 @@ class VerboseTreeTest : public CliTest {
     return {lines.begin() + 3, lines.end()};
   }
   void AddDeviceWith(PropertyList properties) {
-    properties.emplace_back("Description", TCIMValue("Thing"));
+    properties.emplace_back("Description", TCIMValue("Mouse"));
     CommitEntity("KALDO_USBDevice", "Bus 01  Device   2", std::move(properties));
   }
   static TCIMValue Byte(unsigned char value) { return TCIMValue(value); }
@@ -45,7 +45,7 @@ class VerboseTreeTest : public CliTest {
   }
 };
 
-TEST_F(VerboseTreeTest, TellsStringsVersionAndClassBelowADevice) {
+TEST_F(VerboseTreeTest, ShowsStringsVersionAndClassBelowADevice) {
   AddDeviceWith({{"Manufacturer", TCIMValue("Maker")},
                  {"SerialNumber", TCIMValue("S1")},
                  {"USBVersion", Word(110)},
@@ -54,7 +54,7 @@ TEST_F(VerboseTreeTest, TellsStringsVersionAndClassBelowADevice) {
                  {"SubclassCode", Byte(0)},
                  {"ProtocolCode", Byte('F' - '0')}});
   EXPECT_THAT(Rows(),
-              ElementsAre("Bus 01, device 2 Thing                              0000:0000",
+              ElementsAre("Bus 01, device 2 Mouse                              0000:0000",
                           "                 manufacturer Maker",  //
                           "                 serial number S1", "                 USB 1.10, 2 configurations",
                           "                 class e*, subclass 0*, protocol F*"));
@@ -65,7 +65,7 @@ TEST_F(VerboseTreeTest, LeavesOutStringsThatADeviceHasNot) {
                  {"USBVersion", Word(200)},
                  {"NumberOfConfigs", Byte(1)},
                  {"ClassCode", Byte(9)}});
-  EXPECT_THAT(Rows(), ElementsAre("Bus 01, device 2 Thing                              0000:0000",
+  EXPECT_THAT(Rows(), ElementsAre("Bus 01, device 2 Mouse                              0000:0000",
                                   "                 USB 2.00, 1 configuration",
                                   "                 class 9*, subclass 0*, protocol 0*"));
 }
@@ -76,16 +76,16 @@ TEST_F(VerboseTreeTest, SaysSoWhereTheListHasNoNumbers) {
                  {"ClassCode", Byte(beyond)},
                  {"SubclassCode", Byte(10)},
                  {"ProtocolCode", Byte('g' - '0')}});
-  EXPECT_THAT(Rows(), ElementsAre("Bus 01, device 2 Thing                           0000:0000",
+  EXPECT_THAT(Rows(), ElementsAre("Bus 01, device 2 Mouse                           0000:0000",
                                   "                 USB version unknown",
                                   "                 class ?, subclass ?, protocol ?"));
 }
 
-TEST_F(VerboseTreeTest, TellsWhatOthersCallTheDeviceOnALineOfItsOwn) {
+TEST_F(VerboseTreeTest, ShowsTheListedNameOfTheDeviceOnASeparateLine) {
   const cli::UsbIds names("0000  Vendor\n");
   options.names = &names;
   AddDeviceWith({{"SerialNumber", TCIMValue("S1")}});
-  EXPECT_THAT(Rows(), ElementsAre("Bus 01, device 2 Thing                                 0000:0000",
+  EXPECT_THAT(Rows(), ElementsAre("Bus 01, device 2 Mouse                                 0000:0000",
                                   "                 serial number S1",  //
                                   "                 known as (Vendor)",
                                   "                 USB version unknown, 0 configurations",

@@ -29,14 +29,14 @@ TESTS = pathlib.Path(__file__).resolve().parents[2]
 DOCS = TESTS.parent / "docs"
 CAPTURES = sorted((TESTS / "data/captures").glob("*.txt"))
 EXPECTED = sorted((TESTS / "data/expected").glob("*.json"))
-# Two lists between which things are added, removed and changed.
+# Two lists between which items are added, removed and changed.
 OLD = TESTS / "data/captures/vm-desktop-debugfs.txt"
 NEW = TESTS / "data/captures/usbdevices-rpi-nested-mtt-nostrings.txt"
-# And one in which things of the first have moved.
+# And one in which items of the first have moved.
 MOVED = TESTS / "data/captures/vm-desktop-usb-devices.txt"
 
-# What leaves things out of an inventory or changes them; the last two find
-# nothing.
+# Options that leave items out of an inventory or change them; the last two
+# find nothing.
 SELECTIONS = (
     ("-d", "0627:"), ("-s", "1:"), ("-s", "1:2", "--mask-serials"),
     ("--class", "KALDO_USBPort"), ("--class", "KALDO_USBConnection"),
@@ -81,13 +81,13 @@ ALLOWED = {
 
 
 class Failures:
-    """Counts what went wrong and tells it."""
+    """Counts and prints failures."""
 
     def __init__(self):
         self.count = 0
 
-    def tell(self, what):
-        """Tell one failure."""
+    def report(self, what):
+        """Report one failure."""
         self.count += 1
         print(what)
 
@@ -152,12 +152,12 @@ def hostile_list(text):
 
 
 def require_valid(failures, validator, document, what):
-    """Tell where a document that must be valid is not."""
+    """Report where a document that must be valid is not."""
     if document is None:
-        failures.tell(f"{what}: no document")
+        failures.report(f"{what}: no document")
         return
     for error in validator.iter_errors(document):
-        failures.tell(f"{what}: {error.json_path}: {error.message}")
+        failures.report(f"{what}: {error.json_path}: {error.message}")
 
 
 def check_valid_documents(failures, usbinfo):
@@ -189,18 +189,18 @@ def check_names(failures, usbinfo):
     published = schema("usbinfo").schema
     lists = published["properties"]["classes"]["properties"]
     if list(lists) != list(classes):
-        failures.tell(f"classes: {list(lists)}, not {list(classes)}")
+        failures.report(f"classes: {list(lists)}, not {list(classes)}")
     for name, entry in lists.items():
         definition = published["$defs"][entry["items"]["$ref"].split("/")[-1]]
         names = list(definition["properties"])
         if names != list(classes[name]["properties"]):
-            failures.tell(f"{name}: the properties are not those of the class")
+            failures.report(f"{name}: the properties are not those of the class")
         for number in names:
             reference = definition["properties"][number].get("$ref", "")
             kind = classes[name]["properties"][number]["type"]
             is_number = kind.startswith("uint")
             if is_number and reference != f"#/$defs/{kind}":
-                failures.tell(f"{name}.{number}: is no {kind} in the schema")
+                failures.report(f"{name}.{number}: is not a {kind} in the schema")
 
 
 def damages(document, path=()):
@@ -239,7 +239,7 @@ def damaged(document, path, change, name):
 
 
 def is_allowed(name, what):
-    """Tell whether a damage leaves a document that is still valid."""
+    """Return whether a damage leaves a document that is still valid."""
     return any(re.fullmatch(pattern, what) for pattern in ALLOWED[name])
 
 
@@ -252,12 +252,12 @@ def check_strict(failures, usbinfo, name, document):
             continue
         is_valid = validator.is_valid(broken)
         if is_valid != is_allowed(name, what):
-            failures.tell(f"{name}: {what}: valid is {is_valid}")
+            failures.report(f"{name}: {what}: valid is {is_valid}")
         if name == "usbinfo":
             path = usbinfo.file("damaged.json", json.dumps(broken).encode())
             status, _ = usbinfo.run("diff", path, path)
             if (status == 0) != is_valid:
-                failures.tell(f"{what}: valid is {is_valid}, but diff gives "
+                failures.report(f"{what}: valid is {is_valid}, but diff gives "
                               f"the status {status}")
 
 

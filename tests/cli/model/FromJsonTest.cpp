@@ -207,7 +207,7 @@ TEST(FromJson, MayLackWhatADeviceDoesNotSend) {
   EXPECT_EQ(machine.Read().Devices().size(), 1U);
 }
 
-TEST(FromJson, TellsWhatIsNoJsonByItsPlaceInTheText) {
+TEST(FromJson, ReportsThePlaceOfWhatIsNotJson) {
   const std::string text = SmallMachine().Text();
   EXPECT_EQ(UserErrorOf([&] { cli::FromJson(text.substr(0, text.size() - 1), "file"); }),
             "file holds no inventory: line 1, column " + std::to_string(text.size()) +

@@ -1,5 +1,5 @@
-// Where things hang: buses and chains of ports from the links, and what becomes of things whose links are
-// missing, broken, circular or endless.
+// Where items are plugged in: buses and chains of ports from the links, also when links are missing, broken,
+// circular or too many.
 #include <gmock/gmock.h>
 
 #include <string>
@@ -28,7 +28,7 @@ std::vector<std::string> PlacesOf(const InventoryBuilder& machine) {
   return places;
 }
 
-TEST(Place, PlacesThingsByTheirBusAndTheChainOfTheirPorts) {
+TEST(Place, PlacesItemsByTheirBusAndTheChainOfTheirPorts) {
   InventoryBuilder machine;
   const std::string root = machine.AddBus(12, 2);
   machine.AddDevice(machine.AddHub(root, 1, 7, 1), 0, 9);

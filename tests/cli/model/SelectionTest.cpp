@@ -1,4 +1,4 @@
-// What a selection is parsed from, and what it cuts out of an inventory: on inventories made by hand, and for
+// How a selection is parsed, and which part of an inventory it selects: on inventories made by hand, and for
 // every hub and device of every capture.
 #include <gmock/gmock.h>
 
@@ -56,7 +56,7 @@ class SelectionTest : public CliTest {
                   {"USBDeviceID", TCIMValue(static_cast<unsigned short>(product))}});
   }
 
-  /// A line per selected instance that is no link: the class's last word, the identifier.
+  /// A line per selected instance except links: the class's last word, the identifier.
   std::vector<std::string> Selected(const Selection& selection, bool keepsPath = false) const {
     const Inventory inventory = Select(Collected(), selection, keepsPath);
     std::vector<std::string> lines;
@@ -173,7 +173,7 @@ TEST_F(SelectionTest, ByPlaceTakesNoControllerAndNoPort) {
   EXPECT_THAT(Selected(ByPlace(":")), IsEmpty());
 }
 
-TEST_F(SelectionTest, WantsAllThatIsGiven) {
+TEST_F(SelectionTest, RequiresAllConditions) {
   AddIds("KALDO_USBHub", "Bus 01  Device   1", 1, 1);
   AddIds("KALDO_USBDevice", "Bus 01  Device   2", 1, 1);
   AddIds("KALDO_USBDevice", "Bus 02  Device   2", 1, 1);
@@ -234,7 +234,7 @@ TEST_F(SelectionTest, KeepsNothingAboveAnItemThatIsLinkedInACircle) {
   EXPECT_THAT(Selected(ByPlace("1:2"), true), ElementsAre("Hub Bus 01  Device   2"));
 }
 
-/// For each item the one it hangs on, by their paths; empty for one at the top.
+/// For each item its parent, both by their paths; empty for an item at the top.
 std::map<std::string, std::string> ParentsIn(const Inventory& inventory) {
   const cli::UsbTree tree(inventory);
   std::map<std::string, std::string> parents;

@@ -1,4 +1,4 @@
-// JSON that is refused, and where each message says the fault is.
+// JSON that is refused, and the place of the error in each message.
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
@@ -27,14 +27,14 @@ TEST(StrictJson, GivesTheDocument) {
   EXPECT_EQ(document["c"], -1.5);
 }
 
-TEST(StrictJson, TellsTheLineAndColumnOfWhatIsNoJson) {
+TEST(StrictJson, ReportsTheLineAndColumnOfWhatIsNotJson) {
   EXPECT_EQ(ErrorOf("x"), "line 1, column 1: no valid JSON");
   EXPECT_EQ(ErrorOf("{\"a\": 1,\n \"b\": x}"), "line 2, column 7: no valid JSON");
   EXPECT_EQ(ErrorOf("{\n\n  \"a\": \"\xFF\"}"), "line 3, column 9: no valid JSON");
   EXPECT_EQ(ErrorOf("{} {}"), "line 1, column 4: no valid JSON");
 }
 
-TEST(StrictJson, TellsADocumentThatWasCutOff) {
+TEST(StrictJson, ReportsADocumentThatWasCutOff) {
   EXPECT_EQ(ErrorOf(""), "line 1, column 1: the document ends too early");
   EXPECT_EQ(ErrorOf("{\"a\": [1,\n"), "line 2, column 1: the document ends too early");
   EXPECT_EQ(ErrorOf("{\"a\": \"b"), "line 1, column 9: the document ends too early");
@@ -49,7 +49,7 @@ TEST(StrictJson, SpellsPointersAsTheirDefinitionSays) {
   EXPECT_EQ(ErrorOf("{\"~/\": {\"\": 1, \"\": 1}}"), "/~0~1/: stands there twice");
 }
 
-TEST(StrictJson, TellsTheWholeNameThatAZeroByteStandsIn) {
+TEST(StrictJson, ReportsTheWholeNameThatAZeroByteStandsIn) {
   EXPECT_EQ(ErrorOf("{\"a\\u0000b\": {\"c\": 1, \"c\": 1}}"),
             "/a\xEF\xBF\xBD"
             "b/c: stands there twice");

@@ -1,5 +1,5 @@
-// The names of vendors and products: what is taken from a list and what is passed over, which file the
-// command reads, and that names stand beside what a device says and in no export.
+// The names of vendors and products: what is read from a list and what is ignored, which file the command
+// reads, and that names are shown beside a device's own strings and in no export.
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -21,12 +21,12 @@ namespace {
 const std::string kNames = TEST_DATA_DIR "/names.ids";
 
 TEST(UsbIds, FindsVendorsAndTheirProducts) {
-  const UsbIds names("0001  One\n\t0001  First\n\t00ff  Last\nabCD  Other\n\t0001  Thing\n");
+  const UsbIds names("0001  One\n\t0001  First\n\t00ff  Last\nabCD  Other\n\t0001  Item\n");
   EXPECT_EQ(names.Vendor(0x0001), "One");
   EXPECT_EQ(names.Product(0x0001, 0x0001), "First");
   EXPECT_EQ(names.Product(0x0001, 0x00FF), "Last");
   EXPECT_EQ(names.Vendor(0xABCD), "Other");
-  EXPECT_EQ(names.Product(0xABCD, 0x0001), "Thing");
+  EXPECT_EQ(names.Product(0xABCD, 0x0001), "Item");
 }
 
 TEST(UsbIds, HasNoNameForWhatIsNotListed) {
@@ -126,7 +126,7 @@ TEST(Names, AreInNoExportForPrograms) {
   for (const char* format : {"json", "jsonl", "cimxml", "mof", "dot"}) {
     const std::string text = RunWithNames(kNames, {"--format", format}).output;
     EXPECT_EQ(text, RunWithNames("", {"--format", format}).output) << format;
-    // Not even a file that is missing is missed.
+    // Not even a missing file is reported.
     EXPECT_EQ(text, RunWithNames("/nonexistent", {"--format", format}).output) << format;
   }
 }

@@ -1,5 +1,5 @@
-// How instances hang together: what the associations link, where the rest goes, and that nothing is lost or
-// shown twice.
+// How instances are connected: what the associations link, where unlinked items are, and that no item is lost
+// or shown twice.
 #include <gmock/gmock.h>
 
 #include <string>
@@ -48,7 +48,7 @@ TEST_F(UsbTreeTest, IsEmptyForAnEmptyInventory) {
   EXPECT_THAT(tree.Top(), IsEmpty());
 }
 
-TEST_F(UsbTreeTest, HangsTheRootHubUnderTheControllerOfTheSameIdentifier) {
+TEST_F(UsbTreeTest, PutsTheRootHubBelowTheControllerOfTheSameIdentifier) {
   AddHub("Bus 02  Device   1", "", 0);
   AddHub("Bus 01  Device   1", "", 0);
   AddController("Bus 01  Device   1", "");
@@ -57,7 +57,7 @@ TEST_F(UsbTreeTest, HangsTheRootHubUnderTheControllerOfTheSameIdentifier) {
                                      "0 c Bus 02  Device   1", "1 h Bus 02  Device   1"));
 }
 
-TEST_F(UsbTreeTest, HangsPortsUnderTheirHubAndWhatIsPluggedInUnderThePort) {
+TEST_F(UsbTreeTest, PutsPortsBelowTheirHubAndWhatIsPluggedInBelowThePort) {
   AddController("root", "");
   Path root = AddHub("root", "", 2);
   Path hub = AddHub("hub", "", 1);

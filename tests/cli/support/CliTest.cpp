@@ -1,4 +1,3 @@
-// What the command's tests share; see the header.
 #include "tests/cli/support/CliTest.h"
 
 #include <unistd.h>
@@ -47,7 +46,7 @@ FileSizeLimit::~FileSizeLimit() {
 
 NoPrivileges::NoPrivileges() : fUser(::geteuid()) {
   constexpr uid_t kNobody = 65534;
-  // Nothing may go on with root's rights.
+  // No test may go on with root's rights.
   if (fUser == 0 && ::seteuid(kNobody) != 0) throw std::runtime_error("cannot give up root's rights");
 }
 

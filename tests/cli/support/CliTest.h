@@ -21,7 +21,7 @@
 
 namespace usbinfo_test {
 
-/// The locale of character sets, until the object goes.
+/// Sets the locale of character sets until the object is destroyed.
 class CharacterSet {
  public:
   explicit CharacterSet(const char* locale);
@@ -33,8 +33,8 @@ class CharacterSet {
   std::string fBefore;
 };
 
-/// No file that this process or a command of its own writes may grow beyond `bytes`, until the object goes; a
-/// write fails then, as on a full disk.
+/// Limits files that this process or its commands write to `bytes` until the object is destroyed; a write
+/// beyond that fails, as on a full disk.
 class FileSizeLimit {
  public:
   explicit FileSizeLimit(rlim_t bytes);
@@ -47,7 +47,7 @@ class FileSizeLimit {
   rlimit fBefore{};
 };
 
-/// Rights of a user who owns nothing, until the object goes, where the tests run as root.
+/// Takes the rights of a user without files until the object is destroyed, where the tests run as root.
 class NoPrivileges {
  public:
   NoPrivileges();
@@ -63,7 +63,7 @@ class NoPrivileges {
 std::string CapturePath(const std::string& name);
 /// The names of all captured lists.
 std::vector<std::string> CaptureNames();
-/// The content of the file of that name that says what must come out.
+/// The content of the file of expected data of that name.
 std::string Expected(const std::string& file);
 
 /// A test's name for a capture's: letters and digits only.
@@ -75,7 +75,7 @@ std::vector<std::string> Lines(const std::string& text);
 /// The columns that `line` takes on a terminal that knows UTF-8; fails the test for a text without a width.
 int DisplayWidth(const std::string& line);
 
-/// What the UserError says that `action` throws; empty when it throws none.
+/// The text of the UserError that `action` throws; empty when it throws none.
 std::string UserErrorOf(const std::function<void()>& action);
 
 using PropertyList = std::vector<std::pair<std::string, NKESTA20::TCIMValue>>;
@@ -87,7 +87,7 @@ class CliTest : public HostTest {
 
   /// Commits an instance of these properties; gives its path.
   Path Commit(const std::string& className, const PropertyList& properties);
-  /// The same with the keys that every entity has: `deviceId` and those that tell the system and the class.
+  /// The same with the keys that every entity has: `deviceId` and those that name the system and the class.
   Path CommitEntity(const std::string& className, const std::string& deviceId, PropertyList properties = {});
   void Associate(const std::string& className, Path antecedent, Path dependent);
 
@@ -96,7 +96,7 @@ class CliTest : public HostTest {
   Path AddPort(const std::string& deviceId, unsigned long speed, const std::string& status);
   Path AddDevice(const std::string& deviceId, const std::string& description, unsigned char speedClass);
 
-  /// What the host holds, as the formats get it.
+  /// The inventory that the host holds, as the formats get it.
   cli::Inventory Collected() const;
   /// Has the built module fill the host from a device list.
   void Collect(const std::string& deviceList);

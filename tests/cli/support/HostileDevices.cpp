@@ -1,4 +1,3 @@
-// The hostile strings; see the header.
 #include "tests/cli/support/HostileDevices.h"
 
 #include <algorithm>

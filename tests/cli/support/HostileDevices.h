@@ -1,5 +1,5 @@
-// Device lists whose devices try to break out of the text that they are printed in, and what each string has
-// to look like in the formats that other programs read back; and how to see that one got through.
+// Device lists whose devices try to break out of the text that they are printed in, the form that each string
+// must have in formats for programs, and checks for strings that got through.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ struct HostileString {
   const char* name;
   /// As the device sends it.
   std::string bytes;
-  /// The same with U+FFFD for bytes that are no UTF-8.
+  /// The same with U+FFFD for bytes that are not UTF-8.
   std::string asUtf8;
   /// The same with U+FFFD for what XML has no character for as well.
   std::string asXml;

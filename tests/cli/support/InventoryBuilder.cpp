@@ -1,4 +1,3 @@
-// Instances and links as the plug-in would make them; see the header.
 #include "tests/cli/support/InventoryBuilder.h"
 
 #include <fmt/format.h>

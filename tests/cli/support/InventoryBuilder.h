@@ -9,9 +9,9 @@
 
 namespace usbinfo_test {
 
-/// What tells one hub or device from another.
+/// What distinguishes a hub or device from others.
 struct Model {
-  std::string name = "Thing";
+  std::string name = "Item";
   /// "Not Available" and empty mean none.
   std::string serial = "Not Available";
   int vendor = 0x1234;
@@ -28,7 +28,7 @@ class InventoryBuilder {
   std::string AddHub(const std::string& parent, int port, int number, int ports, const Model& model = {});
   std::string AddDevice(const std::string& parent, int port, int number, const Model& model = {});
 
-  /// The last instance of a class, to be changed at will.
+  /// The last instance of a class, which may be changed.
   nlohmann::json& Last(const std::string& className) { return fDocument["classes"][className].back(); }
   /// The instance of a class with that DeviceID, likewise.
   nlohmann::json& Find(const std::string& className, const std::string& identifier);

@@ -1,5 +1,3 @@
-// Spawning the command; see the header. What it writes goes to files in memory, so it never waits for a
-// reader; only a terminal has to be read while the command runs.
 #include "tests/cli/support/RunCommand.h"
 
 #include <fcntl.h>
@@ -38,6 +36,7 @@ Pipe NewPipe() {
   return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
 }
 
+/// Holds what the command writes: unlike a pipe, a file never makes it wait for a reader.
 FileDescriptor NewMemoryFile() {
   return FileDescriptor(::memfd_create("captured", MFD_CLOEXEC));
 }
@@ -47,8 +46,7 @@ std::string Content(const FileDescriptor& file) {
   return sys::ReadAll(file.Get());
 }
 
-/// A pipe's reading end with `text` in it; the kernel's buffer holds all of it, so nobody has to go on
-/// writing.
+/// A pipe's reading end with `text` in it. The kernel's buffer holds all of it, so no writer is needed.
 FileDescriptor PipeHolding(const std::string& text) {
   constexpr int kMostForAnyUser = 1 << 20;
   Pipe pipe = NewPipe();
@@ -57,7 +55,7 @@ FileDescriptor PipeHolding(const std::string& text) {
   return std::move(pipe.reader);
 }
 
-/// Both sides of a terminal that passes on what is written as it is.
+/// Both sides of a terminal that passes on output unchanged.
 struct Terminal {
   FileDescriptor master;
   FileDescriptor slave;
@@ -82,8 +80,8 @@ Terminal NewTerminal(unsigned short columns) {
   return terminal;
 }
 
-/// Everything up to the moment when no process has the terminal open any more, which shows as an error;
-/// `onText` may watch it come.
+/// Everything written to the terminal until no process has it open, which reads as an error; `onText` is
+/// called with the text so far.
 std::string ReadTerminal(const FileDescriptor& master,
                          const std::function<void(const std::string& text)>& onText) {
   std::string text;
@@ -110,7 +108,8 @@ struct StandardFiles {
   int errors;
 };
 
-/// Descriptors as posix_spawn wants them. Signals start out as in a shell, whatever the test runner ignores.
+/// Descriptors in the form of posix_spawn. Signals have their default handling, as in a shell, whatever the
+/// test runner ignores.
 class SpawnSettings {
  public:
   explicit SpawnSettings(const StandardFiles& files) {
@@ -159,7 +158,7 @@ pid_t Spawn(std::vector<std::string> words, std::vector<std::string> environment
   return pid;
 }
 
-/// The path of a copy of the command, with what it loads beside it: the build folder may be closed to others.
+/// The path of a copy of the command and of what it loads, since the build folder may be closed to others.
 std::string CommandForAll() {
   static const TemporaryFolder folder;
   const std::string copy = folder.File("usbinfo");

@@ -24,10 +24,10 @@ class Command {
   Command& Program(const std::string& path);
   /// As a user without privileges where the tests run as root, from a copy that every user can reach.
   Command& AsOrdinaryUser();
-  /// By a program that runs another one: its words, which the command's own follow.
+  /// Run by another program: its words, which come before the command's own.
   Command& Through(std::vector<std::string> runner);
-  /// A variable of the environment. The rest is the test's own, with the locale C.UTF-8, a search path that
-  /// leads to no command of this machine, no names of vendors and products and a terminal without colours.
+  /// A variable of the environment. The others are fixed: the locale C.UTF-8, a search path without commands,
+  /// no names of vendors and products and a terminal without colours.
   Command& Set(const std::string& name, const std::string& value);
   /// Standard input is a pipe that holds `text`; else it is at its end.
   Command& Input(const std::string& text);
@@ -42,7 +42,7 @@ class Command {
   Command& CloseErrors();
   /// Standard output is a terminal of that many columns, captured as it is written.
   Command& OutputToTerminal(unsigned short columns);
-  /// Standard error is a terminal; `onText` is called with what stands there each time that more comes.
+  /// Standard error is a terminal; `onText` is called with the text so far each time that more is written.
   Command& ErrorsToTerminal(std::function<void(const std::string& text)> onText);
 
   CommandResult Run() const;
@@ -73,7 +73,7 @@ class Command {
   std::function<void(const std::string& text)> fOnErrors;
 };
 
-/// The command with these arguments and nothing special around it.
+/// Runs the command with these arguments in the default environment.
 CommandResult RunUsbinfo(std::vector<std::string> arguments);
 
 }  // namespace usbinfo_test

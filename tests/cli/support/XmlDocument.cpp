@@ -1,4 +1,3 @@
-// Reading XML back; see the header.
 #include "tests/cli/support/XmlDocument.h"
 
 #include <gtest/gtest.h>
@@ -16,8 +15,8 @@ const xmlChar* Xml(const std::string& text) {
   return reinterpret_cast<const xmlChar*>(text.c_str());
 }
 
-template <typename Thing>
-using Owned = std::unique_ptr<Thing, void (*)(Thing*)>;
+template <typename Object>
+using Owned = std::unique_ptr<Object, void (*)(Object*)>;
 
 }  // namespace
 

@@ -14,8 +14,8 @@ class XmlDocument {
   /// Fails the test when `text` is not well-formed.
   explicit XmlDocument(const std::string& text);
 
-  /// The string value of every node that `xpath` selects, in document order; the test fails for an expression
-  /// that is none.
+  /// The string value of every node that `xpath` selects, in document order; the test fails for an invalid
+  /// expression.
   std::vector<std::string> Select(const std::string& xpath) const;
   std::size_t Count(const std::string& xpath) const { return Select(xpath).size(); }
 

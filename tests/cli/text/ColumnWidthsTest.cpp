@@ -1,4 +1,4 @@
-// How columns share a width: examples, and what holds for any columns on any width.
+// How columns share a width: examples, and properties that hold for any columns on any width.
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -55,7 +55,7 @@ TEST(FitColumns, CutsTheLastColumnToWhateverThereIs) {
               ElementsAre(1, 0));
 }
 
-/// The columns that are left of `needs`, and whether any is narrower than it asks for.
+/// The columns that are left of `needs`, and whether any is narrower than it needs.
 struct Fitted {
   Fitted(const std::vector<ColumnNeed>& needs, std::size_t room) : widths(FitColumns(needs, room)) {
     for (std::size_t column = 0; column < needs.size(); ++column) {

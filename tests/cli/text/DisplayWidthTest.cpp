@@ -1,4 +1,4 @@
-// How many columns a text takes in a locale of UTF-8 and in one of ASCII, and what a cut leaves of it.
+// The display width of texts in a UTF-8 and in an ASCII locale, and texts cut to a width.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,5 +1,5 @@
-// The log's lines: which severities pass, how they are spelled, and that a file holds every one or the user
-// is told.
+// The log's lines: which severities pass, how they are written, and that a file holds every line or an error
+// is reported.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -37,7 +37,7 @@ std::vector<std::string> LinesFromLevel(int level) {
   return Lines(ReadFile(folder.File("log")));
 }
 
-/// What a log in `format` says of `text` at severity 2.
+/// The line of a log in `format` for `text` at severity 2.
 std::string LineOf(LogFormat format, const std::string& text) {
   const TemporaryFolder folder;
   LogWriter log(folder.File("log"), Severity(4), format);
@@ -82,7 +82,7 @@ TEST(LogWriter, MakesTheFileAnew) {
   EXPECT_EQ(ReadFile(path), "error: new\n");
 }
 
-TEST(LogWriter, LeavesAnEmptyFileWhenThereIsNothingToTell) {
+TEST(LogWriter, LeavesAnEmptyFileWhenThereIsNothingToLog) {
   const TemporaryFolder folder;
   LogWriter log(folder.File("log"), Severity(1), LogFormat::kText);
   log.Finish();
@@ -147,7 +147,7 @@ TEST(LogWriter, NeedsNoMemoryToLoseALineQuietly) {
   log.reset();
 }
 
-TEST(LogWriter, TellsOfLostLinesAtTheEndOnly) {
+TEST(LogWriter, ReportsLostLinesAtTheEndOnly) {
   const TemporaryFolder folder;
   const std::string path = folder.File("log");
   const FileSizeLimit limit(1000);
@@ -158,7 +158,7 @@ TEST(LogWriter, TellsOfLostLinesAtTheEndOnly) {
               testing::StartsWith("cannot write the log " + path + ": File too large; "));
 }
 
-/// Standard error is the file at `path`, until the object goes.
+/// Redirects standard error to the file at `path` until the object is destroyed.
 class StandardErrorTo {
  public:
   explicit StandardErrorTo(const std::string& path) : fBefore(::dup(STDERR_FILENO)) {
@@ -181,7 +181,7 @@ TEST(LogWriter, WritesALineToStandardErrorAtOnce) {
   EXPECT_EQ(ReadFile(folder.File("errors")), "error: first\n");
 }
 
-TEST(LogWriter, TellsNothingOfLinesThatStandardErrorLost) {
+TEST(LogWriter, ReportsNoLinesThatStandardErrorLost) {
   const StandardErrorTo full("/dev/full");
   LogWriter log("", Severity(4), LogFormat::kText);
   log.Write(Severity(0), "lost");

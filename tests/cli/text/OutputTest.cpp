@@ -1,5 +1,5 @@
-// Files that are written whole or not at all: what is there before, during and after, and what is left behind
-// when it goes wrong.
+// Files that are written completely or not at all: their state before, during and after, and what is left
+// after a failure.
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -46,7 +46,7 @@ class SharedFolder {
     fs::create_directory(fPath);
     EXPECT_EQ(::chmod(fPath.c_str(), 01777), 0);
   }
-  /// What is at `name` becomes another user's.
+  /// Gives the file `name` to another user.
   std::string Give(const std::string& name) const {
     EXPECT_EQ(::lchown(File(name).c_str(), kOtherUser, kOtherUser), 0);
     return File(name);
@@ -387,7 +387,7 @@ TEST(WriteFile, RefusesAFolderAsTheFile) {
   EXPECT_TRUE(fs::is_directory(path));
 }
 
-// Without privileges, so that no fault in what is tested can take the place of the machine's own device.
+// Without privileges, so that a fault cannot replace the machine's own device.
 TEST(WriteFile, WritesToADeviceWithoutReplacingIt) {
   const NoPrivileges none;
   EXPECT_EQ(ErrorOfWriting("/dev/null"), "");

@@ -1,5 +1,5 @@
-// What the tables for people share: what becomes of foreign text in a cell, where colours stand, the lines of
-// a tree, and how a table fits a terminal.
+// Tables for people: foreign text in a cell, the place of colours, the lines of a tree, and how a table fits
+// a terminal.
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
@@ -227,7 +227,7 @@ std::vector<std::string> Cells(const std::string& line) {
   return {std::istream_iterator<std::string>(stream), {}};
 }
 
-/// The columns that the titles name, be they cut.
+/// The columns whose titles are shown, even if cut.
 std::vector<NarrowColumn> ColumnsOf(const std::string& titles) {
   std::vector<NarrowColumn> columns;
   for (const std::string& title : Cells(titles)) {

@@ -1,4 +1,4 @@
-// Foreign texts made fit for JSON, for one line on a terminal and for a place where the reading direction
+// Foreign texts converted for JSON, for one line on a terminal and for places where the reading direction
 // matters.
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 // A module whose plug-in writes every call that it gets to the core logger, so that a test can read the order
-// in which a host drives it. The plug-in belongs to itself, as plug-ins do.
+// in which a host drives it. The plug-in owns itself, as plug-ins do.
 #include <boost/shared_ptr.hpp>
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
 // A module whose plug-in has a life but answers no queries. The module owns it, so that it is not lost where
-// a host cannot register it; the core logger tells when the host lets it go.
+// a host cannot register it; it logs a line when the host releases it.
 #include <boost/shared_ptr.hpp>
 #include <string>
 

@@ -1,13 +1,13 @@
-// CIM's names of the value types, as the typed exports write them.
+// CIM's names of the value types, for the typed exports.
 #pragma once
 
 #include <string>
 
 #include "host/TCIMValue.h"
 
-namespace cli {
+namespace schema {
 
 /// "uint8", "uint16", "uint64", "string" or "reference"; for an array the type of its elements.
 std::string CimTypeName(NKESTA20::TCIMValue::TCIMType::ECIMType type);
 
-}  // namespace cli
+}  // namespace schema

@@ -1,8 +1,8 @@
-#include "cli/format/CimTypes.h"
+#include "schema/CimTypes.h"
 
 using Type = NKESTA20::TCIMValue::TCIMType;
 
-namespace cli {
+namespace schema {
 
 std::string CimTypeName(Type::ECIMType type) {
   switch (type) {
@@ -19,4 +19,4 @@ std::string CimTypeName(Type::ECIMType type) {
   }
 }
 
-}  // namespace cli
+}  // namespace schema
