@@ -6,10 +6,8 @@
 #include <clocale>
 #include <csignal>
 #include <exception>
-#include <filesystem>
 #include <new>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "cli/collect/Hardening.h"
@@ -24,13 +22,6 @@ namespace {
 int Fail(const std::string& message) {
   cli::PrintMessage(message);
   return cli::kFailure;
-}
-
-std::string Describe(const std::filesystem::filesystem_error& error) {
-  std::error_code code;
-  static_cast<void>(std::filesystem::current_path(code));
-  if (code) return "the current folder does not exist any more; change to one that does";
-  return error.path1().string() + ": " + error.code().message();
 }
 
 /// When the command is started without one of the standard streams, no file opened here may get its number. A
@@ -65,8 +56,6 @@ int main(int argc, char** argv) {
     sys::EndBySignal(SIGPIPE);
   } catch (const std::bad_alloc&) {
     return Fail("out of memory");
-  } catch (const std::filesystem::filesystem_error& error) {
-    return Fail(Describe(error));
   } catch (const std::exception& error) {
     return Fail(error.what());
   } catch (...) {

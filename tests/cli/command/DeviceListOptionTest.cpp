@@ -71,7 +71,7 @@ TEST(DevicesOption, RefusesATextThatIsNoList) {
                                   std::string("\x7F"
                                               "ELF\0\0T:\n",
                                               10),
-                                  std::string("{\"schema\": 1}"), std::string("\0", 1)}) {
+                                  std::string("\0", 1)}) {
     const std::string list = folder.File("list", text);
     const CommandResult result = RunUsbinfo({"--devices", list, "-j"});
     EXPECT_EQ(result.status, 2);
@@ -80,6 +80,17 @@ TEST(DevicesOption, RefusesATextThatIsNoList) {
                                  " holds no device list: no line begins with \"T:\"; expected is what "
                                  "/sys/kernel/debug/usb/devices or usb-devices prints\n");
   }
+}
+
+TEST(DevicesOption, RefusesJsonThatIsNoInventory) {
+  const TemporaryFolder folder;
+  const std::string path = folder.File("list", "{\"schema\": 1}");
+  const CommandResult result = RunUsbinfo({"--devices", path, "-j"});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "usbinfo: " + path +
+                               " holds no inventory: /schema: must be \"usbinfo.inventory/1\"; save it anew "
+                               "with usbinfo --format json\n");
 }
 
 TEST(DevicesOption, TakesBlanksForAMachineWithoutDevices) {

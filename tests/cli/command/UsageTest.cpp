@@ -262,7 +262,9 @@ TEST(Usage, SaysInOneLineThatTheCurrentFolderIsGone) {
           .Program("/bin/sh")
           .Run();
   EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.errors, "usbinfo: the current folder does not exist any more; change to one that does\n");
+  EXPECT_EQ(result.errors,
+            "usbinfo: cannot find the plug-in x.so: the current folder: No such file or directory; name an "
+            "absolute path with --plugin\n");
 }
 
 TEST(Usage, CutsALongMessageBetweenCharacters) {
