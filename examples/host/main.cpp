@@ -1,10 +1,9 @@
 // A small host: loads the plug-in module with the installed stand-in library, asks it for hubs and devices,
 // and prints their properties. The program owns the module; the stand-in owns the instances.
-//
 // With CMake (PREFIX is where usbinfo is installed; below /usr, leave CMAKE_PREFIX_PATH out):
 //   cmake -S examples/host -B build/example -G Ninja -DCMAKE_PREFIX_PATH=PREFIX
 //   cmake --build build/example --target run
-// With one call of the compiler:
+// With the compiler alone:
 //   g++ -std=c++17 -o example-host examples/host/main.cpp $(pkg-config --cflags --libs usbinfo)
 //   ./example-host "$(pkg-config --variable=plugin usbinfo)"
 // Usage: example-host MODULE [DEVICE-LIST]    the default is this machine's list

@@ -127,12 +127,15 @@ TEST_P(FailureTest, LeavesNothingBehind) {
 INSTANTIATE_TEST_SUITE_P(Failures, FailureTest, testing::ValuesIn(kFailures),
                          [](const auto& row) { return std::string(row.param.name); });
 
-/// What the command says when the plug-in throws what `request` names.
+/// The last line that the command prints when the plug-in throws what `request` names; the one before it says
+/// that the schema has no such class.
 std::string ErrorsOfThrowingPlugin(const std::string& request) {
   const CommandResult result = RunUsbinfo({"--plugin", THROWING_MODULE, "--request", request});
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.output, "");
-  return result.errors;
+  const std::vector<std::string> lines = Lines(result.errors);
+  EXPECT_EQ(lines.size(), 2U);
+  return lines.back() + "\n";
 }
 
 TEST(FailingPlugin, IsNamedWithWhatItThrows) {

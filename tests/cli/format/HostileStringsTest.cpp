@@ -273,7 +273,7 @@ TEST(HostileStrings, InAFileNameStayOnTheirLine) {
 TEST(HostileStrings, InAWrongOptionStayOnTheirLine) {
   const CommandResult result = RunUsbinfo({"--format", "a\nb\x1B[2J"});
   EXPECT_EQ(result.status, 2);
-  EXPECT_THAT(result.errors, StartsWith("usbinfo: --format: a\\nb\\x1b[2J not in "));
+  EXPECT_THAT(result.errors, StartsWith("usbinfo: --format: \"a\\nb\\x1b[2J\" is not one of "));
   EXPECT_FALSE(ActsOnTerminal(result.errors));
 }
 
