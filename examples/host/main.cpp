@@ -17,17 +17,12 @@
 #include <string>
 #include <vector>
 
-#include "host/ICIMClass.h"
-#include "host/ICIMInstance.h"
 #include "host/ILogger.h"
-#include "host/TAddToVectorCallback.h"
 #include "standin/GivenDeviceList.h"
 #include "standin/Host.h"
-#include "standin/Instance.h"
 #include "standin/PluginModule.h"
 #include "standin/ValueView.h"
 
-using NKESTA20::ICIMInstance;
 using NKESTA20::ILogger;
 
 namespace {
@@ -70,14 +65,9 @@ void Collect(const std::string& modulePath) {
 }
 
 void Print(const std::string& className) {
-  std::vector<boost::shared_ptr<ICIMInstance>> instances;
-  standin::Host::Instance()
-      .Cimv2()
-      ->GetClass(className, {})
-      ->EnumerateInstances(NKESTA20::TAddToVectorCallback<ICIMInstance>(instances), 0, {});
-  for (const auto& instance : instances) {
+  for (const auto& instance : standin::Host::Instance().Cimv2()->ClassForRequest(className)->Instances()) {
     std::cout << className << "\n";
-    for (const auto& [name, value] : static_cast<standin::Instance&>(*instance).Properties()) {
+    for (const auto& [name, value] : instance->Properties()) {
       std::cout << "  " << name << " = " << Harmless(standin::TextOf(value)) << "\n";
     }
   }
