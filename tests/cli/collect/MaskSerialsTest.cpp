@@ -456,6 +456,7 @@ class MaskingSystemTest : public CliTest {
   void CollectMasked(const std::function<void(FakeOperatingSystem&)>& furnish) {
     auto fake = std::make_unique<FakeOperatingSystem>(&calls);
     furnish(*fake);
+    machine = fake.get();
     host.SetOperatingSystem(std::make_unique<cli::MaskingSystem>(std::move(fake), Mask()));
     host.SetSystemName("testhost");
     CollectThroughModule();
