@@ -16,7 +16,7 @@ namespace {
 /// The folder of the program. Never a relative path, since the caller chooses the current folder.
 fs::path FolderOfProgram(const std::string& program) {
   std::error_code error;
-  const fs::path folder = fs::read_symlink(program, error).parent_path();
+  fs::path folder = fs::read_symlink(program, error).parent_path();
   if (folder.is_absolute()) return folder;
   throw UserError(
       fmt::format("cannot find the plug-in: {}: {}; mount /proc, or name the module with --plugin FILE",
