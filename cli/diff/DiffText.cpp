@@ -73,6 +73,7 @@ struct ValueDescription {
   }
   std::string operator()(const std::vector<std::string>& texts) const {
     std::vector<std::string> elements;
+    elements.reserve(texts.size());
     for (const std::string& text : texts) elements.push_back(QuoteForTerminal(text));
     return fmt::format("{}", fmt::join(elements, ", "));
   }

@@ -59,6 +59,7 @@ struct ValueText {
   std::string operator()(const Reference& reference) const { return Quoted("/root/cimv2:" + reference.path); }
   std::string operator()(const std::vector<std::string>& texts) const {
     std::vector<std::string> elements;
+    elements.reserve(texts.size());
     for (const std::string& text : texts) elements.push_back(Quoted(text));
     return fmt::format("{{{}}}", fmt::join(elements, ", "));
   }
