@@ -52,6 +52,10 @@ pkg-config, and an example.")
 set(PACKAGE_FILES "${PROJECT_BINARY_DIR}/debian")
 string(TIMESTAMP PACKAGE_DATE "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(cmake/debian/changelog "${PACKAGE_FILES}/changelog" @ONLY)
+# compress(FROM TO): the same text gives the same bytes, which takes gzip's -n.
+function(compress from to)
+  execute_process(COMMAND "${GZIP}" -9nc "${from}" OUTPUT_FILE "${to}" COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
 compress("${PACKAGE_FILES}/changelog" "${PACKAGE_FILES}/changelog.Debian.gz")
 compress("${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PACKAGE_FILES}/changelog.gz")
 # The command contains code of header-only libraries, so the packages have to contain their terms.

@@ -11,17 +11,19 @@ if(USBINFO_NATIVE_COMMAND)
 elseif(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
   message(FATAL_ERROR "A cross build needs a usbinfo command that runs here: set USBINFO_NATIVE_COMMAND to its path")
 else()
-  set(DOCUMENTED_COMMAND usbinfo)
+  set(DOCUMENTED_COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} "$<TARGET_FILE:usbinfo>")
 endif()
 
 configure_file(docs/usbinfo.1.in "${PROJECT_BINARY_DIR}/documents/usbinfo.1.in" @ONLY)
 
-# generated_document(FILE WHAT): adds the rule for a file of the folder documents/ that the command generates.
+# generated_document(FILE WHAT): adds the rule for a file of the folder documents/ that the command generates. A build
+# for packages has no search path for the library beside the command.
 function(generated_document file what)
   add_custom_command(
     OUTPUT "documents/${file}"
-    COMMAND "${DOCUMENTED_COMMAND}" --generate ${what} > "documents/${file}"
-    DEPENDS "${DOCUMENTED_COMMAND}"
+    COMMAND "${CMAKE_COMMAND}" -E env "LD_LIBRARY_PATH=${PROJECT_BINARY_DIR}" ${DOCUMENTED_COMMAND} --generate ${what} >
+            "documents/${file}"
+    DEPENDS usbinfo
     WORKING_DIRECTORY "${PROJECT_BINARY_DIR}"
     COMMENT "Generating documents/${file}"
     VERBATIM)
