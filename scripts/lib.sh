@@ -79,16 +79,11 @@ install_packages() {
     apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" >&2
 }
 
-# build PRESET [TARGET...]: configures once, with the options in CONFIGURE_OPTIONS if there are any, and builds. A
-# compiler cache is used where one is installed; it needs some freedom to take the tests' precompiled header.
+# build PRESET [TARGET...]: configures once, with the options in CONFIGURE_OPTIONS if there are any, and builds.
 build() {
   local preset=$1 options
   shift
   read -ra options <<< "${CONFIGURE_OPTIONS:-}"
-  if command -v ccache > /dev/null; then
-    options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-    export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
-  fi
   [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" "${options[@]}" >&2
   if [ $# -gt 0 ]; then
     cmake --build --preset "$preset" --target "$@" >&2
