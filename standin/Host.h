@@ -18,8 +18,6 @@ namespace standin {
 
 class USBINFO_STANDIN_EXPORT Host {
  public:
-  static constexpr const char* kSystemCreationClassName = "KALDO_ComputerSystem";
-
   static Host& Instance();
 
   /// Restores the initial state: no instances, no registered plug-ins, the machine's name and services, no

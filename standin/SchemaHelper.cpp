@@ -1,5 +1,6 @@
 // The host's knowledge of the system, from the one stand-in host.
 #include "host/TCIMSchemaHelper.h"
+#include "schema/ClassSchema.h"
 #include "standin/Host.h"
 #include "standin/HostEntry.h"
 
@@ -19,7 +20,7 @@ std::string TCIMSchemaHelper::GetSystemName(boost::shared_ptr<ICIMNamespace>) {
 
 std::string TCIMSchemaHelper::GetSystemCreationClassName(boost::shared_ptr<ICIMNamespace>) {
   HostEntry::Pass(HostOperation::kGetSystemCreationClassName);
-  return Host::kSystemCreationClassName;
+  return schema::kSystemClass;
 }
 
 }  // namespace NKESTA20

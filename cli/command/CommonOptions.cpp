@@ -23,6 +23,17 @@ A single dash is standard output.)",
           .store = StoreText(path)};
 }
 
+Option FormatOption(std::string& format, const std::vector<std::string>& formats) {
+  const std::vector<Choice> choices = ChoicesOf(formats);
+  return {.names = {"--format"},
+          .value = "FORMAT",
+          .help = "How to print",
+          .defaultValue = format,
+          .choices = choices,
+          .manual = "How to print:",
+          .store = StoreChoice(format, choices)};
+}
+
 Option ColorOption(std::string& when) {
   const std::vector<Choice> choices = {{"auto", "on a terminal"}, {"always"}, {"never"}};
   return {.names = {"--color"},

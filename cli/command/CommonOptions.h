@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "cli/option/Option.h"
 
@@ -12,6 +13,9 @@ Option HelpOption(bool& isAsked);
 
 /// --output FILE; "-" and an empty name mean standard output.
 Option OutputOption(std::string& path);
+
+/// --format FORMAT, one of `formats`; `format` holds the default.
+Option FormatOption(std::string& format, const std::vector<std::string>& formats);
 
 /// --color WHEN.
 Option ColorOption(std::string& when);

@@ -13,14 +13,7 @@ std::vector<Operand> DiffOperands(DiffOptions& options) {
 }
 
 std::vector<Option> DiffOptionTable(DiffOptions& options) {
-  const std::vector<Choice> formats = ChoicesOf({"text", "json"});
-  return {{.names = {"--format"},
-           .value = "FORMAT",
-           .help = "How to print",
-           .defaultValue = options.format,
-           .choices = formats,
-           .manual = "How to print:",
-           .store = StoreChoice(options.format, formats)},
+  return {FormatOption(options.format, {"text", "json"}),
           ColorOption(options.color),
           OutputOption(options.output),
           {.names = {"--system-name"},

@@ -1,6 +1,5 @@
 #include "cli/text/Surface.h"
 
-#include <langinfo.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -8,6 +7,8 @@
 #include <cstdlib>
 #include <string_view>
 #include <system_error>
+
+#include "cli/text/Text.h"
 
 namespace cli {
 
@@ -43,7 +44,7 @@ Surface SurfaceOf(bool isStandardOutput, Color color) {
     surface.width = FirstNonZero(WidthOfEnvironment(), FirstNonZero(WidthOfTerminal(), kUsualWidth));
   }
   surface.isColored = UsesColor(color, isStandardOutput);
-  surface.isUtf8 = std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
+  surface.isUtf8 = IsLocaleUtf8();
   return surface;
 }
 

@@ -10,12 +10,6 @@ namespace cli {
 
 namespace {
 
-/// Whether who reads the lines takes the bytes of UTF-8 for characters; elsewhere some are control
-/// characters.
-bool IsLocaleUtf8() {
-  return std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
-}
-
 class TerminalPolicy {
  public:
   void operator()(const Character& character, bool isUnprintable, std::string& out) const {
@@ -56,6 +50,10 @@ void AppendForMof(const Character& character, bool isUnprintable, std::string& o
 }
 
 }  // namespace
+
+bool IsLocaleUtf8() {
+  return std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
+}
 
 std::string ReplaceInvalidUtf8(std::string_view text) {
   return MapCharacters(text, [](const Character& character, bool /*isUnprintable*/, std::string& out) {

@@ -11,6 +11,10 @@
 
 namespace cli {
 
+/// Whether the locale's characters are encoded in UTF-8; in another, some bytes of UTF-8 are control
+/// characters.
+bool IsLocaleUtf8();
+
 /// `text` with every sequence of bytes that is not UTF-8 replaced by U+FFFD, as the JSON export does it.
 std::string ReplaceInvalidUtf8(std::string_view text);
 

@@ -1,6 +1,7 @@
 #include "tests/inventory/SystemNames.h"
 
 #include "host/TCIMSchemaHelper.h"
+#include "schema/ClassSchema.h"
 #include "standin/Host.h"
 #include "standin/HostEntry.h"
 
@@ -32,7 +33,7 @@ std::string TCIMSchemaHelper::GetSystemCreationClassName(boost::shared_ptr<ICIMN
   HostEntry::Pass(HostOperation::kGetSystemCreationClassName);
   usbinfo_test::SystemNames& names = usbinfo_test::CurrentSystemNames();
   names.askedForClass.push_back(ns.get());
-  return names.creationClassName.value_or(standin::Host::kSystemCreationClassName);
+  return names.creationClassName.value_or(schema::kSystemClass);
 }
 
 }  // namespace NKESTA20
