@@ -78,9 +78,12 @@ int WidthOf(std::uint32_t character) {
 bool IsInvisible(std::uint32_t character) {
   constexpr std::uint32_t kFillers[] = {0xAD, 0x115F, 0x3164, 0xFFA0};
   const bool isFiller = std::find(std::begin(kFillers), std::end(kFillers), character) != std::end(kFillers);
+  // Some C libraries give the controls of hieroglyphs and of annotations a column.
+  const bool isControl =
+      (character >= 0xFFF9 && character <= 0xFFFB) || (character >= 0x13430 && character <= 0x1343F);
   const bool isReserved = character == 0x2065 || (character >= 0xFFF0 && character <= 0xFFF8) ||
                           (character >= 0xE0000 && character <= 0xE0FFF);
-  return isFiller || isReserved || (WidthOf(character) == 0 && !IsMark(character));
+  return isFiller || isControl || isReserved || (WidthOf(character) == 0 && !IsMark(character));
 }
 
 bool SelectsVariation(std::uint32_t character) {

@@ -44,13 +44,23 @@ bool IsMark(char32_t code) {
       [code](const cli::CodeRange& range) { return range.first <= code && code <= range.last; });
 }
 
+/// Annotation anchors and the joiners of hieroglyphs show nothing; C libraries since Unicode 16 give them a
+/// column.
+bool IsFormatControl(char32_t code) {
+  return (0xFFF9 <= code && code <= 0xFFFB) || (0x13430 <= code && code <= 0x1343F);
+}
+
+/// Unicode 16 made this mark one that takes a column.
+constexpr char32_t kMarkUntilUnicode15 = 0x1171E;
+
 TEST(Unprintable, IsEveryCharacterWithoutAWidthThatIsNoMark) {
   const CharacterSet utf8("C.UTF-8");
   std::vector<char32_t> wide;
   for (char32_t code = 0; code < kEnd; ++code) {
     const int width = ::wcwidth(static_cast<wchar_t>(code));
     EXPECT_TRUE(width != 0 || IsUnprintable(code) != IsMark(code)) << Hexadecimal(code);
-    if (width > 0 && IsUnprintable(code)) wide.push_back(code);
+    EXPECT_TRUE(!IsFormatControl(code) || IsUnprintable(code)) << Hexadecimal(code);
+    if (width > 0 && IsUnprintable(code) && !IsFormatControl(code)) wide.push_back(code);
   }
   // The soft hyphen and the fillers of Hangul are drawn as blanks or not at all.
   EXPECT_THAT(wide, ElementsAre(0xAD, 0x115F, 0x3164, 0xFFA0));
@@ -64,7 +74,8 @@ TEST(CombiningMarks, AreSortedAndHaveNoWidth) {
     before = range.last;
     // Those that the library does not know yet have a negative width.
     for (char32_t code = range.first; code <= range.last; ++code) {
-      EXPECT_LE(::wcwidth(static_cast<wchar_t>(code)), 0) << Hexadecimal(code);
+      EXPECT_TRUE(code == kMarkUntilUnicode15 || ::wcwidth(static_cast<wchar_t>(code)) <= 0)
+          << Hexadecimal(code);
     }
   }
 }
