@@ -21,7 +21,7 @@ TOOL_PACKAGES=(cmake g++ libcli11-dev locales ninja-build nlohmann-json3-dev pkg
 # What building the product and its tests takes on Debian 12 and 13.
 BUILD_PACKAGES=("${LIBRARY_PACKAGES[@]}" "${TOOL_PACKAGES[@]}")
 # What running the tests takes on top: the programs that read what the command writes.
-TEST_PACKAGES=(graphviz groff-base jq libxml2-utils mandoc python3-jsonschema zsh)
+TEST_PACKAGES=(fish graphviz groff-base jq libxml2-utils mandoc python3-jsonschema zsh)
 # What the tests with the label "page" take on top of those: a browser.
 PAGE_PACKAGES=(chromium chromium-driver python3-selenium)
 # What the slower checks take on top.
