@@ -4,10 +4,14 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/model/Item.h"
+#include "cli/model/KernelFacts.h"
+#include "cli/model/Origin.h"
 #include "schema/ClassSchema.h"
 
 namespace cli {
@@ -56,8 +60,17 @@ class Inventory {
   void SetKnowsConnections(bool isKnown) { fKnowsConnections = isKnown; }
   PortState StateOf(const Item& port) const;
 
+  /// Where it comes from; nothing for a saved inventory that does not say.
+  const std::optional<Origin>& GetOrigin() const { return fOrigin; }
+  void SetOrigin(Origin origin) { fOrigin = std::move(origin); }
+  /// What the kernel knows besides; nothing for a saved inventory without it.
+  const std::optional<KernelFacts>& Kernel() const { return fKernel; }
+  void SetKernel(KernelFacts facts) { fKernel = std::move(facts); }
+
  private:
   std::string fSystemName;
+  std::optional<Origin> fOrigin;
+  std::optional<KernelFacts> fKernel;
   std::vector<ItemsOfClass> fClasses;
   bool fKnowsConnections = true;
 };
