@@ -1,13 +1,10 @@
 #include "cli/collect/Collection.h"
 
-#include <fcntl.h>
 #include <fmt/format.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <memory>
-#include <new>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -15,39 +12,47 @@
 #include "cli/collect/AcquisitionWatch.h"
 #include "cli/collect/DeviceListText.h"
 #include "cli/collect/Hardening.h"
+#include "cli/collect/Input.h"
 #include "cli/collect/InventoryMask.h"
 #include "cli/collect/ListLimits.h"
-#include "cli/collect/LossWatch.h"
-#include "cli/collect/MaskingSystem.h"
-#include "cli/collect/ModulePath.h"
-#include "cli/collect/SerialMask.h"
+#include "cli/collect/ListPreparation.h"
+#include "cli/collect/OriginNotes.h"
+#include "cli/collect/PluginRun.h"
+#include "cli/collect/PreparingSystem.h"
 #include "cli/collect/SystemName.h"
 #include "cli/collect/WaitingNotice.h"
 #include "cli/collect/Warning.h"
-#include "cli/model/FromHost.h"
 #include "cli/model/FromJson.h"
+#include "cli/model/FromKernel.h"
 #include "cli/text/UserError.h"
-#include "host/ILogger.h"
+#include "kernel/DeviceListReader.h"
+#include "kernel/DeviceListWriter.h"
+#include "kernel/SysfsReader.h"
 #include "schema/ClassSchema.h"
 #include "standin/GivenDeviceList.h"
-#include "standin/Host.h"
 #include "standin/Machine.h"
-#include "standin/PluginModule.h"
 #include "system/FileDescriptor.h"
 
-using NKESTA20::ILogger;
-using standin::Host;
 using standin::OperatingSystem;
 
 namespace cli {
 
 namespace {
 
+constexpr const char* kNameOfOwnList = "the list of this machine";
+
 SerialMask MaskOf(const Source& source) {
   // The key and the serial numbers are in memory from here on.
   ForbidCoreDumps();
   if (source.maskKey.empty()) return SerialMask::OfThisRun();
   return SerialMask::OfKeyFile(source.maskKey);
+}
+
+ListTreatment TreatmentOf(const Source& source) {
+  ListTreatment treatment;
+  treatment.isAsIs = source.isAsIs;
+  if (source.maskSerials) treatment.mask = MaskOf(source);
+  return treatment;
 }
 
 /// The machine. Where standard error is a terminal, a notice is printed when a command takes long.
@@ -60,21 +65,13 @@ std::unique_ptr<OperatingSystem> WatchedMachine(const std::shared_ptr<Acquisitio
                                          [](const std::string& line) { sys::WriteAll(STDERR_FILENO, line); });
 }
 
-std::unique_ptr<OperatingSystem> Masked(std::unique_ptr<OperatingSystem> system, const Source& source) {
-  if (!source.maskSerials) return system;
-  return std::make_unique<MaskingSystem>(std::move(system), MaskOf(source));
-}
-
-/// Throws UserError for a text that is not a device list, or is beyond the limits.
-void CheckDeviceList(const std::string& text, const Source& source) {
-  const std::string name = NameOfList(source.devices);
-  if (!IsBlank(text) && !LooksLikeDeviceList(text)) {
-    throw UserError(
-        fmt::format("{} holds no device list: no line begins with \"T:\"; expected is what "
-                    "/sys/kernel/debug/usb/devices or usb-devices prints",
-                    name));
-  }
-  if (!source.noLimits) CheckListLimits(text, name);
+/// Throws UserError for a text that is not a device list.
+void CheckDeviceList(const std::string& text, const std::string& name) {
+  if (IsBlank(text) || LooksLikeDeviceList(text)) return;
+  throw UserError(
+      fmt::format("{} holds no device list: no line begins with \"T:\"; expected is what "
+                  "/sys/kernel/debug/usb/devices or usb-devices prints",
+                  name));
 }
 
 /// The system name for a list; empty for this machine's.
@@ -92,72 +89,79 @@ std::string SystemNameOf(const Source& source, bool isEmpty) {
   return kUnknown;
 }
 
-/// Calls the plug-in as a host does. An exception's type may be defined in the module, so its message is read
-/// while the module is still loaded.
-void DrivePlugin(const std::string& pluginPath, const std::vector<std::string>& classNames) {
-  const std::string path = PluginModulePath(pluginPath);
-  try {
-    standin::PluginModule module(path);
-    try {
-      module.Collect(classNames);
-    } catch (const std::bad_alloc&) {
-      throw;
-    } catch (const std::exception& error) {
-      throw UserError(
-          fmt::format("the plug-in {} failed: {}; name another with --plugin FILE", path, error.what()));
-    } catch (...) {
-      throw UserError(fmt::format("the plug-in {} failed; name another with --plugin FILE", path));
-    }
-  } catch (const standin::PluginError& error) {
-    throw UserError(
-        fmt::format("cannot use the plug-in: {}; name the module with --plugin FILE", error.what()));
-  }
-}
-
-/// Has the plug-in serve the classes from `system`, on a fresh host, under the system's name; empty for this
-/// machine's.
-Inventory Serve(std::unique_ptr<OperatingSystem> system, const std::string& systemName,
-                const std::string& plugin, const std::vector<std::string>& classNames, LogWriter& log,
-                const std::shared_ptr<const Acquisition>& acquisition = nullptr) {
-  Host& host = Host::Instance();
-  host.Reset();
-  if (!systemName.empty()) host.SetSystemName(systemName);
-  host.SetOperatingSystem(std::move(system));
-  LossWatch losses;
-  host.CoreLogger().SetSink([&log, &losses](ILogger::EQSVLogSeverity severity, const std::string& text) {
-    losses.Take(severity, text);
-    log.Write(static_cast<LogSeverity>(severity), text);
-  });
-  DrivePlugin(plugin, classNames);
-  host.CoreLogger().SetSink(nullptr);
-  if (acquisition) CheckAcquisition(*acquisition, MachineFacts::OfThisMachine());
-  losses.CheckNothingLost();
-  return FromHost(host, classNames);
-}
-
 Inventory ReadSaved(const std::string& text, const Source& source) {
   Inventory inventory = FromJson(text, NameOfList(source.devices));
   return source.maskSerials ? MaskSerials(inventory, MaskOf(source)) : inventory;
 }
 
-}  // namespace
-
-std::string NameOfList(const std::string& path) {
-  return path == "-" ? "standard input" : path;
+/// Adds what the list says besides the classes, and where it comes from.
+Inventory Complete(Inventory inventory, const kernel::Topology& topology, PreparedList list,
+                   const ListTreatment& treatment, const std::string& from) {
+  inventory.SetKernel(FromKernel(topology, inventory));
+  inventory.SetOrigin(NoteOrigin(from, list, treatment, inventory));
+  inventory.SetDeviceList(std::move(list.whole));
+  WarnOfRepairs(list.repairs);
+  return inventory;
 }
 
-std::string ReadInput(const std::string& path, const std::string& advice) {
-  constexpr std::size_t kMostBytes = std::size_t{64} << 20;
-  try {
-    if (path == "-") return sys::ReadAll(STDIN_FILENO, kMostBytes);
-    return sys::ReadAll(sys::OpenFile(path, O_RDONLY).Get(), kMostBytes);
-  } catch (const std::system_error& error) {
-    if (error.code().value() == EFBIG) {
-      throw UserError(fmt::format("cannot read {}: it has more than 64 MiB; {}", NameOfList(path), advice));
-    }
-    throw UserError(fmt::format("cannot read {}: {}; {}", NameOfList(path), error.code().message(), advice));
+/// What the plug-in makes of a list that it finds in the place of the first file that it looks for.
+Inventory RunPluginOn(const PreparedList& list, const PluginRequest& request, LogWriter& log) {
+  return RunPlugin(request, std::make_unique<standin::GivenDeviceList>(list.read), log);
+}
+
+/// The serial numbers of `topology` as they stand in its list.
+void TakeSerials(kernel::Topology& topology, const std::string& list) {
+  const kernel::Topology masked = kernel::ReadDeviceList(list);
+  for (std::size_t index = 0; index < topology.devices.size(); ++index) {
+    topology.devices[index].serial = masked.devices.at(index).serial;
   }
 }
+
+kernel::Topology ReadThisMachine() {
+  try {
+    kernel::Topology topology = kernel::ReadSysfs();
+    if (topology.unreadable.empty()) return topology;
+    const kernel::UnreadableDevice& device = topology.unreadable.front();
+    throw UserError(fmt::format(
+        "cannot read the device {} in {}: {}; show the plug-in's own list with --source plugin", device.name,
+        kernel::kSysfsDevices, device.reason));
+  } catch (const std::system_error& error) {
+    throw UserError(fmt::format("cannot read {}: {}; show the plug-in's own list with --source plugin",
+                                kernel::kSysfsDevices, error.code().message()));
+  }
+}
+
+Inventory CollectFromSysfs(const Source& source, const PluginRequest& request, LogWriter& log) {
+  const ListTreatment treatment = TreatmentOf(source);
+  kernel::Topology topology = ReadThisMachine();
+  const std::string text = kernel::WriteDeviceList(topology);
+  if (!source.noLimits) CheckListLimits(text, kNameOfOwnList);
+  PreparedList list = PrepareList(text, treatment);
+  if (treatment.mask) TakeSerials(topology, list.whole);
+  Inventory inventory = RunPluginOn(list, request, log);
+  return Complete(std::move(inventory), topology, std::move(list), treatment, "sysfs");
+}
+
+Inventory CollectThroughPlugin(const Source& source, const PluginRequest& request, LogWriter& log) {
+  const ListTreatment treatment = TreatmentOf(source);
+  const auto acquisition = std::make_shared<Acquisition>();
+  const auto onItsWay = std::make_shared<ListOnItsWay>();
+  auto system = std::make_unique<PreparingSystem>(WatchedMachine(acquisition, source.noLimits), treatment, onItsWay);
+  Inventory inventory = RunPlugin(request, std::move(system), log, [&acquisition] {
+    CheckAcquisition(*acquisition, MachineFacts::OfThisMachine());
+  });
+  PreparedList list = std::move(onItsWay->list).value_or(PreparedList());
+  if (onItsWay->isWithheld) inventory = RunPluginOn(list, request, log);
+  const kernel::Topology topology = kernel::ReadDeviceList(list.whole);
+  return Complete(std::move(inventory), topology, std::move(list), treatment, "plugin");
+}
+
+bool ReadsSysfs(const Source& source) {
+  if (source.way == Source::Way::kAuto) return ::access("/sys/bus", F_OK) == 0;
+  return source.way == Source::Way::kSysfs;
+}
+
+}  // namespace
 
 std::vector<std::string> AllClasses() {
   std::vector<std::string> names;
@@ -170,21 +174,26 @@ Inventory Collect(const Source& source, const std::vector<std::string>& classNam
     throw UserError("--devices and --mask-key cannot both be standard input; name a file for one of them");
   }
   if (!source.devices.empty()) {
-    std::string text = ReadInput(source.devices, "name a file that holds a device list with --devices");
-    if (LooksLikeJson(text)) return ReadSaved(text, source);
-    return CollectFrom(std::move(text), source, classNames, log);
+    const std::string input = ReadInput(source.devices, "name a file that holds a device list with --devices");
+    return CollectFrom(input, source, classNames, log);
   }
-  const auto acquisition = std::make_shared<Acquisition>();
-  return Serve(Masked(WatchedMachine(acquisition, source.noLimits), source), source.systemName, source.plugin,
-               classNames, log, acquisition);
+  const PluginRequest request = {source.plugin, source.systemName, classNames};
+  if (ReadsSysfs(source)) return CollectFromSysfs(source, request, log);
+  return CollectThroughPlugin(source, request, log);
 }
 
-Inventory CollectFrom(std::string deviceList, const Source& source,
+Inventory CollectFrom(const std::string& input, const Source& source,
                       const std::vector<std::string>& classNames, LogWriter& log) {
-  CheckDeviceList(deviceList, source);
-  const std::string systemName = SystemNameOf(source, IsBlank(deviceList));
-  auto system = std::make_unique<standin::GivenDeviceList>(std::move(deviceList));
-  return Serve(Masked(std::move(system), source), systemName, source.plugin, classNames, log);
+  if (LooksLikeJson(input)) return ReadSaved(input, source);
+  const std::string name = NameOfList(source.devices);
+  CheckDeviceList(input, name);
+  if (!source.noLimits) CheckListLimits(input, name);
+  const ListTreatment treatment = TreatmentOf(source);
+  PreparedList list = PrepareList(input, treatment);
+  const kernel::Topology topology = kernel::ReadDeviceList(list.whole);
+  const PluginRequest request = {source.plugin, SystemNameOf(source, IsBlank(input)), classNames};
+  Inventory inventory = RunPluginOn(list, request, log);
+  return Complete(std::move(inventory), topology, std::move(list), treatment, "list");
 }
 
 }  // namespace cli

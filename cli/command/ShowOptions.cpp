@@ -34,6 +34,20 @@ void SetPlace(std::optional<BusDevice>& place, const std::string& text) {
   if (!place) throw UsageError("must be [BUS]:[DEV] or DEV, decimal numbers");
 }
 
+const std::vector<Choice>& WayNames() {
+  static const std::vector<Choice> names = {{"auto", "sysfs, where it is mounted"},
+                                            {"sysfs", "what the kernel shows to everybody"},
+                                            {"plugin", "the list that the plug-in finds"}};
+  return names;
+}
+
+Source::Way WayOf(const std::string& name) {
+  std::string known;
+  StoreChoice(known, WayNames())(name);
+  if (known == "sysfs") return Source::Way::kSysfs;
+  return known == "plugin" ? Source::Way::kPlugin : Source::Way::kAuto;
+}
+
 std::vector<Option> SourceOptions(Source& source) {
   return {{.names = {"--devices"},
            .value = "FILE",
@@ -51,6 +65,37 @@ prints it.
 Nothing of this machine is read, and no command is run.
 A single dash is standard input.)",
            .store = StoreText(source.devices)},
+          {.names = {"--source"},
+           .value = "WAY",
+           .help = "What to read this machine's devices from",
+           .defaultValue = WayNames().front().name,
+           .choices = WayNames(),
+           .manual = R"(What to read the devices of this machine from:
+.Cm sysfs
+needs neither root nor another program;
+.Cm plugin
+leaves it to the plug-in, which looks for the list in
+.Pa /proc/bus/usb/devices
+and
+.Pa /sys/kernel/debug/usb/devices ,
+may try to mount usbfs, and else runs
+.Xr usb-devices 1 ;
+.Cm auto
+is
+.Cm sysfs
+where
+.Pa /sys
+is mounted, and else
+.Cm plugin .)",
+           .store = [&source](const std::string& name) { source.way = WayOf(name); }},
+          {.names = {"--as-is"},
+           .help = "Neither mend device lists nor leave any of their lines out",
+           .manual = R"(Give the plug-in the device list as it is.
+Without this option, parents that
+.Xr usb-devices 1
+prints wrong are mended, and lines that the plug-in would take for those of the next
+device are left out.)",
+           .store = StoreTrue(source.isAsIs)},
           {.names = {"--no-limits"},
            .help = "Accept lists that are larger than those of any machine",
            .manual = R"(Accept lists with more ports and devices than any machine has.
@@ -238,6 +283,17 @@ void Append(std::vector<Option>& table, const std::vector<Option>& options) {
   table.insert(table.end(), options.begin(), options.end());
 }
 
+void CheckSource(const Source& source) {
+  if (source.devices.empty() || source.way == Source::Way::kAuto) return;
+  throw UsageError("--source is for this machine: leave it or --devices out");
+}
+
+void CheckListFormat(const ShowOptions& options) {
+  if (options.format != "list" || !options.selection.IsSet()) return;
+  throw UsageError(fmt::format("the format list prints the whole device list: leave {} out, or use another format",
+                               Describe(options.selection)));
+}
+
 }  // namespace
 
 std::vector<Option> ShowOptionTable(ShowOptions& options) {
@@ -266,6 +322,8 @@ void CompleteShowOptions(ShowOptions& options) {
   if (!options.columns.empty() && options.format != "table") {
     throw UsageError("--columns is for the table: leave it out, or use --format table");
   }
+  CheckSource(options.source);
+  CheckListFormat(options);
 }
 
 }  // namespace cli

@@ -6,6 +6,7 @@
 #include "cli/format/DotFormat.h"
 #include "cli/format/JsonFormat.h"
 #include "cli/format/JsonLinesFormat.h"
+#include "cli/format/ListFormat.h"
 #include "cli/format/MofFormat.h"
 #include "cli/format/TableFormat.h"
 #include "cli/format/TreeFormat.h"
@@ -23,6 +24,7 @@ const std::vector<OutputFormat>& OutputFormats() {
       {"mof", "class declarations and instances in the Managed Object Format", true, RenderMof},
       {"dot", "a graph for dot(1)", true, RenderDot, true},
       {"html", "an HTML page in one file", true, RenderHtml, true, true},
+      {"list", "the device list itself", true, RenderList},
   };
   return formats;
 }

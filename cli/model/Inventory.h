@@ -67,8 +67,13 @@ class Inventory {
   const std::optional<KernelFacts>& Kernel() const { return fKernel; }
   void SetKernel(KernelFacts facts) { fKernel = std::move(facts); }
 
+  /// The text that it was collected from, whole; nothing for a saved inventory.
+  const std::optional<std::string>& DeviceList() const { return fDeviceList; }
+  void SetDeviceList(std::string text) { fDeviceList = std::move(text); }
+
  private:
   std::string fSystemName;
+  std::optional<std::string> fDeviceList;
   std::optional<Origin> fOrigin;
   std::optional<KernelFacts> fKernel;
   std::vector<ItemsOfClass> fClasses;

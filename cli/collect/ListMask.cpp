@@ -1,8 +1,7 @@
-#include "cli/collect/MaskingSystem.h"
+#include "cli/collect/ListMask.h"
 
 #include <algorithm>
 #include <string_view>
-#include <utility>
 
 #include "cli/collect/RootHubStrings.h"
 
@@ -51,17 +50,6 @@ std::string MaskSerials(const std::string& text, const SerialMask& mask) {
     start = end + 1;
   }
   return masked;
-}
-
-MaskingSystem::MaskingSystem(std::unique_ptr<standin::OperatingSystem> next, SerialMask mask)
-    : ForwardingSystem(std::move(next)), fMask(std::move(mask)) {}
-
-std::string MaskingSystem::CaptureFile(const std::string& path) {
-  return MaskSerials(ForwardingSystem::CaptureFile(path), fMask);
-}
-
-std::string MaskingSystem::SpawnProcess(const std::string& command, int seconds) {
-  return MaskSerials(ForwardingSystem::SpawnProcess(command, seconds), fMask);
 }
 
 }  // namespace cli

@@ -1,0 +1,68 @@
+#include "cli/collect/OriginNotes.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <ctime>
+
+#include "cli/collect/MachineId.h"
+#include "cli/collect/Warning.h"
+
+namespace cli {
+
+namespace {
+
+std::string Now() {
+  const std::time_t now = std::time(nullptr);
+  std::tm utc{};
+  ::gmtime_r(&now, &utc);
+  std::array<char, sizeof "2026-11-21T12:00:00Z" + 8> text;
+  return std::string(text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc));
+}
+
+std::vector<Repair> NoteRepairs(const kernel::ListRepairs& repairs) {
+  std::vector<Repair> notes;
+  if (repairs.parents > 0) notes.push_back({"parent", repairs.parents});
+  if (repairs.staleInterfaces > 0) notes.push_back({"stale-interface", repairs.staleInterfaces});
+  return notes;
+}
+
+std::vector<Finding> NoteFindings(const std::vector<kernel::ListFinding>& findings, const Inventory& inventory) {
+  std::vector<Finding> notes;
+  for (const kernel::ListFinding& finding : findings) {
+    notes.push_back({std::string(NameOf(finding.code)),
+                     {finding.lines.begin(), finding.lines.end()},
+                     IdentifierOf(inventory, finding.bus, finding.number)});
+  }
+  return notes;
+}
+
+}  // namespace
+
+Origin NoteOrigin(const std::string& source, const PreparedList& list, const ListTreatment& treatment,
+                  const Inventory& inventory) {
+  Origin origin;
+  origin.source = source;
+  if (source != "list") {
+    origin.collected = Now();
+    origin.machine = MachineIdHash();
+  }
+  origin.program = "usbinfo " USBINFO_VERSION;
+  origin.findings = NoteFindings(list.findings, inventory);
+  origin.repairs = NoteRepairs(list.repairs);
+  if (treatment.mask) origin.masked = Masking{treatment.mask->Fingerprint()};
+  return origin;
+}
+
+void WarnOfRepairs(const kernel::ListRepairs& repairs) {
+  if (repairs.parents > 0) {
+    Warn(fmt::format("the list names a wrong parent in {} of its records, mended; --as-is shows the list as it is",
+                     repairs.parents));
+  }
+  if (repairs.staleInterfaces > 0) {
+    Warn(fmt::format("the list has interfaces of {} unconfigured devices, left out; --as-is shows the list as it is",
+                     repairs.staleInterfaces));
+  }
+}
+
+}  // namespace cli

@@ -1,0 +1,32 @@
+// Where an inventory is to come from, as the options say.
+#pragma once
+
+#include <string>
+
+namespace cli {
+
+struct Source {
+  /// What this machine's devices are read from: sysfs where it is mounted; sysfs; the device list that the plug-in
+  /// gets on its own.
+  enum class Way { kAuto, kSysfs, kPlugin };
+
+  /// A device list or saved JSON inventory to use instead of the machine's, "-" for standard input; empty for
+  /// the machine's.
+  std::string devices;
+  Way way = Way::kAuto;
+  /// Give the plug-in the list as it is: mend nothing, leave nothing out.
+  bool isAsIs = false;
+  /// The system name in the keys; empty for the one from the list's path (see SystemNameOfList) or, without a
+  /// list, for the machine's host name.
+  std::string systemName;
+  /// The plug-in module; empty for the command's own.
+  std::string plugin;
+  /// Replace serial numbers by hashes.
+  bool maskSerials = false;
+  /// The file with the key of the hashes, "-" for standard input; empty for a random key for this run.
+  std::string maskKey;
+  /// Accept lists beyond the limits, too, see CheckListLimits.
+  bool noLimits = false;
+};
+
+}  // namespace cli
