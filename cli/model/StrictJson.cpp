@@ -56,7 +56,7 @@ class Builder : public nlohmann::json_sax<json> {
     Container& object = fOpen.back();
     object.isBegun = true;
     object.name = std::move(name);
-    if (object.value->contains(object.name)) throw JsonError(Pointer() + ": stands there twice");
+    if (object.value->contains(object.name)) throw JsonError(Pointer() + ": occurs twice");
     return true;
   }
 
@@ -66,7 +66,7 @@ class Builder : public nlohmann::json_sax<json> {
       throw JsonError(Pointer() + ": no number is that big");
     }
     throw JsonError(LineAndColumn(fText, byte) +
-                    (byte > fText.size() ? ": the document ends too early" : ": no valid JSON"));
+                    (byte > fText.size() ? ": the document ends too early" : ": not valid JSON"));
   }
 
  private:

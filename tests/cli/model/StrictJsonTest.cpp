@@ -63,10 +63,10 @@ TEST(StrictJson, IsDeletedWithoutMemory) {
 }
 
 TEST(StrictJson, ReportsTheLineAndColumnOfWhatIsNotJson) {
-  EXPECT_EQ(ErrorOf("x"), "line 1, column 1: no valid JSON");
-  EXPECT_EQ(ErrorOf("{\"a\": 1,\n \"b\": x}"), "line 2, column 7: no valid JSON");
-  EXPECT_EQ(ErrorOf("{\n\n  \"a\": \"\xFF\"}"), "line 3, column 9: no valid JSON");
-  EXPECT_EQ(ErrorOf("{} {}"), "line 1, column 4: no valid JSON");
+  EXPECT_EQ(ErrorOf("x"), "line 1, column 1: not valid JSON");
+  EXPECT_EQ(ErrorOf("{\"a\": 1,\n \"b\": x}"), "line 2, column 7: not valid JSON");
+  EXPECT_EQ(ErrorOf("{\n\n  \"a\": \"\xFF\"}"), "line 3, column 9: not valid JSON");
+  EXPECT_EQ(ErrorOf("{} {}"), "line 1, column 4: not valid JSON");
 }
 
 TEST(StrictJson, ReportsADocumentThatWasCutOff) {
@@ -76,18 +76,18 @@ TEST(StrictJson, ReportsADocumentThatWasCutOff) {
 }
 
 TEST(StrictJson, RefusesAMemberThatStandsThereTwice) {
-  EXPECT_EQ(ErrorOf("{\"a\": [{}, {\"b\": 1, \"c\": {\"b\": 1}, \"b\": 1}]}"), "/a/1/b: stands there twice");
+  EXPECT_EQ(ErrorOf("{\"a\": [{}, {\"b\": 1, \"c\": {\"b\": 1}, \"b\": 1}]}"), "/a/1/b: occurs twice");
   EXPECT_EQ(ErrorOf("{\"a\": {\"b\": 1}, \"b\": [{\"a\": 1}, {\"a\": 1}]}"), "");
 }
 
 TEST(StrictJson, SpellsPointersAsTheirDefinitionSays) {
-  EXPECT_EQ(ErrorOf("{\"~/\": {\"\": 1, \"\": 1}}"), "/~0~1/: stands there twice");
+  EXPECT_EQ(ErrorOf("{\"~/\": {\"\": 1, \"\": 1}}"), "/~0~1/: occurs twice");
 }
 
 TEST(StrictJson, ReportsTheWholeNameThatAZeroByteStandsIn) {
   EXPECT_EQ(ErrorOf("{\"a\\u0000b\": {\"c\": 1, \"c\": 1}}"),
             "/a\xEF\xBF\xBD"
-            "b/c: stands there twice");
+            "b/c: occurs twice");
 }
 
 TEST(StrictJson, RefusesNumbersBeyondAllRanges) {
