@@ -107,6 +107,17 @@ TEST_F(HtmlFormatTest, ShowsTheTotalsOfAPartWithoutCountingFreePorts) {
   EXPECT_THAT(page.Select("//p[@class='left-out']"), ElementsAre("Left out by the selection: 1 device"));
 }
 
+TEST_F(HtmlFormatTest, ShowsASelectedClassWithoutFiguresOfTheOthers) {
+  AddSmallMachine();
+  const cli::Inventory devices =
+      Collected().Only([](const cli::Item& item) { return item.Class() == cli::ClassId::kDevice; });
+  const XmlDocument page(cli::RenderHtml(devices, {}));
+  EXPECT_THAT(page.Select("//section/h2"), ElementsAre("Selected"));
+  EXPECT_THAT(page.Select("//dl[@class='figures']/div/*"), ElementsAre("Device", "1"));
+  EXPECT_THAT(page.Select("//p[@class='left-out']"),
+              ElementsAre("Left out by the selection: 1 controller, 1 hub, 2 ports"));
+}
+
 TEST_F(HtmlFormatTest, CountsNoFreePortsWhereConnectionsWereNotCollected) {
   Path hub = AddHub(kRoot, "Host", 2);
   AddPortOn(hub, "Bus 01  Device   1 Port 00", 480000000, kFree);
