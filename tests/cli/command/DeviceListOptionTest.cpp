@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kNoListIn = "usbinfo: no USB device found: ";
 constexpr const char* kExpectedIs =
-    " lists none; expected is what /sys/kernel/debug/usb/devices or usb-devices prints\n";
+    " lists none; a device list is what /sys/kernel/debug/usb/devices or usb-devices prints\n";
 
 std::string NoListIn(const std::string& source) {
   return kNoListIn + source + kExpectedIs;
@@ -85,7 +85,7 @@ TEST(DevicesOption, RefusesATextThatIsNoList) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(result.errors, "usbinfo: " + list +
-                                 " holds no device list: no line begins with \"T:\"; expected is what "
+                                 " holds no device list: no line begins with \"T:\"; a device list is what "
                                  "/sys/kernel/debug/usb/devices or usb-devices prints\n");
   }
 }
