@@ -70,7 +70,7 @@ void CheckDeviceList(const std::string& text, const Source& source) {
   const std::string name = NameOfList(source.devices);
   if (!IsBlank(text) && !LooksLikeDeviceList(text)) {
     throw UserError(
-        fmt::format("{} holds no device list: no line begins with \"T:\"; expected is what "
+        fmt::format("{} holds no device list: no line begins with \"T:\"; a device list is what "
                     "/sys/kernel/debug/usb/devices or usb-devices prints",
                     name));
   }

@@ -71,7 +71,7 @@ std::string AdviseOnEmpty(const ShowOptions& options) {
   }
   if (options.source.devices.empty()) return AdviseOnEmptyMachine(MachineFacts::OfThisMachine());
   return fmt::format(
-      "no USB device found: {} is empty; expected is what /sys/kernel/debug/usb/devices or "
+      "no USB device found: {} lists none; a device list is what /sys/kernel/debug/usb/devices or "
       "usb-devices prints",
       NameOfList(options.source.devices));
 }
