@@ -69,7 +69,7 @@ std::unique_ptr<OperatingSystem> WatchedMachine(const std::shared_ptr<Acquisitio
 void CheckDeviceList(const std::string& text, const std::string& name) {
   if (IsBlank(text) || LooksLikeDeviceList(text)) return;
   throw UserError(
-      fmt::format("{} holds no device list: no line begins with \"T:\"; expected is what "
+      fmt::format("{} holds no device list: no line begins with \"T:\"; a device list is what "
                   "/sys/kernel/debug/usb/devices or usb-devices prints",
                   name));
 }

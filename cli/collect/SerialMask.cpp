@@ -66,7 +66,7 @@ Secret Stretch(std::string_view key) {
 
 void CheckLength(std::size_t length, const std::string& name) {
   if (length < SerialMask::kShortestKey) {
-    throw UserError(fmt::format("the key in {} has {} bytes, and it takes {} to be safe; {}", name, length,
+    throw UserError(fmt::format("the key in {} has {} bytes, but needs at least {}; {}", name, length,
                                 SerialMask::kShortestKey, kAdvice));
   }
   if (length > SerialMask::kLongestKey) {

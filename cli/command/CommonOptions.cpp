@@ -34,6 +34,17 @@ Option FormatOption(std::string& format, const std::vector<std::string>& formats
           .store = StoreChoice(format, choices)};
 }
 
+Option AsIsOption(bool& isAsIs) {
+  return {.names = {"--as-is"},
+          .help = "Neither mend device lists nor leave any of their lines out",
+          .manual = R"(Give the plug-in each device list as it is.
+Without this option, parents that
+.Xr usb-devices 1
+prints wrong are mended, and lines that the plug-in would take for those of the next
+device are left out.)",
+          .store = StoreTrue(isAsIs)};
+}
+
 Option ColorOption(std::string& when) {
   const std::vector<Choice> choices = {{"auto", "on a terminal"}, {"always"}, {"never"}};
   return {.names = {"--color"},

@@ -17,6 +17,9 @@ Option OutputOption(std::string& path);
 /// --format FORMAT, one of `formats`; `format` holds the default.
 Option FormatOption(std::string& format, const std::vector<std::string>& formats);
 
+/// --as-is.
+Option AsIsOption(bool& isAsIs);
+
 /// --color WHEN.
 Option ColorOption(std::string& when);
 

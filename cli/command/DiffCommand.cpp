@@ -6,7 +6,9 @@
 
 #include "cli/collect/Collection.h"
 #include "cli/collect/DeviceListText.h"
+#include "cli/collect/Input.h"
 #include "cli/command/ExitStatus.h"
+#include "cli/command/Findings.h"
 #include "cli/diff/DiffJson.h"
 #include "cli/diff/DiffText.h"
 #include "cli/diff/InventoryDiff.h"
@@ -21,10 +23,9 @@ namespace cli {
 namespace {
 
 Inventory ReadInventory(const std::string& path, const DiffOptions& options, LogWriter& log) {
-  std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
+  const std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
   const std::string name = NameOfList(path);
-  if (LooksLikeJson(text)) return FromJson(text, name);
-  if (!LooksLikeDeviceList(text)) {
+  if (!LooksLikeJson(text) && !LooksLikeDeviceList(text)) {
     throw UserError(fmt::format(
         "{} holds neither a JSON inventory nor a device list; save one with usbinfo --format json", name));
   }
@@ -32,7 +33,11 @@ Inventory ReadInventory(const std::string& path, const DiffOptions& options, Log
   source.devices = path;
   source.plugin = options.plugin;
   source.systemName = options.systemName;
-  return CollectFrom(std::move(text), source, AllClasses(), log);
+  source.isAsIs = options.isAsIs;
+  Inventory inventory = CollectFrom(text, source, AllClasses(), log);
+  if (!options.allowsSuspect) RefuseFindings(inventory, name);
+  WarnOfFindings(inventory);
+  return inventory;
 }
 
 std::string Render(const DiffOptions& options, const InventoryDifference& difference) {

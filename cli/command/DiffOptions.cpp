@@ -16,6 +16,13 @@ std::vector<Option> DiffOptionTable(DiffOptions& options) {
   return {FormatOption(options.format, {"text", "json"}),
           ColorOption(options.color),
           OutputOption(options.output),
+          {.names = {"--allow-suspect"},
+           .help = "Compare in spite of lines that a device may have forged",
+           .manual = R"(Compare in spite of lines in a device list that the kernel does not write, and that a
+device may have forged.
+Without this option, such a list is an error.)",
+           .store = StoreTrue(options.allowsSuspect)},
+          AsIsOption(options.isAsIs),
           {.names = {"--system-name"},
            .value = "NAME",
            .help = "The system name of device lists",

@@ -9,6 +9,10 @@
 namespace cli {
 
 struct DiffOptions {
+  /// Compare inventories that a device may have forged, too.
+  bool allowsSuspect = false;
+  /// Give the plug-in device lists as they are.
+  bool isAsIs = false;
   /// Files that hold a JSON inventory or a device list, "-" for standard input.
   std::string before;
   std::string after;

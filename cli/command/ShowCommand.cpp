@@ -7,11 +7,14 @@
 #include <vector>
 
 #include "cli/collect/EmptyAdvice.h"
+#include "cli/collect/Input.h"
 #include "cli/command/ExitStatus.h"
+#include "cli/command/Findings.h"
 #include "cli/command/Message.h"
 #include "cli/format/OutputFormat.h"
 #include "cli/format/RenderOptions.h"
 #include "cli/model/UsbIds.h"
+#include "cli/option/UsageError.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
 #include "schema/ClassSchema.h"
@@ -71,7 +74,7 @@ std::string AdviseOnEmpty(const ShowOptions& options) {
   }
   if (options.source.devices.empty()) return AdviseOnEmptyMachine(MachineFacts::OfThisMachine());
   return fmt::format(
-      "no USB device found: {} is empty; expected is what /sys/kernel/debug/usb/devices or "
+      "no USB device found: {} lists none; a device list is what /sys/kernel/debug/usb/devices or "
       "usb-devices prints",
       NameOfList(options.source.devices));
 }
@@ -99,6 +102,19 @@ void CheckFiles(const ShowOptions& options) {
   RequireDistinctFiles(output, {devices, key, plugin});
 }
 
+/// A saved inventory is not collected again, so options of collecting it have no effect.
+void RefuseOptionsOfCollecting(const ShowOptions& options) {
+  const std::pair<const char*, bool> given[] = {{"--request", !options.request.empty()},
+                                                {"--as-is", options.source.isAsIs},
+                                                {"--plugin", !options.source.plugin.empty()},
+                                                {"--system-name", !options.source.systemName.empty()}};
+  for (const auto& [name, isGiven] : given) {
+    if (!isGiven) continue;
+    throw UsageError(fmt::format("{} is for device lists, and {} holds a saved inventory: leave it out", name,
+                                 NameOfList(options.source.devices)));
+  }
+}
+
 }  // namespace
 
 int RunShow(const ShowOptions& options) {
@@ -107,6 +123,8 @@ int RunShow(const ShowOptions& options) {
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   ReportUnknownClasses(options.request);
   const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);
+  if (!inventory.DeviceList()) RefuseOptionsOfCollecting(options);
+  WarnOfFindings(inventory);
   const OutputFormat& format = FindOutputFormat(options.format);
   const Inventory shown = Select(inventory, options.selection, format.keepsPath);
   const bool isPrinted = Print(options, format, shown);

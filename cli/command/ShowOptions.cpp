@@ -88,14 +88,7 @@ where
 is mounted, and else
 .Cm plugin .)",
            .store = [&source](const std::string& name) { source.way = WayOf(name); }},
-          {.names = {"--as-is"},
-           .help = "Neither mend device lists nor leave any of their lines out",
-           .manual = R"(Give the plug-in the device list as it is.
-Without this option, parents that
-.Xr usb-devices 1
-prints wrong are mended, and lines that the plug-in would take for those of the next
-device are left out.)",
-           .store = StoreTrue(source.isAsIs)},
+          AsIsOption(source.isAsIs),
           {.names = {"--no-limits"},
            .help = "Accept lists that are larger than those of any machine",
            .manual = R"(Accept lists with more ports and devices than any machine has.

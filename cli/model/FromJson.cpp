@@ -178,7 +178,7 @@ bool LooksLikeJson(const std::string& text) {
 
 Inventory FromJson(const std::string& text, const std::string& name) {
   try {
-    return ReadInventory(ParseStrictJson(text));
+    return ReadInventory(*ParseStrictJson(text));
   } catch (const JsonError& error) {
     throw UserError(fmt::format("{} holds no inventory: {}; save it anew with usbinfo --format json", name,
                                 error.what()));

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <set>
+#include <utility>
 #include <vector>
 
 using nlohmann::json;
@@ -26,29 +26,37 @@ std::string LineAndColumn(const std::string& text, std::size_t byte) {
   return fmt::format("line {}, column {}", line, column);
 }
 
-/// Follows the library's events, keeps track of the position and the names used there, and stops reading at
-/// an error.
-class Watcher : public nlohmann::json_sax<json> {
- public:
-  explicit Watcher(const std::string& text) : fText(text) {}
+/// Deletes what is in `value` from the bottom up, so that no destructor meets a value with children. The
+/// parser limits the depth.
+void Empty(json& value) {
+  if (!value.is_structured()) return;
+  for (json& child : value) Empty(child);
+  value.clear();
+}
 
-  bool null() override { return NextElement(); }
-  bool boolean(bool) override { return NextElement(); }
-  bool number_integer(number_integer_t) override { return NextElement(); }
-  bool number_unsigned(number_unsigned_t) override { return NextElement(); }
-  bool number_float(number_float_t, const string_t&) override { return NextElement(); }
-  bool string(string_t&) override { return NextElement(); }
-  bool binary(binary_t&) override { return NextElement(); }
-  bool start_object(std::size_t) override { return Enter(false); }
-  bool start_array(std::size_t) override { return Enter(true); }
+/// Builds the document from the library's events, keeps track of the position, and stops at an error.
+class Builder : public nlohmann::json_sax<json> {
+ public:
+  Builder(const std::string& text, json& document) : fText(text), fDocument(document) {}
+
+  bool null() override { return Add(nullptr) != nullptr; }
+  bool boolean(bool value) override { return Add(value) != nullptr; }
+  bool number_integer(number_integer_t value) override { return Add(value) != nullptr; }
+  bool number_unsigned(number_unsigned_t value) override { return Add(value) != nullptr; }
+  bool number_float(number_float_t value, const string_t&) override { return Add(value) != nullptr; }
+  bool string(string_t& value) override { return Add(std::move(value)) != nullptr; }
+  /// Never called for a text.
+  bool binary(binary_t&) override { return false; }
+  bool start_object(std::size_t) override { return Enter(json::object()); }
+  bool start_array(std::size_t) override { return Enter(json::array()); }
   bool end_object() override { return Leave(); }
   bool end_array() override { return Leave(); }
 
   bool key(string_t& name) override {
     Container& object = fOpen.back();
     object.isBegun = true;
-    object.name = name;
-    if (!object.names.insert(name).second) throw JsonError(Pointer() + ": stands there twice");
+    object.name = std::move(name);
+    if (object.value->contains(object.name)) throw JsonError(Pointer() + ": occurs twice");
     return true;
   }
 
@@ -58,16 +66,16 @@ class Watcher : public nlohmann::json_sax<json> {
       throw JsonError(Pointer() + ": no number is that big");
     }
     throw JsonError(LineAndColumn(fText, byte) +
-                    (byte > fText.size() ? ": the document ends too early" : ": no valid JSON"));
+                    (byte > fText.size() ? ": the document ends too early" : ": not valid JSON"));
   }
 
  private:
+  /// An array or object whose end has not been read.
   struct Container {
-    bool isArray;
+    json* value;
     bool isBegun = false;
     std::size_t index = 0;
     std::string name = {};
-    std::set<std::string> names = {};
   };
 
   /// The pointer to the innermost open value.
@@ -75,17 +83,18 @@ class Watcher : public nlohmann::json_sax<json> {
     std::string pointer;
     for (const Container& container : fOpen) {
       if (!container.isBegun) break;
-      pointer = container.isArray ? PointerTo(pointer, container.index) : PointerTo(pointer, container.name);
+      pointer = container.value->is_array() ? PointerTo(pointer, container.index)
+                                            : PointerTo(pointer, container.name);
     }
     return pointer;
   }
 
-  bool Enter(bool isArray) {
-    NextElement();
+  bool Enter(json container) {
+    json* const value = Add(std::move(container));
     if (fOpen.size() == kMaxDepth) {
       throw JsonError(fmt::format("{}: nested more than {} deep", Pointer(), kMaxDepth));
     }
-    fOpen.push_back({isArray});
+    fOpen.push_back({value});
     return true;
   }
 
@@ -94,14 +103,24 @@ class Watcher : public nlohmann::json_sax<json> {
     return true;
   }
 
-  bool NextElement() {
-    if (fOpen.empty() || !fOpen.back().isArray) return true;
+  /// Puts `value` where the position is; gives it there.
+  json* Add(json value) {
+    NextElement();
+    if (fOpen.empty()) return &(fDocument = std::move(value));
+    const Container& container = fOpen.back();
+    if (!container.value->is_array()) return &((*container.value)[container.name] = std::move(value));
+    container.value->push_back(std::move(value));
+    return &container.value->back();
+  }
+
+  void NextElement() {
+    if (fOpen.empty() || !fOpen.back().value->is_array()) return;
     if (fOpen.back().isBegun) ++fOpen.back().index;
     fOpen.back().isBegun = true;
-    return true;
   }
 
   const std::string& fText;
+  json& fDocument;
   std::vector<Container> fOpen;
 };
 
@@ -128,12 +147,16 @@ std::string PointerTo(const std::string& pointer, std::size_t index) {
   return fmt::format("{}/{}", pointer, index);
 }
 
-json ParseStrictJson(const std::string& text) {
-  // The text is parsed twice, since the library's callback during parsing takes quadratic time for long
-  // lists.
-  Watcher watcher(text);
-  json::sax_parse(text, &watcher);
-  return json::parse(text);
+void DeleteJson::operator()(json* document) const {
+  Empty(*document);
+  delete document;
+}
+
+JsonDocument ParseStrictJson(const std::string& text) {
+  JsonDocument document(new json);
+  Builder builder(text, *document);
+  json::sax_parse(text, &builder);
+  return document;
 }
 
 }  // namespace cli

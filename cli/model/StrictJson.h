@@ -2,6 +2,7 @@
 // their place in the text.
 #pragma once
 
+#include <memory>
 #include <nlohmann/json_fwd.hpp>
 #include <stdexcept>
 #include <string>
@@ -19,8 +20,15 @@ class JsonError : public std::runtime_error {
 std::string PointerTo(const std::string& pointer, const std::string& name);
 std::string PointerTo(const std::string& pointer, std::size_t index);
 
-/// The one value that `text` holds. Throws JsonError when it is not JSON, names a member twice, nests deeper
-/// than an inventory ever does, or has a number beyond every range.
-nlohmann::json ParseStrictJson(const std::string& text);
+/// Deletes a document without allocating memory. The library's own destructor allocates some for a value that
+/// has children, and ends the program when there is none.
+struct DeleteJson {
+  void operator()(nlohmann::json* document) const;
+};
+using JsonDocument = std::unique_ptr<nlohmann::json, DeleteJson>;
+
+/// The one value that `text` holds; never null. Throws JsonError when it is not JSON, names a member twice,
+/// nests deeper than an inventory ever does, or has a number beyond every range.
+JsonDocument ParseStrictJson(const std::string& text);
 
 }  // namespace cli

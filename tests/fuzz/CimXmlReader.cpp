@@ -168,7 +168,7 @@ void Silence(void*, const char*, ...) {}
 void CheckValidity(xmlDoc* document) {
   static const std::unique_ptr<xmlDtd, void (*)(xmlDtd*)> dtd(ParseCimDtd(), &xmlFreeDtd);
   const std::unique_ptr<xmlValidCtxt, void (*)(xmlValidCtxt*)> context(xmlNewValidCtxt(), &xmlFreeValidCtxt);
-  // The check tells; the library need not.
+  // Errors are reported by the check, so the library prints none.
   context->error = Silence;
   Require(xmlValidateDtd(context.get(), document, dtd.get()) == 1, "the XML document is valid");
 }

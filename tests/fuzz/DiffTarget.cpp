@@ -43,10 +43,10 @@ void CheckText(const InventoryDifference& difference) {
 
 void CheckJsonForm(const InventoryDifference& difference) {
   const auto document = nlohmann::json::parse(cli::RenderDiffJson(difference));
-  RequireCount(document["added"].size(), difference.added.size(), "added things in the document");
-  RequireCount(document["removed"].size(), difference.removed.size(), "removed things in the document");
-  RequireCount(document["moved"].size(), difference.moved.size(), "moved things in the document");
-  RequireCount(document["changed"].size(), difference.changed.size(), "changed things in the document");
+  RequireCount(document["added"].size(), difference.added.size(), "added items in the document");
+  RequireCount(document["removed"].size(), difference.removed.size(), "removed items in the document");
+  RequireCount(document["moved"].size(), difference.moved.size(), "moved items in the document");
+  RequireCount(document["changed"].size(), difference.changed.size(), "changed items in the document");
 }
 
 std::size_t CountOf(const Inventory& inventory) {
@@ -68,10 +68,10 @@ void CheckAlone(const Inventory& inventory) {
 void CheckTogether(const Inventory& before, const Inventory& after) {
   const InventoryDifference difference = Compare(before, after);
   const InventoryDifference mirrored = Compare(after, before);
-  RequireCount(mirrored.removed.size(), difference.added.size(), "things removed the other way round");
-  RequireCount(mirrored.added.size(), difference.removed.size(), "things added the other way round");
-  RequireCount(mirrored.moved.size(), difference.moved.size(), "things moved the other way round");
-  RequireCount(mirrored.changed.size(), difference.changed.size(), "things changed the other way round");
+  RequireCount(mirrored.removed.size(), difference.added.size(), "items removed the other way round");
+  RequireCount(mirrored.added.size(), difference.removed.size(), "items added the other way round");
+  RequireCount(mirrored.moved.size(), difference.moved.size(), "items moved the other way round");
+  RequireCount(mirrored.changed.size(), difference.changed.size(), "items changed the other way round");
   CheckText(difference);
   CheckJsonForm(difference);
 }

@@ -104,7 +104,7 @@ void ReadStatement(const std::string& line, ReadGraph& graph) {
   Require(statement.IsAtEnd(), "a statement of the graph ends its line");
 }
 
-/// The graph's own attributes take the lines ahead of the first statement.
+/// The graph's own attributes are on the lines before the first statement.
 ReadGraph Read(const std::string& document) {
   ReadGraph graph;
   std::istringstream lines(document);

@@ -30,7 +30,7 @@ struct LinkedItem {
 };
 
 /// All items, in the order of the classes; `inventory` must outlive them. An item hangs on the first one that
-/// a link names, root hubs on their controllers ahead of all.
+/// a link names, root hubs on their controllers before all others.
 std::vector<LinkedItem> LinkItems(const cli::Inventory& inventory);
 
 }  // namespace usbinfo_test

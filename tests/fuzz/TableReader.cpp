@@ -74,7 +74,7 @@ void CheckRow(const std::string& row, const cli::Item& item) {
   const std::string spaced = " " + WithSingleBlanks(row) + " ";
   const std::string numbers = NumbersOf(item);
   Require(numbers.empty() || spaced.find(" " + numbers + " ") != std::string::npos,
-          "a row of the table tells the numbers of its instance");
+          "a row of the table shows the numbers of its instance");
   if (item.Class() != ClassId::kPort) return;
   const std::string status =
       item.Text(PropertyId::kStatusDescriptions) == "{No device connected}" ? " free " : " in use ";

@@ -8,7 +8,7 @@
 namespace usbinfo_test {
 
 /// Throws BrokenInvariant unless `document` has a section for each class with instances and nothing else,
-/// each with its heading, its titles and a row per instance that tells its numbers, and nothing in it that a
+/// each with its heading, its titles and a row per instance that shows its numbers, and nothing in it that a
 /// terminal acts on or that turns the reading direction.
 void CheckTable(const std::string& document, const cli::Inventory& inventory);
 

@@ -127,7 +127,7 @@ TEST_F(PortProperties, SpeedIsInBitsPerSecond) {
   EXPECT_EQ(SpeedOf("20000"), "20000000000");
 }
 
-TEST_F(PortProperties, SpeedDropsWhatStandsBehindThePoint) {
+TEST_F(PortProperties, SpeedDropsWhatFollowsThePoint) {
   EXPECT_EQ(SpeedOf("1.5  "), "1000000");
 }
 
@@ -151,7 +151,7 @@ TEST_F(PortProperties, DepthOfARootHubsPortsIsStoredAsZero) {
   EXPECT_EQ(Describe(Inventory::fUsbPortData.at(0)).at("HubDepth"), Uint16(0));
 }
 
-TEST_F(PortProperties, AreFiledBehindThoseOfEarlierHubs) {
+TEST_F(PortProperties, AreFiledAfterThoseOfEarlierHubs) {
   FillPorts(kHubLine);
   FillPorts(With(kHubLine, "Dev#= 12", "Dev#=  3"));
   EXPECT_EQ(TextsOf(Inventory::fUsbPortData, "Name"),

@@ -105,7 +105,7 @@ TEST(StringToUnsignedLong, EmptyTextIsZero) {
   EXPECT_EQ(ToLong(""), 0U);
 }
 
-TEST(StringToUnsignedLong, ReadsTheLeadingDigitsBehindBlanks) {
+TEST(StringToUnsignedLong, ReadsTheLeadingDigitsAfterBlanks) {
   EXPECT_EQ(ToLong("480  "), 480U);
   EXPECT_EQ(ToLong("\t10000 "), 10000U);
   EXPECT_EQ(ToLong("1.5 "), 1U);

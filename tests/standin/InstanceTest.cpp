@@ -148,7 +148,7 @@ TEST_F(InstanceTest, KeepsItsKeysOnceItIsCommitted) {
   });
 }
 
-TEST_F(InstanceTest, TellsAWrongTypeAheadOfAKeyThatStays) {
+TEST_F(InstanceTest, ReportsAWrongTypeBeforeAKeyThatCannotChange) {
   const InstancePtr hub = CommitEntity("KALDO_USBHub", "hub");
   EXPECT_EQ(StatusOf([&] { hub->SetProperty("DeviceID", TCIMValue(1UL), {}); }), "CIM_ERR_TYPE_MISMATCH");
 }

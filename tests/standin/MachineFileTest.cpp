@@ -50,7 +50,7 @@ TEST_F(MachineFileTest, MissesWhatIsNotThere) {
   EXPECT_FALSE(machine.FileExists(directory.File("dangling")));
 }
 
-TEST_F(MachineFileTest, DoesNotSeeBehindAForbiddenDirectory) {
+TEST_F(MachineFileTest, DoesNotSeeIntoAForbiddenDirectory) {
   std::filesystem::create_directory(directory.File("closed"));
   const std::string file = directory.File("closed/file", "text");
   EXPECT_TRUE(machine.FileExists(file));

@@ -153,7 +153,7 @@ TEST_F(AcquisitionFailure, ALoggerThatFailsAmongTheFilesIsCaughtWithThem) {
   EXPECT_THAT(log, ElementsAre(kBegin, kCouldNotRead, LogLine{kDebug, OneDevice("command")}, kEnd));
 }
 
-TEST_F(AcquisitionFailure, ALoggerThatFailsBeforeOrBehindTheFilesIsNotCaught) {
+TEST_F(AcquisitionFailure, ALoggerThatFailsBeforeOrAfterTheFilesIsNotCaught) {
   for (const LogLine& line : {kBegin, kListIsEmpty}) {
     FailToLog(line.text);
     EXPECT_THROW(Acquire(), TQSVException) << line;

@@ -128,7 +128,7 @@ TEST(CaptureOfRk3588, HoldsMultiTtHubsWithTheirFirstSetting) {
   EXPECT_THAT(StringsOf(records.at(9)), ElementsAre("Not Available", "USB 2.0 Hub [MTT]", "Not Available"));
 }
 
-TEST(CaptureOfRk3588, TellsTheKindsOfHostControllers) {
+TEST(CaptureOfRk3588, ReportsTheKindsOfHostControllers) {
   std::vector<int> kinds;
   for (const UsbDevice& record : Cut("debugfs-rk3588-8bus-mtt").records) {
     if (record.getTopology()->getLevel() == "00") kinds.push_back(record.getDeviceInfo()->getUsbHost());
@@ -136,7 +136,7 @@ TEST(CaptureOfRk3588, TellsTheKindsOfHostControllers) {
   EXPECT_THAT(kinds, ElementsAre(1, 1, 1, 1, 3, 4, 3, 4));
 }
 
-TEST(CaptureOfKernel26, MakesAHubOfTheCameraBehindTheMultiTtHub) {
+TEST(CaptureOfKernel26, MakesAHubOfTheCameraOnTheMultiTtHub) {
   const auto records = Cut("proc-2.6.16-4bus-mtt7").records;
   EXPECT_THAT(TopologyOf(records.at(7)), ElementsAre("01 ", "02", "04", "01", "01 ", "  5", "12  ", " 0"));
   EXPECT_EQ(StringsOf(records.at(7)).at(1), "USB Camera");

@@ -49,7 +49,7 @@ TEST(InterfaceLine, WithoutAParenthesisTheClassIsEmpty) {
               ElementsAre("hub", "", "00 ", " 0 ", "00 "));
 }
 
-TEST(InterfaceLine, TheClassReachesToTheFirstParenthesisBehindIt) {
+TEST(InterfaceLine, TheClassReachesToTheFirstParenthesisAfterIt) {
   EXPECT_EQ(FieldsOf("I:* If#= 0 Alt= 0 #EPs= 1 Cls=09 Sub=00 Prot=00 Driver=(none)")[1],
             "09 Sub=00 Prot=00 Driver=");
 }

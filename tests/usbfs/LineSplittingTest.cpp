@@ -23,7 +23,7 @@ TEST(LineSplitting, EmptyTextIsOneLineOfNoType) {
   EXPECT_THAT(cut.records, IsEmpty());
 }
 
-TEST(LineSplitting, TheEmptyPieceBehindTheFinalNewlineIsALineOfNoType) {
+TEST(LineSplitting, TheEmptyPieceAfterTheFinalNewlineIsALineOfNoType) {
   EXPECT_THAT(CutText("x\n").unmatched, ElementsAre("x", ""));
   EXPECT_THAT(CutText("x").unmatched, ElementsAre("x"));
 }

@@ -91,7 +91,7 @@ TEST(RecordBuilding, OtherUnknownLinesDoNotCloseARecord) {
   EXPECT_THAT(cut.unmatched, ElementsAre("B", "x", " ", "e", "E", ""));
 }
 
-TEST(RecordBuilding, LinesBehindTheFirstEndpointCountForTheNextRecord) {
+TEST(RecordBuilding, LinesAfterTheFirstEndpointCountForTheNextRecord) {
   const CutText cut(Lines({TopologyLine(" 1"), kEndpointLine, "S:  Product=late", "C:  MxPwr=  7mA",
                            InterfaceLine(kDisk), kEndpointLine, "", TopologyLine(" 2"), kEndpointLine}));
   EXPECT_THAT(DeviceNumbers(cut), ElementsAre("  1", "  2"));

@@ -75,7 +75,7 @@ TEST(Topology, WithoutTheBlankBeforeTheSpeedTheDeviceNumberIsEmpty) {
               ElementsAre("01 ", "00", "00", "00", "00 ", "", "480  ", " 6"));
 }
 
-TEST(Topology, BusCountAndSpeedNeedNoBlankBehindThem) {
+TEST(Topology, BusCountAndSpeedNeedNoBlankAfterThem) {
   EXPECT_THAT(FieldsOf("T:  Bus=01Lev=00 Prnt=00 Port=00 Cnt=00Dev#=  1 Spd=480MxCh= 6"),
               ElementsAre("01", "00", "00", "00", "00", "  1", "480", " 6"));
 }

@@ -51,8 +51,9 @@ std::string NoteOnPorts(const Inventory& inventory) {
   const auto used = std::count_if(ports.begin(), ports.end(), [&](const Item& port) {
     return inventory.StateOf(port) == PortState::kUsed;
   });
-  if (!inventory.KnowsConnections()) return fmt::format("{} used", used);
-  return fmt::format("{} used, {} free", used, static_cast<std::ptrdiff_t>(ports.size()) - used);
+  const auto others = static_cast<std::ptrdiff_t>(ports.size()) - used;
+  if (inventory.KnowsConnections()) return fmt::format("{} used, {} free", used, others);
+  return used == 0 ? fmt::format("{} unknown", others) : fmt::format("{} used, {} unknown", used, others);
 }
 
 /// For a selection, the note gives the total.

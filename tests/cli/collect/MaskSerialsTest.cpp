@@ -208,7 +208,7 @@ TEST(SerialMaskTest, TakesKeysFrom16BytesToAMebibyte) {
   EXPECT_EQ(maskOf(kKey), Mask().Mask("a"));
   EXPECT_EQ(maskOf(std::string(1 << 20, 'k')), SerialMask::OfKey(std::string(1 << 20, 'k')).Mask("a"));
   EXPECT_THAT(UserErrorOf([&] { maskOf(std::string(15, 'k')); }),
-              HasSubstr(" has 15 bytes, and it takes 16"));
+              HasSubstr(" has 15 bytes, but needs at least 16"));
   EXPECT_THAT(UserErrorOf([&] { maskOf(std::string((1 << 20) + 1, 'k')); }),
               HasSubstr(" has more than 1 MiB; "));
 }

@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kNoListIn = "usbinfo: no USB device found: ";
 constexpr const char* kExpectedIs =
-    " is empty; expected is what /sys/kernel/debug/usb/devices or usb-devices prints\n";
+    " lists none; a device list is what /sys/kernel/debug/usb/devices or usb-devices prints\n";
 
 std::string NoListIn(const std::string& source) {
   return kNoListIn + source + kExpectedIs;
@@ -58,6 +58,14 @@ TEST(DevicesOption, SaysThatAnEmptyListHoldsNothing) {
   EXPECT_EQ(result.errors, NoListIn(list));
 }
 
+TEST(DevicesOption, SaysThatAListWithoutDevicesListsNone) {
+  const TemporaryFolder folder;
+  const std::string indented = folder.File("list", " T:  Bus=01 Lev=00 Prnt=00\n");
+  EXPECT_EQ(RunUsbinfo({"--devices", indented}).errors, NoListIn(indented));
+  const std::string saved = folder.File("saved", Command({"--devices", "-", "-j"}).Input("").Run().output);
+  EXPECT_EQ(RunUsbinfo({"--devices", saved}).errors, NoListIn(saved));
+}
+
 TEST(DevicesOption, SaysThatAnEmptyPipeHoldsNothing) {
   const CommandResult result = Command({"--devices", "-"}).Input("").Run();
   EXPECT_EQ(result.status, 1);
@@ -77,7 +85,7 @@ TEST(DevicesOption, RefusesATextThatIsNoList) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(result.errors, "usbinfo: " + list +
-                                 " holds no device list: no line begins with \"T:\"; expected is what "
+                                 " holds no device list: no line begins with \"T:\"; a device list is what "
                                  "/sys/kernel/debug/usb/devices or usb-devices prints\n");
   }
 }

@@ -101,7 +101,7 @@ TEST(OutputOption, GetsTheEmptyDocumentOfAnEmptyInventory) {
     const CommandResult result = Command({"--devices", "-", "--format", format, "--output", path}).Run();
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "");
-    EXPECT_THAT(result.errors, StartsWith("usbinfo: no USB device found: standard input is empty; "));
+    EXPECT_THAT(result.errors, StartsWith("usbinfo: no USB device found: standard input lists none; "));
     EXPECT_EQ(ReadFile(path), Command({"--devices", "-", "--format", format}).Run().output);
   }
 }

@@ -80,6 +80,20 @@ TEST(RequestOption, LinksNothingThatIsNotThereYet) {
             (Sizes{{"KALDO_USBHub", 5}, {"KALDO_USBPort", 26}, {"KALDO_USBConnection", 1}}));
 }
 
+TEST(RequestOption, ShowsPortsAsFreeOnlyWhereAllConnectionsWereMade) {
+  for (const char* names : {"KALDO_USBPort", "KALDO_USBHub,KALDO_USBPort,KALDO_USBConnection",
+                            "KALDO_USBHub,KALDO_USBPort,KALDO_USBConnection,KALDO_USBDevice",
+                            "KALDO_USBHub,KALDO_USBPort,KALDO_USBDevice,KALDO_USBConnection,KALDO_USBPort"}) {
+    for (const char* format : {"tree", "table", "dot"}) {
+      const std::string output = Request(names, {"--format", format}).output;
+      EXPECT_THAT(output, testing::HasSubstr("unknown")) << names << " " << format;
+      EXPECT_THAT(output, testing::Not(testing::HasSubstr("free"))) << names << " " << format;
+    }
+  }
+  EXPECT_THAT(Request("KALDO_USBHub,KALDO_USBPort,KALDO_USBDevice,KALDO_USBConnection").output,
+              testing::HasSubstr(" 26 ports (19 free), "));
+}
+
 TEST(RequestOption, ServesARepeatedClassAgainWithoutDoublingIt) {
   EXPECT_EQ(Counts("KALDO_USBHub,KALDO_USBHub"), (Sizes{{"KALDO_USBHub", 5}}));
   EXPECT_THAT(Asked("KALDO_USBHub,KALDO_USBHub"), ElementsAre("KALDO_USBHub", "KALDO_USBHub"));

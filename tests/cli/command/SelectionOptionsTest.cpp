@@ -313,7 +313,7 @@ TEST(SelectionOfNothing, LeavesTheOldOutputWhereItWas) {
 TEST(SelectionOfNothing, OnAnEmptyMachineIsReportedAsTheEmptyMachine) {
   const CommandResult result = RunUsbinfo({"--devices", "/dev/null", "-d", "1d6b:"});
   EXPECT_EQ(result.status, 1);
-  EXPECT_THAT(result.errors, testing::StartsWith("usbinfo: no USB device found: /dev/null is empty"));
+  EXPECT_THAT(result.errors, testing::StartsWith("usbinfo: no USB device found: /dev/null lists none"));
 }
 
 TEST(SelectionOfARequest, TakesFromWhatWasRequested) {

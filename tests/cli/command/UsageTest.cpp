@@ -149,7 +149,7 @@ const WrongUse kWrongUses[] = {
     {"UnknownClassAfterAKnownOne",
      {"--class", "KALDO_USBHub", "--class", "x"},
      "--class: \"x\"" USBINFO_TEST_CLASSES},
-    {"TwoClassesBehindOneOption",
+    {"TwoClassesAfterOneOption",
      {"--class", "KALDO_USBHub", "KALDO_USBPort"},
      "unexpected argument KALDO_USBPort (did you mean --devices KALDO_USBPort?)"},
     {"KeyWithoutMask", {"--mask-key", "key"}, "--mask-key requires --mask-serials"},

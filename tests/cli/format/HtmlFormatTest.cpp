@@ -8,6 +8,7 @@
 #include "cli/format/RenderOptions.h"
 #include "cli/format/html/HtmlFormat.h"
 #include "cli/format/html/PageAssets.h"
+#include "cli/model/FromHost.h"
 #include "cli/model/UsbIds.h"
 #include "tests/cli/support/CliTest.h"
 #include "tests/cli/support/ShownText.h"
@@ -104,6 +105,29 @@ TEST_F(HtmlFormatTest, ShowsTheTotalsOfAPartWithoutCountingFreePorts) {
   EXPECT_THAT(page.Select("//dl[@class='figures']/div/dd[1]"), ElementsAre("1", "1", "1"));
   EXPECT_THAT(page.Select("//dl[@class='figures']//dd[@class='note']"), ElementsAre("of 2"));
   EXPECT_THAT(page.Select("//p[@class='left-out']"), ElementsAre("Left out by the selection: 1 device"));
+}
+
+TEST_F(HtmlFormatTest, ShowsASelectedClassWithoutFiguresOfTheOthers) {
+  AddSmallMachine();
+  const cli::Inventory devices =
+      Collected().Only([](const cli::Item& item) { return item.Class() == cli::ClassId::kDevice; });
+  const XmlDocument page(cli::RenderHtml(devices, {}));
+  EXPECT_THAT(page.Select("//section/h2"), ElementsAre("Selected"));
+  EXPECT_THAT(page.Select("//dl[@class='figures']/div/*"), ElementsAre("Device", "1"));
+  EXPECT_THAT(page.Select("//p[@class='left-out']"),
+              ElementsAre("Left out by the selection: 1 controller, 1 hub, 2 ports"));
+}
+
+TEST_F(HtmlFormatTest, CountsNoFreePortsWhereConnectionsWereNotCollected) {
+  Path hub = AddHub(kRoot, "Host", 2);
+  AddPortOn(hub, "Bus 01  Device   1 Port 00", 480000000, kFree);
+  const auto noteOf = [this] {
+    const cli::Inventory inventory = cli::FromHost(host, {"KALDO_USBHub", "KALDO_USBPort"});
+    return XmlDocument(cli::RenderHtml(inventory, {})).Select("//dd[@class='note']");
+  };
+  EXPECT_THAT(noteOf(), ElementsAre("1 unknown"));
+  AddPortOn(hub, "Bus 01  Device   1 Port 01", 480000000, kUsed);
+  EXPECT_THAT(noteOf(), ElementsAre("1 used, 1 unknown"));
 }
 
 TEST_F(HtmlFormatTest, NestsDevicesInHubsInSections) {

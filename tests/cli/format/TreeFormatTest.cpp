@@ -260,7 +260,7 @@ TEST_F(TreeFormatTest, CountsWhatThereIsAndThePortsThatAreFree) {
   EXPECT_EQ(Lines(Render("C")).front(), "testhost: 1 controller, 1 hub, 2 ports (1 free), 1 device");
 }
 
-TEST_F(TreeFormatTest, AlignsColumnsBehindNamesOfOtherScripts) {
+TEST_F(TreeFormatTest, AlignsColumnsAfterNamesOfOtherScripts) {
   AddDevice("Bus 01  Device   2", "caf\xC3\xA9", 2);
   AddDevice("Bus 01  Device   3", "kaffee", 2);
   const std::vector<std::string> lines = Lines(Render("C.UTF-8"));

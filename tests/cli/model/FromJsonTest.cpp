@@ -213,7 +213,7 @@ TEST(FromJson, ReportsThePlaceOfWhatIsNotJson) {
             "file holds no inventory: line 1, column " + std::to_string(text.size()) +
                 ": the document ends too early" + kAdvice);
   EXPECT_EQ(UserErrorOf([] { cli::FromJson("{\"schema\": 1, \"schema\": 2}", "file"); }),
-            std::string("file holds no inventory: /schema: stands there twice") + kAdvice);
+            std::string("file holds no inventory: /schema: occurs twice") + kAdvice);
 }
 
 TEST(FromJson, IsRefusedWhereverItIsCutOff) {

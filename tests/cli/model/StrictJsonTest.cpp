@@ -1,10 +1,13 @@
 // JSON that is refused, and the place of the error in each message.
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "cli/model/StrictJson.h"
+#include "tests/support/Allocations.h"
 
 using cli::ParseStrictJson;
 
@@ -21,17 +24,49 @@ std::string ErrorOf(const std::string& text) {
 }
 
 TEST(StrictJson, GivesTheDocument) {
-  const nlohmann::json document = ParseStrictJson(" {\"a\": [1, {\"b\": null}, \"\\u0000\"], \"c\": -1.5}\n");
+  const nlohmann::json document =
+      *ParseStrictJson(" {\"a\": [1, {\"b\": null}, \"\\u0000\"], \"c\": -1.5}\n");
   EXPECT_EQ(document["a"][1]["b"], nullptr);
   EXPECT_EQ(document["a"][2], std::string(1, '\0'));
   EXPECT_EQ(document["c"], -1.5);
 }
 
+/// The blocks that are allocated between the failure of the allocation of that number and the end of the
+/// parsing; 0 when the parsing takes fewer allocations.
+std::size_t MadeAfterFailure(const std::string& text, std::size_t number, bool& isFailed) {
+  std::size_t madeAtFailure = 0;
+  isFailed = false;
+  try {
+    const Allocations::Failure failure(number, [&] {
+      isFailed = true;
+      madeAtFailure = Allocations::Made();
+    });
+    ParseStrictJson(text);
+  } catch (const std::bad_alloc&) {
+    return Allocations::Made() - madeAtFailure;
+  }
+  return 0;
+}
+
+TEST(StrictJson, IsDeletedWithoutMemory) {
+  const std::string text = R"({"a": [[1, [{"b": ["c", [2]]}]], {"d": {"e": []}}], "f": {"g": [[[]], 3]}})";
+  cli::JsonDocument document = ParseStrictJson(text);
+  const std::size_t made = Allocations::Made();
+  document.reset();
+  EXPECT_EQ(Allocations::Made(), made);
+  bool isFailed = true;
+  std::size_t number = 0;
+  for (; isFailed; ++number) {
+    EXPECT_EQ(MadeAfterFailure(text, number, isFailed), 0U) << "allocation " << number;
+  }
+  EXPECT_GT(number, 30U);
+}
+
 TEST(StrictJson, ReportsTheLineAndColumnOfWhatIsNotJson) {
-  EXPECT_EQ(ErrorOf("x"), "line 1, column 1: no valid JSON");
-  EXPECT_EQ(ErrorOf("{\"a\": 1,\n \"b\": x}"), "line 2, column 7: no valid JSON");
-  EXPECT_EQ(ErrorOf("{\n\n  \"a\": \"\xFF\"}"), "line 3, column 9: no valid JSON");
-  EXPECT_EQ(ErrorOf("{} {}"), "line 1, column 4: no valid JSON");
+  EXPECT_EQ(ErrorOf("x"), "line 1, column 1: not valid JSON");
+  EXPECT_EQ(ErrorOf("{\"a\": 1,\n \"b\": x}"), "line 2, column 7: not valid JSON");
+  EXPECT_EQ(ErrorOf("{\n\n  \"a\": \"\xFF\"}"), "line 3, column 9: not valid JSON");
+  EXPECT_EQ(ErrorOf("{} {}"), "line 1, column 4: not valid JSON");
 }
 
 TEST(StrictJson, ReportsADocumentThatWasCutOff) {
@@ -41,18 +76,18 @@ TEST(StrictJson, ReportsADocumentThatWasCutOff) {
 }
 
 TEST(StrictJson, RefusesAMemberThatStandsThereTwice) {
-  EXPECT_EQ(ErrorOf("{\"a\": [{}, {\"b\": 1, \"c\": {\"b\": 1}, \"b\": 1}]}"), "/a/1/b: stands there twice");
+  EXPECT_EQ(ErrorOf("{\"a\": [{}, {\"b\": 1, \"c\": {\"b\": 1}, \"b\": 1}]}"), "/a/1/b: occurs twice");
   EXPECT_EQ(ErrorOf("{\"a\": {\"b\": 1}, \"b\": [{\"a\": 1}, {\"a\": 1}]}"), "");
 }
 
 TEST(StrictJson, SpellsPointersAsTheirDefinitionSays) {
-  EXPECT_EQ(ErrorOf("{\"~/\": {\"\": 1, \"\": 1}}"), "/~0~1/: stands there twice");
+  EXPECT_EQ(ErrorOf("{\"~/\": {\"\": 1, \"\": 1}}"), "/~0~1/: occurs twice");
 }
 
 TEST(StrictJson, ReportsTheWholeNameThatAZeroByteStandsIn) {
   EXPECT_EQ(ErrorOf("{\"a\\u0000b\": {\"c\": 1, \"c\": 1}}"),
             "/a\xEF\xBF\xBD"
-            "b/c: stands there twice");
+            "b/c: occurs twice");
 }
 
 TEST(StrictJson, RefusesNumbersBeyondAllRanges) {

@@ -96,7 +96,7 @@ TEST_F(UsbTreeTest, KeepsSeveralDevicesOnOnePortInTheOrderOfTheirConnections) {
   EXPECT_THAT(Outline(), ElementsAre("0 p port", "1 d late", "1 d early"));
 }
 
-TEST_F(UsbTreeTest, PutsWhatIsNotLinkedAtTheTopBehindTheControllers) {
+TEST_F(UsbTreeTest, PutsWhatIsNotLinkedAtTheTopAfterTheControllers) {
   AddDevice("device", "", 1);
   AddPort("port", 1, "x");
   AddHub("hub", "", 1);

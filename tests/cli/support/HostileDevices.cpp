@@ -75,7 +75,7 @@ const std::vector<HostileString>& HostileStrings() {
       {"Surrogate", "\xED\xA0\x80", kBad + kBad + kBad, kBad + kBad + kBad},
       {"NoCharacters", "\xEF\xBF\xBE\xEF\xBF\xBF", "\xEF\xBF\xBE\xEF\xBF\xBF", kBad + kBad},
       Same("DirectionMarks", "\xE2\x80\xAEtxt.exe\xE2\x80\xAC\xE2\x81\xA6"),
-      {"MarkBehindABrokenByte", "\xF0\xE2\x80\xAEtxt.exe", kBad + "\xE2\x80\xAEtxt.exe",
+      {"MarkAfterABrokenByte", "\xF0\xE2\x80\xAEtxt.exe", kBad + "\xE2\x80\xAEtxt.exe",
        kBad + "\xE2\x80\xAEtxt.exe"},
       Same("ZeroWidth", "in\xE2\x80\x8Bvisible\xE2\x80\x8D\xC2\xAD\xE3\x85\xA4"),
       Same("Tags", "a\xF3\xA0\x81\x81\xF3\xA0\x81\xBF"),

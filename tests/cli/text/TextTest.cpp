@@ -95,7 +95,7 @@ TEST_F(EscapeForTerminalTest, SpellsEveryDirectionMark) {
             "\\xe2\\x81\\xa6\\xe2\\x81\\xa7\\xe2\\x81\\xa8\\xe2\\x81\\xa9");
 }
 
-TEST_F(EscapeForTerminalTest, SpellsWhatIsNotSeenAndMarksBehindFourOthers) {
+TEST_F(EscapeForTerminalTest, SpellsWhatIsNotSeenAndMarksAfterFourOthers) {
   EXPECT_EQ(EscapeForTerminal("a\xE2\x80\x8B\xC2\xADz"), "a\\xe2\\x80\\x8b\\xc2\\xadz");
   EXPECT_EQ(EscapeForTerminal("\xF3\xA0\x81\x81"), "\\xf3\\xa0\\x81\\x81");
   const std::string four = "a\xCC\x81\xCC\x81\xCC\x81\xCC\x81";
@@ -108,7 +108,7 @@ TEST_F(EscapeForTerminalTest, QuotesSoThatNothingInsideEndsTheQuotation) {
                                                                         "\xC3\xA9\"");
 }
 
-TEST_F(EscapeForTerminalTest, SpellsBytesThatAreNoUtf8AndGoesOnBehindThem) {
+TEST_F(EscapeForTerminalTest, SpellsBytesThatAreNotUtf8AndGoesOnAfterThem) {
   EXPECT_EQ(EscapeForTerminal("a\xFFz"), "a\\xffz");
   EXPECT_EQ(EscapeForTerminal("\xE2\x82"), "\\xe2\\x82");
   EXPECT_EQ(EscapeForTerminal("\xF0\xE2\x80\xAEz"), "\\xf0\\xe2\\x80\\xaez");

@@ -91,12 +91,12 @@ TEST(Unprintable, AreControlsNoncharactersAndBytesThatAreNotUtf8) {
   }
 }
 
-TEST(Unprintable, IsEveryMarkBehindFourOthersUntilAnotherCharacterComes) {
+TEST(Unprintable, IsEveryMarkAfterFourOthersUntilAnotherCharacterComes) {
   EXPECT_THAT(Unprintable({U'a', 0x301, 0x302, 0x303, 0xE47, 0x304, 0x305, U'b', 0x301}),
               ElementsAre(false, false, false, false, false, true, true, false, false));
 }
 
-TEST(Unprintable, IsNoVariationSelectorBehindASymbolButAnyOther) {
+TEST(Unprintable, IsEveryVariationSelectorExceptAfterASymbol) {
   EXPECT_THAT(Unprintable({0x2764, 0xFE0F, 0xFE0F}), ElementsAre(false, false, true));
   EXPECT_THAT(Unprintable({0x845B, 0xE0100, 0xE0101}), ElementsAre(false, false, true));
   EXPECT_THAT(Unprintable({U'a', 0xFE0F, 0xE9, 0xFE0E}), ElementsAre(false, true, false, true));
