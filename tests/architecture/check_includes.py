@@ -21,6 +21,7 @@ MAY_INCLUDE = {
     "system": [],
     "schema": ["host"],
     "standin": ["host", "schema", "system"],
+    "kernel": ["system"],
     "cli/text": ["system"],
     "cli/model": ["schema", "cli/model/UsbIds", "cli/text"],
     "cli/model/UsbIds": ["cli/model", "cli/text", "system"],

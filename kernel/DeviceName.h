@@ -1,0 +1,36 @@
+// The names that the kernel gives to devices, interfaces and ports, which say where they are.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kernel {
+
+/// Where a device is: its bus, and the ports that lead to it from the root hub on.
+struct DeviceName {
+  unsigned bus = 0;
+  std::vector<unsigned> ports;
+
+  bool IsRootHub() const { return ports.empty(); }
+  /// The hub that it is plugged into; not for a root hub.
+  DeviceName Parent() const;
+  /// What is plugged into its port of that number.
+  DeviceName Child(unsigned port) const;
+  /// "usb1" or "1-3.1".
+  std::string Text() const;
+  /// "1-0:1.0" or "1-3.1:1.0".
+  std::string Interface(unsigned configuration, unsigned interface) const;
+  /// "usb1-port2" or "1-3.1-port2".
+  std::string Port(unsigned port) const;
+
+  /// By bus, then each hub before what is plugged into it, by port.
+  auto operator<=>(const DeviceName&) const = default;
+};
+
+/// The place that a name like "usb1" or "1-3.1" stands for; nothing for other texts, such as an interface's
+/// name.
+std::optional<DeviceName> ParseDeviceName(std::string_view text);
+
+}  // namespace kernel
