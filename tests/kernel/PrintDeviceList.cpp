@@ -1,5 +1,5 @@
-// Prints the device list that is made from sysfs: print-device-list [ROOT]. What cannot be read goes to standard
-// error, a line each, and makes the exit status 1.
+// Prints the device list that is made from sysfs: print-device-list [ROOT]. What cannot be read goes to
+// standard error, a line each, and makes the exit status 1.
 #include <cstdio>
 
 #include "kernel/DeviceListWriter.h"

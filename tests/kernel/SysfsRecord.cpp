@@ -11,9 +11,19 @@ namespace usbinfo_test {
 namespace fs = std::filesystem;
 namespace {
 
-const std::set<std::string> kFiles = {"authorized",   "bAlternateSetting", "bConfigurationValue", "connect_type",
-                                      "descriptors",  "devnum",            "manufacturer",        "maxchild",
-                                      "product",      "quirks",            "serial",              "speed"};
+const std::set<std::string> kFiles = {"authorized",
+                                      "bAlternateSetting",
+                                      "bConfigurationValue",
+                                      "connect_type",
+                                      "descriptors",
+                                      "devnum",
+                                      "manufacturer",
+                                      "maxchild",
+                                      "product",
+                                      "quirks",
+                                      "serial",
+                                      "speed"};
+constexpr const char* kArrow = " -> ";
 const std::set<std::string> kLinks = {"driver", "peer", "port"};
 
 std::string Contents(const fs::path& file) {
@@ -36,14 +46,21 @@ class Recorder {
   SysfsRecord fRecord;
 };
 
+/// A device, an interface or a port; others have files of the same names.
+bool IsUsb(const fs::path& folder) {
+  return fs::exists(folder / "devnum") || fs::exists(folder / "bInterfaceNumber") ||
+         fs::exists(folder / "connect_type");
+}
+
 void Recorder::AddFolder(const fs::path& folder) {
+  const bool isUsb = IsUsb(folder);
   for (const auto& entry : fs::directory_iterator(folder)) {
     const std::string name = entry.path().filename();
     if (entry.is_symlink()) {
-      if (kLinks.count(name) != 0) AddLink(entry.path());
+      if (isUsb && kLinks.count(name) != 0) AddLink(entry.path());
     } else if (entry.is_directory()) {
       AddFolder(entry.path());
-    } else if (kFiles.count(name) != 0) {
+    } else if (isUsb && kFiles.count(name) != 0) {
       fRecord[Name(entry.path())] = {false, Contents(entry.path())};
     } else if (name == "uevent") {
       const std::string text = Contents(entry.path());
@@ -98,8 +115,11 @@ SysfsRecord RecordSysfs(const fs::path& sys) {
 
 std::string ToText(const SysfsRecord& record) {
   std::string text;
+  std::string folder;
   for (const auto& [path, file] : record) {
-    text += (file.isLink ? "link " : "file ") + path + " " + Quoted(file.text) + "\n";
+    const std::size_t slash = path.rfind('/');
+    if (path.substr(0, slash) != folder) text += (folder = path.substr(0, slash)) + "\n";
+    text += "  " + path.substr(slash + 1) + (file.isLink ? kArrow : " ") + Quoted(file.text) + "\n";
   }
   return text;
 }
@@ -107,13 +127,18 @@ std::string ToText(const SysfsRecord& record) {
 SysfsRecord FromText(const std::string& text) {
   SysfsRecord record;
   std::istringstream lines(text);
+  std::string folder;
   for (std::string line; std::getline(lines, line);) {
-    const std::size_t quote = line.find(" \"");
-    const std::string kind = line.substr(0, 5);
-    if (quote == std::string::npos || !line.ends_with('"') || (kind != "file " && kind != "link ")) {
-      throw std::invalid_argument("no line of a record: " + line);
+    if (!line.starts_with("  ")) {
+      folder = line;
+      continue;
     }
-    record[line.substr(5, quote - 5)] = {kind == "link ", Unquoted(line.substr(quote + 1))};
+    const std::size_t quote = line.find(" \"");
+    if (quote == std::string::npos) throw std::invalid_argument("no line of a record: " + line);
+    const std::size_t arrow = line.find(kArrow);
+    const bool isLink = arrow < quote;
+    const std::string name = line.substr(2, std::min(arrow, quote) - 2);
+    record[folder + "/" + name] = {isLink, Unquoted(line.substr(quote + 1))};
   }
   return record;
 }

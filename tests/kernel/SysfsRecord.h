@@ -1,7 +1,9 @@
-// A recorded part of /sys: as a text, a line per file or link, and as a map by path. What the text looks like:
-//   file devices/pci0000:00/usb1/devnum "1\n"
-//   link bus/usb/devices/usb1 "../../../devices/pci0000:00/usb1"
-// Paths are relative to /sys. In quotes, bytes other than printable ASCII are written as \xNN, a line break as \n.
+// A recorded part of /sys: as a map by path, and as a text, which has a line per folder, file or link:
+//   devices/pci0000:00/usb1
+//     devnum "1\n"
+//     driver -> "../../../../bus/usb/drivers/usb"
+// Paths are relative to /sys. In quotes, bytes other than printable ASCII are written as \xNN, a line break
+// as \n.
 #pragma once
 
 #include <filesystem>

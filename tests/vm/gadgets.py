@@ -51,8 +51,8 @@ TWO_WAYS = "dummy_hcd.1"
 
 # The same at SuperSpeed, and one that keeps to high speed: settings with isochronous endpoints, and without any.
 SUPER_GADGETS = (
-    Gadget(topology.strings("Makers", "Super", "C-1"), (("uac2.0", "ecm.0"), ("acm.0",))),
-    Gadget(topology.strings("Makers", "High", "C-2"), (("uac2.0", "acm.0"),), max_speed="high-speed"),
+    Gadget(topology.strings("Makers", "Super", "C-1"), (("SourceSink.0", "acm.0"), ("acm.1",))),
+    Gadget(topology.strings("Makers", "High", "C-2"), (("SourceSink.0", "acm.0"),), max_speed="high-speed"),
 )
 
 
@@ -68,15 +68,17 @@ def buses(release):
 
 
 def super_buses(release):
-    """The buses of the dummy controllers that know SuperSpeed, two each, with their gadgets."""
+    """The buses of the dummy controllers that know SuperSpeed, two each; the last one has no gadget."""
     found = []
-    for number, gadget in enumerate(SUPER_GADGETS):
+    for number, gadget in enumerate((*SUPER_GADGETS, None)):
         controller = topology.controller_buses(f"dummy_hcd.{number}", models.SUPER_DUMMY_CONTROLLER, {}, release)
+        found += controller
+        if gadget is None:
+            break
         codes = models.Codes(" 3.20", *gadget.ids, gadget.device_class, len(gadget.configs))
         speed = models.HIGH if gadget.max_speed else models.SUPER
         bus = next(bus for bus in controller if bus.root.speed == speed)
         bus.devices.append(topology.Device((1,), codes, speed, gadget.strings))
-        found += controller
     return found
 
 

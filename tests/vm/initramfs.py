@@ -9,13 +9,14 @@ import re
 import shutil
 import subprocess
 
+import descriptors
 import gadgets
 
 HERE = pathlib.Path(__file__).resolve().parent
 MODULE_LISTS = {
     "usb": ("xhci-pci", "ehci-pci", "ohci-pci", "uhci-hcd", "usbhid", "usb-storage"),
     "gadget": ("configfs", "libcomposite", "usb_f_acm", "usb_f_ecm", "dummy_hcd"),
-    "super_gadget": ("usb_f_uac2",),
+    "super_gadget": ("usb_f_ss_lb", "gadgetfs"),
     "drivers": ("cdc-acm", "cdc_ether", "evdev", "hid-generic", "sd_mod", "uas"),
 }
 FOLDERS = ("bin", "dev", "etc", "guest/modules", "opt/usbinfo", "proc", "root", "sys", "tmp", "usr/bin")
@@ -34,6 +35,7 @@ def pack(build, kernel, archive, work):
     shutil.copy("/usr/bin/usb-devices", root / "usr/bin")
     _add_guest(root)
     gadgets.write_folders(root / "guest/gadgets")
+    descriptors.write_files(root / "guest/descriptors")
     _write_archive(root, archive)
 
 
