@@ -1,6 +1,6 @@
 """Gadgets by their descriptors, as gadgetfs takes them: what devices get wrong, and the kernel corrects or leaves out.
 
-They have no strings, so nobody has to answer requests.
+They have no strings, so nobody has to answer requests. A configuration can have at most 256 bytes.
 """
 
 import pathlib
@@ -73,11 +73,9 @@ DISORDER = _configuration(
     _interface(1, 1, 1), _endpoint(0x8a, 0xff, 64, 4), _endpoint(0x8b, BULK, 64, 0),
     _association(3, 3))
 
-TOO_MANY = _configuration(
-    1, *(_association(number, 1) for number in range(20)), *(_interface(number) for number in range(40)),
-    *(_interface(3, setting) for setting in range(140)),
-    _interface(2, 1, 40), *(_endpoint(address, BULK, 64, 0) for address in (*range(0x81, 0x90), *range(0x01, 0x10))),
-    _endpoint(0x8f, BULK, 64, 0))
+TOO_MANY = _configuration(1, *(_association(number, 1) for number in range(18)),
+                          *(_interface(number) for number in range(3)),
+                          _interface(3, 0, 1), *(_endpoint(0x81 + number, BULK, 64, 0) for number in range(3)))
 
 CUT = _configuration(2, _with_endpoints(_endpoint(0x81, BULK, 64, 0)), b"\x00\x05\x82\x02\x40\x00\x00",
                      _with_endpoints(_endpoint(0x83, BULK, 64, 0), number=1))
@@ -86,7 +84,8 @@ ONE_BYTE_LEFT = _configuration(1, _with_endpoints(_endpoint(0x81, BULK, 64, 0)),
 
 CONFIGURATIONS = {"intervals": INTERVALS, "sizes": SIZES, "disorder": DISORDER, "too-many": TOO_MANY, "cut": CUT,
                   "beyond-the-end": BEYOND_THE_END, "one-byte-left": ONE_BYTE_LEFT}
-GADGETS = [f"{name}-{speed}" for name in CONFIGURATIONS for speed in ("full", "high")]
+# The rules for intervals and sizes depend on the speed.
+GADGETS = ["intervals-full", "sizes-full", *(f"{name}-high" for name in CONFIGURATIONS)]
 
 
 def _contents(configuration, speed):

@@ -15,17 +15,18 @@ REPLACEMENT = "\ufffd"
 
 def check(report, name, guest):
     """Every user's list, made while nothing changes, equals the kernel's."""
+    status, files = guest.run("kernel_list", *USERS)
+    problems = [f"exit status {status}"] if status else []
     for user in USERS:
-        status, files = guest.run("kernel_list", user)
-        report.add(f"{name}, {user}: the list from sysfs is the kernel's", _problems(status, files))
+        problems += _problems(user, _expected(files["list"]), files[f"made-{user}"], files[f"errors-{user}"])
+    report.add(f"{name}: the list that root and others make of sysfs is the kernel's", problems)
 
 
-def _problems(status, files):
-    if status or files["errors"]:
-        return [f"exit status {status}, messages: {files['errors'].decode()}"]
-    made, kernels = files["made"], _expected(files["list"])
-    return [] if made == kernels else list(difflib.unified_diff(
-        _lines(kernels), _lines(made), "expected", "made from sysfs", lineterm=""))
+def _problems(user, expected, made, errors):
+    if errors:
+        return [f"{user}, messages: {errors.decode()}"]
+    return [] if made == expected else list(difflib.unified_diff(
+        _lines(expected), _lines(made), "expected", f"made by {user}", lineterm=""))
 
 
 def _expected(text):
