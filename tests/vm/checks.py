@@ -11,8 +11,10 @@ import comparison
 import device_list
 import expectation
 import gadgets
+import kernel_list
 import machine
 import qemu
+import states
 import topology
 from guest_machine import GuestError
 
@@ -125,6 +127,7 @@ def run_all(guest, release, report):
     collector.prepare("debugfs", "mount")
     before = collector.take(ROOT, DEBUGFS)
     check_debugfs(report, "debugfs, root", before, buses)
+    kernel_list.check(report, "machine", guest)
     check_fallback(report, "debugfs, ordinary user", collector.take(USER, SCRIPT), buses)
     collector.prepare("debugfs", "umount")
     check_fallback(report, "no debugfs, root", collector.take(ROOT, SCRIPT), buses)
@@ -136,12 +139,15 @@ def run_all(guest, release, report):
     after = collector.take(ROOT, DEBUGFS)
     check_debugfs(report, "devices come and go", after, changed)
     check_changes(report, (before, after), (buses, changed))
+    kernel_list.check(report, "devices come and go", guest)
 
     changed += gadgets.buses(release)
     collector.prepare("gadgets", str(len(gadgets.GADGETS)))
     collector.settle(changed, "gadgets")
     check_debugfs(report, "gadgets", collector.take(ROOT, DEBUGFS), changed)
     check_fallback(report, "gadgets, ordinary user", collector.take(USER, SCRIPT), changed)
+    kernel_list.check(report, "gadgets", guest)
+    states.check_all(guest, collector, report, release, changed)
 
 
 def check_debugfs(report, name, taken, buses):

@@ -21,6 +21,7 @@ class Gadget:
     configs: tuple = (("ecm.0",),)
     device_class: tuple = (0, 0, 0)
     ids: tuple = (0x1d6b, 0x0104)
+    max_speed: str = ""
 
 
 GADGETS = (
@@ -45,6 +46,15 @@ GADGETS = (
     Gadget(topology.strings("Makers", "C:\\new\\nS:  SerialNumber=forged too", "C-11")),
 )
 
+# The controller of the one with two configurations.
+TWO_WAYS = "dummy_hcd.1"
+
+# The same at SuperSpeed, and one that keeps to high speed: settings with isochronous endpoints, and without any.
+SUPER_GADGETS = (
+    Gadget(topology.strings("Makers", "Super", "C-1"), (("SourceSink.0", "acm.0"), ("acm.1",))),
+    Gadget(topology.strings("Makers", "High", "C-2"), (("SourceSink.0", "acm.0"),), max_speed="high-speed"),
+)
+
 
 def buses(release):
     """The buses of the dummy controllers, a gadget on each."""
@@ -57,15 +67,34 @@ def buses(release):
     return found
 
 
+def super_buses(release):
+    """The buses of the dummy controllers that know SuperSpeed, two each; the last one has no gadget."""
+    found = []
+    for number, gadget in enumerate((*SUPER_GADGETS, None)):
+        controller = topology.controller_buses(f"dummy_hcd.{number}", models.SUPER_DUMMY_CONTROLLER, {}, release)
+        found += controller
+        if gadget is None:
+            break
+        codes = models.Codes(" 3.20", *gadget.ids, gadget.device_class, len(gadget.configs))
+        speed = models.HIGH if gadget.max_speed else models.SUPER
+        bus = next(bus for bus in controller if bus.root.speed == speed)
+        bus.devices.append(topology.Device((1,), codes, speed, gadget.strings))
+    return found
+
+
 def write_folders(target):
     """Write every gadget down, in a folder named after its number."""
     for number, gadget in enumerate(GADGETS):
         _write_folder(pathlib.Path(target, str(number)), gadget)
+    for number, gadget in enumerate(SUPER_GADGETS):
+        _write_folder(pathlib.Path(target, f"super-{number}"), gadget)
 
 
 def _write_folder(folder, gadget):
     names = ("idVendor", "idProduct", "bDeviceClass", "bDeviceSubClass", "bDeviceProtocol")
     _write(folder, {name: f"{code:#x}" for name, code in zip(names, gadget.ids + gadget.device_class)})
+    if gadget.max_speed:
+        _write(folder, {"max_speed": gadget.max_speed})
     if gadget.strings:
         _write(folder / "strings" / LANGUAGE, {name.lower(): text for name, text in gadget.strings.items()})
     for number, functions in enumerate(gadget.configs, start=1):

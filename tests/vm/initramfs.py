@@ -9,12 +9,15 @@ import re
 import shutil
 import subprocess
 
+import descriptors
 import gadgets
 
 HERE = pathlib.Path(__file__).resolve().parent
 MODULE_LISTS = {
     "usb": ("xhci-pci", "ehci-pci", "ohci-pci", "uhci-hcd", "usbhid", "usb-storage"),
     "gadget": ("configfs", "libcomposite", "usb_f_acm", "usb_f_ecm", "dummy_hcd"),
+    "super_gadget": ("usb_f_ss_lb", "gadgetfs"),
+    "drivers": ("cdc-acm", "cdc_ether", "evdev", "hid-generic", "sd_mod", "uas"),
 }
 FOLDERS = ("bin", "dev", "etc", "guest/modules", "opt/usbinfo", "proc", "root", "sys", "tmp", "usr/bin")
 USERS = "root:x:0:0::/root:/bin/sh\nuser:x:1000:1000::/tmp:/bin/sh\n"
@@ -32,6 +35,7 @@ def pack(build, kernel, archive, work):
     shutil.copy("/usr/bin/usb-devices", root / "usr/bin")
     _add_guest(root)
     gadgets.write_folders(root / "guest/gadgets")
+    descriptors.write_files(root / "guest/descriptors")
     _write_archive(root, archive)
 
 
@@ -51,10 +55,12 @@ def _add_programs(root, build):
 
     Debian's own shell is included: busybox's would run its own mount without looking for one in the path.
     """
-    programs = [*(build / name for name in ("usbinfo", "usbinfo-plugin.so")), pathlib.Path("/bin/dash")]
+    products = [build / name for name in ("usbinfo", "usbinfo-plugin.so")]
+    tools = [build / "tests" / name for name in ("print-device-list", "record-sysfs")]
+    programs = [*products, *tools, pathlib.Path("/bin/dash")]
     libraries = set(re.findall(r"(?:=> |^\t)(/\S+) \(", _output("ldd", *map(str, programs)), re.MULTILINE))
     for file in [*programs, *map(pathlib.Path, libraries)]:
-        if file.parent.resolve() == build.resolve():
+        if build.resolve() in file.resolve().parents:
             target = root / "opt/usbinfo"
         else:
             target = root / str(file.parent).lstrip("/")

@@ -97,3 +97,8 @@ ADDED = (
     Plug("usb-storage", "ehci", "1", serial="ADDED-2"),
 )
 CHANGED_MACHINE = MACHINE.changed(REMOVED, ADDED)
+
+# A hub can be at most this deep.
+NESTED = (*(Plug("usb-hub", "xhci", ".".join(["5"] + ["1"] * depth)) for depth in range(5)),
+          Plug("usb-mouse", "xhci", "5.1.1.1.1.8"))
+NESTED_MACHINE = CHANGED_MACHINE.changed((), NESTED)

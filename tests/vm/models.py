@@ -110,3 +110,5 @@ CONTROLLERS = {
 
 # The kernel's own controller without hardware, for gadgets.
 DUMMY_CONTROLLER = ControllerModel((_root_hub("Dummy host controller", "dummy_hcd", HIGH),), (1,))
+SUPER_DUMMY_CONTROLLER = ControllerModel((_root_hub("Dummy host controller", "dummy_hcd", HIGH),
+                                          _root_hub("Dummy host controller", "dummy_hcd", SUPER)), (1, 1))

@@ -1,0 +1,48 @@
+"""States of the machine beyond what is plugged in, for the proof of the list that is made from sysfs."""
+
+import descriptors
+import gadgets
+import kernel_list
+import machine
+import qemu
+import topology
+
+OFF, ON = range(2)
+# Devices as controller and ports: what they are switched off by, and what then switches them on.
+SWITCHED = (
+    ("0000:00:03.0", (2, 3), "authorized", "0", "1"),
+    ("0000:00:03.0", (11,), "authorized", "0", "1"),
+    ("0000:00:03.0", (2, 4), "bConfigurationValue", "-1", "1"),
+    (gadgets.TWO_WAYS, (1,), "bConfigurationValue", "-1", "2"),
+)
+
+
+def check_all(guest, collector, report, release, buses):
+    """Check the list in one state after the other, beginning with the changed machine and its gadgets' buses."""
+    def settle(plugged, others, name):
+        buses = topology.machine_buses(plugged, release) + others
+        collector.settle(buses, name)
+        kernel_list.check(report, name, guest)
+
+    _switch(collector, buses, OFF)
+    kernel_list.check(report, "neither authorized nor configured", guest)
+    _switch(collector, buses, ON)
+    settle(machine.CHANGED_MACHINE, gadgets.buses(release), "authorized again, another configuration")
+    collector.prepare("drivers")
+    kernel_list.check(report, "drivers for all", guest)
+    for plug in machine.NESTED:
+        guest.monitor("device_add", **qemu.plug_properties(plug))
+    settle(machine.NESTED_MACHINE, gadgets.buses(release), "hubs as deep as can be")
+    collector.prepare("super_gadgets", str(len(gadgets.GADGETS)), str(len(gadgets.SUPER_GADGETS)))
+    settle(machine.NESTED_MACHINE, gadgets.super_buses(release), "gadgets at SuperSpeed")
+    for name in descriptors.GADGETS:
+        collector.prepare("odd_gadget", name, str(len(gadgets.SUPER_GADGETS)))
+        kernel_list.check(report, f"odd descriptors, {name}", guest)
+
+
+def _switch(collector, buses, state):
+    """Switch the devices off or on."""
+    for controller, ports, attribute, *values in SWITCHED:
+        bus = next(bus for bus in buses if (bus.controller, bus.index) == (controller, 0))
+        device = next(item for item in bus.devices if item.ports == ports)
+        collector.prepare("set", bus.sysfs_name(device), attribute, values[state])
