@@ -122,9 +122,9 @@ kernel::Topology ReadThisMachine() {
     kernel::Topology topology = kernel::ReadSysfs();
     if (topology.unreadable.empty()) return topology;
     const kernel::UnreadableDevice& device = topology.unreadable.front();
-    throw UserError(fmt::format(
-        "cannot read the device {} in {}: {}; show the plug-in's own list with --source plugin", device.name,
-        kernel::kSysfsDevices, device.reason));
+    throw UserError(
+        fmt::format("cannot read the device {} in {}: {}; show the plug-in's own list with --source plugin",
+                    device.name, kernel::kSysfsDevices, device.reason));
   } catch (const std::system_error& error) {
     throw UserError(fmt::format("cannot read {}: {}; show the plug-in's own list with --source plugin",
                                 kernel::kSysfsDevices, error.code().message()));
@@ -146,7 +146,8 @@ Inventory CollectThroughPlugin(const Source& source, const PluginRequest& reques
   const ListTreatment treatment = TreatmentOf(source);
   const auto acquisition = std::make_shared<Acquisition>();
   const auto onItsWay = std::make_shared<ListOnItsWay>();
-  auto system = std::make_unique<PreparingSystem>(WatchedMachine(acquisition, source.noLimits), treatment, onItsWay);
+  auto system =
+      std::make_unique<PreparingSystem>(WatchedMachine(acquisition, source.noLimits), treatment, onItsWay);
   Inventory inventory = RunPlugin(request, std::move(system), log, [&acquisition] {
     CheckAcquisition(*acquisition, MachineFacts::OfThisMachine());
   });
@@ -174,7 +175,8 @@ Inventory Collect(const Source& source, const std::vector<std::string>& classNam
     throw UserError("--devices and --mask-key cannot both be standard input; name a file for one of them");
   }
   if (!source.devices.empty()) {
-    const std::string input = ReadInput(source.devices, "name a file that holds a device list with --devices");
+    const std::string input =
+        ReadInput(source.devices, "name a file that holds a device list with --devices");
     return CollectFrom(input, source, classNames, log);
   }
   const PluginRequest request = {source.plugin, source.systemName, classNames};

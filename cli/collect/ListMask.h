@@ -1,5 +1,5 @@
-// Masks the serial numbers in a device list before the plug-in reads it, so that neither the inventory nor the log
-// ever has them.
+// Masks the serial numbers in a device list before the plug-in reads it, so that neither the inventory nor
+// the log ever has them.
 #pragma once
 
 #include <string>

@@ -39,8 +39,8 @@ std::optional<std::string> MachineIdHash(const std::string& path) {
   if (!id) return std::nullopt;
   std::array<unsigned char, crypto_auth_hmacsha256_BYTES> hash{};
   static_assert(crypto_auth_hmacsha256_KEYBYTES == 32);
-  ::crypto_auth_hmacsha256(hash.data(), reinterpret_cast<const unsigned char*>(kPurpose.data()), kPurpose.size(),
-                           reinterpret_cast<const unsigned char*>(id->data()));
+  ::crypto_auth_hmacsha256(hash.data(), reinterpret_cast<const unsigned char*>(kPurpose.data()),
+                           kPurpose.size(), reinterpret_cast<const unsigned char*>(id->data()));
   std::string text(2 * kHashedBytes + 1, '\0');
   ::sodium_bin2hex(text.data(), text.size(), hash.data(), kHashedBytes);
   text.pop_back();

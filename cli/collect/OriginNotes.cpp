@@ -27,7 +27,8 @@ std::vector<Repair> NoteRepairs(const kernel::ListRepairs& repairs) {
   return notes;
 }
 
-std::vector<Finding> NoteFindings(const std::vector<kernel::ListFinding>& findings, const Inventory& inventory) {
+std::vector<Finding> NoteFindings(const std::vector<kernel::ListFinding>& findings,
+                                  const Inventory& inventory) {
   std::vector<Finding> notes;
   for (const kernel::ListFinding& finding : findings) {
     notes.push_back({std::string(NameOf(finding.code)),
@@ -56,12 +57,14 @@ Origin NoteOrigin(const std::string& source, const PreparedList& list, const Lis
 
 void WarnOfRepairs(const kernel::ListRepairs& repairs) {
   if (repairs.parents > 0) {
-    Warn(fmt::format("the list names a wrong parent in {} of its records, mended; --as-is shows the list as it is",
-                     repairs.parents));
+    Warn(fmt::format(
+        "the list names a wrong parent in {} of its records, mended; --as-is shows the list as it is",
+        repairs.parents));
   }
   if (repairs.staleInterfaces > 0) {
-    Warn(fmt::format("the list has interfaces of {} unconfigured devices, left out; --as-is shows the list as it is",
-                     repairs.staleInterfaces));
+    Warn(fmt::format(
+        "the list has interfaces of {} unconfigured devices, left out; --as-is shows the list as it is",
+        repairs.staleInterfaces));
   }
 }
 

@@ -9,8 +9,8 @@
 
 namespace cli {
 
-/// The origin of `inventory`, which was made from `list` after that treatment. `source` is "sysfs", "plugin" or "list";
-/// the first two note this machine and the time, too.
+/// The origin of `inventory`, which was made from `list` after that treatment. `source` is "sysfs", "plugin"
+/// or "list"; the first two note this machine and the time, too.
 Origin NoteOrigin(const std::string& source, const PreparedList& list, const ListTreatment& treatment,
                   const Inventory& inventory);
 

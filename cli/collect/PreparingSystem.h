@@ -13,8 +13,8 @@ namespace cli {
 /// What became of the last list that was not empty.
 struct ListOnItsWay {
   std::optional<PreparedList> list;
-  /// Whether the plug-in was not given it, because it would have taken it for a shell's message that usb-devices is not
-  /// installed. The list is to be given to it in another way.
+  /// Whether the plug-in was not given it, because it would have taken it for a shell's message that
+  /// usb-devices is not installed. The list is to be given to it in another way.
   bool isWithheld = false;
 };
 
@@ -25,8 +25,8 @@ class PreparingSystem : public ForwardingSystem {
                   std::shared_ptr<ListOnItsWay> onItsWay);
 
   std::string CaptureFile(const std::string& path) override;
-  /// The plug-in takes an output with the word "command-not-found" for no list. A device may have that word in a
-  /// string, so a list with it is withheld, unless the treatment is to leave everything as it is.
+  /// The plug-in takes an output with the word "command-not-found" for no list. A device may have that word
+  /// in a string, so a list with it is withheld, unless the treatment is to leave everything as it is.
   std::string SpawnProcess(const std::string& command, int seconds) override;
 
  private:

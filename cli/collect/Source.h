@@ -6,8 +6,8 @@
 namespace cli {
 
 struct Source {
-  /// What this machine's devices are read from: sysfs where it is mounted; sysfs; the device list that the plug-in
-  /// gets on its own.
+  /// What this machine's devices are read from: sysfs where it is mounted; sysfs; the device list that the
+  /// plug-in gets on its own.
   enum class Way { kAuto, kSysfs, kPlugin };
 
   /// A device list or saved JSON inventory to use instead of the machine's, "-" for standard input; empty for

@@ -14,8 +14,8 @@ namespace {
 
 std::string Describe(const Finding& finding) {
   const char* const noun = finding.lines.size() == 1 ? "line" : "lines";
-  return fmt::format("{} {} of the device list, of \"{}\" ({})", noun, fmt::join(finding.lines, ", "), finding.device,
-                     finding.code);
+  return fmt::format("{} {} of the device list, of \"{}\" ({})", noun, fmt::join(finding.lines, ", "),
+                     finding.device, finding.code);
 }
 
 std::vector<Finding> FindingsOf(const Inventory& inventory) {
@@ -29,7 +29,8 @@ void WarnOfFindings(const Inventory& inventory) {
   const std::vector<Finding> findings = FindingsOf(inventory);
   const std::size_t shown = std::min(findings.size(), kMostShown);
   for (std::size_t index = 0; index < shown; ++index) {
-    PrintMessage(fmt::format("the kernel does not write {}; a device may have forged this", Describe(findings[index])));
+    PrintMessage(fmt::format("the kernel does not write {}; a device may have forged this",
+                             Describe(findings[index])));
   }
   if (findings.size() > shown) {
     PrintMessage(fmt::format("the device list has {} more such places", findings.size() - shown));
@@ -39,9 +40,10 @@ void WarnOfFindings(const Inventory& inventory) {
 void RefuseFindings(const Inventory& inventory, const std::string& name) {
   const std::vector<Finding> findings = FindingsOf(inventory);
   if (findings.empty()) return;
-  throw UserError(fmt::format("{}: the kernel does not write {}; a device may have forged this; compare all the same "
-                              "with --allow-suspect",
-                              name, Describe(findings.front())));
+  throw UserError(
+      fmt::format("{}: the kernel does not write {}; a device may have forged this; compare all the same "
+                  "with --allow-suspect",
+                  name, Describe(findings.front())));
 }
 
 }  // namespace cli

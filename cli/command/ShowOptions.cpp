@@ -283,8 +283,9 @@ void CheckSource(const Source& source) {
 
 void CheckListFormat(const ShowOptions& options) {
   if (options.format != "list" || !options.selection.IsSet()) return;
-  throw UsageError(fmt::format("the format list prints the whole device list: leave {} out, or use another format",
-                               Describe(options.selection)));
+  throw UsageError(
+      fmt::format("the format list prints the whole device list: leave {} out, or use another format",
+                  Describe(options.selection)));
 }
 
 }  // namespace
