@@ -77,20 +77,19 @@ void AddRecord(std::string_view line, ListSize& size) {
 
 ListSize ListSize::Of(std::string_view list) {
   ListSize size;
-  std::uint64_t records = 0;
   while (!list.empty()) {
     const std::size_t end = std::min(list.find('\n'), list.size());
     const std::string_view line = list.substr(0, end);
     if (list.front() == 'T') {
       AddRecord(ToLower(line), size);
-      ++records;
+      ++size.records;
     } else if (list.front() == 'I' && IsOfHub(ToLower(line))) {
       ++size.hubs;
     }
     list.remove_prefix(std::min(end + 1, list.size()));
   }
   // A hub has such a line for each of its alternate settings.
-  size.hubs = std::min(size.hubs, records);
+  size.hubs = std::min(size.hubs, size.records);
   return size;
 }
 
@@ -101,6 +100,13 @@ std::uint64_t ListSize::Comparisons() const {
 void CheckListLimits(std::string_view list, const std::string& name) {
   constexpr int kMebibyte = 20;
   const ListSize size = ListSize::Of(list);
+  if (size.records > kMostRecords) {
+    throw UserError(
+        fmt::format("{} is too large: it has {} records (T: lines), and the limit is {}; if you have the "
+                    "time and the memory, "
+                    "use --no-limits",
+                    name, size.records, kMostRecords));
+  }
   if (size.Comparisons() > kMostComparisons) {
     throw UserError(fmt::format(
         "{} is too large: {} ports times {} hubs and devices are {} comparisons, and the limit is {}; if you "

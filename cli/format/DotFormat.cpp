@@ -6,6 +6,7 @@
 #include "cli/model/DeviceText.h"
 #include "cli/model/UsbTree.h"
 #include "cli/text/MapCharacters.h"
+#include "cli/text/Text.h"
 
 namespace cli {
 
@@ -13,13 +14,13 @@ namespace {
 
 /// For a line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; neither
 /// may come from a device's string.
-void AppendToLabel(const Character& character, bool isUnprintable, std::string& out) {
+void AppendToLabel(const Character& character, bool /*isUnprintable*/, std::string& out) {
   if (character.code == U'&') {
     out += "&amp;";
   } else if (character.code == U'"' || character.code == U'\\') {
     out.append("\\").append(character.bytes);
   } else {
-    out += isUnprintable ? kReplacement : character.bytes;
+    out += character.bytes;
   }
 }
 
@@ -29,7 +30,7 @@ std::string Label(const std::vector<std::string>& lines) {
   for (const std::string& line : lines) {
     if (line.empty()) continue;
     if (!label.empty()) label += "\\n";
-    AppendMapped(line, AppendToLabel, label);
+    AppendMapped(EscapeForDocument(line), AppendToLabel, label);
   }
   return '"' + label + '"';
 }

@@ -12,6 +12,8 @@ namespace {
 
 class TerminalPolicy {
  public:
+  explicit TerminalPolicy(bool isUtf8) : fIsUtf8(isUtf8) {}
+
   void operator()(const Character& character, bool isUnprintable, std::string& out) const {
     if (character.code == U'\\') {
       out += "\\\\";
@@ -30,7 +32,7 @@ class TerminalPolicy {
     return !isUnprintable && (fIsUtf8 || character.code < kBeyondAscii);
   }
 
-  bool fIsUtf8 = IsLocaleUtf8();
+  bool fIsUtf8;
 };
 
 void AppendForMof(const Character& character, bool isUnprintable, std::string& out) {
@@ -62,12 +64,23 @@ std::string ReplaceInvalidUtf8(std::string_view text) {
 }
 
 std::string EscapeForTerminal(std::string_view text) {
-  return MapCharacters(text, TerminalPolicy());
+  return MapCharacters(text, TerminalPolicy(IsLocaleUtf8()));
+}
+
+std::string EscapeForDocument(std::string_view text) {
+  return MapCharacters(text, [terminal = TerminalPolicy(true)](const Character& character, bool isUnprintable,
+                                                               std::string& out) {
+    if (character.code == U'\t') {
+      AppendByteEscapes(character.bytes, out);
+    } else {
+      terminal(character, isUnprintable, out);
+    }
+  });
 }
 
 std::string QuoteForTerminal(std::string_view text) {
-  const auto policy = [terminal = TerminalPolicy()](const Character& character, bool isUnprintable,
-                                                    std::string& out) {
+  const auto policy = [terminal = TerminalPolicy(IsLocaleUtf8())](const Character& character,
+                                                                  bool isUnprintable, std::string& out) {
     if (character.code == U'"') {
       out += "\\\"";
     } else if (character.code == U'\t') {

@@ -23,6 +23,10 @@ std::string ReplaceInvalidUtf8(std::string_view text);
 /// of ASCII do.
 std::string EscapeForTerminal(std::string_view text);
 
+/// `text` on one line of a document in UTF-8, whatever the locale is: as EscapeForTerminal makes it, tabs as
+/// `\x09`, so that texts that differ look different.
+std::string EscapeForDocument(std::string_view text);
+
 /// `text` in double quotes, to be recognised as a whole wherever it stands on a terminal: as
 /// EscapeForTerminal makes it, tabs as `\t` and quotes as `\"`.
 std::string QuoteForTerminal(std::string_view text);

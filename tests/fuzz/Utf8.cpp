@@ -140,14 +140,24 @@ std::string ReplaceBrokenUtf8(const std::string& text) {
 }
 
 std::string AsShown(const std::string& text) {
+  constexpr char kDigits[] = "0123456789abcdef";
   BadCharacters characters;
   std::string shown;
   for (std::size_t at = 0; at < text.size();) {
     const Piece piece = PieceAt(text, at);
     if (!piece.isWhole) characters.PassBroken();
     const bool isBad = !piece.isWhole || characters.IsBad(piece.character);
-    shown += isBad ? "\xEF\xBF\xBD" : text.substr(at, piece.length);
+    const std::string bytes = text.substr(at, piece.length);
     at += piece.length;
+    if (bytes == "\\" || bytes == "\n") {
+      shown += bytes == "\n" ? "\\n" : "\\\\";
+    } else if (!isBad) {
+      shown += bytes;
+    } else {
+      for (const unsigned char byte : bytes) {
+        shown.append("\\x").append(1, kDigits[byte >> 4U]).append(1, kDigits[byte & 0xFU]);
+      }
+    }
   }
   return shown;
 }

@@ -13,8 +13,9 @@ namespace usbinfo_test {
 /// that begins none.
 std::string ReplaceBrokenUtf8(const std::string& text);
 
-/// `text` as documents for people show it: in addition U+FFFD for each control character, each character that
-/// is not seen, each combining mark that follows four others, and what XML has no character for.
+/// `text` as documents for people show it: `\\` for a backslash, `\n` for a newline, and `\xHH` for each byte
+/// of what is no UTF-8, of other control characters, of characters that are not seen or that are none, and of
+/// combining marks that follow four others.
 std::string AsShown(const std::string& text);
 
 /// Calls `take` with each character of `text`; throws BrokenInvariant when it is not UTF-8.

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The graph as Graphviz draws it: every item of every captured list is a node of the SVG and every link an edge, and a
-hostile string is shown as it is.
+hostile string is shown as text.
 
 Usage: graph_test.py USBINFO
 """
@@ -54,11 +54,11 @@ class GraphTest(unittest.TestCase):
         self.assertEqual(len(classes(groups, "free")), 19)
         self.assertIn(["Hub", "QEMU USB Hub", "0409:55aa, 8 ports"], classes(groups, "hub"))
 
-    def test_shows_hostile_strings_as_they_are(self):
+    def test_shows_hostile_strings_as_text(self):
         groups = draw(pictures.hostile_list())
         # Graphviz keeps two blanks apart with ones that do not break.
         shown = [lines[0].replace("\u00a0", " ") for lines in classes(groups, "device")]
-        self.assertEqual(sorted(shown), sorted(pictures.HOSTILE_NAMES))
+        self.assertEqual(sorted(shown), sorted(pictures.SHOWN_NAMES))
         self.assertEqual({len(lines) for lines in classes(groups, "device")}, {2})
 
     def test_draws_nothing_for_an_empty_list(self):

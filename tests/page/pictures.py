@@ -21,6 +21,8 @@ HOSTILE_NAMES = (
     "two  blanks",
     "long" * 500,
 )
+# As people see them.
+SHOWN_NAMES = tuple(name.replace("\\", "\\\\") for name in HOSTILE_NAMES)
 
 
 def capture_names():

@@ -3,12 +3,13 @@
 #include <string_view>
 
 #include "cli/text/MapCharacters.h"
+#include "cli/text/Text.h"
 
 namespace cli {
 
 namespace {
 
-void AppendEscaped(const Character& character, bool isUnprintable, std::string& out) {
+void AppendMarkup(const Character& character, bool /*isUnprintable*/, std::string& out) {
   switch (character.code) {
     case U'&':
       out += "&amp;";
@@ -26,8 +27,12 @@ void AppendEscaped(const Character& character, bool isUnprintable, std::string& 
       out += "&#39;";
       return;
     default:
-      out += isUnprintable ? kReplacement : character.bytes;
+      out += character.bytes;
   }
+}
+
+void AppendEscaped(std::string_view text, std::string& out) {
+  AppendMapped(EscapeForDocument(text), AppendMarkup, out);
 }
 
 }  // namespace
@@ -36,7 +41,7 @@ void HtmlWriter::Tag(const char* element, const Attributes& attributes, const ch
   fDocument.append("<").append(element);
   for (const auto& [name, value] : attributes) {
     fDocument.append(" ").append(name).append("=\"");
-    AppendMapped(value, AppendEscaped, fDocument);
+    AppendEscaped(value, fDocument);
     fDocument += '"';
   }
   fDocument += end;
@@ -59,7 +64,7 @@ void HtmlWriter::Void(const char* element, const Attributes& attributes) {
 }
 
 void HtmlWriter::Text(const std::string& text) {
-  AppendMapped(text, AppendEscaped, fDocument);
+  AppendEscaped(text, fDocument);
 }
 
 void HtmlWriter::Element(const char* element, const Attributes& attributes, const std::string& text) {

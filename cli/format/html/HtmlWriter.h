@@ -1,5 +1,5 @@
 // Writes HTML that is well-formed XML too: elements are balanced, and every text and attribute value is
-// escaped, unprintable characters included. Markup never comes from data.
+// escaped, unprintable characters as EscapeForDocument does it. Markup never comes from data.
 #pragma once
 
 #include <string>

@@ -88,6 +88,14 @@ TEST(ListLimits, AreThoseOfThirtyTwoFullBuses) {
       UserErrorOf([] { CheckListLimits(Times(257, Record("01", "00", "255") + kHubLine), "the list"); }), "");
 }
 
+TEST(ListLimits, HoldForTheNumberOfRecords) {
+  const std::string records = Times(65536, "T:\n");
+  EXPECT_NO_THROW(CheckListLimits(records, "the list"));
+  EXPECT_EQ(UserErrorOf([&] { CheckListLimits(records + "T:", "the list"); }),
+            "the list is too large: it has 65537 records (T: lines), and the limit is 65536; if you have the "
+            "time and the memory, use --no-limits");
+}
+
 TEST(ListLimits, HoldForTheLengthOfIdentifiers) {
   EXPECT_NO_THROW(CheckListLimits(Record(std::string(170000, 'b'), "00", "255"), "the list"));
   EXPECT_EQ(UserErrorOf([] { CheckListLimits(Record(std::string(180000, 'b'), "00", "255"), "the list"); }),

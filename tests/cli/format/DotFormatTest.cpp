@@ -91,20 +91,19 @@ TEST_F(DotFormatTest, LeavesOutASpeedThatIsNotKnown) {
 const std::vector<ShownText> kLabels = {
     {"Quote", "a\"b", "a\\\"b"},
     {"QuoteAndBracket", "\"];x->y;//", "\\\"];x->y;//"},
-    {"Backslash", "a\\", "a\\\\"},
-    {"EscapeOfTheName", "\\N\\G\\E", "\\\\N\\\\G\\\\E"},
-    {"EscapedNewline", "a\\nb\\lc", "a\\\\nb\\\\lc"},
-    {"Newline", "a\nb",
-     "a\xEF\xBF\xBD"
-     "b"},
+    // Each backslash is doubled for people and once more for Graphviz.
+    {"Backslash", "a\\", R"(a\\\\)"},
+    {"EscapeOfTheName", "\\N\\G\\E", R"(\\\\N\\\\G\\\\E)"},
+    {"EscapedNewline", "a\\nb\\lc", R"(a\\\\nb\\\\lc)"},
+    {"Newline", "a\nb", R"(a\\nb)"},
     {"Entity", "&lt;&#27;&", "&amp;lt;&amp;#27;&amp;"},
     {"HtmlLikeLabel", "<<b>x</b>>", "<<b>x</b>>"},
-    {"Control", "\x1B[31m\x7F", "\xEF\xBF\xBD[31m\xEF\xBF\xBD"},
-    {"SecondControlSet", "\xC2\x9B", "\xEF\xBF\xBD"},
-    {"NoUtf8", "a\xFFz", "a\xEF\xBF\xBDz"},
-    {"ZeroWidth", "a\xE2\x80\x8Bz", "a\xEF\xBF\xBDz"},
-    {"DirectionMark", "a\xE2\x80\xAEz", "a\xEF\xBF\xBDz"},
-    {"NoCharacter", "a\xEF\xBF\xBFz", "a\xEF\xBF\xBDz"},
+    {"Control", "\x1B[31m\x7F\t", R"(\\x1b[31m\\x7f\\x09)"},
+    {"SecondControlSet", "\xC2\x9B", R"(\\xc2\\x9b)"},
+    {"NoUtf8", "a\xFFz", R"(a\\xffz)"},
+    {"ZeroWidth", "a\xE2\x80\x8Bz", R"(a\\xe2\\x80\\x8bz)"},
+    {"DirectionMark", "a\xE2\x80\xAEz", R"(a\\xe2\\x80\\xaez)"},
+    {"NoCharacter", "a\xEF\xBF\xBFz", R"(a\\xef\\xbf\\xbfz)"},
     {"Letters", "M\xC3\xA4us", "M\xC3\xA4us"},
 };
 

@@ -129,5 +129,13 @@ TEST(SplitAtCommas, GivesTheParts) {
   EXPECT_THAT(cli::SplitAtCommas("a,b c,,d"), testing::ElementsAre("a", "b c", "", "d"));
 }
 
+TEST(EscapeForDocumentTest, SpellsTabsAndLeavesLettersInEveryLocale) {
+  for (const char* locale : {"C", "C.UTF-8"}) {
+    const CharacterSet set(locale);
+    EXPECT_EQ(cli::EscapeForDocument("M\xC3\xA4us\t\\\n\xE2\x80\x8B\xFF"),
+              "M\xC3\xA4us\\x09\\\\\\n\\xe2\\x80\\x8b\\xff");
+  }
+}
+
 }  // namespace
 }  // namespace usbinfo_test
