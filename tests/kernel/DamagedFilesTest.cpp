@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <set>
 
 #include "kernel/DeviceName.h"
@@ -63,10 +64,19 @@ bool IsFrom(const std::string& name, const std::string& top) {
   return name == top || name.starts_with(top + ".");
 }
 
+/// The buses of one controller, with hubs in hubs, a SuperSpeed disk, drivers and their nodes; of some ports
+/// the kernel says nothing, which saves files.
+SysfsRecord TwoBuses() {
+  SysfsRecord record = usbinfo_test::PartOf(usbinfo_test::ReadRecord("superspeed-gadgets"), "0000:00:03.0");
+  std::erase_if(record, [](const auto& item) {
+    return std::regex_search(item.first, std::regex("/1-5|port([3-9]|1[0-2])/"));
+  });
+  return record;
+}
+
 class DamagedFiles : public ::testing::Test {
  protected:
-  /// Two buses of one controller with hubs in hubs, a SuperSpeed disk, drivers and their nodes.
-  SysfsRecord fRecord = usbinfo_test::PartOf(usbinfo_test::ReadRecord("superspeed-gadgets"), "0000:00:03.0");
+  SysfsRecord fRecord = TwoBuses();
   usbinfo_test::UnpackedSysfs fSysfs{fRecord};
   Topology fWhole = fSysfs.Read();
 
@@ -100,11 +110,16 @@ Topology DamagedFiles::Expected(const std::string& path, Damage damage) const {
       "authorized", "bConfigurationValue", "descriptors", "devnum", "maxchild", "speed"};
   static const std::set<std::string> kStrings = {"manufacturer", "product", "serial"};
   const Place place = PlaceOf(path);
-  // The folder of devices has links to them.
-  if (place.folder == "devices") return Without(place.file);
+  // The folder of devices has links to them, but only those to root hubs are followed.
+  if (place.folder == "devices") {
+    const bool isFollowed = place.file.starts_with("usb");
+    return damage == Damage::kMissing || isFollowed ? Without(place.file) : fWhole;
+  }
   const bool isOwn = place.folder == place.device;
   const bool isUnconfigured = place.file == "bConfigurationValue" && damage == Damage::kEmpty;
   const bool isNeeded = kNeeded.contains(place.file) && !isUnconfigured;
+  // The only interface that has more than one setting.
+  if (place.folder == "1-2.4:1.1" && place.file == "bAlternateSetting") return Without(place.device);
   const bool isStringOrQuirks = kStrings.contains(place.file) || place.file == "quirks";
   if (isOwn && (isNeeded || (isStringOrQuirks && damage != Damage::kMissing))) return Without(place.device);
 
@@ -115,7 +130,7 @@ Topology DamagedFiles::Expected(const std::string& path, Damage damage) const {
     if (place.file == "manufacturer") device.manufacturer.reset();
     if (place.file == "product") device.product.reset();
     if (place.file == "serial") device.serial.reset();
-    if (place.file == "driver") device.configurations.front().interfaces.front().driver.clear();
+    if (place.file == "driver" && !isOwn) device.configurations.front().interfaces.front().driver.clear();
     if (place.file == "uevent" && isOwn) device.nodes.erase(device.nodes.begin());
     const std::string text = fRecord.at(path).text;
     const std::size_t key = text.find("DEVNAME=");
@@ -140,22 +155,29 @@ void Forget(Topology& topology) {
   for (Port& port : topology.ports) port.device.clear();
 }
 
+std::vector<std::string> NamesOf(const Topology& topology) {
+  std::vector<std::string> names;
+  for (const Device& device : topology.devices) names.push_back(device.name);
+  return names;
+}
+
 void DamagedFiles::CheckDamage(const std::string& path, Damage damage) {
   const std::string place = fSysfs.Path(path);
   Apply(damage, place);
   Topology found = fSysfs.Read();
   fs::remove_all(place);
-  Unpack({{path, fRecord.at(path)}}, fSysfs.Path(""));
+  usbinfo_test::Unpack({{path, fRecord.at(path)}}, fSysfs.Path(""));
 
   Topology expected = Expected(path, damage);
   Forget(found);
   Forget(expected);
-  EXPECT_EQ(found.devices, expected.devices);
-  EXPECT_EQ(found.ports, expected.ports);
+  EXPECT_EQ(NamesOf(found), NamesOf(expected));
+  EXPECT_TRUE(found.devices == expected.devices);
+  EXPECT_TRUE(found.ports == expected.ports);
 }
 
 TEST_F(DamagedFiles, AffectNothingButTheirDevice) {
-  ASSERT_EQ(fWhole.devices.size(), 17U);
+  ASSERT_EQ(fWhole.devices.size(), 10U);
   for (const auto& [path, file] : fRecord) {
     for (int damage = 0; damage <= static_cast<int>(Damage::kGarbage); ++damage) {
       SCOPED_TRACE(path + ", damage " + std::to_string(damage));
@@ -163,6 +185,22 @@ TEST_F(DamagedFiles, AffectNothingButTheirDevice) {
       if (HasFailure()) return;
     }
   }
+}
+
+TEST_F(DamagedFiles, AreReportedAndSoIsWhatIsBelowTheirDevice) {
+  const std::string hub = "devices/pci0000:00/0000:00:03.0/usb1/1-2/1-2.3";
+  Apply(Damage::kGarbage, fSysfs.Path(hub + "/speed"));
+  const Topology found = fSysfs.Read();
+  const std::vector<kernel::UnreadableDevice> expected = {{"1-2.3", "speed: no speed that is known"},
+                                                          {"1-2.3.8", "below 1-2.3, which cannot be read"}};
+  EXPECT_EQ(found.unreadable, expected);
+  // Something is plugged in all the same.
+  EXPECT_THAT(found.ports, ::testing::Contains(::testing::Field(&Port::device, "1-2.3")));
+}
+
+TEST_F(DamagedFiles, AreNotReportedOfADeviceThatHasGone) {
+  Apply(Damage::kMissing, fSysfs.Path("devices/pci0000:00/0000:00:03.0/usb1/1-2/1-2.3/devnum"));
+  EXPECT_THAT(fSysfs.Read().unreadable, ::testing::IsEmpty());
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "kernel/DescriptorParser.h"
 #include "tests/kernel/RecordedMachine.h"
 
@@ -104,13 +106,14 @@ TEST(Descriptors, CutAnywhereAreWholeUpToTheCutOrNothing) {
 }
 
 TEST(Descriptors, WithAnyByteDamagedHaveNoMoreConfigurationsThanTheySay) {
+  constexpr std::array<std::uint8_t, 6> kValues = {0, 1, 2, 4, 5, 255};
   for (const Data& file : RecordedDescriptors()) {
     for (std::size_t at = 0; at < file.size(); ++at) {
-      for (const std::uint8_t value : {0, 1, 2, 4, 5, 255}) {
+      for (const std::uint8_t value : kValues) {
         Data damaged = file;
         damaged[at] = value;
         const auto found = ParseDescriptors(damaged, {Speed::kSuper, 0});
-        if (found) ASSERT_THAT(found->configurations, SizeIs(damaged[17]));
+        EXPECT_TRUE(!found || found->configurations.size() == damaged[17]);
       }
     }
   }
