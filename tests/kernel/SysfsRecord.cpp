@@ -69,6 +69,10 @@ void Recorder::AddFolder(const fs::path& folder) {
   }
 }
 
+bool IsOn(const std::string& folder, const std::string& controller) {
+  return controller.empty() || folder.find("/" + controller + "/") != std::string::npos;
+}
+
 std::string Quoted(const std::string& text) {
   std::string quoted = "\"";
   for (const char character : text) {
@@ -103,12 +107,15 @@ std::string Unquoted(const std::string& quoted) {
 
 }  // namespace
 
-SysfsRecord RecordSysfs(const fs::path& sys) {
+SysfsRecord RecordSysfs(const fs::path& sys, const std::string& controller) {
   Recorder recorder(sys);
   for (const auto& entry : fs::directory_iterator(sys / "bus/usb/devices")) {
     const std::string name = entry.path().filename();
-    if (name.find(':') == std::string::npos) recorder.AddLink(entry.path());
-    if (name.rfind("usb", 0) == 0) recorder.AddFolder(fs::canonical(entry.path()));
+    const std::string target = fs::canonical(entry.path());
+    const bool isInterface = name.find(':') != std::string::npos;
+    if (isInterface || !IsOn(target, controller)) continue;
+    recorder.AddLink(entry.path());
+    if (name.rfind("usb", 0) == 0) recorder.AddFolder(target);
   }
   return std::move(recorder).Result();
 }

@@ -20,8 +20,9 @@ struct RecordedFile {
 
 using SysfsRecord = std::map<std::string, RecordedFile>;
 
-/// What the reader of devices looks at below `sys`, the folder that sysfs is mounted on.
-SysfsRecord RecordSysfs(const std::filesystem::path& sys);
+/// What the reader of devices looks at below `sys`, the folder that sysfs is mounted on; of the devices of
+/// one controller alone, such as "0000:00:14.0", unless that is empty.
+SysfsRecord RecordSysfs(const std::filesystem::path& sys, const std::string& controller);
 
 std::string ToText(const SysfsRecord& record);
 /// The reverse. Throws std::invalid_argument.

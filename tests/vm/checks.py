@@ -118,16 +118,17 @@ def _parsed(text):
         return None
 
 
-def run_all(guest, release, report):
-    """Run every check on the guest."""
+def run_all(guest, release, report, records):
+    """Run every check on the guest, and record its states if there is a folder for that."""
     collector = Collector(guest, report)
+    proof = kernel_list.Proof(guest, report, records)
     buses = topology.machine_buses(machine.MACHINE, release)
     collector.settle(buses, "machine")
 
     collector.prepare("debugfs", "mount")
     before = collector.take(ROOT, DEBUGFS)
     check_debugfs(report, "debugfs, root", before, buses)
-    kernel_list.check(report, "machine", guest)
+    proof.check("machine")
     check_fallback(report, "debugfs, ordinary user", collector.take(USER, SCRIPT), buses)
     collector.prepare("debugfs", "umount")
     check_fallback(report, "no debugfs, root", collector.take(ROOT, SCRIPT), buses)
@@ -139,15 +140,15 @@ def run_all(guest, release, report):
     after = collector.take(ROOT, DEBUGFS)
     check_debugfs(report, "devices come and go", after, changed)
     check_changes(report, (before, after), (buses, changed))
-    kernel_list.check(report, "devices come and go", guest)
+    proof.check("devices come and go")
 
     changed += gadgets.buses(release)
     collector.prepare("gadgets", str(len(gadgets.GADGETS)))
     collector.settle(changed, "gadgets")
     check_debugfs(report, "gadgets", collector.take(ROOT, DEBUGFS), changed)
     check_fallback(report, "gadgets, ordinary user", collector.take(USER, SCRIPT), changed)
-    kernel_list.check(report, "gadgets", guest)
-    states.check_all(guest, collector, report, release, changed)
+    proof.check("gadgets")
+    states.check_all(guest, collector, proof, release, changed)
 
 
 def check_debugfs(report, name, taken, buses):

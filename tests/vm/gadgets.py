@@ -54,6 +54,8 @@ SUPER_GADGETS = (
     Gadget(topology.strings("Makers", "Super", "C-1"), (("SourceSink.0", "acm.0"), ("acm.1",))),
     Gadget(topology.strings("Makers", "High", "C-2"), (("SourceSink.0", "acm.0"),), max_speed="high-speed"),
 )
+# The controller that these leave free.
+FREE_CONTROLLER = f"dummy_hcd.{len(SUPER_GADGETS)}"
 
 
 def buses(release):

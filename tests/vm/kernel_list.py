@@ -5,6 +5,7 @@ as U+FFFD.
 """
 
 import difflib
+import pathlib
 import re
 
 import gadgets
@@ -13,13 +14,31 @@ USERS = ("root", "user")
 REPLACEMENT = "\ufffd"
 
 
-def check(report, name, guest):
-    """Every user's list, made while nothing changes, equals the kernel's."""
-    status, files = guest.run("kernel_list", *USERS)
-    problems = [f"exit status {status}"] if status else []
-    for user in USERS:
-        problems += _problems(user, _expected(files["list"]), files[f"made-{user}"], files[f"errors-{user}"])
-    report.add(f"{name}: the list that root and others make of sysfs is the kernel's", problems)
+class Proof:
+    """Checks the list in every state of the machine, and records the states where a folder is given for that."""
+
+    def __init__(self, guest, report, records=None):
+        self._guest = guest
+        self._report = report
+        self._records = records
+
+    def check(self, name, controller=""):
+        """Every user's list equals the kernel's. A record has the devices of one controller alone if it is named."""
+        status, files = self._guest.run("kernel_list", *USERS)
+        problems = [f"exit status {status}"] if status else []
+        for user in USERS:
+            problems += _problems(user, _expected(files["list"]), files[f"made-{user}"], files[f"errors-{user}"])
+        self._report.add(f"{name}: the list that root and others make of sysfs is the kernel's", problems)
+        if self._records:
+            self._record(pathlib.Path(self._records, re.sub(r"\W+", "-", name)), controller)
+
+    def _record(self, path, controller):
+        _, files = self._guest.run("record", controller)
+        path.with_suffix(".tree").write_bytes(files["record"])
+        buses = {int(number) for number in re.findall(rb"^  usb(\d+) ->", files["record"], re.MULTILINE)}
+        blocks = [block for block in re.split(rb"(?=\nT:)", files["list"])[1:]
+                  if int(re.match(rb"\nT:  Bus=(\d+)", block)[1]) in buses]
+        path.with_suffix(".txt").write_bytes(b"".join(blocks))
 
 
 def _problems(user, expected, made, errors):

@@ -6,7 +6,9 @@ with debugfs and without, as root and as an ordinary user, while devices come an
 own.
 
 Usage:
-    run_vm.py BUILD KERNEL WORK     the folders of the products, of the unpacked kernel, and for the logs
+    run_vm.py BUILD KERNEL WORK [RECORDS]
+        The folders of the products, of the unpacked kernel, and for the logs. With a fourth one, what sysfs and the
+        kernel's list hold in each state is recorded there; see tests/data/README.md.
 
 Prints a line per check, and what differs; exits 1 if any failed.
 """
@@ -23,18 +25,18 @@ import qemu
 from guest_machine import Guest, GuestError, Logs
 
 
-def main(build, kernel, work):
+def main(build, kernel, work, records=None):
     """Boot the guest, run all checks in it, and return the exit status."""
     began = time.monotonic()
     logs = Logs(work)
-    failed = _run(build, pathlib.Path(kernel), logs)
+    failed = _run(build, pathlib.Path(kernel), logs, records)
     if failed:
         print(*logs.ends(), sep="\n")
     print(f"{'FAILED' if failed else 'passed'} after {time.monotonic() - began:.0f} s")
     return 1 if failed else 0
 
 
-def _run(build, kernel, logs):
+def _run(build, kernel, logs, records):
     image, = (kernel / "boot").glob("vmlinuz-*")
     release, = (path.name for path in (kernel / "lib/modules").iterdir())
     usb_arguments = qemu.usb_arguments(machine.MACHINE, machine.ADDED)
@@ -44,7 +46,7 @@ def _run(build, kernel, logs):
         initramfs.pack(build, kernel, archive, folder)
         try:
             with Guest(folder, image, archive, logs, usb_arguments) as guest:
-                checks.run_all(guest, release, report)
+                checks.run_all(guest, release, report, records)
         except GuestError as error:
             report.add("the guest answers every step", [str(error)])
     return report.failed
