@@ -90,11 +90,17 @@ std::string_view RestBehind(std::string_view line, std::string_view key) {
   return at == std::string_view::npos ? std::string_view() : line.substr(at + key.size());
 }
 
+/// What a list marks by a star where it is active. usb-devices prints what is active only, and early kernels
+/// mark configurations but not settings.
+struct Stars {
+  bool marksConfigurations = false;
+  bool marksSettings = false;
+};
+
 /// Fills one device from the lines of its record.
 class RecordReader {
  public:
-  /// `marksActive`: whether the list marks what is active by a star; else it holds nothing else.
-  explicit RecordReader(bool marksActive) : fMarksActive(marksActive) {}
+  explicit RecordReader(const Stars& stars) : fStars(stars) {}
 
   Device Read(const ListRecord& record) {
     for (const ListLine& line : record.lines) ReadLine(line);
@@ -171,7 +177,7 @@ class RecordReader {
     fDevice.configurations.push_back({.value = value,
                                       .attributes = HexadecimalIn<std::uint8_t>(line, "Atr="),
                                       .maxPower = NumberIn<std::uint16_t>(line, "MxPwr="),
-                                      .isActive = fMarksActive ? HasStar(line) : value != 0,
+                                      .isActive = fStars.marksConfigurations ? HasStar(line) : value != 0,
                                       .associations = {},
                                       .interfaces = {}});
   }
@@ -188,8 +194,10 @@ class RecordReader {
     Interface& interface = InterfaceOf(NumberIn<std::uint8_t>(line, "If#="));
     const std::string_view driver = RestBehind(line, "Driver=");
     if (driver != "(none)") interface.driver = driver;
+    // The first setting is active unless the device was told otherwise.
+    const bool isActive = fStars.marksSettings ? HasStar(line) : interface.settings.empty();
     interface.settings.push_back({.number = NumberIn<std::uint8_t>(line, "Alt="),
-                                  .isActive = !fMarksActive || HasStar(line),
+                                  .isActive = isActive,
                                   .codes = ClassCodesIn(line),
                                   .endpoints = {}});
     fEndpoints = &interface.settings.back().endpoints;
@@ -213,7 +221,7 @@ class RecordReader {
     return interfaces.back();
   }
 
-  bool fMarksActive;
+  Stars fStars;
   bool fHasTopology = false;
   bool fHasDescriptor = false;
   bool fHasProduct = false;
@@ -275,21 +283,24 @@ void AddNamesAndPorts(Topology& topology) {
   }
 }
 
-/// Whether the list marks what is active. usb-devices does not: it prints nothing else.
-bool MarksActive(const std::vector<ListRecord>& records) {
-  return std::any_of(records.begin(), records.end(), [](const ListRecord& record) {
-    return std::any_of(record.lines.begin(), record.lines.end(),
-                       [](const ListLine& line) { return line.Type() == 'C' && HasStar(line.text); });
-  });
+Stars StarsIn(const std::vector<ListRecord>& records) {
+  Stars stars;
+  for (const ListRecord& record : records) {
+    for (const ListLine& line : record.lines) {
+      if (line.Type() == 'C' && HasStar(line.text)) stars.marksConfigurations = true;
+      if (line.Type() == 'I' && HasStar(line.text)) stars.marksSettings = true;
+    }
+  }
+  return stars;
 }
 
 }  // namespace
 
 Topology ReadDeviceList(std::string_view text) {
   const std::vector<ListRecord> records = RecordsOf(text);
-  const bool marksActive = MarksActive(records);
+  const Stars stars = StarsIn(records);
   Topology topology;
-  for (const ListRecord& record : records) topology.devices.push_back(RecordReader(marksActive).Read(record));
+  for (const ListRecord& record : records) topology.devices.push_back(RecordReader(stars).Read(record));
   AddNamesAndPorts(topology);
   return topology;
 }

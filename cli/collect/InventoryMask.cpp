@@ -6,6 +6,7 @@
 
 #include "cli/collect/SerialMask.h"
 #include "cli/model/DeviceText.h"
+#include "kernel/DeviceName.h"
 
 namespace cli {
 
@@ -17,27 +18,50 @@ constexpr std::uint64_t kKernelVendor = 0x1D6B;
 class InventoryMasker {
  public:
   InventoryMasker(const Inventory& inventory, const SerialMask& mask) : fMask(mask) {
+    std::set<std::string> controllers;
     for (const Item& controller : inventory.Controllers()) {
-      fControllers.insert(controller.String(PropertyId::kDeviceID));
+      controllers.insert(controller.String(PropertyId::kDeviceID));
+    }
+    for (const Item& hub : inventory.Hubs()) {
+      const std::string& identifier = hub.String(PropertyId::kDeviceID);
+      const bool isRootHub =
+          hub.Number(PropertyId::kVendorID) == kKernelVendor && controllers.count(identifier) != 0;
+      if (isRootHub) fRootHubs.insert(identifier);
     }
   }
 
   Item Masked(Item item) const {
     const std::string serial = SentString(item, PropertyId::kSerialNumber);
-    if (serial.empty() || IsRootHub(item)) return item;
+    const bool isRootHub =
+        item.Class() == ClassId::kHub && fRootHubs.count(item.String(PropertyId::kDeviceID)) != 0;
+    if (serial.empty() || isRootHub) return item;
     item.SetAt(item.Schema().IndexOf(PropertyId::kSerialNumber), fMask.Mask(serial));
     return item;
   }
 
+  KernelFacts Masked(KernelFacts facts) const {
+    for (DeviceFacts& device : facts.devices) {
+      const bool hasSerial = device.serial && !device.serial->empty();
+      if (hasSerial && !IsRootHub(device)) device.serial = fMask.Mask(*device.serial);
+    }
+    return facts;
+  }
+
  private:
-  bool IsRootHub(const Item& item) const {
-    return item.Class() == ClassId::kHub && item.Number(PropertyId::kVendorID) == kKernelVendor &&
-           fControllers.count(item.String(PropertyId::kDeviceID)) != 0;
+  /// Not what only goes by a root hub's number.
+  bool IsRootHub(const DeviceFacts& device) const {
+    const auto name = kernel::ParseDeviceName(device.name.value_or(""));
+    return name && name->IsRootHub() && fRootHubs.count(device.device) != 0;
   }
 
   const SerialMask& fMask;
-  std::set<std::string> fControllers;
+  std::set<std::string> fRootHubs;
 };
+
+Origin MaskedBy(const SerialMask& mask, Origin origin) {
+  origin.masked = Masking{mask.Fingerprint()};
+  return origin;
+}
 
 }  // namespace
 
@@ -48,6 +72,8 @@ Inventory MaskSerials(const Inventory& inventory, const SerialMask& mask) {
   for (const ItemsOfClass& ofClass : inventory.Classes()) {
     for (const Item& item : ofClass.items) masked.Add(masker.Masked(item));
   }
+  if (inventory.GetOrigin()) masked.SetOrigin(MaskedBy(mask, *inventory.GetOrigin()));
+  if (inventory.Kernel()) masked.SetKernel(masker.Masked(*inventory.Kernel()));
   return masked;
 }
 

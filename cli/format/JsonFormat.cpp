@@ -2,7 +2,8 @@
 
 #include "cli/model/Inventory.h"
 #include "cli/model/JsonValues.h"
-#include "cli/text/JsonWriter.h"
+#include "cli/model/KernelJson.h"
+#include "cli/model/OriginJson.h"
 
 namespace cli {
 
@@ -11,10 +12,8 @@ namespace {
 void WriteSystem(JsonWriter& json, const Inventory& inventory) {
   json.Key("system");
   json.BeginObject();
-  json.Key("name");
-  json.String(inventory.SystemName());
-  json.Key("creationClassName");
-  json.String(schema::kSystemClass);
+  WriteMember(json, "name", inventory.SystemName());
+  WriteMember(json, "creationClassName", std::string(schema::kSystemClass));
   json.EndObject();
 }
 
@@ -22,10 +21,8 @@ void WriteClasses(JsonWriter& json, const Inventory& inventory) {
   json.Key("classes");
   json.BeginObject();
   for (const ItemsOfClass& ofClass : inventory.Classes()) {
-    json.Key(ofClass.schema->name);
-    json.BeginArray();
-    for (const Item& item : ofClass.items) WriteProperties(json, item);
-    json.EndArray();
+    WriteList(json, ofClass.schema->name, ofClass.items,
+              [&](const Item& item) { WriteProperties(json, item); });
   }
   json.EndObject();
 }
@@ -36,9 +33,13 @@ std::string RenderJson(const Inventory& inventory, const RenderOptions&) {
   JsonWriter json(JsonWriter::Layout::kIndented);
   json.BeginObject();
   json.Key("schema");
-  json.String("usbinfo.inventory/1");
+  json.String("usbinfo.inventory/2");
   WriteSystem(json, inventory);
+  WriteOptional(json, "origin", inventory.GetOrigin(),
+                [&](const Origin& origin) { WriteOrigin(json, origin); });
   WriteClasses(json, inventory);
+  WriteOptional(json, "kernel", inventory.Kernel(),
+                [&](const KernelFacts& facts) { WriteKernelFacts(json, facts); });
   json.EndObject();
   return json.Take() + "\n";
 }

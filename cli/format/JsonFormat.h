@@ -1,4 +1,4 @@
-// The inventory as one JSON document, schema "usbinfo.inventory/1": stable key order, all six classes even if
+// The inventory as one JSON document, schema "usbinfo.inventory/2": stable key order, all six classes even if
 // empty, instances in enumeration order, properties ascending by name.
 #pragma once
 

@@ -2,18 +2,20 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
+#include <charconv>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <utility>
-#include <vector>
 
+#include "cli/model/JsonNode.h"
+#include "cli/model/KernelJson.h"
 #include "cli/model/ObjectPath.h"
+#include "cli/model/OriginJson.h"
 #include "cli/model/StrictJson.h"
 #include "cli/text/UserError.h"
 #include "schema/ClassSchema.h"
 
-using nlohmann::json;
 using schema::ClassSchema;
 using schema::PropertySchema;
 using Type = NKESTA20::TCIMValue::TCIMType;
@@ -22,39 +24,33 @@ namespace cli {
 
 namespace {
 
-constexpr const char* kSchema = "usbinfo.inventory/1";
+constexpr std::uint64_t kVersion = 2;
 
-[[noreturn]] void Refuse(const std::string& pointer, const std::string& what) {
-  throw JsonError((pointer.empty() ? "the document" : pointer) + ": " + what);
+std::string SchemaOf(std::uint64_t version) {
+  return fmt::format("usbinfo.inventory/{}", version);
 }
 
-void RequireObject(const json& value, const std::string& pointer) {
-  if (!value.is_object()) Refuse(pointer, "must be an object");
+/// The version of a schema of inventories; nothing for another text.
+std::optional<std::uint64_t> VersionOf(const std::string& schema) {
+  const std::size_t slash = schema.rfind('/');
+  if (slash == std::string::npos) return std::nullopt;
+  std::uint64_t version = 0;
+  std::from_chars(schema.data() + slash + 1, schema.data() + schema.size(), version);
+  return version != 0 && schema == SchemaOf(version) ? std::optional(version) : std::nullopt;
 }
 
-void RequireArray(const json& value, const std::string& pointer) {
-  if (!value.is_array()) Refuse(pointer, "must be a list");
-}
-
-void RequireText(const json& value, const std::string& pointer) {
-  if (!value.is_string()) Refuse(pointer, "must be a text");
-}
-
-void RequireExactly(const json& value, const std::string& pointer, const std::string& expected) {
-  if (value != expected) Refuse(pointer, fmt::format("must be \"{}\"", expected));
-}
-
-/// Refuses an object that lacks one of the members or has another one.
-void RequireMembers(const json& object, const std::string& pointer, const std::vector<std::string>& names) {
-  RequireObject(object, pointer);
-  for (const std::string& name : names) {
-    if (!object.contains(name)) Refuse(PointerTo(pointer, name), "is missing");
+/// `name` is what messages call the document.
+std::uint64_t ReadVersion(const JsonNode& node, const std::string& name) {
+  const std::optional<std::uint64_t> version = node.IsText() ? VersionOf(node.Text()) : std::nullopt;
+  if (!version) node.Refuse(fmt::format("must be \"{}\"", SchemaOf(kVersion)));
+  if (*version > kVersion) {
+    throw UserError(
+        fmt::format("{} was saved by a later version of usbinfo: its schema is {}, and this version reads "
+                    "schemas up to {}; "
+                    "update usbinfo, or save the inventory anew with this version",
+                    name, SchemaOf(*version), SchemaOf(kVersion)));
   }
-  for (const auto& [name, value] : object.items()) {
-    if (std::find(names.begin(), names.end(), name) == names.end()) {
-      Refuse(PointerTo(pointer, name), "is not a member of an inventory");
-    }
-  }
+  return *version;
 }
 
 std::uint64_t Largest(Type::ECIMType type) {
@@ -68,80 +64,53 @@ std::uint64_t Largest(Type::ECIMType type) {
   }
 }
 
-std::uint64_t ReadNumber(const json& value, const std::string& pointer, Type::ECIMType type) {
-  if (!value.is_number_unsigned() || value.get<std::uint64_t>() > Largest(type)) {
-    Refuse(pointer, fmt::format("must be a whole number from 0 to {}", Largest(type)));
-  }
-  return value.get<std::uint64_t>();
-}
-
-std::string ReadText(const json& value, const std::string& pointer) {
-  RequireText(value, pointer);
-  return value.get<std::string>();
-}
-
-std::vector<std::string> ReadTexts(const json& value, const std::string& pointer) {
-  RequireArray(value, pointer);
-  std::vector<std::string> texts;
-  for (std::size_t at = 0; at < value.size(); ++at)
-    texts.push_back(ReadText(value[at], PointerTo(pointer, at)));
-  return texts;
-}
-
 /// A reference to an item of the named class, or of any entity class when that is the base class.
-Reference ReadReference(const json& value, const std::string& pointer, const std::string& className) {
-  std::string text = ReadText(value, pointer);
+Reference ReadReference(const JsonNode& node, const std::string& className) {
+  std::string text = node.Text();
   const std::optional<ObjectPath> path = ParseObjectPath(text);
   if (!path || (className != schema::kEntityBaseClass && className != path->schema->name)) {
-    Refuse(pointer, fmt::format("must be the object path of a {}", className));
+    node.Refuse(fmt::format("must be the object path of a {}", className));
   }
   return {std::move(text)};
 }
 
-Value ReadValue(const json& value, const std::string& pointer, const PropertySchema& property) {
+Value ReadValue(const JsonNode& node, const PropertySchema& property) {
   switch (property.type) {
     case Type::kUint8:
     case Type::kUint16:
     case Type::kUint64:
-      return ReadNumber(value, pointer, property.type);
+      return node.Number(Largest(property.type));
     case Type::kStringArray:
-      return ReadTexts(value, pointer);
+      return node.Texts();
     case Type::kReference:
-      return ReadReference(value, pointer, property.referenceClass);
+      return ReadReference(node, property.referenceClass);
     default:
-      return ReadText(value, pointer);
+      return node.Text();
   }
 }
 
-Item ReadItem(const json& instance, const std::string& pointer, const ClassSchema& schema) {
-  RequireObject(instance, pointer);
+Item ReadItem(const JsonNode& instance, const ClassSchema& schema) {
   Item item(schema.id);
-  for (const auto& [name, value] : instance.items()) {
+  for (const auto& [name, value] : instance.Members()) {
     const std::size_t index = schema.IndexOf(name);
-    if (index == ClassSchema::kNone)
-      Refuse(PointerTo(pointer, name), "is not a property of a " + schema.name);
-    item.SetAt(index, ReadValue(value, PointerTo(pointer, name), schema.properties[index]));
+    if (index == ClassSchema::kNone) value.Refuse("is not a property of a " + schema.name);
+    item.SetAt(index, ReadValue(value, schema.properties[index]));
   }
   for (const PropertySchema& property : schema.properties) {
-    if (!property.isOptional && !item.Has(property.id))
-      Refuse(PointerTo(pointer, property.name), "is missing");
+    // Refuses a property that is missing.
+    if (!property.isOptional && !item.Has(property.id)) instance.Member(property.name);
   }
-  if (schema.kind == ClassSchema::Kind::kEntity) {
-    RequireExactly(instance["CreationClassName"], PointerTo(pointer, "CreationClassName"), schema.name);
-  }
+  if (schema.kind == ClassSchema::Kind::kEntity) instance.Member("CreationClassName").Exactly(schema.name);
   return item;
 }
 
-void ReadClasses(const json& classes, const std::string& pointer, Inventory& inventory) {
-  std::vector<std::string> names;
-  for (const ClassSchema& schema : schema::ServedClasses()) names.push_back(schema.name);
-  RequireMembers(classes, pointer, names);
+void ReadClasses(const JsonNode& classes, Inventory& inventory) {
+  for (const auto& [name, instances] : classes.Members()) {
+    if (schema::FindClass(name) == nullptr) instances.Refuse("is not a member of an inventory");
+  }
   for (const ClassSchema& schema : schema::ServedClasses()) {
-    const std::string list = PointerTo(pointer, schema.name);
-    const json& instances = classes[schema.name];
-    RequireArray(instances, list);
-    for (std::size_t at = 0; at < instances.size(); ++at) {
-      inventory.Add(ReadItem(instances[at], PointerTo(list, at), schema));
+    for (const JsonNode& instance : classes.Member(schema.name).Elements()) {
+      inventory.Add(ReadItem(instance, schema));
     }
   }
 }
@@ -154,18 +123,21 @@ bool HasConnections(const Inventory& inventory) {
          inventory.Hubs().size() == inventory.Controllers().size();
 }
 
-/// The schema is checked first, so that the message for a document of another schema says so and does not
-/// name an unknown member.
-Inventory ReadInventory(const json& document) {
-  RequireObject(document, "");
-  if (!document.contains("schema")) Refuse("/schema", "is missing");
-  RequireExactly(document["schema"], "/schema", kSchema);
-  RequireMembers(document, "", {"schema", "system", "classes"});
-  RequireMembers(document["system"], "/system", {"name", "creationClassName"});
-  Inventory inventory(ReadText(document["system"]["name"], "/system/name"));
-  RequireExactly(document["system"]["creationClassName"], "/system/creationClassName", schema::kSystemClass);
-  ReadClasses(document["classes"], "/classes", inventory);
+void ReadOriginAndKernel(const JsonNode& document, Inventory& inventory) {
+  if (auto origin = document.Member("origin").Optional(ReadOrigin)) inventory.SetOrigin(std::move(*origin));
+  if (auto facts = document.Member("kernel").Optional(ReadKernelFacts))
+    inventory.SetKernel(std::move(*facts));
+}
+
+/// The schema is checked first, so that the message for a document of another schema says so.
+Inventory ReadInventory(const JsonNode& document, const std::string& name) {
+  const std::uint64_t version = ReadVersion(document.Member("schema"), name);
+  const JsonNode system = document.Member("system");
+  Inventory inventory(system.Member("name").Text());
+  system.Member("creationClassName").Exactly(schema::kSystemClass);
+  ReadClasses(document.Member("classes"), inventory);
   inventory.SetKnowsConnections(HasConnections(inventory));
+  if (version == kVersion) ReadOriginAndKernel(document, inventory);
   return inventory;
 }
 
@@ -178,7 +150,8 @@ bool LooksLikeJson(const std::string& text) {
 
 Inventory FromJson(const std::string& text, const std::string& name) {
   try {
-    return ReadInventory(*ParseStrictJson(text));
+    const auto document = ParseStrictJson(text);
+    return ReadInventory(JsonNode(*document), name);
   } catch (const JsonError& error) {
     throw UserError(fmt::format("{} holds no inventory: {}; save it anew with usbinfo --format json", name,
                                 error.what()));

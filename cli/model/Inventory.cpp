@@ -1,9 +1,36 @@
 #include "cli/model/Inventory.h"
 
 #include <algorithm>
+#include <iterator>
+#include <unordered_set>
 #include <utility>
 
 namespace cli {
+
+namespace {
+
+using Identifiers = std::unordered_set<std::string>;
+
+void AddIdentifiers(const std::vector<Item>& items, Identifiers& identifiers) {
+  for (const Item& item : items) identifiers.insert(item.String(PropertyId::kDeviceID));
+}
+
+/// The facts about the items of `inventory`.
+KernelFacts FactsAbout(const Inventory& inventory, const KernelFacts& facts) {
+  Identifiers devices;
+  AddIdentifiers(inventory.Hubs(), devices);
+  AddIdentifiers(inventory.Devices(), devices);
+  Identifiers ports;
+  AddIdentifiers(inventory.Ports(), ports);
+  KernelFacts part;
+  std::copy_if(facts.devices.begin(), facts.devices.end(), std::back_inserter(part.devices),
+               [&](const DeviceFacts& device) { return devices.count(device.device) != 0; });
+  std::copy_if(facts.ports.begin(), facts.ports.end(), std::back_inserter(part.ports),
+               [&](const PortFacts& port) { return ports.count(port.port) != 0; });
+  return part;
+}
+
+}  // namespace
 
 Inventory::Inventory(std::string systemName) : fSystemName(std::move(systemName)) {
   for (const schema::ClassSchema& schema : schema::ServedClasses()) fClasses.push_back({&schema, {}});
@@ -33,6 +60,8 @@ Inventory Inventory::Only(const std::function<bool(const Item&)>& keep) const {
     std::copy_if(ofClass.items.begin(), ofClass.items.end(), std::back_inserter(kept.items), keep);
     kept.total = ofClass.total;
   }
+  part.fOrigin = fOrigin;
+  if (fKernel) part.fKernel = FactsAbout(part, *fKernel);
   return part;
 }
 

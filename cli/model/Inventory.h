@@ -52,7 +52,8 @@ class Inventory {
   bool IsEmpty() const;
   /// True when a selection has left items out.
   bool IsPartial() const;
-  /// The part whose items `keep` is true for, in the same order; the totals stay.
+  /// The part whose items `keep` is true for, in the same order, and what the kernel knows of these; the
+  /// totals and the origin stay.
   Inventory Only(const std::function<bool(const Item&)>& keep) const;
 
   /// Whether a port without a reported device is known to be free, because the connections were collected.

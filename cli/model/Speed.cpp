@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
+
 namespace cli {
 
 namespace {
@@ -39,6 +41,13 @@ std::string FormatSpeed(std::uint64_t bitsPerSecond) {
 std::string FormatSpeedClass(std::uint64_t number) {
   constexpr const char* kSpeeds[] = {"", "1.5 Mbit/s", "12 Mbit/s", "480 Mbit/s", "5+ Gbit/s"};
   return kSpeeds[static_cast<std::size_t>(SpeedClassOfDevice(number))];
+}
+
+bool IsRate(double megabitsPerSecond) {
+  constexpr double kLow = 1.5;
+  const bool isWhole = megabitsPerSecond >= 1 && megabitsPerSecond <= kFastestRate &&
+                       std::floor(megabitsPerSecond) == megabitsPerSecond;
+  return isWhole || megabitsPerSecond == kLow;
 }
 
 }  // namespace cli

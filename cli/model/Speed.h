@@ -22,4 +22,8 @@ std::string FormatSpeed(std::uint64_t bitsPerSecond);
 /// The speed of a device, of which only the class is known: "480 Mbit/s", "5+ Gbit/s"; empty when it is not.
 std::string FormatSpeedClass(std::uint64_t number);
 
+/// Whether a device can signal at that rate: 1.5, or a whole number from 1 to kFastestRate.
+bool IsRate(double megabitsPerSecond);
+constexpr double kFastestRate = 1000000;
+
 }  // namespace cli

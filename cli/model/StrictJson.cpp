@@ -13,7 +13,7 @@ namespace cli {
 
 namespace {
 
-/// An inventory nests five deep.
+/// An inventory nests six deep.
 constexpr std::size_t kMaxDepth = 16;
 
 /// The line and column of the `byte`-th byte of `text`, counted from 1.

@@ -1,5 +1,7 @@
 #include "cli/text/JsonWriter.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "cli/text/MapCharacters.h"
@@ -59,6 +61,11 @@ void JsonWriter::String(std::string_view text) {
 void JsonWriter::Number(std::uint64_t number) {
   BeginValue();
   fText += std::to_string(number);
+}
+
+void JsonWriter::Decimal(double number) {
+  BeginValue();
+  fText += fmt::format("{}", number);
 }
 
 void JsonWriter::Bool(bool value) {

@@ -33,6 +33,8 @@ class JsonWriter {
   /// Any bytes may stand in `text`; those that are not UTF-8 become U+FFFD.
   void String(std::string_view text);
   void Number(std::uint64_t number);
+  /// A whole number without a fraction; `number` is finite.
+  void Decimal(double number);
   void Bool(bool value);
   void Null();
 

@@ -430,13 +430,32 @@ class Run:
         self._debug("End: TUsbPortDeviceAsso::MakePortAssociation routine")
         return found
 
-    def inventory(self):
-        """Return the JSON document of everything committed."""
-        return {"schema": "usbinfo.inventory/1",
+    def inventory(self, facts=False):
+        """Return the JSON document of everything committed.
+
+        With facts, it also says where the list is from and what it holds
+        besides.
+        """
+        return {"schema": "usbinfo.inventory/2",
                 "system": {"name": plain(self._system),
                            "creationClassName": plain(SYSTEM_CLASS)},
+                "origin": ORIGIN if facts else None,
                 "classes": {name: [readable(item) for item in items.values()]
-                            for name, items in self.instances.items()}}
+                            for name, items in self.instances.items()},
+                "kernel": kernel_facts(self._text, self._identifiers())
+                if facts else None}
+
+    def _identifiers(self):
+        """Map (bus, device number) to the DeviceID of that hub or device."""
+        found = {}
+        for class_name in (HUB, DEVICE):
+            for item in self.instances[class_name].values():
+                name = plain(item["DeviceID"])
+                numbers = re.fullmatch(r"Bus +(\d+) +Device +(\d+)", name)
+                if numbers:
+                    place = tuple(map(int, numbers.groups()))
+                    found.setdefault(place, name)
+        return found
 
 
 def object_path(class_name, properties):
@@ -461,11 +480,213 @@ def readable(properties):
     return {name: value(properties[name]) for name in sorted(properties)}
 
 
+# --- what the list holds besides ----------------------------------------------
+
+ORIGIN = {"source": "list", "collected": None, "program": "usbinfo 1.0.0",
+          "machine": None, "findings": [], "repairs": [], "masked": None,
+          "selection": None}
+
+KINDS = ("hub", "keyboard", "mouse", "input", "mass storage", "audio",
+         "video", "printer", "scanner/camera", "network", "serial", "modem",
+         "smart card", "wireless", "bluetooth", "vendor-specific", "other")
+
+# Kinds by the hexadecimal codes of class, subclass and protocol.
+CODES = (
+    ("(01|1003)", "audio"), ("(0e|10|ef05)", "video"),
+    ("0202(00|ff)", "serial"), ("02(0[1-589]|0a)", "modem"),
+    ("(02(0[67]|0[cde])|e00103|ef04)", "network"),
+    ("03..01", "keyboard"), ("03..02", "mouse"), ("0[35]", "input"),
+    ("06", "scanner/camera"), ("07", "printer"), ("08", "mass storage"),
+    ("09", "hub"), ("0b", "smart card"), ("e001(01|04)", "bluetooth"),
+    ("(e0|ef0202|fe02)", "wireless"), ("ff", "vendor-specific"),
+    ("", "other"))
+
+
+def blocks(text):
+    """List the records of a text, each a list of its lines."""
+    found = []
+    for block in re.split(r"\n\s*\n", text.strip()):
+        lines = block.split("\n")
+        while lines and not lines[0].startswith("T:"):
+            del lines[0]
+        if lines:
+            found.append(lines)
+    if len(found) != 1:
+        return found
+    # Without blank lines a record begins behind the last one's interfaces.
+    parted = re.sub(r"\n(?=T:)", "\n\n", "\n".join(found[0]))
+    joined = re.sub(r"(?m)^(?![CIE]:)(.*)\n\n(?=T:)", r"\1\n", parted)
+    return [block.split("\n") for block in joined.split("\n\n")]
+
+
+def field(line, key, base=10):
+    """Read the number behind a key of a line."""
+    found = re.search(re.escape(key) + r"\s*([0-9a-f]+)", line)
+    return int(found[1], base) if found else 0
+
+
+def kind_of(codes):
+    """Return the kind that six hexadecimal digits stand for."""
+    return next(kind for pattern, kind in CODES if re.match(pattern, codes))
+
+
+class Facts:
+    """What the lines of one record say."""
+
+    def __init__(self, lines, marked):
+        self._marked = marked
+        first = {}
+        for line in lines:
+            first.setdefault(line[:2], line)
+        self._descriptor = first.get("D:", "")
+        self._product = first.get("P:", "")
+        self._strings = [line for line in lines if line.startswith("S:")]
+        self._read_place(first["T:"])
+        self._read_interfaces(lines)
+        self.name = None
+
+    def _read_place(self, line):
+        self.bus = field(line, "Bus=")
+        self.level = field(line, "Lev=")
+        self.parent = field(line, "Prnt=")
+        self.port = field(line, "Port=") + 1
+        self.number = field(line, "Dev#=")
+        self.ports = field(line, "MxCh=")
+        self.speed = float(re.search(r"Spd=\s*([0-9.]+)", line)[1])
+
+    def _read_interfaces(self, lines):
+        """Keep (configuration, is it active, its power, interface lines)."""
+        self.configurations = []
+        for line in lines:
+            if line.startswith("C:"):
+                value = field(line, "Cfg#=")
+                is_active = line[2] == "*" if "C" in self._marked else value > 0
+                self.configurations.append(
+                    (value, is_active, field(line, "MxPwr="), []))
+            elif line.startswith("I:") and self.configurations:
+                self.configurations[-1][3].append(line)
+
+    def _string(self, name):
+        for line in self._strings:
+            key, _, value = line[2:].lstrip().partition("=")
+            if key == name:
+                return value
+        return None
+
+    def interfaces(self):
+        """List every setting, those of one interface together."""
+        return [self._setting(value, is_active, line, lines)
+                for value, is_active, _, lines in self.configurations
+                for line in sorted(lines, key=lambda it, of=lines: [
+                    field(other, "If#=") for other in of].index(
+                        field(it, "If#=")))]
+
+    def _setting(self, configuration, is_active, line, lines):
+        number = field(line, "If#=")
+        siblings = [it for it in lines if field(it, "If#=") == number]
+        is_set = line[2] == "*" if "I" in self._marked else line is siblings[0]
+        driver = line.partition("Driver=")[2]
+        return {"configuration": configuration, "number": number,
+                "setting": field(line, "Alt="),
+                "active": is_active and is_set,
+                **dict(zip(("class", "subclass", "protocol"), codes_in(line))),
+                "driver": None if driver in ("", "(none)") else driver}
+
+    def kinds(self):
+        """List the kinds of the interfaces, or of the device itself."""
+        settings = self.interfaces()
+        is_configured = any(active for _, active, _, _ in self.configurations)
+        codes = ["".join((it["class"], it["subclass"], it["protocol"]))
+                 for it in settings if it["active"] or not is_configured]
+        kinds = {kind_of(code) for code in codes if code[:2] != "0a"}
+        whole = "".join(codes_in(self._descriptor))
+        if whole[:2] == "09" or (not kinds and whole[:2] != "00"
+                                 and whole != "ef0201"):
+            kinds.add(kind_of(whole))
+        if settings and not kinds:
+            kinds = {"other"}
+        return sorted(kinds, key=KINDS.index)
+
+    def _power(self):
+        powers = [power for _, is_active, power, _ in self.configurations
+                  if is_active]
+        return powers[0] if powers else None
+
+    def _revision(self):
+        found = re.search(r"Rev=\s*([0-9a-f]+)\.([0-9a-f]+)", self._product)
+        if not found:
+            return None
+        return f"{int(found[1], 16):x}.{int(found[2], 16):02x}"
+
+    def device(self, identifier):
+        """Return all that is known of the device."""
+        return {"device": identifier, "name": self.name,
+                "number": self.number,
+                "speed": int(self.speed) if self.speed % 1 == 0 else self.speed,
+                "manufacturer": self._string("Manufacturer"),
+                "product": self._string("Product"),
+                "serial": self._string("SerialNumber"),
+                "kinds": self.kinds(), "interfaces": self.interfaces(),
+                "maxPower": self._power(), "revision": self._revision(),
+                "nodes": None}
+
+
+def codes_in(line):
+    """Return class, subclass and protocol as the line spells them."""
+    found = [re.search(key + r"=\s*([0-9a-f]{2})", line)
+             for key in ("Cls", "Sub", "Prot")]
+    return [code[1] if code else "00" for code in found]
+
+
+def name_records(records):
+    """Give each record the kernel's name, from the root hubs downwards."""
+    for level in range(8):
+        for record in (it for it in records if it.level == level):
+            above = next((it for it in records
+                          if (it.bus, it.number) == (record.bus, record.parent)
+                          and it.level == level - 1 and it.name), None)
+            if level == 0:
+                record.name = f"usb{record.bus}"
+            elif above:
+                record.name = behind(above.name, record.port)
+
+
+def behind(hub, port):
+    """Name what is plugged into a port of a hub of that name."""
+    if hub.startswith("usb"):
+        return f"{hub[3:]}-{port}"
+    return f"{hub}.{port}"
+
+
+def kernel_facts(text, identifiers):
+    """Return what a list says of devices and ports besides properties."""
+    listed = blocks(plain(text))
+    marked = {line[0] for lines in listed for line in lines
+              if re.match(r"[CI]:\*", line)}
+    records = [Facts(lines, marked) for lines in listed]
+    name_records(records)
+    used = {record.name for record in records}
+    devices, ports = [], []
+    for record in records:
+        place = record.bus, record.number
+        identifier = identifiers.get(place, "Bus %02d  Device %3d" % place)
+        devices.append(record.device(identifier))
+        # A device without a place may be in any port of its bus.
+        is_sure = all(it.name for it in records if it.bus == record.bus)
+        for port in range(record.ports if record.name else 0):
+            name = behind(record.name, port + 1)
+            free = "free" if is_sure else None
+            ports.append({"port": f"{identifier} Port {port:02}",
+                          "name": name, "peer": None, "connect": None,
+                          "state": "used" if name in used else free})
+    return {"devices": devices, "ports": ports}
+
+
 # --- the files and the command line ------------------------------------------
 
-def as_json(run):
+def as_json(run, facts=False):
     """Spell the inventory as the text of a file."""
-    return json.dumps(run.inventory(), indent=2) + "\n"
+    return json.dumps(run.inventory(facts), indent=2) + "\n"
 
 
 def as_log(run):
@@ -473,18 +694,18 @@ def as_log(run):
     return "".join(json.dumps(line) + "\n" for line in run.log)
 
 
-def expected_files():
+def expected_files(facts):
     """Yield (path, text) of every file that belongs into expected/."""
     for capture in sorted((HERE / "captures").glob("*.txt")):
         run = Run(capture.read_bytes(), TEST_SYSTEM, CLASSES)
         base = HERE / "expected" / capture.stem
-        yield base.with_name(base.name + ".json"), as_json(run)
+        yield base.with_name(base.name + ".json"), as_json(run, facts)
         yield base.with_name(base.name + ".log.jsonl"), as_log(run)
 
 
-def check():
+def check(facts):
     """Name the files that are wrong, missing or too many; return how many."""
-    wanted = dict(expected_files())
+    wanted = dict(expected_files(facts))
     present = set((HERE / "expected").iterdir())
     wrong = [f"{path.name}: missing" for path in wanted.keys() - present]
     wrong += [f"{path.name}: belongs to no capture"
@@ -496,10 +717,10 @@ def check():
     return len(wrong)
 
 
-def write():
+def write(facts):
     """Renew every expected file."""
     (HERE / "expected").mkdir(exist_ok=True)
-    for path, text in expected_files():
+    for path, text in expected_files(facts):
         path.write_bytes(text.encode("ascii"))
 
 
@@ -521,12 +742,14 @@ def main():
                         help="ask for these classes, in this order")
     parser.add_argument("--system-name", metavar="NAME", type=os.fsencode,
                         default=TEST_SYSTEM, help="default: testhost")
+    parser.add_argument("--facts", action="store_true",
+                        help="add the origin and what the list says besides")
     options = parser.parse_args()
 
     if options.check:
-        return 1 if check() else 0
+        return 1 if check(options.facts) else 0
     if options.write:
-        write()
+        write(options.facts)
         return 0
     if options.list == "-":
         text = sys.stdin.buffer.read()
@@ -536,7 +759,8 @@ def main():
     if options.request is not None:
         request = [plain(name) for name in options.request.split(b",")]
     run = Run(text, options.system_name, request)
-    sys.stdout.write(as_log(run) if options.log else as_json(run))
+    sys.stdout.write(as_log(run) if options.log
+                     else as_json(run, options.facts))
     return 0
 
 

@@ -92,8 +92,8 @@ void CheckJsonLines(const std::string& document, const cli::Inventory& inventory
 void CheckJson(const std::string& document, const cli::Inventory& inventory) {
   CheckPlainText(document);
   const ordered_json root = ordered_json::parse(document);
-  RequireCount(root.size(), 3, "members of the JSON document");
-  RequireEqual(root.at("schema"), "usbinfo.inventory/1", "the schema of the JSON document");
+  RequireCount(root.size(), 5, "members of the JSON document");
+  RequireEqual(root.at("schema"), "usbinfo.inventory/2", "the schema of the JSON document");
   RequireEqual(root.at("system").at("name"), ReplaceBrokenUtf8(inventory.SystemName()), "the system's name");
   const ordered_json& classes = root.at("classes");
   RequireCount(classes.size(), inventory.Classes().size(), "classes of the JSON document");

@@ -75,7 +75,7 @@ TEST_F(ReadBackTest, OfJsonRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("json", "\"HubDepth\": 0", "\"HubDepth\": \"0\""));
   EXPECT_FALSE(TakesWith("json", "\"HubDepth\"", "\"Hubdepth\""));
   EXPECT_FALSE(TakesWith("json", "No device connected", "Device connected"));
-  EXPECT_FALSE(TakesWith("json", "usbinfo.inventory/1", "usbinfo.inventory/2"));
+  EXPECT_FALSE(TakesWith("json", "usbinfo.inventory/2", "usbinfo.inventory/1"));
   EXPECT_FALSE(Takes("json", Render("json") + "}"));
 }
 

@@ -95,6 +95,14 @@ TEST(DeviceListReader, TakesAllForActiveWhereNothingIsMarked) {
   EXPECT_FALSE(topology.devices.at(1).configurations.at(0).isActive);
 }
 
+TEST(DeviceListReader, TakesTheFirstSettingForActiveWhereOnlyConfigurationsAreMarked) {
+  const Topology topology =
+      kernel::ReadDeviceList("T:  Bus=01\nC:* #Ifs= 1 Cfg#= 1\nI:  If#= 0 Alt= 0\nI:  If#= 0 Alt= 1\n");
+  const auto& settings = topology.devices.at(0).configurations.at(0).interfaces.at(0).settings;
+  EXPECT_TRUE(settings.at(0).isActive);
+  EXPECT_FALSE(settings.at(1).isActive);
+}
+
 TEST(DeviceListReader, TakesTheFirstOfWhatAStringForges) {
   const Topology topology = kernel::ReadDeviceList(
       "T:  Bus=01 Dev#=  9\nP:  Vendor=1111 ProdID=2222\nS:  Product=a\nT:  Bus=02 Dev#=  1\nP:  "

@@ -97,7 +97,7 @@ TEST(DevicesOption, RefusesJsonThatIsNoInventory) {
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.output, "");
   EXPECT_EQ(result.errors, "usbinfo: " + path +
-                               " holds no inventory: /schema: must be \"usbinfo.inventory/1\"; save it anew "
+                               " holds no inventory: /schema: must be \"usbinfo.inventory/2\"; save it anew "
                                "with usbinfo --format json\n");
 }
 

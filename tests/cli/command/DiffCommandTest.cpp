@@ -217,13 +217,14 @@ TEST(Diff, KeepsAForgedMemberNameOnTheLineOfItsMessage) {
   const CommandResult result =
       Command({"diff", "-", Capture()})
           .Input(
-              "{\"schema\": \"usbinfo.inventory/1\", \"system\": {}, \"classes\": {}, \"\\n\\u001b[2J\": 1}")
+              "{\"schema\": \"usbinfo.inventory/1\", \"system\": {\"name\": \"\", \"creationClassName\": "
+              "\"KALDO_ComputerSystem\"}, \"classes\": {\"\\n\\u001b[2J\": 1}}")
           .Run();
   EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(
-      result.errors,
-      "usbinfo: standard input holds no inventory: /\\n\\x1b[2J: is not a member of an inventory; save it "
-      "anew with usbinfo --format json\n");
+  EXPECT_EQ(result.errors,
+            "usbinfo: standard input holds no inventory: /classes/\\n\\x1b[2J: is not a member of an "
+            "inventory; save it "
+            "anew with usbinfo --format json\n");
 }
 
 TEST(Diff, ReportsAnOutputThatFails) {

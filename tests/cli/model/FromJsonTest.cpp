@@ -120,23 +120,19 @@ const Damage kDamages[] = {
     {"NoObject", [](auto& it) { it.Document() = json::array(); }, "the document: must be an object"},
     {"NoSchema", [](auto& it) { it.Document().erase("schema"); }, "/schema: is missing"},
     {"OtherSchema", [](auto& it) { it.Document()["schema"] = "usbinfo.diff/1"; },
-     "/schema: must be \"usbinfo.inventory/1\""},
-    {"NewerSchema",
-     [](auto& it) {
-       it.Document() = {{"schema", "usbinfo.inventory/2"}, {"more", 1}};
-     },
-     "/schema: must be \"usbinfo.inventory/1\""},
+     "/schema: must be \"usbinfo.inventory/2\""},
+    {"NoVersion", [](auto& it) { it.Document()["schema"] = "usbinfo.inventory/02"; },
+     "/schema: must be \"usbinfo.inventory/2\""},
     {"NoSystem", [](auto& it) { it.Document().erase("system"); }, "/system: is missing"},
     {"SystemAsText", [](auto& it) { it.Document()["system"] = "name"; }, "/system: must be an object"},
     {"SystemNameAsNumber", [](auto& it) { it.Document()["system"]["name"] = 1; },
      "/system/name: must be a text"},
     {"OtherSystemClass", [](auto& it) { it.Document()["system"]["creationClassName"] = "Other"; },
      "/system/creationClassName: must be \"KALDO_ComputerSystem\""},
-    {"UnknownMember", [](auto& it) { it.Document()["a/b"] = 1; }, "/a~1b: is not a member of an inventory"},
     {"NoClass", [](auto& it) { it.Document()["classes"].erase("KALDO_USBPort"); },
      "/classes/KALDO_USBPort: is missing"},
-    {"UnknownClass", [](auto& it) { it.Document()["classes"]["Other"] = json::array(); },
-     "/classes/Other: is not a member of an inventory"},
+    {"UnknownClass", [](auto& it) { it.Document()["classes"]["a/b"] = json::array(); },
+     "/classes/a~1b: is not a member of an inventory"},
     {"ClassAsObject", [](auto& it) { it.Document()["classes"]["KALDO_USBPort"] = json::object(); },
      "/classes/KALDO_USBPort: must be a list"},
     {"InstanceAsNull", [](auto& it) { Device(it) = nullptr; },
@@ -184,6 +180,125 @@ const Damage kDamages[] = {
     {"LinkToABareClass", [](auto& it) { it.Last("KALDO_USBConnection")["Dependent"] = "KALDO_USBHub"; },
      "/classes/KALDO_USBConnection/0/Dependent: must be the object path of a KALDO_USBElement"},
 };
+
+/// A member of the origin or of the kernel's facts that is replaced, and what is wrong with it then.
+struct Replaced {
+  const char* pointer;
+  json by;
+  std::string message;
+};
+
+const Replaced kReplaced[] = {
+    {"/origin", 1, "must be an object"},
+    {"/origin/source", "usbfs", "must be one of \"sysfs\", \"plugin\", \"list\""},
+    {"/origin/collected", "2026-11-21 12:00:00Z", "must be a time in UTC, such as \"2026-11-21T12:00:00Z\""},
+    {"/origin/collected", "2026-11-21T12:00:00Z0", "must be a time in UTC, such as \"2026-11-21T12:00:00Z\""},
+    {"/origin/program", nullptr, "must be a text"},
+    {"/origin/machine", 1, "must be a text"},
+    {"/origin/findings/0/lines/1", -1, "must be a whole number from 0 to 18446744073709551615"},
+    {"/origin/repairs/0/count", "3", "must be a whole number from 0 to 18446744073709551615"},
+    {"/origin/masked", true, "must be an object"},
+    {"/origin/selection/ids", nullptr, "must be a list"},
+    {"/kernel/devices", nullptr, "must be a list"},
+    {"/kernel/devices/0/name", "1-03", "must be a name such as \"usb1\" or \"1-3.1\""},
+    {"/kernel/devices/0/number", 65536, "must be a whole number from 0 to 65535"},
+    {"/kernel/devices/0/speed", 2.5, "must be 1.5 or a whole number from 1 to 1000000"},
+    {"/kernel/devices/0/speed", 0, "must be 1.5 or a whole number from 1 to 1000000"},
+    {"/kernel/devices/0/speed", "480", "must be a number"},
+    {"/kernel/devices/0/serial", 1, "must be a text"},
+    {"/kernel/devices/0/interfaces/0/active", 1, "must be true or false"},
+    {"/kernel/devices/0/interfaces/0/number", 256, "must be a whole number from 0 to 255"},
+    {"/kernel/devices/0/interfaces/0/class", "0A", "must be two hexadecimal digits in lower case"},
+    {"/kernel/devices/0/interfaces/0/protocol", "1", "must be two hexadecimal digits in lower case"},
+    {"/kernel/devices/0/revision", "1.0", "must be a version such as \"1.10\""},
+    {"/kernel/devices/0/nodes/0", nullptr, "must be a text"},
+    {"/kernel/ports/0/peer", "usb2-port1", "must be a name such as \"usb1\" or \"1-3.1\""},
+    {"/kernel/ports/0/state", "full", "must be one of \"used\", \"free\""},
+};
+
+json SavedWithFacts() {
+  json document = SmallMachine().Document();
+  document["origin"] = OriginExample();
+  document["kernel"] = KernelExample();
+  return document;
+}
+
+TEST(FromJson, RefusesAWrongValueInOriginAndKernelWithItsPlace) {
+  for (const Replaced& replaced : kReplaced) {
+    json document = SavedWithFacts();
+    document[json::json_pointer(replaced.pointer)] = replaced.by;
+    EXPECT_EQ(
+        UserErrorOf([&] { cli::FromJson(document.dump(), "saved"); }),
+        std::string("saved holds no inventory: ") + replaced.pointer + ": " + replaced.message + kAdvice);
+  }
+  json document = SavedWithFacts();
+  document["kernel"]["devices"][0]["kinds"] = {"toaster"};
+  EXPECT_THAT(UserErrorOf([&] { cli::FromJson(document.dump(), "saved"); }),
+              testing::HasSubstr("/kernel/devices/0/kinds/0: must be one of \"hub\", \"keyboard\", "));
+}
+
+/// Every object below `value`, by its pointer.
+void ForEachObject(const json& value, const std::string& pointer,
+                   const std::function<void(const std::string&, const json&)>& take) {
+  if (value.is_object()) take(pointer, value);
+  if (!value.is_structured()) return;
+  for (const auto& [name, member] : value.items()) ForEachObject(member, pointer + "/" + name, take);
+}
+
+TEST(FromJson, RefusesOriginAndKernelThatLackAMember) {
+  for (const std::string part : {"/origin", "/kernel"}) {
+    const json whole = SavedWithFacts();
+    ForEachObject(whole[json::json_pointer(part)], part, [&](const std::string& pointer, const json& object) {
+      for (const auto& [name, value] : object.items()) {
+        json document = whole;
+        document[json::json_pointer(pointer)].erase(name);
+        EXPECT_EQ(UserErrorOf([&] { cli::FromJson(document.dump(), "saved"); }),
+                  "saved holds no inventory: " + pointer + "/" + name + ": is missing" + kAdvice);
+      }
+    });
+  }
+}
+
+TEST(FromJson, KeepsOriginAndKernelByteForByte) {
+  const std::string saved = cli::RenderJson(cli::FromJson(SavedWithFacts().dump(), "built"), {});
+  EXPECT_EQ(json::parse(saved), SavedWithFacts());
+  EXPECT_EQ(cli::RenderJson(cli::FromJson(saved, "saved"), {}), saved);
+}
+
+TEST(FromJson, SkipsMembersThatItDoesNotKnowExceptInClasses) {
+  const json whole = SavedWithFacts();
+  const std::string rendered = cli::RenderJson(cli::FromJson(whole.dump(), "built"), {});
+  ForEachObject(whole, "", [&](const std::string& pointer, const json&) {
+    json document = whole;
+    document[json::json_pointer(pointer)]["later"] = {{"a", 1}};
+    const std::string text = document.dump();
+    if (pointer.rfind("/classes", 0) == 0) {
+      EXPECT_NE(UserErrorOf([&] { cli::FromJson(text, "saved"); }), "") << pointer;
+    } else {
+      EXPECT_EQ(cli::RenderJson(cli::FromJson(text, "saved"), {}), rendered) << pointer;
+    }
+  });
+}
+
+TEST(FromJson, TakesTheFirstVersionWithoutOriginAndKernel) {
+  json document = SmallMachine().Document();
+  const Inventory current = cli::FromJson(document.dump(), "built");
+  document["schema"] = "usbinfo.inventory/1";
+  document.erase("origin");
+  document.erase("kernel");
+  const Inventory first = cli::FromJson(document.dump(), "built");
+  EXPECT_EQ(first.GetOrigin(), std::nullopt);
+  EXPECT_EQ(first.Kernel(), std::nullopt);
+  EXPECT_EQ(cli::RenderJson(first, {}), cli::RenderJson(current, {}));
+}
+
+TEST(FromJson, SaysThatADocumentIsOfALaterVersion) {
+  EXPECT_EQ(
+      UserErrorOf([] { cli::FromJson("{\"schema\": \"usbinfo.inventory/3\"}", "saved"); }),
+      "saved was saved by a later version of usbinfo: its schema is usbinfo.inventory/3, and this version "
+      "reads schemas up to usbinfo.inventory/2; update usbinfo, or save the inventory anew with this "
+      "version");
+}
 
 class DamagedInventory : public testing::TestWithParam<Damage> {};
 

@@ -35,9 +35,35 @@ std::string Escaped(const std::string& text) {
 
 }  // namespace
 
+json OriginExample() {
+  return json::parse(R"({
+    "source": "sysfs", "collected": "2026-11-21T12:00:00Z", "program": "usbinfo 1.0.0", "machine": "c0ffee",
+    "findings": [{"code": "two-t-lines", "lines": [17, 19], "device": "Bus 01  Device   9"}],
+    "repairs": [{"code": "parent", "count": 3}], "masked": {"key": "36b7d9e49e324323"},
+    "selection": {"classes": ["KALDO_USBHub"], "ids": ["1d6b:"], "places": ["1:3"]}})");
+}
+
+json KernelExample() {
+  return json::parse(R"({
+    "devices": [
+      {"device": "Bus 01  Device   2", "name": "1-1", "number": 2, "speed": 1.5, "manufacturer": "Acme",
+       "product": "Stick", "serial": "S1", "kinds": ["mass storage"],
+       "interfaces": [{"configuration": 1, "number": 0, "setting": 0, "active": true, "class": "08",
+                       "subclass": "06", "protocol": "50", "driver": "usb-storage"}],
+       "maxPower": 500, "revision": "1.00", "nodes": ["/dev/bus/usb/001/002", "/dev/sda"]},
+      {"device": "Bus 01  Device   1", "name": null, "number": 1, "speed": null, "manufacturer": null,
+       "product": null, "serial": null, "kinds": [], "interfaces": [], "maxPower": null, "revision": null,
+       "nodes": null}],
+    "ports": [
+      {"port": "Bus 01  Device   1 Port 00", "name": "1-1", "peer": "2-1", "connect": "hotplug", "state": "used"},
+      {"port": "Bus 01  Device   1 Port 01", "name": null, "peer": null, "connect": null, "state": null}]})");
+}
+
 InventoryBuilder::InventoryBuilder(const std::string& system) {
-  fDocument = {{"schema", "usbinfo.inventory/1"},
-               {"system", {{"name", system}, {"creationClassName", "KALDO_ComputerSystem"}}}};
+  fDocument = {{"schema", "usbinfo.inventory/2"},
+               {"system", {{"name", system}, {"creationClassName", "KALDO_ComputerSystem"}}},
+               {"origin", nullptr},
+               {"kernel", nullptr}};
   for (const char* name :
        {"KALDO_USBController", kHub, kPort, kDevice, "KALDO_USBPortOnHub", "KALDO_USBConnection"}) {
     fDocument["classes"][name] = json::array();

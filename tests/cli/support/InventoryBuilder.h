@@ -18,6 +18,11 @@ struct Model {
   int product = 0x5678;
 };
 
+/// An origin of which nothing is null or empty.
+nlohmann::json OriginExample();
+/// What the kernel may know of two devices and two ports; the first ones have nothing that is null or empty.
+nlohmann::json KernelExample();
+
 class InventoryBuilder {
  public:
   explicit InventoryBuilder(const std::string& system = "testhost");

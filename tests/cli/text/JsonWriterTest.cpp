@@ -125,6 +125,14 @@ TEST(JsonWriter, WritesTheLargestNumber) {
   EXPECT_EQ(Written(JsonWriter::Layout::kOneLine, UINT64_MAX), "18446744073709551615");
 }
 
+TEST(JsonWriter, WritesAWholeDecimalWithoutAFraction) {
+  JsonWriter writer(JsonWriter::Layout::kOneLine);
+  writer.BeginArray();
+  for (const double number : {1.5, 480.0, 1000000.0}) writer.Decimal(number);
+  writer.EndArray();
+  EXPECT_EQ(writer.Take(), "[1.5,480,1000000]");
+}
+
 TEST(JsonWriter, IsReadyForAnotherDocumentOnceOneIsTaken) {
   JsonWriter writer(JsonWriter::Layout::kOneLine);
   for (int line = 0; line < 2; ++line) {

@@ -1,0 +1,17 @@
+// What the kernel knows of devices and ports as a JSON value.
+#pragma once
+
+#include "cli/model/KernelFacts.h"
+
+namespace cli {
+
+class JsonNode;
+class JsonWriter;
+
+void WriteKernelFacts(JsonWriter& json, const KernelFacts& facts);
+
+/// Members that are not known are skipped. Throws JsonError where one is missing, or has another type, form
+/// or range.
+KernelFacts ReadKernelFacts(const JsonNode& node);
+
+}  // namespace cli
