@@ -98,7 +98,7 @@ Inventory ReadSaved(const std::string& text, const Source& source) {
 Inventory Complete(Inventory inventory, const kernel::Topology& topology, PreparedList list,
                    const ListTreatment& treatment, const std::string& from) {
   inventory.SetKernel(FromKernel(topology, inventory));
-  inventory.SetOrigin(NoteOrigin(from, list, treatment, inventory));
+  inventory.SetOrigin(NoteOrigin(from, list, treatment));
   inventory.SetDeviceList(std::move(list.whole));
   WarnOfRepairs(list.repairs);
   return inventory;

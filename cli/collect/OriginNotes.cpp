@@ -27,21 +27,19 @@ std::vector<Repair> NoteRepairs(const kernel::ListRepairs& repairs) {
   return notes;
 }
 
-std::vector<Finding> NoteFindings(const std::vector<kernel::ListFinding>& findings,
-                                  const Inventory& inventory) {
+std::vector<Finding> NoteFindings(const std::vector<kernel::ListFinding>& findings) {
   std::vector<Finding> notes;
   for (const kernel::ListFinding& finding : findings) {
     notes.push_back({std::string(NameOf(finding.code)),
                      {finding.lines.begin(), finding.lines.end()},
-                     IdentifierOf(inventory, finding.bus, finding.number)});
+                     fmt::format("Bus {}  Device {:>3}", finding.bus, finding.number)});
   }
   return notes;
 }
 
 }  // namespace
 
-Origin NoteOrigin(const std::string& source, const PreparedList& list, const ListTreatment& treatment,
-                  const Inventory& inventory) {
+Origin NoteOrigin(const std::string& source, const PreparedList& list, const ListTreatment& treatment) {
   Origin origin;
   origin.source = source;
   if (source != "list") {
@@ -49,7 +47,7 @@ Origin NoteOrigin(const std::string& source, const PreparedList& list, const Lis
     origin.machine = MachineIdHash();
   }
   origin.program = "usbinfo " USBINFO_VERSION;
-  origin.findings = NoteFindings(list.findings, inventory);
+  origin.findings = NoteFindings(list.findings);
   origin.repairs = NoteRepairs(list.repairs);
   if (treatment.mask) origin.masked = Masking{treatment.mask->Fingerprint()};
   return origin;
