@@ -140,6 +140,7 @@ TEST_F(AcquisitionWatchTest, GivesThePluginNothingOfAListBeyondTheLimits) {
 CommandResult RunWhereUsbIs(const TemporaryFolder& folder, const std::string& script,
                             std::vector<std::string> arguments) {
   folder.Script("usb-devices", script);
+  arguments.insert(arguments.end(), {"--source", "plugin"});
   return Command(std::move(arguments))
       .AsOrdinaryUser()
       .Through({"/usr/bin/unshare", "--mount", "/bin/sh", "-c",

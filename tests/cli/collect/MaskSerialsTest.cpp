@@ -16,7 +16,8 @@
 #include <thread>
 #include <vector>
 
-#include "cli/collect/MaskingSystem.h"
+#include "cli/collect/ListMask.h"
+#include "cli/collect/PreparingSystem.h"
 #include "cli/format/OutputFormat.h"
 #include "cli/format/RenderOptions.h"
 #include "host/TQSVException.h"
@@ -477,31 +478,36 @@ std::string ProtectionOf(std::vector<std::string> options) {
 
 TEST(MaskSerialsOption, LeavesNoCoreFileAndNoWayForADebugger) {
   if (::access("/proc/bus/usb/devices", F_OK) == 0) GTEST_SKIP() << "this machine has a list of usbfs";
-  EXPECT_EQ(ProtectionOf({"--mask-serials"}), "0\nclosed\n");
-  EXPECT_THAT(ProtectionOf({}), testing::EndsWith("\nopen\n"));
+  EXPECT_EQ(ProtectionOf({"--source", "plugin", "--mask-serials"}), "0\nclosed\n");
+  EXPECT_THAT(ProtectionOf({"--source", "plugin"}), testing::EndsWith("\nopen\n"));
+}
+
+std::unique_ptr<standin::OperatingSystem> MaskedSystem(std::unique_ptr<standin::OperatingSystem> machine) {
+  return std::make_unique<cli::PreparingSystem>(std::move(machine), cli::ListTreatment{true, Mask()},
+                                                std::make_shared<cli::ListOnItsWay>());
 }
 
 /// The plug-in on a recorded machine whose lists are masked.
-class MaskingSystemTest : public CliTest {
+class MaskedMachineTest : public CliTest {
  protected:
   void CollectMasked(const std::function<void(FakeOperatingSystem&)>& furnish) {
     auto fake = std::make_unique<FakeOperatingSystem>(&calls);
     furnish(*fake);
     machine = fake.get();
-    host.SetOperatingSystem(std::make_unique<cli::MaskingSystem>(std::move(fake), Mask()));
+    host.SetOperatingSystem(MaskedSystem(std::move(fake)));
     host.SetSystemName("testhost");
     CollectThroughModule();
   }
   std::string Rendered() const { return cli::FindOutputFormat("json").render(Collected(), {}); }
 };
 
-TEST_F(MaskingSystemTest, MasksTheFilesOfTheMachineAsAGivenList) {
+TEST_F(MaskedMachineTest, MasksTheFilesOfTheMachineAsAGivenList) {
   const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
   CollectMasked([&list](FakeOperatingSystem& fake) { fake.files[kDebugfsList] = list; });
   EXPECT_EQ(Rendered(), RunWithKey(list, {"--format", "json"}).output);
 }
 
-TEST_F(MaskingSystemTest, MasksTheOutputOfACommandBeforeTheLog) {
+TEST_F(MaskedMachineTest, MasksTheOutputOfACommandBeforeTheLog) {
   const std::string list = ReadFile(CapturePath("vm-desktop-usb-devices"));
   CollectMasked([&list](FakeOperatingSystem& fake) { fake.outputs["usb-devices"] = list; });
   EXPECT_EQ(Rendered(), RunWithKey(list, {"--format", "json"}).output);
@@ -512,10 +518,11 @@ TEST_F(MaskingSystemTest, MasksTheOutputOfACommandBeforeTheLog) {
   }
 }
 
-TEST_F(MaskingSystemTest, HandsQuestionsAndFailuresOn) {
+TEST_F(MaskedMachineTest, HandsQuestionsAndFailuresOn) {
   auto fake = std::make_unique<FakeOperatingSystem>(&calls);
   fake->files["there"] = "text";
-  cli::MaskingSystem system(std::move(fake), Mask());
+  const auto masked = MaskedSystem(std::move(fake));
+  standin::OperatingSystem& system = *masked;
   EXPECT_TRUE(system.FileExists("there"));
   EXPECT_FALSE(system.FileExists("missing"));
   EXPECT_EQ(system.CaptureFile("there"), "text");
