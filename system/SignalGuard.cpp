@@ -25,18 +25,24 @@ std::atomic<int> guardedFolder = -1;
 std::array<char, NAME_MAX + 1> guardedName;
 std::atomic<pid_t> guardedGroup = 0;
 std::atomic<bool> isStarting = false;
+std::atomic<bool> isEnding = false;
 
 static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
 
+void WaitAMoment() {
+  constexpr timespec kMoment = {0, 1000000};
+  ::nanosleep(&kMoment, nullptr);
+}
+
 /// Another thread is starting a command, with its own signals blocked; it will store the group's id shortly.
 void AwaitStart() {
-  constexpr timespec kMoment = {0, 1000000};
-  while (isStarting) ::nanosleep(&kMoment, nullptr);
+  while (isStarting) WaitAMoment();
 }
 
 /// Calls nothing but async-signal-safe functions.
 void CleanUpAndEnd(int signal) {
   AwaitStart();
+  isEnding = true;
   const int folder = guardedFolder;
   if (folder >= 0) ::unlinkat(folder, guardedName.data(), 0);
   const pid_t group = guardedGroup;
@@ -111,6 +117,7 @@ void ProcessGroupGuard::Watch(pid_t group) {
 
 void ProcessGroupGuard::Forget() {
   guardedGroup = 0;
+  while (isEnding) WaitAMoment();
 }
 
 void ProcessGroupGuard::Release() {

@@ -44,7 +44,9 @@ class ProcessGroupGuard {
   ~ProcessGroupGuard();
 
   void Watch(pid_t group);
-  /// To be called before the group's leader is reaped, since its id may then be reused.
+  /// To be called before the group's leader is reaped, since its id may then be reused. Does not return where
+  /// a signal is ending the process on another thread, so that nobody goes on as if the command had ended by
+  /// itself.
   void Forget();
 
  private:
