@@ -74,7 +74,7 @@ std::vector<InterfaceFacts> InterfacesOf(const kernel::Device& device) {
   return facts;
 }
 
-/// Nothing where the identifiers, which stand beside it, are not known either.
+/// Nothing where the identifiers are missing, too: the root hubs of early kernels have nothing but zeros.
 std::optional<std::string> RevisionOf(const kernel::DeviceDescriptor& descriptor) {
   constexpr unsigned kBitsOfByte = 8;
   constexpr unsigned kByte = 0xFF;
