@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Write the JSON schemas of this folder from the table of classes.
+"""Write the JSON schemas of this folder from the tables of the command.
 
-What a schema says of classes and properties comes from the command's own
-table; the rest of each schema stands here.
+What a schema says of classes, properties and kinds of devices comes from the
+command's own tables; the rest of each schema stands here.
 
 Usage:
     generate_schemas.py USBINFO           write the files
@@ -53,6 +53,18 @@ def an_object(properties, **more):
             "properties": properties}
 
 
+def an_open_object(properties, **more):
+    """An object that has these members and may have others."""
+    schema = an_object(properties, **more)
+    del schema["additionalProperties"]
+    return schema
+
+
+def or_null(schema):
+    """The same value or null."""
+    return {**schema, "type": [schema["type"], "null"]}
+
+
 def a_list(items, **more):
     return {**more, "type": "array", "items": items}
 
@@ -65,9 +77,9 @@ def described(text, schema):
     return {"description": text, **schema}
 
 
-def a_document(name, title, properties, definitions):
-    return {"$schema": "https://json-schema.org/draft/2020-12/schema", "$id": f"urn:usbinfo:{name}:1",
-            "title": title, **an_object({"schema": {"const": f"usbinfo.{name}/1"}, **properties}),
+def a_document(name, title, properties, definitions, version=1, make=an_object):
+    return {"$schema": "https://json-schema.org/draft/2020-12/schema", "$id": f"urn:usbinfo:{name}:{version}",
+            "title": title, **make({"schema": {"const": f"usbinfo.{name}/{version}"}, **properties}),
             "$defs": definitions}
 
 
@@ -105,16 +117,100 @@ def instance_of(table, class_name):
     return schema
 
 
-def inventory(table):
+TEXT = {"type": "string"}
+TEXTS = a_list(TEXT)
+
+
+def origin():
+    finding = an_open_object({
+        "code": described("What is wrong, such as two-t-lines", TEXT),
+        "lines": a_list(ref("uint64"), description="Numbers of lines of the list, from 1"),
+        "device": described("The DeviceID of the device", TEXT),
+    }, description="Something in the device list that the kernel does not write, so that a device may have forged it")
+    repair = an_open_object({
+        "code": described("What was mended, such as parent", TEXT),
+        "count": described("The number of records", ref("uint64")),
+    }, description="Something false in the device list that was mended")
+    masked = an_open_object({"key": described("The fingerprint of the key; null for a random key", or_null(TEXT))},
+                            description="Serial numbers are masked; null where they are not")
+    selection = an_open_object({"classes": TEXTS, "ids": TEXTS, "places": TEXTS},
+                               description="The options that left items out; null where all are there")
+    time = {"type": "string", "pattern": "^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z$"}
+    return an_open_object({
+        "source": described("What the plug-in read: a list made from sysfs, what it acquired itself, or a file",
+                            {"enum": ["sysfs", "plugin", "list"]}),
+        "collected": described("In UTC; null for a list from a file", or_null(time)),
+        "program": described("Name and version", TEXT),
+        "machine": described("A hash of the machine's id that nothing else uses; null where it is not known",
+                             or_null(TEXT)),
+        "findings": a_list(finding),
+        "repairs": a_list(repair),
+        "masked": or_null(masked),
+        "selection": or_null(selection),
+    }, description="Where the inventory comes from; null where that is not known")
+
+
+def interface():
+    code = {"type": "string", "pattern": "^[0-9a-f]{2}$"}
+    return an_open_object({
+        "configuration": ref("uint8"), "number": ref("uint8"), "setting": ref("uint8"),
+        "active": described("Whether its configuration and the setting are in use", {"type": "boolean"}),
+        "class": code, "subclass": code, "protocol": code,
+        "driver": described("Null where none is bound", or_null(TEXT)),
+    }, description="An alternate setting of an interface")
+
+
+def kernel_name():
+    bus, port = "(0|[1-9][0-9]{0,4})", "[1-9][0-9]{0,2}"
+    return {"type": "string", "pattern": f"^(usb{bus}|{bus}-{port}(\\.{port})*)$"}
+
+
+def kernel_device():
+    speed = {"anyOf": [{"const": 1.5}, {"type": ["integer", "null"], "minimum": 1, "maximum": 1000000}]}
+    revision = {"type": "string", "pattern": "^[0-9a-f]{1,2}\\.[0-9a-f]{2}$"}
+    return an_open_object({
+        "device": described("The DeviceID of its instance", TEXT),
+        "name": or_null(described("The kernel's name, such as usb1 or 1-3.1", kernel_name())),
+        "number": described("The device number on its bus", ref("uint16")),
+        "speed": described("In Mbit/s, 1.5 for low speed", speed),
+        "manufacturer": or_null(TEXT), "product": or_null(TEXT), "serial": or_null(TEXT),
+        "kinds": a_list(ref("kind"), description="What the class codes of its interfaces say"),
+        "interfaces": a_list(ref("interface"), description="Every setting of every configuration"),
+        "maxPower": {"description": "Of the active configuration, in mA", "type": ["integer", "null"],
+                     "minimum": 0, "maximum": NUMBERS["uint16"]},
+        "revision": or_null(described("Its own version", revision)),
+        "nodes": or_null(a_list(TEXT, description="Paths in /dev: its own, then those of its interfaces")),
+    }, description="A device, hub or root hub; what is not known is null")
+
+
+def kernel_port():
+    name = or_null(kernel_name())
+    return an_open_object({
+        "port": described("The DeviceID of its instance", TEXT),
+        "name": described("The kernel's name of what is or would be plugged in, such as 1-3", name),
+        "peer": described("The same name of the port that shares its socket", name),
+        "connect": described("The kernel's word, such as hotplug, hardwired or not used", or_null(TEXT)),
+        "state": {"enum": ["used", "free", None]},
+    }, description="A port of a hub; what is not known is null")
+
+
+def inventory(tables):
+    table = tables["classes"]
     numbers = {name: {"type": "integer", "minimum": 0, "maximum": largest} for name, largest in NUMBERS.items()}
     text = {"description": 'As the device sends it; "Not Available" when it sends none', "type": "string"}
     classes = an_object({name: a_list(ref(CLASSES[name][0])) for name in table},
                         description="Instances in the order of the device list")
-    system = an_object({"name": {"type": "string"}, "creationClassName": {"const": "KALDO_ComputerSystem"}})
+    system = an_open_object({"name": TEXT, "creationClassName": {"const": "KALDO_ComputerSystem"}})
+    kernel = an_open_object({"devices": a_list(ref("kernelDevice")), "ports": a_list(ref("kernelPort"))},
+                            description="What the kernel knows besides the properties of the classes; "
+                                        "null where it was not asked")
     instances = {CLASSES[name][0]: instance_of(table, name) for name in table}
+    facts = {"kind": {"enum": tables["kinds"]}, "interface": interface(), "kernelDevice": kernel_device(),
+             "kernelPort": kernel_port()}
     return a_document("inventory", "USB inventory, as usbinfo --format json prints it",
-                      {"system": system, "classes": classes},
-                      {**numbers, "deviceString": text, **instances})
+                      {"system": system, "origin": or_null(origin()), "classes": classes,
+                       "kernel": or_null(kernel)},
+                      {**numbers, "deviceString": text, **instances, **facts}, version=2, make=an_open_object)
 
 
 def placed_item(table):
@@ -210,9 +306,10 @@ def main(arguments):
     is_check = arguments[:1] == ["--check"]
     command = arguments[is_check]
     printed = subprocess.run([command, "--generate", "classes"], check=True, capture_output=True).stdout
-    table = json.loads(printed)
+    tables = json.loads(printed)
+    table = tables["classes"]
     status = 0
-    for name, schema in (("usbinfo", inventory(table)), ("usbinfo-diff", difference(table)),
+    for name, schema in (("usbinfo", inventory(tables)), ("usbinfo-diff", difference(table)),
                          ("usbinfo-classes", classes_document(table))):
         path = FOLDER / f"{name}.schema.json"
         text = json.dumps(schema, indent=2) + "\n"

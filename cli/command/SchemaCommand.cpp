@@ -2,6 +2,8 @@
 
 #include "cli/command/ExitStatus.h"
 #include "cli/format/MofFormat.h"
+#include "cli/model/JsonValues.h"
+#include "cli/model/Kinds.h"
 #include "cli/text/JsonWriter.h"
 #include "cli/text/Output.h"
 #include "schema/CimTypes.h"
@@ -73,7 +75,11 @@ std::string RenderJsonSchema() {
 
 std::string RenderClassTable() {
   JsonWriter json(JsonWriter::Layout::kIndented);
+  json.BeginObject();
+  json.Key("classes");
   WriteClasses(json, Detail::kWithOptional);
+  WriteMember(json, "kinds", AllKinds());
+  json.EndObject();
   return json.Take() + "\n";
 }
 

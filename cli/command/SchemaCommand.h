@@ -16,8 +16,8 @@ int RunSchema(const SchemaOptions& options);
 /// "isArray": BOOL, "isKey": BOOL}}}}}`; a reference also has its "class".
 std::string RenderJsonSchema();
 
-/// The table of classes with all that the schemas of the JSON documents are generated from: the classes as
-/// above, and for each property whether an instance may lack it, "isOptional".
+/// The tables that the schemas of the JSON documents are generated from: the "classes" as above, and for each
+/// property whether an instance may lack it, "isOptional"; and the "kinds" of devices, in their order.
 std::string RenderClassTable();
 
 }  // namespace cli

@@ -74,7 +74,7 @@ std::vector<InterfaceFacts> InterfacesOf(const kernel::Device& device) {
   return facts;
 }
 
-/// Nothing where the identifiers, which stand beside it, are not known either.
+/// Nothing where the identifiers are missing, too: the root hubs of early kernels have nothing but zeros.
 std::optional<std::string> RevisionOf(const kernel::DeviceDescriptor& descriptor) {
   constexpr unsigned kBitsOfByte = 8;
   constexpr unsigned kByte = 0xFF;
@@ -88,9 +88,14 @@ std::optional<std::uint64_t> MaxPowerOf(const kernel::Device& device) {
   return active == nullptr ? std::nullopt : std::optional<std::uint64_t>(active->maxPower);
 }
 
+/// Nothing where a list gives a port that no hub can have.
+std::optional<std::string> KnownName(const std::string& name) {
+  return Unless(!kernel::ParseDeviceName(name), name);
+}
+
 DeviceFacts FactsOfDevice(const kernel::Device& device, std::string identifier) {
   return {.device = std::move(identifier),
-          .name = UnlessEmpty(device.name),
+          .name = KnownName(device.name),
           .number = device.number,
           .speed = Unless(!IsRate(device.megabitsPerSecond), device.megabitsPerSecond),
           .manufacturer = device.manufacturer,

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <string_view>
 
 #include "cli/model/JsonNode.h"
 #include "cli/model/JsonValues.h"
@@ -96,14 +97,14 @@ std::string ReadRevision(const JsonNode& node) {
   const std::size_t point = view.find('.');
   const bool isRevision = (point == 1 || point == 2) && view.size() == point + 3 &&
                           IsHexadecimal(view.substr(0, point)) && IsHexadecimal(view.substr(point + 1));
-  if (!isRevision) node.Refuse("must be a version such as \"1.10\"");
+  if (!isRevision) node.Refuse(R"(must be a version such as "1.10")");
   return text;
 }
 
 std::string ReadName(const JsonNode& node) {
   std::string text = node.Text();
   const std::optional<kernel::DeviceName> name = kernel::ParseDeviceName(text);
-  if (!name || name->Text() != text) node.Refuse("must be a name such as \"usb1\" or \"1-3.1\"");
+  if (!name || name->Text() != text) node.Refuse(R"(must be a name such as "usb1" or "1-3.1")");
   return text;
 }
 

@@ -159,6 +159,7 @@ std::vector<std::string> KindsOf(const kernel::Device& device) {
   if (whole && (kinds.empty() || *whole == Kind::kHub)) kinds.insert(*whole);
   if (kinds.empty() && HasInterfaces(device)) kinds.insert(Kind::kOther);
   std::vector<std::string> names;
+  names.reserve(kinds.size());
   for (const Kind kind : kinds) names.push_back(AllKinds()[static_cast<std::size_t>(kind)]);
   return names;
 }

@@ -72,7 +72,7 @@ std::string ReadTime(const JsonNode& node) {
   std::string time = node.Text();
   const auto fits = [](char c, char ofForm) { return ofForm == '0' ? c >= '0' && c <= '9' : c == ofForm; };
   if (!std::equal(time.begin(), time.end(), kForm.begin(), kForm.end(), fits)) {
-    node.Refuse("must be a time in UTC, such as \"2026-11-21T12:00:00Z\"");
+    node.Refuse(R"(must be a time in UTC, such as "2026-11-21T12:00:00Z")");
   }
   return time;
 }

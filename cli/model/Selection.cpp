@@ -115,6 +115,27 @@ std::string Hexadecimal(const std::optional<std::uint16_t>& id) {
   return id ? fmt::format("{:04x}", *id) : std::string();
 }
 
+std::string TextOf(const VendorProduct& ids) {
+  return Hexadecimal(ids.vendor) + ":" + Hexadecimal(ids.product);
+}
+
+std::string TextOf(const BusDevice& place) {
+  return Decimal(place.bus) + ":" + Decimal(place.device);
+}
+
+void AddOnce(std::string text, std::vector<std::string>& texts) {
+  if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(std::move(text));
+}
+
+Origin SelectedFrom(Origin origin, const Selection& selection) {
+  if (!origin.selection) origin.selection.emplace();
+  auto& [classes, ids, places] = *origin.selection;
+  for (const ClassId classId : selection.classes) AddOnce(schema::ClassOf(classId).name, classes);
+  for (const VendorProduct& each : selection.ids) AddOnce(TextOf(each), ids);
+  if (selection.place) AddOnce(TextOf(*selection.place), places);
+  return origin;
+}
+
 }  // namespace
 
 std::optional<VendorProduct> ParseVendorProduct(const std::string& text) {
@@ -145,17 +166,18 @@ Inventory Select(const Inventory& inventory, const Selection& selection, bool ke
     AddItemsAbove(inventory, items);
     AddLinksAmong(inventory, items);
   }
-  return inventory.Only([&items](const Item& item) { return items.count(&item) != 0; });
+  Inventory part = inventory.Only([&items](const Item& item) { return items.count(&item) != 0; });
+  if (part.GetOrigin()) part.SetOrigin(SelectedFrom(*part.GetOrigin(), selection));
+  return part;
 }
 
 std::string Describe(const Selection& selection) {
   std::vector<std::string> options;
   for (const VendorProduct& ids : selection.ids) {
-    options.push_back(fmt::format("-d {}:{}", Hexadecimal(ids.vendor), Hexadecimal(ids.product)));
+    options.push_back("-d " + TextOf(ids));
   }
   if (selection.place) {
-    options.push_back(
-        fmt::format("-s {}:{}", Decimal(selection.place->bus), Decimal(selection.place->device)));
+    options.push_back("-s " + TextOf(*selection.place));
   }
   for (const ClassId classId : selection.classes)
     options.push_back("--class " + schema::ClassOf(classId).name);

@@ -42,7 +42,8 @@ std::optional<BusDevice> ParseBusDevice(const std::string& text);
 
 /// The selected part of `inventory`, in the same order. Ids and places select only hubs and devices; with
 /// `keepsPath` these come with the controllers, hubs and ports that lead to them and the links among all
-/// these, unless classes are selected too.
+/// these, unless classes are selected too. The origin, where there is one, says what was selected, after what
+/// was selected before.
 Inventory Select(const Inventory& inventory, const Selection& selection, bool keepsPath);
 
 /// The selection as options: "-d 1d6b: -s 1:3 --class KALDO_USBHub".

@@ -505,7 +505,7 @@ CODES = (
 def blocks(text):
     """List the records of a text, each a list of its lines."""
     found = []
-    for block in re.split(r"\n\s*\n", text.strip()):
+    for block in re.split(r"\n\s*\n", text.strip("\n")):
         lines = block.split("\n")
         while lines and not lines[0].startswith("T:"):
             del lines[0]
@@ -613,6 +613,10 @@ class Facts:
         return powers[0] if powers else None
 
     def _revision(self):
+        """Return the revision; early root hubs have nothing but zeros."""
+        if not re.search(r"(Vendor|ProdID|Rev)=\s*[0.]*[1-9a-f]",
+                         self._product):
+            return None
         found = re.search(r"Rev=\s*([0-9a-f]+)\.([0-9a-f]+)", self._product)
         if not found:
             return None

@@ -9,6 +9,7 @@
 #include "cli/model/FromJson.h"
 #include "cli/text/UserError.h"
 #include "tests/fuzz/BrokenInvariant.h"
+#include "tests/fuzz/SavedInventory.h"
 
 using cli::Inventory;
 using cli::InventoryDifference;
@@ -54,6 +55,7 @@ std::size_t CountOf(const Inventory& inventory) {
 }
 
 void CheckAlone(const Inventory& inventory) {
+  CheckSaved(inventory);
   Require(Compare(inventory, inventory).IsEmpty(), "no difference from itself");
   const Inventory nothing("");
   const InventoryDifference all = Compare(nothing, inventory);

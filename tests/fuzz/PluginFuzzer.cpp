@@ -9,6 +9,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // would take most of the fuzzer's time. Other tests cover that many ports.
   constexpr std::size_t kMostItems = 16;
   const std::string text(reinterpret_cast<const char*>(data), size);
-  if (usbinfo_test::ItemsIn(text) <= kMostItems) usbinfo_test::CheckPlugin(text);
+  if (usbinfo_test::ItemsIn(text) > kMostItems) return 0;
+  usbinfo_test::CheckPlugin(text);
+  usbinfo_test::CheckFacts(text);
   return 0;
 }

@@ -1,7 +1,10 @@
 #include "tests/fuzz/PluginTarget.h"
 
+#include "cli/model/FromKernel.h"
+#include "kernel/DeviceListReader.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/ReadBack.h"
+#include "tests/fuzz/SavedInventory.h"
 #include "tests/model/ModelPlugin.h"
 #include "tests/support/AllClasses.h"
 #include "tests/support/RecordedSystem.h"
@@ -67,6 +70,12 @@ void CheckPlugin(const std::string& text, DistinctLines& known) {
     if (known.insert(line).second) fresh.insert(line);
   }
   CheckLog(fresh);
+}
+
+void CheckFacts(const std::string& text) {
+  cli::Inventory inventory = PluginRun(text).Result();
+  inventory.SetKernel(cli::FromKernel(kernel::ReadDeviceList(text), inventory));
+  CheckSaved(inventory);
 }
 
 void CheckPlugin(const std::string& text) {

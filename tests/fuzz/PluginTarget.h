@@ -16,6 +16,10 @@ std::size_t ItemsIn(const std::string& text);
 /// the log lines that the model computes from `text`.
 void CheckInventory(const PluginRun& run, const std::string& text);
 
+/// Throws unless what the plug-in and the kernel's records of `text` say together can be saved and read
+/// again.
+void CheckFacts(const std::string& text);
+
 /// Runs the plug-in over `text`; throws BrokenInvariant where its inventory, an output format or the log is
 /// not what it must be, or where a command was run. Lines of the log that are in `known` were looked at
 /// before and are left out; the others are added.

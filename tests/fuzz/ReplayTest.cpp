@@ -50,6 +50,10 @@ TEST_P(PluginReplay, IsReadBackFromEveryFormat) {
   EXPECT_NO_THROW(CheckPlugin(ReadFile(GetParam())));
 }
 
+TEST_P(PluginReplay, IsSavedWithWhatTheKernelKnowsAndReadAgain) {
+  EXPECT_NO_THROW(CheckFacts(ReadFile(GetParam())));
+}
+
 INSTANTIATE_TEST_SUITE_P(All, PluginReplay, testing::ValuesIn(Inputs(CapturePaths(), "plugin")), TestName);
 
 class DiffReplay : public testing::TestWithParam<std::string> {};

@@ -120,9 +120,9 @@ TEST(DeviceListReader, ReadsWhatMakesNoSenseAsNothing) {
       "T:  Bus=999 Lev=x Dev#=-1 Spd=fast MxCh=\nD:  Ver=2 Cls= #Cfgs=256\nI:  If#= 0\nE:  Ad=81(I)\nA:  "
       "IfCount= 1\n"
       "S:\nS:  Nickname=x\nX\n:\n");
-  Device nothing;
-  nothing.name = "usb0";
-  EXPECT_THAT(topology.devices, ElementsAre(nothing));
+  Device expected;
+  expected.name = "usb0";
+  EXPECT_THAT(topology.devices, ElementsAre(expected));
 }
 
 }  // namespace

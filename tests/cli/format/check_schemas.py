@@ -51,7 +51,8 @@ HOSTILE = (
 )
 
 # What may be done to a document without making it invalid: texts may be any
-# texts, lists may be empty, some members missing or null on purpose.
+# texts, lists may be empty, some members missing or null on purpose, and most objects
+# of an inventory may have more members.
 ALLOWED = {
     "usbinfo": (
         r"system: name = '\?'",
@@ -64,6 +65,27 @@ ALLOWED = {
         r"|PortNumber|SerialNumber|SystemCreationClassName|SystemName) = '\?'",
         r"classes/KALDO_USBPort/0: StatusDescriptions = \[\]",
         r"classes/KALDO_USBPort/0/StatusDescriptions: 0 = '\?'",
+        r"(|system|(origin|kernel)(/\w+)*): extra",
+        r": (origin|kernel) = None",
+        r"origin: (collected|machine|masked|selection) = None",
+        r"origin: (program|machine) = '\?'",
+        r"origin: (findings|repairs) = \[\]",
+        r"origin/(findings|repairs)/0: (code|device) = '\?'",
+        r"origin/findings/0: lines = \[1?\]",
+        r"origin/masked: key = (None|'\?')",
+        r"origin/selection: (classes|ids|places) = \[\]",
+        r"origin/selection/(classes|ids|places): 0 = '\?'",
+        r"kernel: (devices|ports) = \[\]",
+        r"kernel/devices/0: (name|speed|manufacturer|product|serial|maxPower"
+        r"|revision|nodes) = None",
+        r"kernel/devices/0: (device|manufacturer|product|serial) = '\?'",
+        r"kernel/devices/0: speed = 1\.5",
+        r"kernel/devices/0: (kinds|interfaces|nodes) = \[\]",
+        r"kernel/devices/0/interfaces/0: driver = (None|'\?')",
+        r"kernel/devices/0/interfaces/0: active = True",
+        r"kernel/devices/0/nodes: 0 = '\?'",
+        r"kernel/ports/0: (name|peer|connect|state) = None",
+        r"kernel/ports/0: (port|connect) = '\?'",
     ),
     "usbinfo-classes": (),
     "usbinfo-diff": (
@@ -261,9 +283,34 @@ def check_strict(failures, usbinfo, name, document):
                               f"the status {status}")
 
 
+ORIGIN = {
+    "source": "sysfs", "collected": "2026-11-21T12:00:00Z",
+    "program": "usbinfo 1.0.0", "machine": "c0ffee",
+    "findings": [{"code": "two-t-lines", "lines": [17],
+                  "device": "Bus 01  Device   9"}],
+    "repairs": [{"code": "parent", "count": 3}],
+    "masked": {"key": "36b7d9e49e324323"},
+    "selection": {"classes": ["KALDO_USBHub"], "ids": ["1d6b:"],
+                  "places": ["1:3"]},
+}
+KERNEL = {
+    "devices": [{
+        "device": "Bus 01  Device   4", "name": "1-3.1", "number": 4,
+        "speed": 480, "manufacturer": "Acme", "product": "Stick",
+        "serial": "S1", "kinds": ["mass storage"],
+        "interfaces": [{
+            "configuration": 1, "number": 0, "setting": 0, "active": False,
+            "class": "08", "subclass": "06", "protocol": "50",
+            "driver": "usb-storage"}],
+        "maxPower": 500, "revision": "1.00", "nodes": ["/dev/sda"]}],
+    "ports": [{"port": "Bus 01  Device   1 Port 02", "name": "1-3",
+               "peer": "2-3", "connect": "hotplug", "state": "used"}],
+}
+
+
 def small_inventory(usbinfo):
-    """Return an inventory with one instance of each class and all names."""
-    document = usbinfo.inventory(OLD)
+    """Return an inventory with one of each list's elements and all names."""
+    document = {**usbinfo.inventory(OLD), "origin": ORIGIN, "kernel": KERNEL}
     for name, instances in document["classes"].items():
         complete = [it for it in instances if name != "KALDO_USBHub"
                     or "HubName" in it]

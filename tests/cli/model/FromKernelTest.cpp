@@ -94,6 +94,11 @@ TEST(FromKernel, HoldsOnlySpeedsThatDevicesCanHave) {
   }
 }
 
+TEST(FromKernel, HoldsNoNameThatNoDeviceCanHave) {
+  const KernelFacts facts = cli::FromKernel({{Named("1-256", 1, 2)}, {}, {}}, Inventory("testhost"));
+  EXPECT_EQ(facts.devices.at(0).name, std::nullopt);
+}
+
 TEST(FromKernel, NamesWhatIsOrWouldBePluggedIntoAPort) {
   const Topology topology = {{Named("usb1", 1, 1), Named("1-3", 1, 4)},
                              {{"usb1-port3", "usb1", 3, "hotplug", "usb2-port1", "1-3"},

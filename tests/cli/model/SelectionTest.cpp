@@ -10,6 +10,7 @@
 #include "cli/model/Selection.h"
 #include "cli/model/UsbTree.h"
 #include "tests/cli/support/CliTest.h"
+#include "tests/cli/support/InventoryBuilder.h"
 
 using cli::ClassId;
 using cli::Inventory;
@@ -263,6 +264,22 @@ TEST_F(SelectionTest, KeepsTheWholePathToEveryItemOfEveryCaptureAndNothingElse) 
       }
     }
   }
+}
+
+TEST(SelectedInventory, SaysInItsOriginWhatWasSelectedInAll) {
+  InventoryBuilder machine;
+  machine.AddDevice(machine.AddBus(1, 1), 0, 2, {"Stick", "S1", 0xABCD, 1});
+  EXPECT_EQ(Select(machine.Read(), ByIds("abcd:"), true).GetOrigin(), std::nullopt);
+  machine.Document()["origin"] = OriginExample();
+  machine.Document()["origin"]["selection"] = nullptr;
+  const auto selected = [](const Inventory& inventory) { return inventory.GetOrigin()->selection; };
+  const Inventory whole = machine.Read();
+  EXPECT_EQ(selected(Select(whole, {}, true)), std::nullopt);
+  const Inventory part = Select(whole, ByIds("abcd:"), true);
+  EXPECT_EQ(selected(part), (cli::SelectedBy{{}, {"abcd:"}, {}}));
+  const Inventory less = Select(Select(part, ByPlace(":2"), true), ByIds("abcd:"), true);
+  EXPECT_EQ(selected(Select(less, ByClass({"KALDO_USBDevice"}), true)),
+            (cli::SelectedBy{{"KALDO_USBDevice"}, {"abcd:"}, {":2"}}));
 }
 
 }  // namespace
