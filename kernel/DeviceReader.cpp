@@ -18,7 +18,8 @@ constexpr unsigned kMostByte = 255;
 constexpr std::size_t kMostDescriptors = 18 + 65535;
 
 struct SpeedName {
-  std::string_view text;
+  // No pointer, which would have to be adjusted at each start of the program.
+  char text[8];
   Speed speed;
   double megabitsPerSecond;
 };
@@ -33,7 +34,7 @@ constexpr std::array kSpeeds = {
 const SpeedName& ReadSpeed(const SysfsFolder& folder) {
   const std::string text = folder.ReadLine("speed");
   const auto* const found = std::find_if(kSpeeds.begin(), kSpeeds.end(),
-                                         [&](const SpeedName& speed) { return speed.text == text; });
+                                         [&](const SpeedName& speed) { return text == speed.text; });
   if (found == kSpeeds.end()) throw SysfsError("speed", "no speed that is known");
   return *found;
 }
