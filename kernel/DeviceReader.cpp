@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstring>
 
 #include "kernel/DescriptorParser.h"
 #include "kernel/Number.h"
@@ -68,8 +67,7 @@ std::optional<std::string> ReadString(const SysfsFolder& folder, const std::stri
 
 Descriptors ReadDescriptors(const SysfsFolder& folder, Speed speed) {
   const std::string file = folder.Read("descriptors", kMostDescriptors);
-  std::vector<std::uint8_t> bytes(file.size());
-  std::memcpy(bytes.data(), file.data(), file.size());
+  const Bytes bytes(reinterpret_cast<const std::uint8_t*>(file.data()), file.size());
   auto descriptors = ParseDescriptors(bytes, {speed, ReadQuirks(folder)});
   if (!descriptors) throw SysfsError("descriptors", "a descriptor is missing or damaged");
   return *std::move(descriptors);
