@@ -1,54 +1,28 @@
 #include "kernel/ClassName.h"
 
 namespace kernel {
+namespace {
+
+struct NamedClass {
+  std::uint8_t classCode;
+  // No pointer, which would have to be adjusted at each start of the program.
+  char name[6];
+};
+
+constexpr NamedClass kClasses[] = {
+    {0x00, ">ifc"},  {0x01, "audio"}, {0x02, "comm."}, {0x03, "HID"},   {0x05, "PID"},   {0x06, "still"},
+    {0x07, "print"}, {0x08, "stor."}, {0x09, "hub"},   {0x0a, "data"},  {0x0b, "scard"}, {0x0d, "c-sec"},
+    {0x0e, "video"}, {0x0f, "perhc"}, {0x10, "av"},    {0x11, "blbrd"}, {0x12, "bridg"}, {0xe0, "wlcon"},
+    {0xef, "misc"},  {0xfe, "app."},  {0xff, "vend."},
+};
+
+}  // namespace
 
 std::string_view ClassName(std::uint8_t classCode) {
-  switch (classCode) {
-    case 0x00:
-      return ">ifc";
-    case 0x01:
-      return "audio";
-    case 0x02:
-      return "comm.";
-    case 0x03:
-      return "HID";
-    case 0x05:
-      return "PID";
-    case 0x06:
-      return "still";
-    case 0x07:
-      return "print";
-    case 0x08:
-      return "stor.";
-    case 0x09:
-      return "hub";
-    case 0x0a:
-      return "data";
-    case 0x0b:
-      return "scard";
-    case 0x0d:
-      return "c-sec";
-    case 0x0e:
-      return "video";
-    case 0x0f:
-      return "perhc";
-    case 0x10:
-      return "av";
-    case 0x11:
-      return "blbrd";
-    case 0x12:
-      return "bridg";
-    case 0xe0:
-      return "wlcon";
-    case 0xef:
-      return "misc";
-    case 0xfe:
-      return "app.";
-    case 0xff:
-      return "vend.";
-    default:
-      return "unk.";
+  for (const NamedClass& named : kClasses) {
+    if (named.classCode == classCode) return named.name;
   }
+  return "unk.";
 }
 
 }  // namespace kernel

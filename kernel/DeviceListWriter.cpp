@@ -114,7 +114,7 @@ void WriteDevice(std::string& list, const Device& device) {
 }
 
 void WriteEndpoint(std::string& list, const Endpoint& endpoint) {
-  constexpr std::array kTypes = {"Ctrl", "Isoc", "Bulk", "Int."};
+  constexpr char kTypes[][5] = {"Ctrl", "Isoc", "Bulk", "Int."};
   constexpr std::uint8_t kIn = 0x80;
   constexpr std::uint32_t kMillisecond = 1000;
   const TransferType type = TransferTypeOf(endpoint.attributes);

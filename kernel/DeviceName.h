@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace kernel {
@@ -25,9 +26,13 @@ struct DeviceName {
   /// "usb1-port2" or "1-3.1-port2".
   std::string Port(unsigned port) const;
 
-  /// By bus, then each hub before what is plugged into it, by port.
-  auto operator<=>(const DeviceName&) const = default;
+  bool operator==(const DeviceName&) const = default;
 };
+
+/// By bus, then each hub before what is plugged into it, by port.
+inline bool operator<(const DeviceName& left, const DeviceName& right) {
+  return std::tie(left.bus, left.ports) < std::tie(right.bus, right.ports);
+}
 
 /// The place that a name like "usb1" or "1-3.1" stands for; nothing for other texts, such as an interface's
 /// name.

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstring>
 
 #include "kernel/DescriptorParser.h"
 #include "kernel/Number.h"
@@ -18,7 +17,8 @@ constexpr unsigned kMostByte = 255;
 constexpr std::size_t kMostDescriptors = 18 + 65535;
 
 struct SpeedName {
-  std::string_view text;
+  // No pointer, which would have to be adjusted at each start of the program.
+  char text[8];
   Speed speed;
   double megabitsPerSecond;
 };
@@ -33,7 +33,7 @@ constexpr std::array kSpeeds = {
 const SpeedName& ReadSpeed(const SysfsFolder& folder) {
   const std::string text = folder.ReadLine("speed");
   const auto* const found = std::find_if(kSpeeds.begin(), kSpeeds.end(),
-                                         [&](const SpeedName& speed) { return speed.text == text; });
+                                         [&](const SpeedName& speed) { return text == speed.text; });
   if (found == kSpeeds.end()) throw SysfsError("speed", "no speed that is known");
   return *found;
 }
@@ -67,8 +67,7 @@ std::optional<std::string> ReadString(const SysfsFolder& folder, const std::stri
 
 Descriptors ReadDescriptors(const SysfsFolder& folder, Speed speed) {
   const std::string file = folder.Read("descriptors", kMostDescriptors);
-  std::vector<std::uint8_t> bytes(file.size());
-  std::memcpy(bytes.data(), file.data(), file.size());
+  const Bytes bytes(reinterpret_cast<const std::uint8_t*>(file.data()), file.size());
   auto descriptors = ParseDescriptors(bytes, {speed, ReadQuirks(folder)});
   if (!descriptors) throw SysfsError("descriptors", "a descriptor is missing or damaged");
   return *std::move(descriptors);

@@ -131,6 +131,16 @@ TEST(Descriptors, OfADamagedConfigurationBeforeOthersEndWhereTheKernelCutThem) {
   EXPECT_EQ(found->configurations[1].value, 2);
 }
 
+TEST(Descriptors, OfAConfigurationWithinAConfigurationAreSkipped) {
+  const Data within = ConfigurationOf(7, {}) + InterfaceOf(1, 0, 0);
+  const Data first = ConfigurationOf(1, InterfaceOf(0, 0, 0) + within);
+  const auto found = ParseDescriptors(DeviceWith(2) + first + ConfigurationOf(2, {}), {Speed::kHigh, 0});
+  ASSERT_TRUE(found);
+  EXPECT_EQ(found->configurations.at(0).value, 1);
+  EXPECT_THAT(found->configurations.at(0).interfaces, SizeIs(2));
+  EXPECT_EQ(found->configurations.at(1).value, 2);
+}
+
 TEST(Descriptors, HaveThePowerInTheUnitOfTheSpeed) {
   EXPECT_EQ(Parse({}, {Speed::kHigh, 0}).maxPower, 100);
   EXPECT_EQ(Parse({}, {Speed::kSuper, 0}).maxPower, 400);

@@ -149,9 +149,13 @@ TEST_F(VanishingDevices, AreNotMixedWithThoseThatTakeTheirPlace) {
 
 TEST_F(VanishingDevices, AreReadAgainWhereTheirNumberChanges) {
   const std::string folder = std::string(kMouse) + "/";
+  const std::string node = "DEVNAME=bus/usb/001/077\n";
   fAfter[folder + "devnum"].text = "77\n";
-  ChangeAtEachMoment(
-      [&](const UnpackedSysfs& sysfs) { std::ofstream(sysfs.Path(folder + "devnum")) << "77\n"; });
+  fAfter[folder + "uevent"].text = node;
+  ChangeAtEachMoment([&](const UnpackedSysfs& sysfs) {
+    std::ofstream(sysfs.Path(folder + "devnum")) << "77\n";
+    std::ofstream(sysfs.Path(folder + "uevent")) << node;
+  });
 }
 
 TEST_F(VanishingDevices, AreReadAgainWhereTheirConfigurationChanges) {

@@ -32,6 +32,18 @@ class Proof:
         if self._records:
             self._record(pathlib.Path(self._records, re.sub(r"\W+", "-", name)), controller)
 
+    def check_coming_and_going(self, name, lists, hub, gadget_count):
+        """While devices come and go, every record in many lists is one of those from before, as a whole."""
+        _, files = self._guest.run("kernel_list", "root")
+        known = set(_records(files["made-root"]))
+        status, files = self._guest.run("come_and_go", str(lists), hub, str(gadget_count))
+        problems = [f"exit status {status}, messages: {files['errors'].decode()}"] if files["errors"] or status else []
+        found = [set(_records(text)) for text in files["lists"].split(b"@@\n")[1:]]
+        problems += [line for record in sorted(set().union(*found) - known) for line in _lines(record)]
+        if not any(known - records for records in found):
+            problems.append(f"no device was missing in any of {len(found)} lists")
+        self._report.add(f"{name}: no list from sysfs has half a device", problems)
+
     def _record(self, path, controller):
         _, files = self._guest.run("record", controller)
         path.with_suffix(".tree").write_bytes(files["record"])
@@ -39,6 +51,13 @@ class Proof:
         blocks = [block for block in re.split(rb"(?=\nT:)", files["list"])[1:]
                   if int(re.match(rb"\nT:  Bus=(\d+)", block)[1]) in buses]
         path.with_suffix(".txt").write_bytes(b"".join(blocks))
+
+
+def _records(text):
+    """The records of a list, without what may change: numbers, drivers, and what is active."""
+    text = re.sub(rb"(Prnt|Cnt|Dev#|MxCh)= *\d+", rb"\1=", text)
+    text = re.sub(rb"Driver=.*", b"Driver=", text)
+    return re.sub(rb"^([CI]):\*", rb"\1: ", text, flags=re.MULTILINE).strip().split(b"\n\n")
 
 
 def _problems(user, expected, made, errors):

@@ -6,10 +6,15 @@ import machine
 import qemu
 import topology
 
+# What comes and goes while so many lists are made: a hub with a device, and the first gadgets.
+LISTS = 50
+HUB = ("0000:00:03.0", (2, 3))
+GADGETS_THAT_GO = 3
+
 OFF, ON = range(2)
 # Devices as controller and ports: what they are switched off by, and what then switches them on.
 SWITCHED = (
-    ("0000:00:03.0", (2, 3), "authorized", "0", "1"),
+    (*HUB, "authorized", "0", "1"),
     ("0000:00:03.0", (11,), "authorized", "0", "1"),
     ("0000:00:03.0", (2, 4), "bConfigurationValue", "-1", "1"),
     (gadgets.TWO_WAYS, (1,), "bConfigurationValue", "-1", "2"),
@@ -23,6 +28,8 @@ def check_all(guest, collector, proof, release, buses):
         collector.settle(buses, name)
         proof.check(name)
 
+    proof.check_coming_and_going("all the time", LISTS, _name(buses, *HUB), GADGETS_THAT_GO)
+    settle(machine.CHANGED_MACHINE, gadgets.buses(release), "all are back")
     _switch(collector, buses, OFF)
     proof.check("neither authorized nor configured")
     _switch(collector, buses, ON)
@@ -42,6 +49,10 @@ def check_all(guest, collector, proof, release, buses):
 def _switch(collector, buses, state):
     """Switch the devices off or on."""
     for controller, ports, attribute, *values in SWITCHED:
-        bus = next(bus for bus in buses if (bus.controller, bus.index) == (controller, 0))
-        device = next(item for item in bus.devices if item.ports == ports)
-        collector.prepare("set", bus.sysfs_name(device), attribute, values[state])
+        collector.prepare("set", _name(buses, controller, ports), attribute, values[state])
+
+
+def _name(buses, controller, ports):
+    """The kernel's name of the device in these ports."""
+    bus = next(bus for bus in buses if (bus.controller, bus.index) == (controller, 0))
+    return bus.sysfs_name(next(item for item in bus.devices if item.ports == ports))
