@@ -82,7 +82,7 @@ std::vector<Data> RecordedDescriptors() {
 /// ones.
 std::size_t LastConfiguration(const Data& file) {
   std::size_t at = 18;
-  for (int left = file[17]; left > 1; --left) at += file[at + 2] | file[at + 3] << 8;
+  for (int left = file[17]; left > 1; --left) at += file[at + 2] + 256U * file[at + 3];
   return at;
 }
 
