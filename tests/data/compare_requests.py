@@ -49,7 +49,7 @@ REQUESTS = (
 def usbinfo(command, device_list, request, log):
     """Run the command; return its exit status, output and log as texts."""
     done = subprocess.run(
-        [command, "--devices", device_list, "--system-name",
+        [command, "--devices", device_list, "--as-is", "--system-name",
          os.fsdecode(derive.TEST_SYSTEM), "--format", "json",
          "--request", ",".join(request),
          "--log", log, "--log-level", "verbose", "--log-format", "json"],

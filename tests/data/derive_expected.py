@@ -430,20 +430,18 @@ class Run:
         self._debug("End: TUsbPortDeviceAsso::MakePortAssociation routine")
         return found
 
-    def inventory(self, facts=False):
+    def inventory(self):
         """Return the JSON document of everything committed.
 
-        With facts, it also says where the list is from and what it holds
-        besides.
+        It also says where the list is from and what it holds besides.
         """
         return {"schema": "usbinfo.inventory/2",
                 "system": {"name": plain(self._system),
                            "creationClassName": plain(SYSTEM_CLASS)},
-                "origin": ORIGIN if facts else None,
+                "origin": ORIGIN,
                 "classes": {name: [readable(item) for item in items.values()]
                             for name, items in self.instances.items()},
-                "kernel": kernel_facts(self._text, self._identifiers())
-                if facts else None}
+                "kernel": kernel_facts(self._text, self._identifiers())}
 
     def _identifiers(self):
         """Map (bus, device number) to the DeviceID of that hub or device."""
@@ -688,9 +686,9 @@ def kernel_facts(text, identifiers):
 
 # --- the files and the command line ------------------------------------------
 
-def as_json(run, facts=False):
+def as_json(run):
     """Spell the inventory as the text of a file."""
-    return json.dumps(run.inventory(facts), indent=2) + "\n"
+    return json.dumps(run.inventory(), indent=2) + "\n"
 
 
 def as_log(run):
@@ -698,18 +696,18 @@ def as_log(run):
     return "".join(json.dumps(line) + "\n" for line in run.log)
 
 
-def expected_files(facts):
+def expected_files():
     """Yield (path, text) of every file that belongs into expected/."""
     for capture in sorted((HERE / "captures").glob("*.txt")):
         run = Run(capture.read_bytes(), TEST_SYSTEM, CLASSES)
         base = HERE / "expected" / capture.stem
-        yield base.with_name(base.name + ".json"), as_json(run, facts)
+        yield base.with_name(base.name + ".json"), as_json(run)
         yield base.with_name(base.name + ".log.jsonl"), as_log(run)
 
 
-def check(facts):
+def check():
     """Name the files that are wrong, missing or too many; return how many."""
-    wanted = dict(expected_files(facts))
+    wanted = dict(expected_files())
     present = set((HERE / "expected").iterdir())
     wrong = [f"{path.name}: missing" for path in wanted.keys() - present]
     wrong += [f"{path.name}: belongs to no capture"
@@ -721,10 +719,10 @@ def check(facts):
     return len(wrong)
 
 
-def write(facts):
+def write():
     """Renew every expected file."""
     (HERE / "expected").mkdir(exist_ok=True)
-    for path, text in expected_files(facts):
+    for path, text in expected_files():
         path.write_bytes(text.encode("ascii"))
 
 
@@ -746,14 +744,12 @@ def main():
                         help="ask for these classes, in this order")
     parser.add_argument("--system-name", metavar="NAME", type=os.fsencode,
                         default=TEST_SYSTEM, help="default: testhost")
-    parser.add_argument("--facts", action="store_true",
-                        help="add the origin and what the list says besides")
     options = parser.parse_args()
 
     if options.check:
-        return 1 if check(options.facts) else 0
+        return 1 if check() else 0
     if options.write:
-        write(options.facts)
+        write()
         return 0
     if options.list == "-":
         text = sys.stdin.buffer.read()
@@ -763,8 +759,7 @@ def main():
     if options.request is not None:
         request = [plain(name) for name in options.request.split(b",")]
     run = Run(text, options.system_name, request)
-    sys.stdout.write(as_log(run) if options.log
-                     else as_json(run, options.facts))
+    sys.stdout.write(as_log(run) if options.log else as_json(run))
     return 0
 
 

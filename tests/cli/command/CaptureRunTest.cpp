@@ -18,7 +18,7 @@ namespace {
 class CaptureRunTest : public testing::TestWithParam<std::string> {
  protected:
   CommandResult RunOnCapture(std::vector<std::string> options) const {
-    const std::vector<std::string> common = {"--devices", CapturePath(GetParam()), "--system-name",
+    const std::vector<std::string> common = {"--devices", CapturePath(GetParam()), "--as-is", "--system-name",
                                              "testhost"};
     options.insert(options.begin(), common.begin(), common.end());
     return RunUsbinfo(std::move(options));
@@ -54,7 +54,7 @@ TEST_P(CaptureRunTest, LogsTheDerivedLines) {
 }
 
 TEST_P(CaptureRunTest, KeepsStandardErrorForWhatGoesWrong) {
-  for (const char* format : {"tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html"}) {
+  for (const char* format : {"tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html", "list"}) {
     const CommandResult result = RunOnCapture({"--format", format});
     EXPECT_EQ(Lines(result.errors).size(), HasDevices() ? 0U : 1U) << result.errors;
     EXPECT_EQ(result.status, ExpectedStatus());
