@@ -7,6 +7,7 @@
 
 #include "cli/collect/MachineId.h"
 #include "cli/collect/Warning.h"
+#include "cli/model/DeviceText.h"
 
 namespace cli {
 
@@ -55,14 +56,13 @@ Origin NoteOrigin(const std::string& source, const PreparedList& list, const Lis
 
 void WarnOfRepairs(const kernel::ListRepairs& repairs) {
   if (repairs.parents > 0) {
-    Warn(fmt::format(
-        "the list names a wrong parent in {} of its records, mended; --as-is shows the list as it is",
-        repairs.parents));
+    Warn(fmt::format("the list has wrong parents for {}, which are mended; --as-is takes the list as it is",
+                     Count(repairs.parents, "device")));
   }
   if (repairs.staleInterfaces > 0) {
     Warn(fmt::format(
-        "the list has interfaces of {} unconfigured devices, left out; --as-is shows the list as it is",
-        repairs.staleInterfaces));
+        "the list has interfaces for {} without a configuration, which are left out; --as-is takes the list as it is",
+        Count(repairs.staleInterfaces, "device")));
   }
 }
 

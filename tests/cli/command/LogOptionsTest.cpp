@@ -16,7 +16,8 @@ namespace {
 const std::string kCapture = "vm-desktop-debugfs";
 
 CommandResult RunWith(std::vector<std::string> options) {
-  const std::vector<std::string> common = {"--devices", CapturePath(kCapture), "--system-name", "testhost"};
+  const std::vector<std::string> common = {"--devices", CapturePath(kCapture), "--as-is", "--system-name",
+                                           "testhost"};
   options.insert(options.begin(), common.begin(), common.end());
   return RunUsbinfo(std::move(options));
 }

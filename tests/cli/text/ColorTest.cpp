@@ -28,7 +28,7 @@ TEST(Color, IsNotUsedInAFileUnlessThatIsSaid) {
 
 /// Whether a difference is coloured on a terminal.
 bool IsColored(std::vector<std::string> options, const std::string& terminal, const char* noColor = nullptr) {
-  const std::vector<std::string> command = {"diff", CapturePath("vm-desktop-debugfs"),
+  const std::vector<std::string> command = {"diff", "--as-is", CapturePath("vm-desktop-debugfs"),
                                             CapturePath("vm-desktop-usb-devices")};
   options.insert(options.begin(), command.begin(), command.end());
   Command run(std::move(options));
