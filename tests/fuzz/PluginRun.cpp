@@ -42,6 +42,7 @@ PluginRun::PluginRun(const std::string& text) {
   plugin.DeInit();
   host.Forget(&plugin);
   fResult = cli::FromHost(host, kAllClasses);
+  fResult.SetDeviceList(text);
 }
 
 PluginRun::~PluginRun() {

@@ -40,6 +40,10 @@ void CheckExtras(const cli::OutputFormat& format, const cli::Inventory& inventor
   RequireFitForTerminal(WithoutColors(format.render(inventory, options)), false);
 }
 
+void CheckList(const std::string& document, const cli::Inventory& inventory) {
+  RequireEqual(document, inventory.DeviceList().value_or(""), "the device list");
+}
+
 }  // namespace
 
 const FormatReader& FindFormatReader(const std::string& format) {
@@ -48,6 +52,7 @@ const FormatReader& FindFormatReader(const std::string& format) {
       {"jsonl", {"C.UTF-8"}, CheckJsonLines}, {"cimxml", {"C.UTF-8"}, CheckCimXml},
       {"mof", {"C.UTF-8"}, CheckMof},         {"dot", {"C.UTF-8"}, CheckDot},
       {"html", {"C.UTF-8"}, CheckHtml},       {"table", {"C", "C.UTF-8"}, CheckTable},
+      {"list", {"C.UTF-8"}, CheckList},
   };
   const auto found = std::find_if(readers.begin(), readers.end(),
                                   [&format](const FormatReader& reader) { return reader.format == format; });
