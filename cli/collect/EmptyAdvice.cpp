@@ -48,6 +48,7 @@ std::string ReasonForNoList(const MachineFacts& facts) {
   if (!facts.hasUsb) {
     return "this machine has no USB (/sys/bus/usb is missing); show a saved list with --devices FILE";
   }
+  if (facts.hasNoDevices) return "/sys/bus/usb/devices has none; is a host controller's driver loaded?";
   if (facts.debugfsList == MachineFacts::DebugfsList::kReadable) {
     return list + " names none; is a host controller's driver loaded?";
   }
