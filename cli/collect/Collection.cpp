@@ -158,8 +158,9 @@ Inventory CollectThroughPlugin(const Source& source, const PluginRequest& reques
 }
 
 bool ReadsSysfs(const Source& source) {
-  if (source.way == Source::Way::kAuto) return ::access("/sys/bus", F_OK) == 0;
-  return source.way == Source::Way::kSysfs;
+  const Source::Way way = source.way.value_or(Source::Way::kAuto);
+  if (way == Source::Way::kAuto) return ::access("/sys/bus", F_OK) == 0;
+  return way == Source::Way::kSysfs;
 }
 
 }  // namespace

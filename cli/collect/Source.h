@@ -1,6 +1,7 @@
 // Where an inventory is to come from, as the options say.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace cli {
@@ -13,7 +14,8 @@ struct Source {
   /// A device list or saved JSON inventory to use instead of the machine's, "-" for standard input; empty for
   /// the machine's.
   std::string devices;
-  Way way = Way::kAuto;
+  /// Nothing where it was not asked for, which is kAuto.
+  std::optional<Way> way;
   /// Give the plug-in the list as it is: mend nothing, leave nothing out.
   bool isAsIs = false;
   /// The system name in the keys; empty for the one from the list's path (see SystemNameOfList) or, without a

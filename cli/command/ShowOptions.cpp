@@ -277,7 +277,7 @@ void Append(std::vector<Option>& table, const std::vector<Option>& options) {
 }
 
 void CheckSource(const Source& source) {
-  if (source.devices.empty() || source.way == Source::Way::kAuto) return;
+  if (source.devices.empty() || !source.way) return;
   throw UsageError("--source is for this machine: leave it or --devices out");
 }
 
