@@ -196,10 +196,10 @@ class Checks:
                          taken.check_log(expectation.log(device_list.read_by_plugin(taken.list))))
         return taken
 
-    def script(self, name, buses, interfaces=0, is_forged=False):
+    def script(self, name, buses, is_forged=False):
         """Without a list to read, mounting usbfs is tried once and fails; the output of usb-devices is mended."""
         taken = self._collector.take("script", USER, "script", "--source", "plugin")
-        text, parents = device_list.mended(taken.list, buses)
+        text, parents, interfaces = device_list.mended(taken.list, buses)
         described = device_list.mended_script_list(buses)
         repairs = (("parent", parents), ("stale-interface", interfaces))
         findings = device_list.findings(taken.list) if is_forged else ()

@@ -41,7 +41,10 @@ def from_sysfs(text):
 
 
 def mended(text, buses):
-    """The text with every device's true parent, and in how many records another one was printed."""
+    """The text with every device's true parent and without the interfaces of unconfigured devices.
+
+    Returned with how many records had another parent, and how many had such interfaces.
+    """
     parents = {(bus.number, device.number): bus.parent(device).number if device.ports else 0
                for bus in buses for device in bus.devices}
     count = 0
@@ -52,7 +55,8 @@ def mended(text, buses):
         count += int(line[3]) != true
         return b"%s%02d%s" % (line[1], true, line[4])
     text = re.sub(rb"^(T:  Bus=(\d+) Lev=\d+ Prnt=)(\d+)( .*Dev#= *(\d+) )", mend, text, flags=re.MULTILINE)
-    return text, count
+    text, stale = re.subn(rb"^(C:  #Ifs= 0 .*\n)(?:I:.*\n)+", rb"\1", text, flags=re.MULTILINE)
+    return text, count, stale
 
 
 def read_by_plugin(text):

@@ -103,8 +103,8 @@ def super_buses(release):
         found += controller
         if gadget is None:
             break
-        codes = models.Codes(" 3.20", *gadget.ids, gadget.device_class, len(gadget.configs))
-        speed = models.HIGH if gadget.max_speed else models.SUPER
+        speed, version = (models.HIGH, " 2.10") if gadget.max_speed else (models.SUPER, " 3.20")
+        codes = models.Codes(version, *gadget.ids, gadget.device_class, len(gadget.configs))
         bus = next(bus for bus in controller if bus.root.speed == speed)
         bus.devices.append(topology.Device((1,), codes, speed, gadget.strings))
     return found

@@ -30,9 +30,9 @@ def check_all(guest, collector, found, proof, release, buses):
 
     _switch(collector, buses, OFF)
     proof.check("neither authorized nor configured")
-    off = topology.without(buses, *HUB)
-    found.sysfs("neither authorized nor configured", off)
-    found.script("neither authorized nor configured, ordinary user", off, interfaces=2)
+    found.sysfs("neither authorized nor configured", topology.without_authorization(buses, *HUB))
+    found.script("neither authorized nor configured, ordinary user",
+                 topology.without_authorization(buses, *HUB, shows_interfaces=False), is_forged=True)
     _switch(collector, buses, ON)
     settle(machine.CHANGED_MACHINE, gadgets.buses(release), "authorized again, another configuration")
     collector.prepare("drivers")

@@ -17,7 +17,8 @@ class Taken:
 
     def __init__(self, files):
         self.status = files["status"].decode().strip()
-        self.messages = files["messages"].decode().splitlines()
+        # Those of usb-devices, about files that unconfigured devices lack, are left out.
+        self.messages = [line for line in files["messages"].decode().splitlines() if not line.startswith("cat: ")]
         self.inventory = parsed(files.get("inventory.json", b"")) or {"classes": {}}
         self.tree = files.get("tree", b"").decode()
         self.log = [parsed(line) for line in files.get("log.jsonl", b"").splitlines()]

@@ -159,13 +159,20 @@ def number_devices(buses, facts):
             device.number = numbers.get(bus.sysfs_name(device), MISSING)
 
 
-def without(buses, controller, hub_ports):
-    """The buses when the hub in these ports may not be used: it has no ports then, and nothing is behind it."""
+def without_authorization(buses, controller, ports, shows_interfaces=True):
+    """The buses when the hub in these ports may not be used: it has no ports then, and nothing is behind it.
+
+    Where its interfaces are not shown, it is no hub.
+    """
+    def change(hub):
+        codes = hub.codes if shows_interfaces else replace(hub.codes, interface_class=0)
+        return replace(hub, codes=codes, port_count=0)
+
     found = []
     for bus in buses:
         devices = bus.devices
         if (bus.controller, bus.index) == (controller, 0):
-            devices = [replace(item, port_count=0) if item.ports == hub_ports else item for item in devices
-                       if item.ports == hub_ports or item.ports[:len(hub_ports)] != hub_ports]
+            devices = [change(item) if item.ports == ports else item for item in devices
+                       if item.ports == ports or item.ports[:len(ports)] != ports]
         found.append(replace(bus, devices=devices))
     return found
