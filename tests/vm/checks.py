@@ -4,12 +4,12 @@ A check is reported by its name with the lines that show what differs. All check
 the other; each takes the machine as the one before left it.
 """
 
-import json
 import sys
 
 import comparison
 import device_list
 import expectation
+import forgery
 import gadgets
 import kernel_list
 import machine
@@ -17,9 +17,11 @@ import qemu
 import states
 import topology
 from guest_machine import GuestError
+from taken import Taken, nodes
 
 ROOT, USER = "root", "user"
-DEBUGFS, SCRIPT = "debugfs", "script"
+# How many lists are made in one step while devices come and go.
+ROUNDS = 50
 MOUNT_ATTEMPT = "mount -t usbfs usbfs /proc/bus/usb\n"
 
 
@@ -77,94 +79,155 @@ class Collector:
         if status:
             raise GuestError(f"step {step} ended with {status}: {files['messages'].decode()}")
 
-    def take(self, user, source):
-        """Take the inventory as that user, who must come to read the list of that source."""
-        return Taken(self._guest.run("inventory", user, source)[1])
+    def take(self, name, user, compared, *options):
+        """Take the inventory as that user, to be kept under that name, with the device list to compare it with."""
+        return Taken(self._guest.run("inventory", name, user, compared, *options)[1])
 
-
-class Taken:
-    """What a run of the command left, and the device list as it was at that time."""
-
-    def __init__(self, files):
-        self.status = files["status"].decode().strip()
-        self.messages = files["messages"].decode()
-        self.inventory = _parsed(files.get("inventory.json", b"")) or {"classes": {}}
-        self.log = [_parsed(line) for line in files.get("log.jsonl", b"").splitlines()]
-        self.mounts = files.get("mounts", b"").decode()
-        self.list = files["list"]
-
-    def check_inventory(self, device_list):
-        """The problems with the outcome, where this list is the truth."""
-        if self.status != "0" or self.messages:
-            return [f"exit status {self.status}, messages: {self.messages}"]
-        return comparison.differences(expectation.inventory(device_list), self.inventory)
-
-    def check_log(self, expected, mounts):
-        """The problems with the log and with the calls of mount and umount."""
-        problems = [] if self.mounts == mounts else [f"mounts are {self.mounts!r}, expected {mounts!r}"]
-        for number, (line, wanted) in enumerate(zip(self.log, expected), start=1):
-            if line != wanted:
-                return problems + [f"line {number} of the log is {line}, expected {wanted}"]
-        if len(self.log) != len(expected):
-            problems.append(f"the log has {len(self.log)} lines, expected {len(expected)}")
-        return problems
-
-
-def _parsed(text):
-    """The JSON value, or nothing where the text is none."""
-    try:
-        return json.loads(text)
-    except ValueError:
-        return None
+    def nodes(self):
+        """The nodes in /dev by device."""
+        return nodes(self._guest.run("nodes")[1]["nodes"].decode())
 
 
 def run_all(guest, release, report, records):
-    """Run every check on the guest, and record its states if there is a folder for that."""
+    """Run every check on the guest; record its states if there is a folder for that."""
     collector = Collector(guest, report)
+    found = Checks(collector, report)
     proof = kernel_list.Proof(guest, report, records)
     buses = topology.machine_buses(machine.MACHINE, release)
     collector.settle(buses, "machine")
-
-    collector.prepare("debugfs", "mount")
-    before = collector.take(ROOT, DEBUGFS)
-    check_debugfs(report, "debugfs, root", before, buses)
-    proof.check("machine")
-    check_fallback(report, "debugfs, ordinary user", collector.take(USER, SCRIPT), buses)
-    collector.prepare("debugfs", "umount")
-    check_fallback(report, "no debugfs, root", collector.take(ROOT, SCRIPT), buses)
-    collector.prepare("debugfs", "mount")
+    before = check_machine(collector, found, proof, buses)
 
     changed = topology.machine_buses(machine.CHANGED_MACHINE, release)
     change_machine(guest)
     collector.settle(changed, "devices come and go")
-    after = collector.take(ROOT, DEBUGFS)
-    check_debugfs(report, "devices come and go", after, changed)
-    check_changes(report, (before, after), (buses, changed))
+    check_changes(report, (before, found.sysfs("devices come and go", changed)), (buses, changed))
     proof.check("devices come and go")
 
     changed += gadgets.buses(release)
+    plug_gadgets(collector, changed)
+    check_gadgets(found, proof, changed)
+    forgery.Forgery(guest, collector, found, report, proof).check_all(changed, release)
+    states.come_and_go(collector, proof, changed, ROUNDS, "all the time")
+    states.check_all(guest, collector, found, proof, release, changed)
+
+
+def soak(guest, release, report, rounds):
+    """Have devices come and go for that many rounds, and check nothing else."""
+    collector = Collector(guest, report)
+    proof = kernel_list.Proof(guest, report)
+    buses = topology.machine_buses(machine.MACHINE, release) + gadgets.buses(release)
+    collector.prepare("debugfs", "mount")
+    plug_gadgets(collector, buses)
+    for done in range(0, rounds, ROUNDS):
+        states.come_and_go(collector, proof, buses, min(ROUNDS, rounds - done), f"from round {done + 1}")
+
+
+def plug_gadgets(collector, buses):
+    """Plug the gadgets in and wait for them."""
     collector.prepare("gadgets", str(len(gadgets.GADGETS)))
-    collector.settle(changed, "gadgets")
-    check_debugfs(report, "gadgets", collector.take(ROOT, DEBUGFS), changed)
-    check_fallback(report, "gadgets, ordinary user", collector.take(USER, SCRIPT), changed)
+    collector.settle(buses, "gadgets")
+
+
+def check_machine(collector, found, proof, buses):
+    """Check every way to the devices of the machine; return the inventory from sysfs."""
+    collector.prepare("debugfs", "mount")
+    taken = found.sysfs("machine", buses)
+    found.plugin("machine", buses)
+    proof.check("machine")
+    found.script("machine, ordinary user", buses)
+    collector.prepare("debugfs", "umount")
+    found.script_as_is("machine, no debugfs", buses, ROOT)
+    collector.prepare("usbutils", "away")
+    found.sysfs_of_others("machine, no debugfs, no usbutils", taken)
+    collector.prepare("usbutils", "back")
+    collector.prepare("debugfs", "mount")
+    return taken
+
+
+def check_gadgets(found, proof, buses):
+    """Check the ways to the gadgets, one of which usb-devices makes a forgery of."""
+    found.sysfs("gadgets", buses)
+    found.plugin("gadgets", buses)
+    found.script("gadgets, ordinary user", buses, is_forged=True)
     proof.check("gadgets")
-    states.check_all(guest, collector, proof, release, changed)
 
 
-def check_debugfs(report, name, taken, buses):
-    """With the list of debugfs, everything is shown as it is plugged in, and nothing is mounted."""
-    report.add(f"{name}: the inventory is what is plugged in",
-               taken.check_inventory(device_list.kernel_list(buses)))
-    report.add(f"{name}: the log names the list of debugfs",
-               taken.check_log(expectation.log(taken.list), ""))
+class Checks:
+    """Takes inventories in the state that the machine is in, and checks them."""
+
+    def __init__(self, collector, report):
+        self._collector = collector
+        self._report = report
+
+    def sysfs(self, name, buses):
+        """As root: everything is shown as it is plugged in, without another program, and nothing is mounted."""
+        taken = self._collector.take("sysfs", ROOT, "debugfs")
+        described, text = map(device_list.from_sysfs, (device_list.kernel_list(buses), taken.list))
+        facts = expectation.facts_of_sysfs(text, described, buses, self._collector.nodes())
+        self._report.add(f"{name}: what sysfs gives is what is plugged in",
+                         taken.check_outcome() +
+                         taken.check_inventory(described, facts, expectation.origin("sysfs")))
+        self._report.add(f"{name}: the tree shows every device below its hub",
+                         taken.check_tree(buses, device_list.shown))
+        self._report.add(f"{name}: the log is that of the list made of sysfs",
+                         taken.check_log(expectation.log(device_list.read_by_plugin(text))))
+        return taken
+
+    def sysfs_of_others(self, name, taken):
+        """As an ordinary user, without debugfs and without usbutils: the same inventory as root's."""
+        other = self._collector.take("others", USER, "last")
+        problems = other.check_outcome() + comparison.differences(_undated(taken), _undated(other))
+        problems += comparison.differing_facts(taken.inventory["kernel"], other.inventory.get("kernel"))
+        if other.tree != taken.tree:
+            problems.append("the trees differ")
+        self._report.add(f"{name}: others get what root gets", problems)
+
+    def plugin(self, name, buses):
+        """Through the plug-in, as root: everything is shown as it is plugged in, and nothing is mounted."""
+        taken = self._collector.take("plugin", ROOT, "debugfs", "--source", "plugin")
+        described = device_list.kernel_list(buses)
+        self._report.add(f"{name}: what debugfs gives is what is plugged in",
+                         taken.check_outcome() +
+                         taken.check_inventory(described, expectation.kernel_facts(taken.list, described),
+                                               expectation.origin("plugin")))
+        self._report.add(f"{name}: the tree of that shows every device below its hub",
+                         taken.check_tree(buses, device_list.first_line))
+        self._report.add(f"{name}: the log names the list of debugfs",
+                         taken.check_log(expectation.log(device_list.read_by_plugin(taken.list))))
+        return taken
+
+    def script(self, name, buses, is_forged=False):
+        """Without a list to read, mounting usbfs is tried once and fails; the output of usb-devices is mended."""
+        taken = self._collector.take("script", USER, "script", "--source", "plugin")
+        text, parents, interfaces = device_list.mended(taken.list, buses)
+        described = device_list.mended_script_list(buses)
+        repairs = (("parent", parents), ("stale-interface", interfaces))
+        findings = device_list.findings(taken.list) if is_forged else ()
+        messages = [rf"\b{count}\b.*--as-is" for _, count in repairs if count]
+        messages += [rf"\b{item['code']}\b" for item in findings]
+        self._report.add(f"{name}: what usb-devices gives, mended, is what is plugged in",
+                         taken.check_outcome(messages) +
+                         taken.check_inventory(described, expectation.kernel_facts(text, described),
+                                               expectation.origin("plugin", findings, repairs)))
+        self._report.add(f"{name}: the tree of that shows every device below its hub",
+                         taken.check_tree(buses, device_list.first_echoed_line))
+        self._report.add(f"{name}: usbfs cannot be mounted, the log says so, and usb-devices steps in",
+                         taken.check_log(expectation.fallback_log(device_list.read_by_plugin(text)), MOUNT_ATTEMPT))
+
+    def script_as_is(self, name, buses, user):
+        """The same as any host has it: with the parents that usb-devices prints."""
+        taken = self._collector.take("as-is", user, "last", "--source", "plugin", "--as-is")
+        self._report.add(f"{name}: the inventory is what usb-devices makes of what is plugged in",
+                         taken.check_outcome() +
+                         taken.check_inventory(device_list.script_list(buses), expectation.kernel_facts(taken.list),
+                                               expectation.origin("plugin")))
+        self._report.add(f"{name}: the log has the output of usb-devices as it is",
+                         taken.check_log(expectation.fallback_log(taken.list), MOUNT_ATTEMPT))
 
 
-def check_fallback(report, name, taken, buses):
-    """Without a list to read, mounting usbfs is tried once and fails; the list comes from usb-devices."""
-    report.add(f"{name}: the inventory is what usb-devices makes of what is plugged in",
-               taken.check_inventory(device_list.script_list(buses)))
-    report.add(f"{name}: usbfs cannot be mounted, the log says so, and usb-devices steps in",
-               taken.check_log(expectation.fallback_log(taken.list), MOUNT_ATTEMPT))
+def _undated(taken):
+    """The inventory without its time."""
+    return {**taken.inventory, "origin": {**taken.inventory.get("origin", {}), "collected": None}}
 
 
 def change_machine(guest):

@@ -36,6 +36,21 @@ def differences(expected, actual):
     return lines or ["the same instances, in another order or number, or another head of the document"]
 
 
+def differing_facts(expected, actual):
+    """Lines that show how what the kernel says of devices and ports differs from what was expected."""
+    if expected == actual:
+        return []
+    lines = []
+    for kind, name in (("devices", "device"), ("ports", "port")):
+        wanted, found = ({item[name]: item for item in facts.get(kind, ())} for facts in (expected, actual or {}))
+        lines += [f"missing in the kernel's {kind}: {item}" for item in wanted.keys() - found.keys()]
+        lines += [f"not expected in the kernel's {kind}: {item}" for item in found.keys() - wanted.keys()]
+        lines += [f"{item}: {key} is {found[item].get(key)}, expected {wanted[item][key]}"
+                  for item in wanted.keys() & found.keys() for key in wanted[item]
+                  if found[item].get(key) != wanted[item][key]]
+    return lines or ["the kernel's devices or ports are in another order, or have other members"]
+
+
 def called(key):
     """A key in one line; of the object paths in it, only what they differ in."""
     return ", ".join(re.sub(r'^\w+\..*DeviceID="([^"]*)".*', r"\1", part) for part in key)

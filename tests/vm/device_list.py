@@ -2,7 +2,99 @@
 
 What is left out has no influence on the inventory: bandwidth, endpoints' details, names of classes and
 drivers. From the list, tests/data/derive_expected.py derives the inventory by the parser's documented rules.
+
+Here is also what the command makes of the text of a list before the plug-in reads it.
 """
+
+import re
+
+import gadgets
+
+REPLACEMENT = "\ufffd"
+CONTROL = re.compile(r"[\x00-\x1f\x7f-\x9f\u2028\u2029]")
+
+
+def shown(text):
+    """A string as it is shown where no string can begin a line."""
+    return CONTROL.sub(REPLACEMENT, text)
+
+
+def first_line(text):
+    """What the kernel's list has of a string on the line where it begins."""
+    return text.partition("\n")[0]
+
+
+def first_echoed_line(text):
+    """The same in the output of usb-devices."""
+    return first_line(text.replace("\\n", "\n"))
+
+
+def from_sysfs(text):
+    """The list that the command makes of sysfs when the kernel's is this text.
+
+    It lacks the B lines, since sysfs does not show bandwidth, and the line breaks in strings.
+    """
+    for gadget in gadgets.ALL:
+        for string in gadget.strings.values():
+            text = text.replace(f"={string}\n".encode(), f"={shown(string)}\n".encode())
+    return re.sub(rb"^B:.*\n", b"", text, flags=re.MULTILINE)
+
+
+def mended(text, buses):
+    """The text with every device's true parent and without the interfaces of unconfigured devices.
+
+    Returned with how many records had another parent, and how many had such interfaces.
+    """
+    parents = {(bus.number, device.number): bus.parent(device).number if device.ports else 0
+               for bus in buses for device in bus.devices}
+    count = 0
+
+    def mend(line):
+        nonlocal count
+        true = parents[int(line[2]), int(line[5])]
+        count += int(line[3]) != true
+        return b"%s%02d%s" % (line[1], true, line[4])
+    text = re.sub(rb"^(T:  Bus=(\d+) Lev=\d+ Prnt=)(\d+)( .*Dev#= *(\d+) )", mend, text, flags=re.MULTILINE)
+    text, stale = re.subn(rb"^(C:  #Ifs= 0 .*\n)(?:I:.*\n)+", rb"\1", text, flags=re.MULTILINE)
+    return text, count, stale
+
+
+def read_by_plugin(text):
+    """The text without what is behind a record's first E line, which the plug-in would take for the next device's."""
+    lines, is_behind = [], False
+    for line in text.splitlines(keepends=True):
+        is_behind = is_behind and line[:2] != b"T:" and line.strip() != b""
+        if not is_behind:
+            lines.append(line)
+        is_behind = is_behind or line[:2] == b"E:"
+    return b"".join(lines)
+
+
+def findings(text):
+    """What the kernel does not write but a forged string, as an inventory's origin has it; in the order of lines."""
+    found, block = [], []
+    for number, line in enumerate([*text.decode(errors="replace").split("\n"), ""], start=1):
+        if line.strip():
+            block.append((number, line))
+            continue
+        start = next((place for place, (_, item) in enumerate(block) if item.startswith("T:")), len(block))
+        found += _findings_in(block[start:])
+        block = []
+    return found
+
+
+def _findings_in(block):
+    """What is found in the lines of one record, as (number, line)."""
+    def lines(pattern, behind=0):
+        return [number for number, line in block if number > behind and re.match(pattern, line)]
+    first = (lines("S:") or [block[-1][0]])[0] if block else 0
+    names = sorted({line.partition("=")[0] for _, line in block if line.startswith("S:")})
+    cases = [("two-t-lines", 2, lines("T:")), ("two-d-lines", 2, lines("D:")), ("two-p-lines", 2, lines("P:")),
+             ("line-behind-string", 1, lines("[TDP]:", first))]
+    cases += [("two-strings", 2, lines(f"{name}=")) for name in names]
+    device = re.search(r"Bus=(\S+) .*Dev#=( *\d+)", block[0][1]) if block else None
+    return [{"code": code, "lines": numbers, "device": f"Bus {device[1]}  Device {device[2].strip():>3}"}
+            for code, fewest, numbers in cases if len(numbers) >= fewest]
 
 
 def kernel_list(buses):
@@ -17,6 +109,11 @@ def _walk_kernel(bus, device, parent, blocks):
     blocks.append(_block(bus, device, parent.number if parent else 0))
     for child in bus.children(device):
         _walk_kernel(bus, child, device, blocks)
+
+
+def mended_script_list(buses):
+    """The same as script_list with the true parents."""
+    return mended(script_list(buses), buses)[0]
 
 
 def script_list(buses):

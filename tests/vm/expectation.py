@@ -15,9 +15,59 @@ import derive_expected as derive  # noqa: E402  (its folder is known from here o
 SYSTEM = b"vm"
 
 
+# What a device is called and where it is, which the buses say; the kernel's own list says the rest.
+NAMED = ("device", "name", "number", "speed", "manufacturer", "product", "serial")
+
+STRINGS = {"manufacturer": "Manufacturer", "product": "Product", "serial": "SerialNumber"}
+
+
 def inventory(text):
     """The JSON document that follows from a device list."""
     return derive.Run(text, SYSTEM, derive.CLASSES).inventory()
+
+
+def kernel_facts(text, described=None):
+    """What the kernel's list says besides the classes; names and places follow from the list that describes the buses.
+
+    Without a description they follow from the text, too.
+    """
+    facts = inventory(text)["kernel"]
+    if described is not None:
+        named = inventory(described)["kernel"]
+        for device, other in zip(facts["devices"], named["devices"], strict=True):
+            device.update({name: other[name] for name in NAMED})
+        facts["ports"] = named["ports"]
+    return facts
+
+
+def facts_of_sysfs(text, described, buses, nodes):
+    """The same with what sysfs says besides: strings as they are, the halves of a socket, and nodes in /dev by device."""
+    facts = kernel_facts(text, described)
+    peers = _peers(buses)
+    strings = {bus.sysfs_name(device): device.strings for bus in buses for device in bus.devices}
+    for device in facts["devices"]:
+        device["nodes"] = nodes[device["name"]]
+        device |= {member: strings[device["name"]].get(name) for member, name in STRINGS.items()}
+    for port in facts["ports"]:
+        port |= {"peer": peers.get(port["name"]), "connect": "unknown"}
+    return facts
+
+
+def _peers(buses):
+    """The names of ports that are halves of one socket: those of the root hubs of one controller, by number."""
+    found = {}
+    for bus in buses:
+        for other in buses:
+            if bus.controller == other.controller and bus.index != other.index:
+                for number in range(1, min(bus.root.port_count, other.root.port_count) + 1):
+                    found[f"{bus.number}-{number}"] = f"{other.number}-{number}"
+    return found
+
+
+def origin(source, findings=(), repairs=()):
+    """Where an inventory of this machine is from; when it was taken is left to the caller."""
+    return {**derive.ORIGIN, "source": source, "findings": list(findings),
+            "repairs": [{"code": code, "count": count} for code, count in repairs if count]}
 
 
 def log(text):
@@ -69,10 +119,6 @@ def _port(bus, hub, number):
     return f"{_identity(bus, hub)} Port {number - 1:02}"
 
 
-def _parent(bus, device):
-    return next(item for item in bus.devices if item.ports == device.ports[:-1])
-
-
 def _path(class_name, name):
     keys = {**derive.keys(class_name, SYSTEM), "DeviceID": name.encode()}
     return derive.object_path(class_name, keys).decode()
@@ -83,7 +129,7 @@ def _instances(items):
     found = set()
     for bus, device in items:
         class_name, name = derive.HUB if device.is_hub else derive.DEVICE, _identity(bus, device)
-        hung_on = _port(bus, _parent(bus, device), device.ports[-1])
+        hung_on = _port(bus, bus.parent(device), device.ports[-1])
         found |= {(class_name, name),
                   (derive.CONNECTION, _path(derive.PORT, hung_on), _path(class_name, name))}
         for number in range(1, device.port_count + 1):
@@ -95,6 +141,6 @@ def _instances(items):
 
 def _ports(items, others, status, other_status):
     """What changes at the ports of these devices, as far as the hub is there in the other state too."""
-    return {(derive.PORT, _port(bus, _parent(bus, device), device.ports[-1]), "StatusDescriptions",
+    return {(derive.PORT, _port(bus, bus.parent(device), device.ports[-1]), "StatusDescriptions",
              json.dumps([status]), json.dumps([other_status]))
             for bus, device in items if (bus.controller, bus.index, device.ports[:-1]) in others}

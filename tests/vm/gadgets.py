@@ -46,6 +46,30 @@ GADGETS = (
     Gadget(topology.strings("Makers", "C:\\new\\nS:  SerialNumber=forged too", "C-11")),
 )
 
+# The gadget with the line break that only usb-devices writes.
+FORGED_BY_SCRIPT = f"dummy_hcd.{len(GADGETS) - 1}"
+
+# What an administrator has approved.
+APPROVED = Gadget(topology.strings("Approved", "Approved Mouse", "AM-1"), ids=(0x046d, 0xc077))
+
+# Devices that forge lines of the list, so that their records look like the approved one's. No string has more than 61
+# characters.
+_PLACE = "T:Bus=01 Lev=01 Prnt=01 Port=05 Dev#=99 Spd=12 MxCh=0"
+_CLASS = "D:  Ver=2.00 Cls=00 Sub=00 Prot=00 #Cfgs=1"
+_IDENTIFIERS = "P:  Vendor=046d ProdID=c077 Rev=72.00"
+FORGERS = (
+    # Strings that replace its own.
+    Gadget(topology.strings("Evil", "Stick", "X\nS:  Product=Approved Mouse\nS:  Manufacturer=Approved")),
+    # Lines that replace its place, its class and its identifiers.
+    Gadget(topology.strings(f"Maker\n{_PLACE}", f"Approved Mouse\n{_CLASS}", f"AM-1\n{_IDENTIFIERS}")),
+    # A record of its own.
+    Gadget(topology.strings(f"Evil\n\n{_PLACE}", f"Approved Mouse\n{_IDENTIFIERS}", "AM-1\n\nX")),
+    # What the plug-in takes for the message of a shell.
+    Gadget(topology.strings("Evil", "command-not-found", "X-4")),
+    # A name of another field.
+    Gadget(topology.strings("Evil Product=Approved Mouse")),
+)
+
 # The controller of the one with two configurations.
 TWO_WAYS = "dummy_hcd.1"
 
@@ -54,18 +78,20 @@ SUPER_GADGETS = (
     Gadget(topology.strings("Makers", "Super", "C-1"), (("SourceSink.0", "acm.0"), ("acm.1",))),
     Gadget(topology.strings("Makers", "High", "C-2"), (("SourceSink.0", "acm.0"),), max_speed="high-speed"),
 )
+ALL = (*GADGETS, *SUPER_GADGETS, APPROVED, *FORGERS)
 # The controller that these leave free.
 FREE_CONTROLLER = f"dummy_hcd.{len(SUPER_GADGETS)}"
 
 
-def buses(release):
-    """The buses of the dummy controllers, a gadget on each."""
+def buses(release, plugged=GADGETS):
+    """The buses of the dummy controllers, a gadget on each; where there is None, the controller has none."""
     found = []
-    for number, gadget in enumerate(GADGETS):
+    for number, gadget in enumerate(plugged):
         bus, = topology.controller_buses(f"dummy_hcd.{number}", models.DUMMY_CONTROLLER, {}, release)
-        codes = models.Codes(" 2.00", *gadget.ids, gadget.device_class, len(gadget.configs))
-        bus.devices.append(topology.Device((1,), codes, models.HIGH, gadget.strings))
         found.append(bus)
+        if gadget:
+            codes = models.Codes(" 2.00", *gadget.ids, gadget.device_class, len(gadget.configs))
+            bus.devices.append(topology.Device((1,), codes, models.HIGH, gadget.strings))
     return found
 
 
@@ -77,8 +103,8 @@ def super_buses(release):
         found += controller
         if gadget is None:
             break
-        codes = models.Codes(" 3.20", *gadget.ids, gadget.device_class, len(gadget.configs))
-        speed = models.HIGH if gadget.max_speed else models.SUPER
+        speed, version = (models.HIGH, " 2.10") if gadget.max_speed else (models.SUPER, " 3.20")
+        codes = models.Codes(version, *gadget.ids, gadget.device_class, len(gadget.configs))
         bus = next(bus for bus in controller if bus.root.speed == speed)
         bus.devices.append(topology.Device((1,), codes, speed, gadget.strings))
     return found
@@ -90,6 +116,9 @@ def write_folders(target):
         _write_folder(pathlib.Path(target, str(number)), gadget)
     for number, gadget in enumerate(SUPER_GADGETS):
         _write_folder(pathlib.Path(target, f"super-{number}"), gadget)
+    _write_folder(pathlib.Path(target, "approved-0"), APPROVED)
+    for number, gadget in enumerate(FORGERS):
+        _write_folder(pathlib.Path(target, f"forger-{number}"), gadget)
 
 
 def _write_folder(folder, gadget):

@@ -17,9 +17,12 @@ MODULE_LISTS = {
     "usb": ("xhci-pci", "ehci-pci", "ohci-pci", "uhci-hcd", "usbhid", "usb-storage"),
     "gadget": ("configfs", "libcomposite", "usb_f_acm", "usb_f_ecm", "dummy_hcd"),
     "super_gadget": ("usb_f_ss_lb", "gadgetfs"),
+    "virtual": ("vhci-hcd",),
     "drivers": ("cdc-acm", "cdc_ether", "evdev", "hid-generic", "sd_mod", "uas"),
 }
 FOLDERS = ("bin", "dev", "etc", "guest/modules", "opt/usbinfo", "proc", "root", "sys", "tmp", "usr/bin")
+# Without it no character beyond ASCII can be shown.
+LOCALE = pathlib.Path("/usr/lib/locale/C.utf8")
 USERS = "root:x:0:0::/root:/bin/sh\nuser:x:1000:1000::/tmp:/bin/sh\n"
 
 
@@ -33,6 +36,7 @@ def pack(build, kernel, archive, work):
     _add_programs(root, pathlib.Path(build))
     _add_modules(root, pathlib.Path(kernel))
     shutil.copy("/usr/bin/usb-devices", root / "usr/bin")
+    shutil.copytree(LOCALE, root / LOCALE.relative_to("/"))
     _add_guest(root)
     gadgets.write_folders(root / "guest/gadgets")
     descriptors.write_files(root / "guest/descriptors")
@@ -56,7 +60,7 @@ def _add_programs(root, build):
     Debian's own shell is included: busybox's would run its own mount without looking for one in the path.
     """
     products = [build / name for name in ("usbinfo", "usbinfo-plugin.so")]
-    tools = [build / "tests" / name for name in ("print-device-list", "record-sysfs")]
+    tools = [build / "tests" / name for name in ("record-sysfs", "virtual-devices")]
     programs = [*products, *tools, pathlib.Path("/bin/dash")]
     libraries = set(re.findall(r"(?:=> |^\t)(/\S+) \(", _output("ldd", *map(str, programs)), re.MULTILINE))
     for file in [*programs, *map(pathlib.Path, libraries)]:

@@ -112,3 +112,8 @@ CONTROLLERS = {
 DUMMY_CONTROLLER = ControllerModel((_root_hub("Dummy host controller", "dummy_hcd", HIGH),), (1,))
 SUPER_DUMMY_CONTROLLER = ControllerModel((_root_hub("Dummy host controller", "dummy_hcd", HIGH),
                                           _root_hub("Dummy host controller", "dummy_hcd", SUPER)), (1, 1))
+
+# The kernel's controller for devices elsewhere, which programs can be as well.
+_VIRTUAL = "USB/IP Virtual Host Controller"
+VIRTUAL_CONTROLLER = ControllerModel((_root_hub(_VIRTUAL, "vhci_hcd", HIGH), _root_hub(_VIRTUAL, "vhci_hcd", SUPER)),
+                                     (15, 15))

@@ -5,14 +5,10 @@ QEMU, without hardware support, boots Debian's kernel on the machine of machine.
 with debugfs and without, as root and as an ordinary user, while devices come and go, and with gadgets of its
 own.
 
-Usage:
-    run_vm.py BUILD KERNEL WORK [RECORDS]
-        The folders of the products, of the unpacked kernel, and for the logs. With a fourth one, what sysfs and the
-        kernel's list hold in each state is recorded there; see tests/data/README.md.
-
 Prints a line per check, and what differs; exits 1 if any failed.
 """
 
+import argparse
 import pathlib
 import sys
 import tempfile
@@ -25,32 +21,48 @@ import qemu
 from guest_machine import Guest, GuestError, Logs
 
 
-def main(build, kernel, work, records=None):
-    """Boot the guest, run all checks in it, and return the exit status."""
+def main():
+    """Boot the guest, run what is asked for in it, and return the exit status."""
     began = time.monotonic()
-    logs = Logs(work)
-    failed = _run(build, pathlib.Path(kernel), logs, records)
+    options = _options()
+    logs = Logs(options.work)
+    failed = _run(options, logs)
     if failed:
         print(*logs.ends(), sep="\n")
     print(f"{'FAILED' if failed else 'passed'} after {time.monotonic() - began:.0f} s")
     return 1 if failed else 0
 
 
-def _run(build, kernel, logs, records):
-    image, = (kernel / "boot").glob("vmlinuz-*")
-    release, = (path.name for path in (kernel / "lib/modules").iterdir())
+def _options():
+    parser = argparse.ArgumentParser(description="Run the command on a real kernel.")
+    parser.add_argument("build", help="the folder of the products")
+    parser.add_argument("kernel", type=pathlib.Path, help="the folder of the unpacked kernel")
+    parser.add_argument("work", help="the folder for the logs")
+    parser.add_argument("records", nargs="?", help="a folder to record what sysfs and the kernel's list hold in each "
+                                                   "state; see tests/data/README.md")
+    parser.add_argument("--soak", type=int, metavar="ROUNDS",
+                        help="only have devices come and go, and make so many lists meanwhile")
+    return parser.parse_args()
+
+
+def _run(options, logs):
+    image, = (options.kernel / "boot").glob("vmlinuz-*")
+    release, = (path.name for path in (options.kernel / "lib/modules").iterdir())
     usb_arguments = qemu.usb_arguments(machine.MACHINE, machine.ADDED)
     report = checks.Report()
     with tempfile.TemporaryDirectory() as folder:
         archive = pathlib.Path(folder, "initramfs")
-        initramfs.pack(build, kernel, archive, folder)
+        initramfs.pack(options.build, options.kernel, archive, folder)
         try:
-            with Guest(folder, image, archive, logs, usb_arguments) as guest:
-                checks.run_all(guest, release, report, records)
+            with Guest(folder, image, archive, logs, usb_arguments, options.soak or 0) as guest:
+                if options.soak:
+                    checks.soak(guest, release, report, options.soak)
+                else:
+                    checks.run_all(guest, release, report, options.records)
         except GuestError as error:
             report.add("the guest answers every step", [str(error)])
     return report.failed
 
 
 if __name__ == "__main__":
-    sys.exit(main(*sys.argv[1:]))
+    sys.exit(main())

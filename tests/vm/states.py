@@ -5,9 +5,9 @@ import gadgets
 import machine
 import qemu
 import topology
+import virtual
 
-# What comes and goes while so many lists are made: a hub with a device, and the first gadgets.
-LISTS = 50
+# What comes and goes while lists are made: a hub with a device, and the first gadgets.
 HUB = ("0000:00:03.0", (2, 3))
 GADGETS_THAT_GO = 3
 
@@ -21,17 +21,18 @@ SWITCHED = (
 )
 
 
-def check_all(guest, collector, proof, release, buses):
+def check_all(guest, collector, found, proof, release, buses):
     """Check the list in one state after the other, beginning with the changed machine and its gadgets' buses."""
     def settle(plugged, others, name):
         buses = topology.machine_buses(plugged, release) + others
         collector.settle(buses, name)
         proof.check(name)
 
-    proof.check_coming_and_going("all the time", LISTS, _name(buses, *HUB), GADGETS_THAT_GO)
-    settle(machine.CHANGED_MACHINE, gadgets.buses(release), "all are back")
     _switch(collector, buses, OFF)
     proof.check("neither authorized nor configured")
+    found.sysfs("neither authorized nor configured", topology.without_authorization(buses, *HUB))
+    found.script("neither authorized nor configured, ordinary user",
+                 topology.without_authorization(buses, *HUB, shows_interfaces=False), is_forged=True)
     _switch(collector, buses, ON)
     settle(machine.CHANGED_MACHINE, gadgets.buses(release), "authorized again, another configuration")
     collector.prepare("drivers")
@@ -41,9 +42,23 @@ def check_all(guest, collector, proof, release, buses):
     settle(machine.NESTED_MACHINE, gadgets.buses(release), "hubs as deep as can be")
     collector.prepare("super_gadgets", str(len(gadgets.GADGETS)), str(len(gadgets.SUPER_GADGETS)))
     settle(machine.NESTED_MACHINE, gadgets.super_buses(release), "gadgets at SuperSpeed")
+    collector.prepare("virtual_devices", *virtual.DEVICES)
+    docked = topology.machine_buses(machine.NESTED_MACHINE, release) + gadgets.super_buses(release)
+    docked += virtual.buses(release)
+    collector.settle(docked, "a hub of a dock")
+    proof.check("a hub of a dock", virtual.CONTROLLER)
+    found.sysfs("a hub of a dock", docked)
+    found.plugin("a hub of a dock", docked)
     for name in descriptors.GADGETS:
         collector.prepare("odd_gadget", name, str(len(gadgets.SUPER_GADGETS)))
         proof.check(f"odd descriptors, {name}", gadgets.FREE_CONTROLLER)
+
+
+def come_and_go(collector, proof, buses, lists, name):
+    """Have devices come and go while so many lists are made, and wait until all are back."""
+    proof.check_coming_and_going(name, lists, _name(buses, *HUB), GADGETS_THAT_GO)
+    collector.settle(buses, f"{name}, all are back")
+    proof.check(f"{name}, all are back")
 
 
 def _switch(collector, buses, state):

@@ -6,7 +6,7 @@ sysfs.
 """
 
 import re
-from dataclasses import dataclass, field
+from dataclasses import dataclass, field, replace
 
 import models
 
@@ -23,6 +23,11 @@ class Device:
     strings: dict
     port_count: int = 0
     number: int = MISSING
+
+    @property
+    def identifiers(self):
+        """Vendor and product as tools for USB spell them."""
+        return f"{self.codes.vendor:04x}:{self.codes.product:04x}"
 
     @property
     def is_hub(self):
@@ -48,6 +53,10 @@ class Bus:
         depth = len(device.ports)
         return sorted((item for item in self.devices if item.ports and item.ports[:-1] == device.ports
                        and len(item.ports) == depth + 1), key=lambda item: item.ports)
+
+    def parent(self, device):
+        """The hub that a device is plugged into."""
+        return next(item for item in self.devices if item.ports == device.ports[:-1])
 
     @property
     def root(self):
@@ -148,3 +157,22 @@ def number_devices(buses, facts):
     for bus in buses:
         for device in bus.devices:
             device.number = numbers.get(bus.sysfs_name(device), MISSING)
+
+
+def without_authorization(buses, controller, ports, shows_interfaces=True):
+    """The buses when the hub in these ports may not be used: it has no ports then, and nothing is behind it.
+
+    Where its interfaces are not shown, it is no hub.
+    """
+    def change(hub):
+        codes = hub.codes if shows_interfaces else replace(hub.codes, interface_class=0)
+        return replace(hub, codes=codes, port_count=0)
+
+    found = []
+    for bus in buses:
+        devices = bus.devices
+        if (bus.controller, bus.index) == (controller, 0):
+            devices = [change(item) if item.ports == ports else item for item in devices
+                       if item.ports == ports or item.ports[:len(ports)] != ports]
+        found.append(replace(bus, devices=devices))
+    return found

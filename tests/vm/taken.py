@@ -1,0 +1,111 @@
+"""An inventory that the command took in the guest, and what is wrong with it."""
+
+import json
+import re
+
+import comparison
+import expectation
+
+# The names of files in sysfs that are devices, not interfaces or other things below them.
+DEVICE_NAME = re.compile(r"usb\d+|\d+-\d+(\.\d+)*")
+IDENTIFIERS = re.compile(r"\b[0-9a-f]{4}:[0-9a-f]{4}\b")
+ROOT_HUBS = ("1d6b:0001", "1d6b:0002", "1d6b:0003")
+
+
+class Taken:
+    """What a run of the command left, and the device list as it was at that time."""
+
+    def __init__(self, files):
+        self.status = files["status"].decode().strip()
+        # Those of usb-devices, about files that unconfigured devices lack, are left out.
+        self.messages = [line for line in files["messages"].decode().splitlines() if not line.startswith("cat: ")]
+        self.inventory = parsed(files.get("inventory.json", b"")) or {"classes": {}}
+        self.tree = files.get("tree", b"").decode()
+        self.log = [parsed(line) for line in files.get("log.jsonl", b"").splitlines()]
+        self.mounts = files.get("mounts", b"").decode()
+        self.list = files["list"]
+
+    def check_outcome(self, messages=()):
+        """The problems with the exit status, and with the messages, each of which has to match its pattern."""
+        problems = [] if self.status == "0" else [f"exit status {self.status}"]
+        fits = len(self.messages) == len(messages) and all(map(re.search, messages, self.messages))
+        return problems if fits else problems + [f"messages are {self.messages}, expected {list(messages)}"]
+
+    def check_inventory(self, described, facts, origin):
+        """The problems with the document: its classes follow from the list that describes the buses."""
+        head = {name: expectation.inventory(described)[name] for name in ("schema", "system", "classes")}
+        problems = comparison.differences(head, {name: self.inventory.get(name) for name in head})
+        problems += comparison.differing_facts(facts, self.inventory.get("kernel"))
+        return problems + self._check_origin(origin)
+
+    def _check_origin(self, expected):
+        found = self.inventory.get("origin", {})
+        if not re.fullmatch(r"\d{4}-\d\d-\d\dT\d\d:\d\d:\d\dZ", found.get("collected") or ""):
+            return [f"collected is {found.get('collected')}"]
+        found = {**found, "collected": None}
+        return [] if found == expected else [f"the origin is {found}, expected {expected}"]
+
+    def check_log(self, expected, mounts=""):
+        """The problems with the log and with the calls of mount and umount."""
+        problems = [] if self.mounts == mounts else [f"mounts are {self.mounts!r}, expected {mounts!r}"]
+        for number, (line, wanted) in enumerate(zip(self.log, expected), start=1):
+            if line != wanted:
+                return problems + [f"line {number} of the log is {line}, expected {wanted}"]
+        if len(self.log) != len(expected):
+            problems.append(f"the log has {len(self.log)} lines, expected {len(expected)}")
+        return problems
+
+    def check_tree(self, buses, name_of):
+        """The problems with the tree: every device stands below its hub, with what the function makes of its product."""
+        rows = _rows(self.tree)
+        missing = []
+        for identifiers, product in sorted(_expected_rows(buses, name_of), key=lambda row: -len(row[1])):
+            row = next((row for row in rows if row[0] == identifiers and product in row[1]), None)
+            if row:
+                rows.remove(row)
+            else:
+                missing.append(f"not in the tree: {' > '.join(identifiers)} {product}")
+        return missing + [f"should not be in the tree: {text}" for _, text in rows]
+
+
+def parsed(text):
+    """The JSON value, or nothing where the text is none."""
+    try:
+        return json.loads(text)
+    except ValueError:
+        return None
+
+
+def nodes(text):
+    """The nodes of every device from lines "FOLDER NODE": its own one first, then those of its drivers."""
+    found = {}
+    for line in sorted(text.splitlines(), key=lambda line: line.split(" ")[1]):
+        folder, node = line.split(" ")
+        parts = folder.split("/")
+        place = max(index for index, part in enumerate(parts) if DEVICE_NAME.fullmatch(part))
+        found.setdefault(parts[place], []).insert(0 if place == len(parts) - 1 else 99, node)
+    return found
+
+
+def _rows(tree):
+    """Rows of hubs and devices: the identifiers from the root hub down to the row's, without the root hub's; the row."""
+    rows, above = [], []
+    for line in tree.splitlines()[2:]:
+        found = IDENTIFIERS.findall(line)
+        if not found:
+            continue
+        depth = re.match(r"[ |`│├└─-]*", line).end()
+        above = [item for item in above if item[0] < depth] + [(depth, found[-1])]
+        if found[-1] not in ROOT_HUBS:
+            rows.append((tuple(item for _, item in above if item not in ROOT_HUBS), line))
+    return rows
+
+
+def _expected_rows(buses, name_of):
+    for bus in buses:
+        for device in bus.devices:
+            if device.ports:
+                way = [item for item in bus.devices if item.ports and item.ports == device.ports[:len(item.ports)]]
+                way.sort(key=lambda item: len(item.ports))
+                name = name_of(device.strings.get("Product", "")).replace("\\", r"\\")
+                yield tuple(item.identifiers for item in way), name
