@@ -196,6 +196,14 @@ class Checks:
                          taken.check_log(expectation.log(device_list.read_by_plugin(taken.list))))
         return taken
 
+    def plugin_as_is(self, name):
+        """The same as any host has it: with the lines that the plug-in takes for those of the next device."""
+        taken = self._collector.take("plugin", ROOT, "debugfs", "--source", "plugin", "--as-is")
+        self._report.add(f"{name}: the inventory is what the plug-in makes of the list of debugfs",
+                         taken.check_outcome() +
+                         taken.check_inventory(taken.list, expectation.kernel_facts(taken.list),
+                                               expectation.origin("plugin")))
+
     def script(self, name, buses, is_forged=False):
         """Without a list to read, mounting usbfs is tried once and fails; the output of usb-devices is mended."""
         taken = self._collector.take("script", USER, "script", "--source", "plugin")

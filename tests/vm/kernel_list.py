@@ -46,7 +46,7 @@ class Proof:
         _, files = self._guest.run("record", controller)
         path.with_suffix(".tree").write_bytes(files["record"])
         buses = {int(number) for number in re.findall(rb"^  usb(\d+) ->", files["record"], re.MULTILINE)}
-        blocks = [block for block in re.split(rb"(?=\nT:)", files["list"])[1:]
+        blocks = [block for block in re.split(rb"(?=\nT:  Bus=)", files["list"])[1:]
                   if int(re.match(rb"\nT:  Bus=(\d+)", block)[1]) in buses]
         path.with_suffix(".txt").write_bytes(b"".join(blocks))
 

@@ -49,6 +49,7 @@ def check_all(guest, collector, found, proof, release, buses):
     proof.check("a hub of a dock", virtual.CONTROLLER)
     found.sysfs("a hub of a dock", docked)
     found.plugin("a hub of a dock", docked)
+    found.plugin_as_is("a hub of a dock, as it is")
     for name in descriptors.GADGETS:
         collector.prepare("odd_gadget", name, str(len(gadgets.SUPER_GADGETS)))
         proof.check(f"odd descriptors, {name}", gadgets.FREE_CONTROLLER)
