@@ -152,7 +152,9 @@ class WaitingCommandTest : public testing::Test {
                        fFolder.File("threads") + "'\n" + wait + "\n/bin/cat '" +
                        CapturePath("vm-desktop-usb-devices") + "'");
     fFolder.ShareWithAll();
-    return Command({"--system-name", "testhost"}).AsOrdinaryUser().Set("PATH", fFolder.Path());
+    return Command({"--source", "plugin", "--as-is", "--system-name", "testhost"})
+        .AsOrdinaryUser()
+        .Set("PATH", fFolder.Path());
   }
   std::string Threads() const { return ReadFile(fFolder.File("threads")); }
   const TemporaryFolder& Folder() const { return fFolder; }
@@ -175,9 +177,9 @@ TEST_F(WaitingCommandTest, SaysOnATerminalWhatItWaitsFor) {
                                    .Run();
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.errors, kNotice);
-  EXPECT_EQ(
-      result.output,
-      RunUsbinfo({"--devices", CapturePath("vm-desktop-usb-devices"), "--system-name", "testhost"}).output);
+  EXPECT_EQ(result.output, RunUsbinfo({"--devices", CapturePath("vm-desktop-usb-devices"), "--as-is",
+                                       "--system-name", "testhost"})
+                               .output);
   EXPECT_EQ(Threads(), "2\n");
 }
 
@@ -197,8 +199,8 @@ TEST_F(WaitingCommandTest, MasksWhatTheListCommandPrintsAsAGivenList) {
     return Command(arguments).AsOrdinaryUser().Set("PATH", Folder().Path()).Run().output;
   };
   WithListCommand("");
-  EXPECT_EQ(run({"--format", "json"}),
-            run({"--format", "json", "--devices", CapturePath("vm-desktop-usb-devices")}));
+  EXPECT_EQ(run({"--source", "plugin", "--format", "list"}),
+            run({"--format", "list", "--devices", CapturePath("vm-desktop-usb-devices")}));
 }
 
 }  // namespace
