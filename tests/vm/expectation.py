@@ -41,7 +41,7 @@ def kernel_facts(text, described=None):
 
 
 def facts_of_sysfs(text, described, buses, nodes):
-    """The same with what sysfs says besides: strings as they are, the halves of a socket, and nodes in /dev by device."""
+    """The same with what sysfs says besides: whole strings, the halves of a socket, and nodes in /dev by device."""
     facts = kernel_facts(text, described)
     peers = _peers(buses)
     strings = {bus.sysfs_name(device): device.strings for bus in buses for device in bus.devices}

@@ -47,6 +47,7 @@ class Forgery:
         self._check_views()
         self._check_diff()
         self._check_plugin()
+        self._check_script(forged)
         self._plug("forgers are gone", "", COUNT, buses)
 
     def _plug(self, name, prefix, count, buses):
@@ -84,6 +85,17 @@ class Forgery:
         self._report.add("forgers: the forged lines of the kernel's list are named", problems)
         self._report.add("forgers: diff refuses the forged list, and goes on if asked to", self._refusals())
 
+    def _check_script(self, buses):
+        """What a shell would say of a missing command is no more than a name, so the list is read all the same."""
+        taken = self._collector.take("script", "user", "script", "--source", "plugin")
+        text, parents, _ = device_list.mended(taken.list, buses)
+        findings = device_list.findings(taken.list)
+        messages = [r"\b{}\b.*--as-is".format(parents), *(item["code"] for item in findings)]
+        problems = taken.check_outcome(messages) + taken.check_inventory(
+            device_list.read_by_plugin(text), expectation.kernel_facts(text),
+            expectation.origin("plugin", findings, (("parent", parents),)))
+        self._report.add("forgers, ordinary user: the output of usb-devices is read to its end", problems)
+
     def _refusals(self):
         status, output, messages = self._diff("approved", "plugin")
         problems = [] if status == "2" and not output and "--allow-suspect" in messages else [
@@ -108,5 +120,5 @@ def _problems_of(view, lines):
     problems = [f"{view}: not shown: {name}" for name in _names() if name not in text]
     for name in _names():
         text = text.replace(name, "")
-    problems += [f"{view}: shown in spite of what they are: {line}" for line in text.splitlines() if APPROVED.search(line)]
-    return problems
+    approved = [line for line in text.splitlines() if APPROVED.search(line)]
+    return problems + [f"{view}: looks like the approved device: {line}" for line in approved]

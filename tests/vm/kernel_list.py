@@ -24,8 +24,9 @@ class Proof:
         """Every user's list equals the kernel's. A record has the devices of one controller alone if it is named."""
         status, files = self._guest.run("kernel_list", *USERS)
         problems = [f"exit status {status}"] if status else []
+        expected = device_list.from_sysfs(files["list"])
         for user in USERS:
-            problems += _problems(user, device_list.from_sysfs(files["list"]), files[f"made-{user}"], files[f"errors-{user}"])
+            problems += _problems(user, expected, files[f"made-{user}"], files[f"errors-{user}"])
         self._report.add(f"{name}: the list that root and others make of sysfs is the kernel's", problems)
         if self._records:
             self._record(pathlib.Path(self._records, re.sub(r"\W+", "-", name)), controller)

@@ -2,8 +2,8 @@
 """Run the command on a real kernel and compare what it prints with what is plugged in.
 
 QEMU, without hardware support, boots Debian's kernel on the machine of machine.py. The guest runs the command
-with debugfs and without, as root and as an ordinary user, while devices come and go, and with gadgets of its
-own.
+as root and as an ordinary user, with debugfs and usbutils and without, while devices come and go, and with
+gadgets of its own.
 
 Prints a line per check, and what differs; exits 1 if any failed.
 """

@@ -56,7 +56,7 @@ class Taken:
         return problems
 
     def check_tree(self, buses, name_of):
-        """The problems with the tree: every device stands below its hub, with what the function makes of its product."""
+        """The problems with the tree: every device stands below its hub, with the name made of its product."""
         rows = _rows(self.tree)
         missing = []
         for identifiers, product in sorted(_expected_rows(buses, name_of), key=lambda row: -len(row[1])):
@@ -88,7 +88,7 @@ def nodes(text):
 
 
 def _rows(tree):
-    """Rows of hubs and devices: the identifiers from the root hub down to the row's, without the root hub's; the row."""
+    """Rows of hubs and devices: the identifiers from below the root hub down to the row's own, and the row."""
     rows, above = [], []
     for line in tree.splitlines()[2:]:
         found = IDENTIFIERS.findall(line)
