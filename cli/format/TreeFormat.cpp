@@ -34,6 +34,10 @@ Tone ToneOf(const SocketNode& node, const SocketNode& shown) {
   return isEmpty ? Tone::kFree : Tone::kPlain;
 }
 
+std::string KindOfRow(const SocketNode& node, const SocketNode& shown) {
+  return node.Class() == ClassId::kController ? "controller" : KindOf(shown);
+}
+
 /// The tree's columns and rows.
 class TreeTable {
  public:
@@ -65,7 +69,7 @@ class TreeTable {
     const SocketNode& shown = fSockets.Shown(node);
     const TextTable::Row row = fTable.AddRow(each.depth);
     fTable.SetCell(row, fPlace, PlaceOf(fSockets, each));
-    if (fKind) fTable.SetCell(row, *fKind, KindOf(shown));
+    if (fKind) fTable.SetCell(row, *fKind, KindOfRow(node, shown));
     if (fOptions.isVerbose) {
       fTable.SetLines(row, fDevice, Lines(node, shown));
     } else {

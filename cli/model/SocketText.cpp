@@ -60,7 +60,7 @@ void AddFacts(const SocketNode& node, const DeviceFacts& facts, std::vector<std:
   const std::uint64_t configurations = node.GetItem().Number(PropertyId::kNumberOfConfigs);
   if (IsDigit(configurations)) version += ", " + Count(configurations, "configuration");
   if (facts.revision) version += ", revision " + *facts.revision;
-  if (facts.maxPower) version += fmt::format(", {} mA", *facts.maxPower);
+  if (facts.maxPower.value_or(0) != 0) version += fmt::format(", {} mA", *facts.maxPower);
   lines.push_back(std::move(version));
   const std::string drivers = DriversOf(node);
   if (!drivers.empty()) lines.push_back("driver " + drivers);
