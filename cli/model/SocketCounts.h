@@ -10,6 +10,10 @@ struct SocketCounts {
   std::size_t hubs = 0;
   std::size_t sockets = 0;
   std::size_t devices = 0;
+  /// Of the sockets.
+  std::size_t free = 0;
+  std::size_t notUsed = 0;
+  std::size_t unknown = 0;
   /// The kernel says which ports share a socket; else `sockets` counts ports.
   bool knowsPeers = false;
 };

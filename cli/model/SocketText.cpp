@@ -95,26 +95,18 @@ std::string CountShown(std::size_t shown, std::size_t total, const std::string& 
   return shown == total ? all : fmt::format("{} of {}", shown, all);
 }
 
-SocketCounts CountsBeforeSelection(const Inventory& inventory) {
-  const auto total = [&](ClassId classId) { return inventory.Of(classId).total; };
-  return {total(ClassId::kController), total(ClassId::kHub), total(ClassId::kPort), total(ClassId::kDevice),
-          false};
+/// Of what may be a part of an inventory, those of the whole.
+SocketCounts CountsOfWhole(const Inventory& inventory, const SocketCounts& shown) {
+  if (!inventory.IsPartial()) return shown;
+  return inventory.CountsBeforeSelection().value_or(shown);
 }
 
-std::size_t CountOf(const Sockets& sockets, SocketState state) {
-  const auto& nodes = sockets.Nodes();
-  return static_cast<std::size_t>(std::count_if(nodes.begin(), nodes.end(), [&](const SocketNode& node) {
-    return node.Class() == ClassId::kPort && node.state == state;
-  }));
-}
-
-/// How many of the sockets are free, where all of them are shown and their states are known.
-std::string FreeSockets(const Sockets& sockets) {
-  const bool isKnown = sockets.GetInventory().KnowsConnections() || sockets.KnowsPeers();
-  if (!isKnown || CountOf(sockets, SocketState::kUnknown) != 0) return {};
-  const std::size_t notUsed = CountOf(sockets, SocketState::kNotUsed);
-  const std::string others = notUsed == 0 ? std::string() : fmt::format(", {} not used", notUsed);
-  return fmt::format(" ({} free{})", CountOf(sockets, SocketState::kFree), others);
+/// How many of the sockets are free, where all free ones are shown and all states are known.
+std::string FreeSockets(const SocketCounts& shown, const SocketCounts& all) {
+  const bool isEveryFreeOneShown = shown.free == all.free && shown.notUsed == all.notUsed;
+  if (!isEveryFreeOneShown || all.unknown != 0) return {};
+  const std::string others = all.notUsed == 0 ? std::string() : fmt::format(", {} not used", all.notUsed);
+  return fmt::format(" ({} free{})", all.free, others);
 }
 
 }  // namespace
@@ -219,16 +211,12 @@ std::vector<std::string> DetailsOf(const SocketNode& node, const UsbIds* names) 
 std::string Summary(const Sockets& sockets) {
   const Inventory& inventory = sockets.GetInventory();
   const SocketCounts shown = sockets.Counts();
-  const SocketCounts all = inventory.IsPartial()
-                               ? inventory.CountsBeforeSelection().value_or(CountsBeforeSelection(inventory))
-                               : shown;
-  const bool areSockets = shown.knowsPeers || all.knowsPeers;
+  const SocketCounts all = CountsOfWhole(inventory, shown);
   return fmt::format("{}: {}, {}, {}{}, {}", inventory.SystemName(),
                      CountShown(shown.controllers, all.controllers, "controller"),
                      CountShown(shown.hubs, all.hubs, "hub"),
-                     CountShown(shown.sockets, all.sockets, areSockets ? "socket" : "port"),
-                     shown.sockets == all.sockets ? FreeSockets(sockets) : "",
-                     CountShown(shown.devices, all.devices, "device"));
+                     CountShown(shown.sockets, all.sockets, all.knowsPeers ? "socket" : "port"),
+                     FreeSockets(shown, all), CountShown(shown.devices, all.devices, "device"));
 }
 
 }  // namespace cli

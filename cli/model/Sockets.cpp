@@ -77,6 +77,13 @@ bool AreAlike(const SocketNode& one, const SocketNode& other) {
          SpeedOf(one) == SpeedOf(other);
 }
 
+void CountSocket(const SocketNode& socket, SocketCounts& counts) {
+  ++counts.sockets;
+  counts.free += socket.state == SocketState::kFree ? 1 : 0;
+  counts.notUsed += socket.state == SocketState::kNotUsed ? 1 : 0;
+  counts.unknown += socket.state == SocketState::kUnknown ? 1 : 0;
+}
+
 }  // namespace
 
 Sockets::Sockets(const Inventory& inventory) : fInventory(inventory), fTree(inventory) {
@@ -88,12 +95,25 @@ Sockets::Sockets(const Inventory& inventory) : fInventory(inventory), fTree(inve
 }
 
 SocketCounts Sockets::Counts() const {
-  const auto count = [this](ClassId classId) {
-    return static_cast<std::size_t>(std::count_if(
-        fNodes.begin(), fNodes.end(), [classId](const SocketNode& node) { return node.Class() == classId; }));
-  };
-  return {count(ClassId::kController), count(ClassId::kHub), count(ClassId::kPort), count(ClassId::kDevice),
-          fKnowsPeers};
+  SocketCounts counts;
+  for (const SocketNode& node : fNodes) {
+    switch (node.Class()) {
+      case ClassId::kController:
+        ++counts.controllers;
+        break;
+      case ClassId::kHub:
+        ++counts.hubs;
+        break;
+      case ClassId::kPort:
+        CountSocket(node, counts);
+        break;
+      default:
+        ++counts.devices;
+        break;
+    }
+  }
+  counts.knowsPeers = fKnowsPeers;
+  return counts;
 }
 
 const SocketNode& Sockets::Shown(const SocketNode& node) const {

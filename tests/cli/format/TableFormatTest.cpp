@@ -153,7 +153,7 @@ TEST_F(TableFormatTest, PutsOtherPeoplesNamesBesideTheDevicesOwn) {
 }
 
 TEST_F(TableFormatTest, KnowsThePropertiesOfAllClassesOnceEach) {
-  const std::vector<std::string> names = cli::TableColumnNames();
+  const std::vector<std::string> names = cli::PropertyNames();
   EXPECT_EQ(names.size(), 24U);
   EXPECT_EQ(names.front(), "Antecedent");
   EXPECT_EQ(names.back(), "VendorID");
