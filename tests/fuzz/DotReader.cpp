@@ -112,7 +112,9 @@ ReadGraph Read(const std::string& document) {
   std::string line;
   Require(std::getline(lines, line) && line == "digraph usb {", "the graph begins");
   while (std::getline(lines, line) && line != "}") {
-    if (line.rfind("  n", 0) == 0 && line.rfind("  node ", 0) != 0) ReadStatement(line, graph);
+    const bool isOfNode = line.rfind("  n", 0) == 0 && line.rfind("  node ", 0) != 0;
+    const bool isOfEmptySockets = line.rfind("  f", 0) == 0;
+    if (isOfNode || isOfEmptySockets) ReadStatement(line, graph);
   }
   Require(line == "}" && !std::getline(lines, line), "the graph ends the document");
   return graph;

@@ -22,7 +22,13 @@ class TableFormatTest : public CliTest {
  protected:
   std::string Render() const { return cli::RenderTable(Collected(), options); }
 
-  cli::RenderOptions options{false};
+  static cli::RenderOptions OfClasses() {
+    cli::RenderOptions ofClasses{false};
+    ofClasses.showsClasses = true;
+    return ofClasses;
+  }
+
+  cli::RenderOptions options = OfClasses();
 };
 
 constexpr const char* kSmallTable = R"(KALDO_USBController: 1 instance
@@ -167,8 +173,31 @@ CommandResult RunTable(std::vector<std::string> options, const std::string& list
   return Command(std::move(options)).Input(list).Run();
 }
 
-TEST(TableOption, PrintsWhatTheFormatMakesOfTheList) {
+TEST(TableOption, PrintsADeviceInARowWithWhatTheKernelKnowsOfIt) {
   const CommandResult result = RunTable({});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output,
+            "PLACE KIND     NAME         VENDOR ID        SERIAL      SPEED DRIVER\n"
+            "1-1   hub      QEMU USB Hub QEMU   0409:55aa 314159  12 Mbit/s hub\n"
+            "1-1.2 keyboard (no name)           46f4:0001        1.5 Mbit/s usbhid\n");
+  EXPECT_EQ(result.errors, "");
+}
+
+TEST(TableOption, PrintsTheFreeSocketsInstead) {
+  EXPECT_EQ(RunTable({"--free", "--columns", "Place,NAME,speed"}).output,
+            "PLACE NAME      SPEED\n"
+            "1-2   free 480 Mbit/s\n"
+            "1-1.1 free  12 Mbit/s\n");
+}
+
+TEST(TableOption, PrintsTheSameDevicesWhereOnlyWhatIsPluggedInIsAskedFor) {
+  EXPECT_EQ(RunTable({"--occupied"}).output, RunTable({}).output);
+}
+
+TEST(TableOption, PrintsClassesThatAreAskedFor) {
+  const CommandResult result =
+      RunTable({"--class", "controller", "--class", "hub", "--class", "port", "--class", "device", "--class",
+                "portonhub", "--class", "connection"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.output, kSmallTable);
   EXPECT_EQ(result.errors, "");
@@ -181,7 +210,8 @@ TEST(TableOption, PrintsNothingOfAnEmptyList) {
 }
 
 TEST(ColumnsOption, PicksColumns) {
-  const CommandResult result = RunTable({"--columns", "NumberOfPorts,VendorID"});
+  const CommandResult result =
+      RunTable({"--class", "hub", "--class", "device", "--columns", "NumberOfPorts,VendorID"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.output,
             "KALDO_USBHub: 2 instances\n"
@@ -196,7 +226,7 @@ TEST(ColumnsOption, PicksColumns) {
 
 TEST(ColumnsOption, SaysSoWhenNoClassWithInstancesHasOne) {
   const std::string list = "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  2 Spd=12   MxCh= 0\n\n";
-  const CommandResult result = RunTable({"--columns", "Antecedent,Dependent"}, list);
+  const CommandResult result = RunTable({"--class", "device", "--columns", "Antecedent,Dependent"}, list);
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.output, "");
   EXPECT_EQ(
@@ -208,7 +238,7 @@ TEST(ColumnsOption, LeavesTheOldFileWhenThereIsNothingToShow) {
   const TemporaryFolder folder;
   const std::string path = folder.File("out", "old");
   const std::string list = "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  2 Spd=12   MxCh= 0\n\n";
-  EXPECT_EQ(RunTable({"--columns", "Antecedent", "--output", path}, list).status, 1);
+  EXPECT_EQ(RunTable({"--class", "device", "--columns", "Antecedent", "--output", path}, list).status, 1);
   EXPECT_EQ(ReadFile(path), "old");
 }
 

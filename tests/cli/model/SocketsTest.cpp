@@ -32,9 +32,9 @@ namespace {
 class RecordedSocketsTest : public CliTest {
  protected:
   /// As the command collects it from that machine's sysfs.
-  Inventory Read(const std::string& machine) {
+  Inventory Read(const std::string& name) {
     host.Reset();
-    const kernel::Topology topology = UnpackedSysfs(ReadRecord(machine)).Read();
+    const kernel::Topology topology = UnpackedSysfs(ReadRecord(name)).Read();
     Collect(kernel::WriteDeviceList(topology));
     Inventory inventory = Collected();
     inventory.SetKernel(cli::FromKernel(topology, inventory));
