@@ -179,10 +179,9 @@ std::string NameOf(const SocketNode& node) {
 std::string DescribeRow(const Sockets& sockets, const SocketNode& node) {
   const SocketNode& shown = sockets.Shown(node);
   std::string text = NameOf(shown);
-  if (shown.Class() == ClassId::kHub) {
-    // Without the kernel's names, the controller's row says what is to be said of its root hub.
-    const bool isBelowItsName = shown.IsRootHub() && node.Class() == ClassId::kHub;
-    text = (isBelowItsName ? "" : text + ", ") + SocketsOf(sockets, shown);
+  if (shown.Class() == ClassId::kHub && node.Class() != ClassId::kController) {
+    // The name of a root hub is that of its controller, above.
+    text = (shown.IsRootHub() ? "" : text + ", ") + SocketsOf(sockets, shown);
   }
   return node.isHardwired ? text + ", hard-wired" : text;
 }

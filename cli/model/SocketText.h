@@ -35,7 +35,8 @@ const char* NameOf(SocketState state);
 /// What a node is called: the product of a hub or device, "(no name)" where it sends none, the description of
 /// a controller, the state of a socket.
 std::string NameOf(const SocketNode& node);
-/// What a row shows: the name, the number of a hub's sockets, and whether the socket is hard-wired.
+/// What a row shows: the name, the number of a hub's sockets but for a controller's, and whether the socket
+/// is hard-wired.
 std::string DescribeRow(const Sockets& sockets, const SocketNode& node);
 /// "8 sockets"; "8 ports" where peers are not known.
 std::string SocketsOf(const Sockets& sockets, const SocketNode& hub);

@@ -105,7 +105,7 @@ TEST(ColorOption, ColoursControllersHubsAndFreePortsDifferently) {
 }
 
 TEST(ColorOption, ColoursHeadingsAndFreePortsOfTheTableDifferently) {
-  const std::string text = Desktop({"--format", "table", "--color", "always"}).Run().output;
+  const std::string text = Desktop({"--format", "table", "--class", "controller", "--class", "port", "--color", "always"}).Run().output;
   EXPECT_THAT(text, StartsWith("\x1B[1mKALDO_USBController: 4 instances\x1B[0m\nBUS CONTROLLER\n01  xHCI"));
   EXPECT_THAT(text, HasSubstr("\x1B[2mfree\x1B[0m\n"));
   EXPECT_THAT(text, HasSubstr("480 Mbit/s in use\n"));

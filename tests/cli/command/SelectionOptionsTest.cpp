@@ -169,7 +169,7 @@ TEST(SelectionOptions, TakeClassesByShortNamesInAnyCase) {
 }
 
 TEST(ColumnsOption, TakesNamesInAnyCase) {
-  const std::vector<std::string> table = {"--format", "table", "--columns"};
+  const std::vector<std::string> table = {"--format", "table", "--class", "device", "--columns"};
   const auto run = [&table](const char* columns) {
     std::vector<std::string> all = table;
     all.emplace_back(columns);

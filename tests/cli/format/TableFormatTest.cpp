@@ -72,6 +72,7 @@ std::string SmallMachine() {
          "S:  Manufacturer=Linux 6.1.0-56-amd64 xhci-hcd\n"
          "S:  Product=xHCI Host Controller\n"
          "S:  SerialNumber=0000:00:01.0\n"
+         "C:* #Ifs= 1 Cfg#= 1 Atr=a0 MxPwr=  0mA\n"
          "I:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 Prot=00 Driver=hub\n\n"
          "T:  Bus=01 Lev=01 Prnt=01 Port=00 Cnt=01 Dev#=  2 Spd=12   MxCh= 2\n"
          "D:  Ver= 1.10 Cls=09(hub  ) Sub=00 Prot=00 MxPS= 8 #Cfgs=  1\n"
@@ -79,10 +80,12 @@ std::string SmallMachine() {
          "S:  Manufacturer=QEMU\n"
          "S:  Product=QEMU USB Hub\n"
          "S:  SerialNumber=314159\n"
+         "C:* #Ifs= 1 Cfg#= 1 Atr=a0 MxPwr=  0mA\n"
          "I:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 Prot=00 Driver=hub\n\n"
          "T:  Bus=01 Lev=02 Prnt=02 Port=01 Cnt=01 Dev#=  3 Spd=1.5  MxCh= 0\n"
          "D:  Ver= 2.00 Cls=00(>ifc ) Sub=00 Prot=00 MxPS= 8 #Cfgs=  1\n"
          "P:  Vendor=46f4 ProdID=0001 Rev= 0.00\n"
+         "C:* #Ifs= 1 Cfg#= 1 Atr=a0 MxPwr=  0mA\n"
          "I:* If#= 0 Alt= 0 #EPs= 1 Cls=03(HID  ) Sub=01 Prot=01 Driver=usbhid\n\n";
 }
 
@@ -186,8 +189,8 @@ TEST(TableOption, PrintsADeviceInARowWithWhatTheKernelKnowsOfIt) {
 TEST(TableOption, PrintsTheFreeSocketsInstead) {
   EXPECT_EQ(RunTable({"--free", "--columns", "Place,NAME,speed"}).output,
             "PLACE NAME      SPEED\n"
-            "1-2   free 480 Mbit/s\n"
-            "1-1.1 free  12 Mbit/s\n");
+            "1-1.1 free  12 Mbit/s\n"
+            "1-2   free 480 Mbit/s\n");
 }
 
 TEST(TableOption, PrintsTheSameDevicesWhereOnlyWhatIsPluggedInIsAskedFor) {
