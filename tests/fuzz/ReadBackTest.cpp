@@ -159,7 +159,7 @@ TEST_F(ReadBackTest, OfTheTreeRefusesWhatDiffers) {
 }
 
 TEST_F(ReadBackTest, OfTheTableRefusesWhatDiffers) {
-  EXPECT_FALSE(TakesWith("table", "PLACE KIND", "PLACE"));
+  EXPECT_FALSE(TakesWith("table", "KIND", "KINDS"));
   EXPECT_FALSE(TakesWith("table", "0000:0000", "0000:0001"));
   EXPECT_FALSE(Takes("table", Render("table") + "\n"));
   EXPECT_FALSE(TakesWith("table", "Bus 01", std::string(2200, 'x')));

@@ -101,7 +101,7 @@ TEST(Terminal, GetsTheLinesThatItsLocaleHas) {
             "├─1-1                           free                            480 Mbit/s");
 }
 
-TEST(Terminal, OfFiftyColumnsCutsNamesOnly) {
+TEST(Terminal, OfFiftyColumnsLeavesKindsAndSpeedsOut) {
   const std::string text = OnTerminal(ReadFile(CapturePath("vm-desktop-debugfs")), 50, "C");
   const std::size_t heading = text.find("\n\n");
   ASSERT_NE(heading, std::string::npos);

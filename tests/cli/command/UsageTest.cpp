@@ -15,7 +15,8 @@ namespace usbinfo_test {
 namespace {
 
 constexpr const char* kWrongIds = "-d: must be [VID]:[PID], hexadecimal numbers of up to four digits";
-constexpr const char* kWrongPlace = "-s: must be [BUS]:[DEV] or DEV, decimal numbers, or a name such as 1-3.1";
+constexpr const char* kWrongPlace =
+    "-s: must be [BUS]:[DEV] or DEV, decimal numbers, or a name such as 1-3.1";
 #define USBINFO_TEST_CLASSES " is not one of controller, hub, port, device, portonhub, connection"
 
 struct WrongUse {
