@@ -228,6 +228,11 @@ std::vector<DeviceColumn> ColumnsOfDevices(const std::vector<std::string>& names
   return columns;
 }
 
+Tone ToneOf(const SocketNode& node) {
+  if (node.Class() == ClassId::kPort) return Tone::kFree;
+  return node.Class() == ClassId::kHub ? Tone::kHub : Tone::kPlain;
+}
+
 /// What the table says where a device says nothing.
 std::string CellOf(const DeviceColumn& column, const Sockets& sockets, const SocketNode& node) {
   const std::string text = column.text(sockets, node);
@@ -254,6 +259,7 @@ std::string RenderDevices(const Inventory& inventory, const RenderOptions& optio
     if (hasKnownAs && node->Class() != ClassId::kPort) {
       table.SetCell(row, columns.size(), KnownAs(node->GetItem(), options.names));
     }
+    table.SetTone(row, ToneOf(*node));
   }
   return table.Print();
 }

@@ -170,13 +170,13 @@ TEST(Terminal, KeepsSerialNumbersAndIdsWholeAtTheCostOfNames) {
   const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
   for (unsigned short columns = 41; columns <= 80; columns += 3) {
     const std::string table = OnTerminal(list, columns, "C", {"--format", "table"});
-    for (const char* text : {" 0627:0001 ", " 68284-0000:00:01.0-3.1\n", " 89126-0000:00:01.0-3.2\n"}) {
+    for (const char* text : {" 0627:0001 ", " 68284-0000:00:01.0-3.1", " 89126-0000:00:01.0-3.2"}) {
       EXPECT_THAT(table, testing::HasSubstr(text)) << columns;
     }
   }
 }
 
-TEST(Terminal, GivesUpNamesFirstThenSpeedsThenDevices) {
+TEST(Terminal, GivesUpNamesFirstThenSpeedsThenKindsThenDevices) {
   const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
   const auto titles = [&list](unsigned short columns) {
     return Lines(Command({"--devices", "-"})
@@ -187,11 +187,12 @@ TEST(Terminal, GivesUpNamesFirstThenSpeedsThenDevices) {
                      .output)
         .at(2);
   };
-  EXPECT_EQ(titles(64), "USB           DEVICE       ID             SPEED KNOWN AS");
-  EXPECT_EQ(titles(63), "USB           DEVICE                ID             SPEED");
-  EXPECT_EQ(titles(46), "USB           DEVICE                ID");
-  EXPECT_EQ(titles(35), "USB           ID");
-  EXPECT_EQ(titles(22), "USB");
+  EXPECT_EQ(titles(82), "USB                KIND         DEVICE       ID             SPEED KNOWN AS");
+  EXPECT_EQ(titles(81), "USB                KIND         DEVICE                ID             SPEED");
+  EXPECT_EQ(titles(64), "USB                KIND         DEVICE                ID");
+  EXPECT_EQ(titles(53), "USB                DEVICE                ID");
+  EXPECT_EQ(titles(40), "USB                ID");
+  EXPECT_EQ(titles(27), "USB");
 }
 
 TEST(Terminal, MayBeOfUnknownWidth) {

@@ -56,52 +56,52 @@ class RecordedSocketsTest : public CliTest {
 // Ports 1, 2, 3 and 4 of bus 2 are the peers of those of bus 1.
 constexpr const char* kMachine = R"(vm: 8 controllers, 12 hubs, 68 sockets (52 free), 12 devices
 
-USB                      KIND            DEVICE                              ID             SPEED
-usb1, usb2               controller      xHCI Host Controller, 12 sockets    1d6b:0002   5 Gbit/s
-├─1-1                                    in use                                          5 Gbit/s
-│ └─2-1                  mass storage    QEMU USB HARDDRIVE                  46f4:0001   5 Gbit/s
-├─1-2                    hub             QEMU USB Hub, 8 sockets             0409:55aa  12 Mbit/s
-│ ├─1-2.1                keyboard        QEMU USB Keyboard                   0627:0001  12 Mbit/s
-│ ├─1-2.2                                free                                           12 Mbit/s
-│ ├─1-2.3                hub             QEMU USB Hub, 8 sockets             0409:55aa  12 Mbit/s
-│ │ ├─1-2.3.1 to 1-2.3.7                 free                                           12 Mbit/s
-│ │ └─1-2.3.8            mouse           QEMU USB Mouse                      0627:0001  12 Mbit/s
-│ ├─1-2.4                audio           QEMU USB Audio                      46f4:0002  12 Mbit/s
-│ └─1-2.5 to 1-2.8                       free                                           12 Mbit/s
-├─1-3                                    in use                                          5 Gbit/s
-│ └─2-3                  mass storage    USB Attached SCSI HBA               46f4:0003   5 Gbit/s
-├─1-4                                    free                                            5 Gbit/s
-├─1-5 to 1-10                            free                                          480 Mbit/s
-├─1-11                   input           QEMU USB Tablet                     0627:0001 480 Mbit/s
-└─1-12                                   free                                          480 Mbit/s
-usb3, usb4               controller      xHCI Host Controller, 1 socket      1d6b:0002   5 Gbit/s
-└─3-1                                    free                                            5 Gbit/s
-usb5                     controller      EHCI Host Controller, 6 sockets     1d6b:0002 480 Mbit/s
-├─5-1 to 5-4                             free                                          480 Mbit/s
-├─5-5                    mass storage    QEMU USB HARDDRIVE                  46f4:0001 480 Mbit/s
-└─5-6                                    free                                          480 Mbit/s
-usb6                     controller      EHCI Host Controller, 6 sockets     1d6b:0002 480 Mbit/s
-├─6-1                    keyboard        QEMU USB Keyboard                   0627:0001 480 Mbit/s
-└─6-2 to 6-6                             free                                          480 Mbit/s
-usb7                     controller      OHCI PCI host controller, 5 sockets 1d6b:0001  12 Mbit/s
-├─7-1 to 7-3                             free                                           12 Mbit/s
-├─7-4                    hub             QEMU USB Hub, 8 sockets             0409:55aa  12 Mbit/s
-│ ├─7-4.1 to 7-4.6                       free                                           12 Mbit/s
-│ ├─7-4.7                mouse           Wacom PenPartner                    056a:0000  12 Mbit/s
-│ └─7-4.8                network         RNDIS/QEMU USB Network Device       0525:a4a2  12 Mbit/s
-└─7-5                                    free                                           12 Mbit/s
-usb8                     controller      UHCI Host Controller, 2 sockets     1d6b:0001  12 Mbit/s
-├─8-1                    vendor-specific QEMU USB SERIAL                     0403:6001  12 Mbit/s
-└─8-2                                    free                                           12 Mbit/s
-usb9                     controller      UHCI Host Controller, 2 sockets     1d6b:0001  12 Mbit/s
-├─9-1                                    free                                           12 Mbit/s
-└─9-2                                    free                                           12 Mbit/s
-usb10                    controller      UHCI Host Controller, 2 sockets     1d6b:0001  12 Mbit/s
-├─10-1                                   free                                           12 Mbit/s
-└─10-2                   hub             QEMU USB Hub, 8 sockets             0409:55aa  12 Mbit/s
-  ├─10-2.1                               free                                           12 Mbit/s
-  ├─10-2.2               mouse           QEMU USB Mouse                      0627:0001  12 Mbit/s
-  └─10-2.3 to 10-2.8                     free                                           12 Mbit/s
+USB                      KIND            DEVICE                        ID             SPEED
+usb1, usb2               controller      xHCI Host Controller          1d6b:0002   5 Gbit/s
+├─1-1                                    in use                                    5 Gbit/s
+│ └─2-1                  mass storage    QEMU USB HARDDRIVE            46f4:0001   5 Gbit/s
+├─1-2                    hub             QEMU USB Hub, 8 sockets       0409:55aa  12 Mbit/s
+│ ├─1-2.1                keyboard        QEMU USB Keyboard             0627:0001  12 Mbit/s
+│ ├─1-2.2                                free                                     12 Mbit/s
+│ ├─1-2.3                hub             QEMU USB Hub, 8 sockets       0409:55aa  12 Mbit/s
+│ │ ├─1-2.3.1 to 1-2.3.7                 free                                     12 Mbit/s
+│ │ └─1-2.3.8            mouse           QEMU USB Mouse                0627:0001  12 Mbit/s
+│ ├─1-2.4                audio           QEMU USB Audio                46f4:0002  12 Mbit/s
+│ └─1-2.5 to 1-2.8                       free                                     12 Mbit/s
+├─1-3                                    in use                                    5 Gbit/s
+│ └─2-3                  mass storage    USB Attached SCSI HBA         46f4:0003   5 Gbit/s
+├─1-4                                    free                                      5 Gbit/s
+├─1-5 to 1-10                            free                                    480 Mbit/s
+├─1-11                   input           QEMU USB Tablet               0627:0001 480 Mbit/s
+└─1-12                                   free                                    480 Mbit/s
+usb3, usb4               controller      xHCI Host Controller          1d6b:0002   5 Gbit/s
+└─3-1                                    free                                      5 Gbit/s
+usb5                     controller      EHCI Host Controller          1d6b:0002 480 Mbit/s
+├─5-1 to 5-4                             free                                    480 Mbit/s
+├─5-5                    mass storage    QEMU USB HARDDRIVE            46f4:0001 480 Mbit/s
+└─5-6                                    free                                    480 Mbit/s
+usb6                     controller      EHCI Host Controller          1d6b:0002 480 Mbit/s
+├─6-1                    keyboard        QEMU USB Keyboard             0627:0001 480 Mbit/s
+└─6-2 to 6-6                             free                                    480 Mbit/s
+usb7                     controller      OHCI PCI host controller      1d6b:0001  12 Mbit/s
+├─7-1 to 7-3                             free                                     12 Mbit/s
+├─7-4                    hub             QEMU USB Hub, 8 sockets       0409:55aa  12 Mbit/s
+│ ├─7-4.1 to 7-4.6                       free                                     12 Mbit/s
+│ ├─7-4.7                mouse           Wacom PenPartner              056a:0000  12 Mbit/s
+│ └─7-4.8                network         RNDIS/QEMU USB Network Device 0525:a4a2  12 Mbit/s
+└─7-5                                    free                                     12 Mbit/s
+usb8                     controller      UHCI Host Controller          1d6b:0001  12 Mbit/s
+├─8-1                    vendor-specific QEMU USB SERIAL               0403:6001  12 Mbit/s
+└─8-2                                    free                                     12 Mbit/s
+usb9                     controller      UHCI Host Controller          1d6b:0001  12 Mbit/s
+├─9-1                                    free                                     12 Mbit/s
+└─9-2                                    free                                     12 Mbit/s
+usb10                    controller      UHCI Host Controller          1d6b:0001  12 Mbit/s
+├─10-1                                   free                                     12 Mbit/s
+└─10-2                   hub             QEMU USB Hub, 8 sockets       0409:55aa  12 Mbit/s
+  ├─10-2.1                               free                                     12 Mbit/s
+  ├─10-2.2               mouse           QEMU USB Mouse                0627:0001  12 Mbit/s
+  └─10-2.3 to 10-2.8                     free                                     12 Mbit/s
 )";
 
 TEST_F(RecordedSocketsTest, ShowBothPortsOfASocketAsOne) {
