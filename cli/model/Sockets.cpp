@@ -36,7 +36,7 @@ bool HasConnect(const SocketHalf& half, std::string_view word) {
 
 PortState StateOf(const SocketHalf& half, const Inventory& inventory) {
   const PortState state = inventory.StateOf(half.GetItem());
-  if (half.port == nullptr || state == PortState::kUsed) return state;
+  if (half.port == nullptr || state != PortState::kFree) return state;
   if (!half.port->isUsed) return PortState::kUnknown;
   return *half.port->isUsed ? PortState::kUsed : PortState::kFree;
 }
