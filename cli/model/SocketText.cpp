@@ -215,7 +215,8 @@ std::string Summary(const Sockets& sockets) {
                      CountShown(shown.controllers, all.controllers, "controller"),
                      CountShown(shown.hubs, all.hubs, "hub"),
                      CountShown(shown.sockets, all.sockets, all.knowsPeers ? "socket" : "port"),
-                     FreeSockets(shown, all), CountShown(shown.devices, all.devices, "device"));
+                     inventory.KnowsConnections() ? FreeSockets(shown, all) : "",
+                     CountShown(shown.devices, all.devices, "device"));
 }
 
 }  // namespace cli
