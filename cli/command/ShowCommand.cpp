@@ -89,9 +89,6 @@ std::string AdviseOnNothingShown(const ShowOptions& options, const Inventory& in
     return fmt::format("nothing matches \"{}\"; leave that out to see what there is",
                        Describe(options.selection));
   }
-  if (options.selection.classes.empty()) {
-    return "nothing to show: no device is plugged in; the format tree shows the ports that there are";
-  }
   return fmt::format("nothing to show: no class that has instances has {}; see usbinfo schema",
                      fmt::join(options.columns, ","));
 }

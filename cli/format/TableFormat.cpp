@@ -242,7 +242,6 @@ std::string CellOf(const DeviceColumn& column, const Sockets& sockets, const Soc
 std::string RenderDevices(const Inventory& inventory, const RenderOptions& options, const Surface& surface) {
   const Sockets sockets(inventory);
   const std::vector<const SocketNode*> rows = DeviceRows(sockets, options);
-  if (rows.empty()) return {};
   const std::vector<DeviceColumn> columns = ColumnsOfDevices(options.columns);
   const bool hasKnownAs = options.names != nullptr && options.columns.empty();
   TextTable table(surface);
