@@ -52,6 +52,8 @@ std::string Render(const ShowOptions& options, const OutputFormat& format, const
   rendering.color = ColorOf(options.color);
   rendering.isVerbose = options.isVerbose;
   rendering.columns = options.columns;
+  rendering.showsClasses = !options.selection.classes.empty();
+  rendering.listsFreeSockets = options.selection.occupancy == Occupancy::kFree;
   rendering.names = names ? &*names : nullptr;
   return format.render(inventory, rendering);
 }
@@ -102,6 +104,13 @@ void CheckFiles(const ShowOptions& options) {
   RequireDistinctFiles(output, {devices, key, plugin});
 }
 
+/// Formats that draw no path to what is selected need it all the same to see which of the occupied or free
+/// ports share a socket.
+bool KeepsPath(const Selection& selection, const OutputFormat& format) {
+  const bool isByOccupancyAlone = selection.ids.empty() && !selection.place && !selection.name;
+  return format.keepsPath || (format.takesOccupancy && isByOccupancyAlone);
+}
+
 /// A saved inventory is not collected again, so options of collecting it have no effect.
 void RefuseOptionsOfCollecting(const ShowOptions& options) {
   const std::pair<const char*, bool> given[] = {{"--request", !options.request.empty()},
@@ -126,7 +135,7 @@ int RunShow(const ShowOptions& options) {
   if (!inventory.DeviceList()) RefuseOptionsOfCollecting(options);
   WarnOfFindings(inventory);
   const OutputFormat& format = FindOutputFormat(options.format);
-  const Inventory shown = Select(inventory, options.selection, format.keepsPath);
+  const Inventory shown = Select(inventory, options.selection, KeepsPath(options.selection, format));
   const bool isPrinted = Print(options, format, shown);
   log.Finish();
   if (isPrinted) return kPrinted;

@@ -7,6 +7,7 @@
 
 #include "cli/command/ClassNames.h"
 #include "cli/command/CommonOptions.h"
+#include "cli/format/DeviceColumns.h"
 #include "cli/format/OutputFormat.h"
 #include "cli/format/TableFormat.h"
 #include "cli/option/UsageError.h"
@@ -29,9 +30,11 @@ void AddIds(std::vector<VendorProduct>& ids, const std::string& text) {
   ids.push_back(*parsed);
 }
 
-void SetPlace(std::optional<BusDevice>& place, const std::string& text) {
-  place = ParseBusDevice(text);
-  if (!place) throw UsageError("must be [BUS]:[DEV] or DEV, decimal numbers");
+void SetPlace(Selection& selection, const std::string& text) {
+  selection.place = ParseBusDevice(text);
+  if (!selection.place) selection.name = ParseKernelName(text);
+  if (selection.place || selection.name) return;
+  throw UsageError("must be [BUS]:[DEV] or DEV, decimal numbers, or a name such as 1-3.1");
 }
 
 const std::vector<Choice>& WayNames() {
@@ -118,22 +121,26 @@ StoreValue StoreFormat(ShowOptions& options, std::string format) {
       [&options, format = std::move(format)](const std::string&) { options.askedFormats.push_back(format); };
 }
 
+std::vector<Choice> ColumnChoices() {
+  std::vector<Choice> choices = ChoicesOf(DeviceColumnNames());
+  const std::vector<Choice> properties = ChoicesOf(PropertyNames());
+  choices.insert(choices.end(), properties.begin(), properties.end());
+  return choices;
+}
+
 Option ColumnsOption(std::vector<std::string>& columns) {
   return {.names = {"--columns"},
           .value = "A,B,...",
-          .help = "Show these properties in the table, if a class has them",
-          .choices = ChoicesOf(TableColumnNames()),
+          .help = "Show these columns in the table; with --class, these properties",
+          .choices = ColumnChoices(),
           .isList = true,
-          .manual = R"(Show these properties in the table, in this order.
-Each class shows the properties that it has.
+          .manual = R"(Show these columns in the table, in this order.
+With
+.Fl -class ,
+they are properties, the names in capitals, and each class shows those that it has.
 Case does not matter.
 Each name is one of)",
-          .store = [&columns](const std::string& list) {
-            columns.clear();
-            for (const std::string& name : SplitList(list, "property names")) {
-              columns.push_back(NameOf(name, TableColumnNames()));
-            }
-          }};
+          .store = [&columns](const std::string& list) { columns = SplitList(list, "names of columns"); }};
 }
 
 std::vector<Option> FormatOptions(ShowOptions& options) {
@@ -159,8 +166,10 @@ std::vector<Option> FormatOptions(ShowOptions& options) {
            .manual = "Short for the format json.",
            .store = StoreFormat(options, "json")},
           {.names = {"-v", "--verbose"},
-           .help = "Show strings, versions and serial numbers in the tree",
-           .manual = "Show each device's strings, versions and serial number in the tree.",
+           .help = "Show more of each device in the tree, and every free socket",
+           .manual = R"(Show each device's strings, version, power, drivers, number and files in
+.Pa /dev
+in the tree, and every free socket in a row of its own.)",
            .store = StoreTrue(options.isVerbose)},
           ColumnsOption(options.columns),
           ColorOption(options.color)};
@@ -192,10 +201,25 @@ If the option is repeated, an item must match one of the values.)",
        .store = [&selection](const std::string& text) { AddIds(selection.ids, text); }},
       {.names = {"-s"},
        .value = "[BUS]:[DEV]",
-       .help = "Print only the devices and hubs of this bus and number, in decimal",
+       .help =
+           "Print only the devices and hubs of this bus and number, in decimal, or of this name, as 1-3.1",
        .manual = R"(Print only the hubs and devices on this bus and with this device number, in
-decimal.)",
-       .store = [&selection](const std::string& text) { SetPlace(selection.place, text); }}};
+decimal, or with this name of the kernel's, such as
+.Li 1-3.1
+or
+.Li usb1 .)",
+       .store = [&selection](const std::string& text) { SetPlace(selection, text); }}};
+}
+
+std::vector<Option> OccupancyOptions(ShowOptions& options) {
+  return {{.names = {"--occupied"},
+           .help = "Show only what is plugged in",
+           .manual = "Show only what is plugged in, in formats for people and spreadsheets.",
+           .store = StoreTrue(options.isOccupied)},
+          {.names = {"--free"},
+           .help = "Show only the free sockets",
+           .manual = "Show only the free sockets, in formats for people and spreadsheets.",
+           .store = StoreTrue(options.isFree)}};
 }
 
 Option RequestOption(std::vector<std::string>& request) {
@@ -288,6 +312,42 @@ void CheckListFormat(const ShowOptions& options) {
                   Describe(options.selection)));
 }
 
+std::vector<std::string> FormatsWithOccupancy() {
+  std::vector<std::string> names;
+  for (const OutputFormat& format : OutputFormats()) {
+    if (format.takesOccupancy) names.push_back(format.name);
+  }
+  return names;
+}
+
+void CompleteOccupancy(ShowOptions& options) {
+  if (!options.isOccupied && !options.isFree) return;
+  if (options.isOccupied && options.isFree) {
+    throw UsageError("--occupied and --free contradict each other: leave one of them out");
+  }
+  const char* const option = options.isFree ? "--free" : "--occupied";
+  if (!FindOutputFormat(options.format).takesOccupancy) {
+    throw UsageError(fmt::format("{} is for the formats {}: leave it out, or use one of them", option,
+                                 fmt::join(FormatsWithOccupancy(), ", ")));
+  }
+  options.selection.occupancy = options.isFree ? Occupancy::kFree : Occupancy::kOccupied;
+}
+
+void CompleteColumns(ShowOptions& options) {
+  if (options.columns.empty()) return;
+  if (options.format != "table") {
+    throw UsageError("--columns is for the table: leave it out, or use --format table");
+  }
+  const std::vector<std::string> known =
+      options.selection.classes.empty() ? DeviceColumnNames() : PropertyNames();
+  try {
+    for (std::string& column : options.columns) column = NameOf(column, known);
+  } catch (const UsageError& error) {
+    const char* const hint = options.selection.classes.empty() ? "; properties need --class" : "";
+    throw UsageError(fmt::format("--columns: {}{}", error.what(), hint));
+  }
+}
+
 }  // namespace
 
 std::vector<Option> ShowOptionTable(ShowOptions& options) {
@@ -295,6 +355,7 @@ std::vector<Option> ShowOptionTable(ShowOptions& options) {
   std::vector<Option> table = SourceOptions(options.source);
   Append(table, FormatOptions(options));
   Append(table, SelectionOptions(options.selection));
+  Append(table, OccupancyOptions(options));
   table.push_back(RequestOption(options.request));
   Append(table, MaskOptions(options.source));
   table.push_back(OutputOption(options.output));
@@ -313,11 +374,10 @@ void CompleteShowOptions(ShowOptions& options) {
   if (options.isVerbose && options.format != "tree") {
     throw UsageError("-v is for the tree: leave it out, or use --format tree");
   }
-  if (!options.columns.empty() && options.format != "table") {
-    throw UsageError("--columns is for the table: leave it out, or use --format table");
-  }
+  CompleteColumns(options);
   CheckSource(options.source);
   CheckListFormat(options);
+  CompleteOccupancy(options);
 }
 
 }  // namespace cli

@@ -16,13 +16,15 @@ struct ShowOptions {
   /// The formats that were requested, by --format or by their short options.
   std::vector<std::string> askedFormats;
   bool isVerbose = false;
-  /// Names of properties to show; empty for what the format chooses.
+  /// Names of columns or properties to show; empty for what the format chooses.
   std::vector<std::string> columns;
   std::string color = "auto";
   /// Names of classes to request from the plug-in, unchanged; empty for all.
   std::vector<std::string> request;
   /// The part of the inventory to print.
   Selection selection;
+  bool isOccupied = false;
+  bool isFree = false;
   /// Empty for standard output.
   std::string output;
   /// Empty for standard error.

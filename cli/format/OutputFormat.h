@@ -21,6 +21,8 @@ struct OutputFormat {
   bool keepsPath = false;
   /// Shows the names of vendors and products from the list of names.
   bool showsNames = false;
+  /// May show only what is plugged in, or only what is free.
+  bool takesOccupancy = false;
 };
 
 /// All formats; the first is the default.

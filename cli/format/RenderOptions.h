@@ -17,8 +17,13 @@ struct RenderOptions {
   Color color = Color::kAuto;
   /// Show more about each item than fits on a line.
   bool isVerbose = false;
-  /// The properties to show; empty for what the format chooses.
+  /// The columns to show: properties with `showsClasses`, else some of DeviceColumnNames; empty for what the
+  /// format chooses.
   std::vector<std::string> columns = {};
+  /// A table shows the instances of classes, not devices.
+  bool showsClasses = false;
+  /// Rows are for the free sockets, not for devices.
+  bool listsFreeSockets = false;
   /// The names of vendors and products; null for none. Owned by the caller.
   const UsbIds* names = nullptr;
 };

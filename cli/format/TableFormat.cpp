@@ -9,11 +9,13 @@
 #include <set>
 #include <unordered_map>
 
+#include "cli/format/DeviceColumns.h"
 #include "cli/format/RenderOptions.h"
 #include "cli/model/Description.h"
 #include "cli/model/DeviceText.h"
 #include "cli/model/Identifier.h"
 #include "cli/model/ObjectPath.h"
+#include "cli/model/Sockets.h"
 #include "cli/model/Speed.h"
 #include "cli/text/TextTable.h"
 
@@ -202,10 +204,7 @@ std::string Section(const Inventory& inventory, const ItemsOfClass& ofClass, con
   return Toned(heading, surface.isColored ? Tone::kHeading : Tone::kPlain) + "\n" + table.Print();
 }
 
-}  // namespace
-
-std::string RenderTable(const Inventory& inventory, const RenderOptions& options) {
-  const Surface surface = SurfaceOf(options.isStandardOutput, options.color);
+std::string RenderClasses(const Inventory& inventory, const RenderOptions& options, const Surface& surface) {
   const ChosenColumns chosen(inventory, options.names);
   std::string text;
   for (const ItemsOfClass& ofClass : inventory.Classes()) {
@@ -218,7 +217,61 @@ std::string RenderTable(const Inventory& inventory, const RenderOptions& options
   return text;
 }
 
-std::vector<std::string> TableColumnNames() {
+/// The columns asked for, else all.
+std::vector<DeviceColumn> ColumnsOfDevices(const std::vector<std::string>& names) {
+  if (names.empty()) return DeviceColumns();
+  std::vector<DeviceColumn> columns;
+  for (const std::string& name : names) {
+    columns.push_back(*std::find_if(DeviceColumns().begin(), DeviceColumns().end(),
+                                    [&](const DeviceColumn& column) { return column.name == name; }));
+  }
+  return columns;
+}
+
+Tone ToneOf(const SocketNode& node) {
+  if (node.Class() == ClassId::kPort) return Tone::kFree;
+  return node.Class() == ClassId::kHub ? Tone::kHub : Tone::kPlain;
+}
+
+/// What the table says where a device says nothing.
+std::string CellOf(const DeviceColumn& column, const Sockets& sockets, const SocketNode& node) {
+  const std::string text = column.text(sockets, node);
+  return text.empty() && column.name == "name" ? "(no name)" : text;
+}
+
+std::string RenderDevices(const Inventory& inventory, const RenderOptions& options, const Surface& surface) {
+  const Sockets sockets(inventory);
+  const std::vector<const SocketNode*> rows = DeviceRows(sockets, options);
+  const std::vector<DeviceColumn> columns = ColumnsOfDevices(options.columns);
+  const bool hasKnownAs = options.names != nullptr && options.columns.empty();
+  TextTable table(surface);
+  for (const DeviceColumn& column : columns) {
+    table.AddColumn({column.title, column.isNumber ? TextTable::Kind::kRight : TextTable::Kind::kLeft,
+                     column.importance, kSmallestText});
+  }
+  if (hasKnownAs) table.AddColumn(Text("KNOWN AS", nullptr, Importance::kMinor).column);
+  for (const SocketNode* const node : rows) {
+    const TextTable::Row row = table.AddRow();
+    for (std::size_t column = 0; column < columns.size(); ++column) {
+      table.SetCell(row, column, CellOf(columns[column], sockets, *node));
+    }
+    if (hasKnownAs && node->Class() != ClassId::kPort) {
+      table.SetCell(row, columns.size(), KnownAs(node->GetItem(), options.names));
+    }
+    table.SetTone(row, ToneOf(*node));
+  }
+  return table.Print();
+}
+
+}  // namespace
+
+std::string RenderTable(const Inventory& inventory, const RenderOptions& options) {
+  const Surface surface = SurfaceOf(options.isStandardOutput, options.color);
+  return options.showsClasses ? RenderClasses(inventory, options, surface)
+                              : RenderDevices(inventory, options, surface);
+}
+
+std::vector<std::string> PropertyNames() {
   std::set<std::string> names;
   for (const schema::ClassSchema& schema : schema::ServedClasses()) {
     for (const schema::PropertySchema& property : schema.properties) names.insert(property.name);

@@ -1,5 +1,4 @@
-// The inventory as tables for people: a section per class, a row per instance, and the columns of the class
-// or those requested.
+// The inventory as tables for people: the devices, or a section per class with a row per instance.
 #pragma once
 
 #include <string>
@@ -10,11 +9,12 @@ namespace cli {
 class Inventory;
 struct RenderOptions;
 
-/// Fits a terminal's width, as the tree does. Without `options.columns` each class has its own columns; else
-/// they are those of the properties that the class has. Empty when no class with instances has one of them.
+/// Fits a terminal's width, as the tree does. One section of devices; with `options.showsClasses` a section
+/// for each class that has instances, with columns of its own or those of `options.columns` that the class
+/// has as properties. Empty when no class has one of these.
 std::string RenderTable(const Inventory& inventory, const RenderOptions& options);
 
-/// The names of all properties of all classes, ascending, each once; `options.columns` may hold these.
-std::vector<std::string> TableColumnNames();
+/// The names of all properties of all classes, ascending, each once.
+std::vector<std::string> PropertyNames();
 
 }  // namespace cli

@@ -2,26 +2,18 @@
 
 #include <fmt/format.h>
 
+#include <optional>
 #include <utility>
 
 #include "cli/format/RenderOptions.h"
-#include "cli/model/Description.h"
 #include "cli/model/DeviceText.h"
-#include "cli/model/UsbTree.h"
+#include "cli/model/SocketText.h"
 #include "cli/text/Text.h"
 #include "cli/text/TextTable.h"
 
 namespace cli {
 
 namespace {
-
-enum Column : std::size_t { kPlace, kDevice, kId, kSpeed, kKnownAs };
-
-std::string Device(const Inventory& inventory, const UsbTreeNode& node) {
-  if (node.Class() != ClassId::kHub) return DisplayName(inventory, node);
-  const std::string ports = Count(node.item->Number(PropertyId::kNumberOfPorts), "port");
-  return node.isRootHub ? ports : DisplayName(inventory, node) + ", " + ports;
-}
 
 /// `speed`, if there is one, at least as wide as "480 Mbit/s", so that trees without such a port look the
 /// same.
@@ -30,86 +22,95 @@ std::string Aligned(const std::string& speed) {
 }
 
 /// Hubs and devices describe themselves; controllers and ports do not.
-bool IsDescribed(const UsbTreeNode& node) {
+bool IsDescribed(const SocketNode& node) {
   return node.Class() == ClassId::kHub || node.Class() == ClassId::kDevice;
 }
 
-Tone ToneOf(const Inventory& inventory, const UsbTreeNode& node) {
-  switch (node.Class()) {
-    case ClassId::kController:
-      return Tone::kHeading;
-    case ClassId::kHub:
-      return Tone::kHub;
-    case ClassId::kPort:
-      return inventory.StateOf(*node.item) == PortState::kFree ? Tone::kFree : Tone::kPlain;
-    default:
-      return Tone::kPlain;
-  }
+Tone ToneOf(const SocketNode& node, const SocketNode& shown) {
+  if (node.Class() == ClassId::kController) return Tone::kHeading;
+  if (shown.Class() == ClassId::kHub) return Tone::kHub;
+  const bool isEmpty = shown.Class() == ClassId::kPort &&
+                       (shown.state == SocketState::kFree || shown.state == SocketState::kNotUsed);
+  return isEmpty ? Tone::kFree : Tone::kPlain;
+}
+
+std::string KindOfRow(const SocketNode& node, const SocketNode& shown) {
+  return node.Class() == ClassId::kController ? "controller" : KindOf(shown);
 }
 
 /// The tree's columns and rows.
 class TreeTable {
  public:
-  TreeTable(const Inventory& inventory, const UsbTree& tree, const RenderOptions& options)
-      : fInventory(inventory),
-        fTree(tree),
+  TreeTable(const Sockets& sockets, const RenderOptions& options)
+      : fSockets(sockets),
         fOptions(options),
         fTable(SurfaceOf(options.isStandardOutput, options.color)),
         fHasNamesColumn(options.names != nullptr && !options.isVerbose) {
     using Cells = TextTable::Kind;
-    fTable.AddColumn({"USB", Cells::kTree, Importance::kIdentifier, 32});
-    fTable.AddColumn({"DEVICE", Cells::kLeft, Importance::kMain, 12});
-    fTable.AddColumn({"ID", Cells::kLeft, Importance::kIdentifier, 9});
-    fTable.AddColumn({"SPEED", Cells::kRight, Importance::kUseful, 12});
-    if (fHasNamesColumn) fTable.AddColumn({"KNOWN AS", Cells::kLeft, Importance::kMinor, 16});
-    AddRows();
+    fPlace = Add({"USB", Cells::kTree, Importance::kIdentifier, 32});
+    if (sockets.GetInventory().Kernel()) fKind = Add({"KIND", Cells::kLeft, Importance::kUseful, 12});
+    fDevice = Add({"DEVICE", Cells::kLeft, Importance::kMain, 12});
+    fId = Add({"ID", Cells::kLeft, Importance::kIdentifier, 9});
+    fSpeed = Add({"SPEED", Cells::kRight, Importance::kUseful, 12});
+    if (fHasNamesColumn) fKnownAs = Add({"KNOWN AS", Cells::kLeft, Importance::kMinor, 16});
+    for (const SocketRow& row : sockets.Rows(!options.isVerbose)) AddRow(row);
   }
 
   std::string Print() const { return fTable.Print(); }
 
  private:
-  void AddRows() {
-    for (const UsbTreeRow& row : fTree.Rows()) AddRow(row.depth, fTree.Nodes()[row.node]);
+  std::size_t Add(TextTable::Column column) {
+    fTable.AddColumn(std::move(column));
+    return fColumns++;
   }
 
-  void AddRow(std::size_t depth, const UsbTreeNode& node) {
-    const UsbTreeNode& shown = fTree.Shown(node);
-    const TextTable::Row row = fTable.AddRow(depth);
-    fTable.SetCell(row, kPlace, PlaceOf(node, depth == 0));
+  void AddRow(const SocketRow& each) {
+    const SocketNode& node = fSockets.Nodes()[each.node];
+    const SocketNode& shown = fSockets.Shown(node);
+    const TextTable::Row row = fTable.AddRow(each.depth);
+    fTable.SetCell(row, fPlace, PlaceOf(fSockets, each));
+    if (fKind) fTable.SetCell(row, *fKind, KindOfRow(node, shown));
     if (fOptions.isVerbose) {
-      fTable.SetLines(row, kDevice, Lines(shown));
+      fTable.SetLines(row, fDevice, Lines(node, shown));
     } else {
-      fTable.SetCell(row, kDevice, Device(fInventory, shown));
+      fTable.SetCell(row, fDevice, DescribeRow(fSockets, node));
     }
-    fTable.SetCell(row, kId, FormatId(*shown.item));
-    fTable.SetCell(row, kSpeed, Aligned(SpeedOf(fTree, shown)));
+    fTable.SetCell(row, fId, FormatId(shown.GetItem()));
+    fTable.SetCell(row, fSpeed, Aligned(SpeedOf(fSockets, shown)));
     if (fHasNamesColumn && IsDescribed(shown)) {
-      fTable.SetCell(row, kKnownAs, KnownAs(*shown.item, fOptions.names));
+      fTable.SetCell(row, fKnownAs, KnownAs(shown.GetItem(), fOptions.names));
     }
-    fTable.SetTone(row, ToneOf(fInventory, shown));
+    fTable.SetTone(row, ToneOf(node, shown));
   }
 
-  std::vector<std::string> Lines(const UsbTreeNode& node) const {
-    std::vector<std::string> lines = {Device(fInventory, node)};
-    if (!IsDescribed(node)) return lines;
-    for (std::string& detail : DetailsOf(*node.item, fOptions.names)) lines.push_back(std::move(detail));
+  std::vector<std::string> Lines(const SocketNode& node, const SocketNode& shown) const {
+    std::vector<std::string> lines = {DescribeRow(fSockets, node)};
+    if (!IsDescribed(shown)) return lines;
+    for (std::string& detail : DetailsOf(shown, fOptions.names)) lines.push_back(std::move(detail));
     return lines;
   }
 
-  const Inventory& fInventory;
-  const UsbTree& fTree;
+  const Sockets& fSockets;
   const RenderOptions& fOptions;
   TextTable fTable;
   bool fHasNamesColumn;
+  std::size_t fColumns = 0;
+  std::size_t fPlace = 0;
+  /// Nothing where the kernel's facts are not known.
+  std::optional<std::size_t> fKind;
+  std::size_t fDevice = 0;
+  std::size_t fId = 0;
+  std::size_t fSpeed = 0;
+  std::size_t fKnownAs = 0;
 };
 
 }  // namespace
 
 std::string RenderTree(const Inventory& inventory, const RenderOptions& options) {
-  const UsbTree tree(inventory);
-  const std::string heading = EscapeForTerminal(Summary(inventory)) + "\n\n";
-  if (tree.Nodes().empty()) return heading + "Associations alone have no rows in a tree.\n";
-  return heading + TreeTable(inventory, tree, options).Print();
+  const Sockets sockets(inventory);
+  const std::string heading = EscapeForTerminal(Summary(sockets)) + "\n\n";
+  if (sockets.Nodes().empty()) return heading + "Associations alone have no rows in a tree.\n";
+  return heading + TreeTable(sockets, options).Print();
 }
 
 }  // namespace cli

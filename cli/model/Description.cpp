@@ -2,10 +2,9 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "cli/model/DeviceText.h"
 #include "cli/model/Identifier.h"
+#include "cli/model/SocketText.h"
 #include "cli/model/Speed.h"
 
 namespace cli {
@@ -17,20 +16,6 @@ std::string PlaceOnBus(const UsbTreeNode& node, const std::string& identifier) {
     return fmt::format("hub {}, port {}", DeviceOf(HubOf(identifier)), PortOf(identifier));
   }
   return fmt::format("{} {}", node.Class() == ClassId::kHub ? "hub" : "device", DeviceOf(identifier));
-}
-
-/// "26 ports"; "2 of 26 ports" when a selection left the others out.
-std::string CountShown(const ItemsOfClass& ofClass, const std::string& noun) {
-  std::string all = Count(ofClass.total, noun);
-  return ofClass.items.size() == ofClass.total ? all : fmt::format("{} of {}", ofClass.items.size(), all);
-}
-
-/// How many of the ports are free, where all of them are shown and their states are known.
-std::string FreePorts(const Inventory& inventory) {
-  const ItemsOfClass& ports = inventory.Of(ClassId::kPort);
-  if (ports.items.size() != ports.total || !inventory.KnowsConnections()) return {};
-  const auto isFree = [&](const Item& port) { return inventory.StateOf(port) == PortState::kFree; };
-  return fmt::format(" ({} free)", std::count_if(ports.items.begin(), ports.items.end(), isFree));
 }
 
 }  // namespace
@@ -91,11 +76,7 @@ std::vector<std::string> DetailsOf(const Item& item, const UsbIds* names) {
 }
 
 std::string Summary(const Inventory& inventory) {
-  return fmt::format("{}: {}, {}, {}{}, {}", inventory.SystemName(),
-                     CountShown(inventory.Of(ClassId::kController), "controller"),
-                     CountShown(inventory.Of(ClassId::kHub), "hub"),
-                     CountShown(inventory.Of(ClassId::kPort), "port"), FreePorts(inventory),
-                     CountShown(inventory.Of(ClassId::kDevice), "device"));
+  return Summary(Sockets(inventory));
 }
 
 }  // namespace cli

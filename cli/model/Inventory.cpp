@@ -61,6 +61,7 @@ Inventory Inventory::Only(const std::function<bool(const Item&)>& keep) const {
     kept.total = ofClass.total;
   }
   part.fOrigin = fOrigin;
+  part.fCountsBeforeSelection = fCountsBeforeSelection;
   if (fKernel) part.fKernel = FactsAbout(part, *fKernel);
   return part;
 }

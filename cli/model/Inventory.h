@@ -12,6 +12,7 @@
 #include "cli/model/Item.h"
 #include "cli/model/KernelFacts.h"
 #include "cli/model/Origin.h"
+#include "cli/model/SocketCounts.h"
 #include "schema/ClassSchema.h"
 
 namespace cli {
@@ -52,8 +53,12 @@ class Inventory {
   bool IsEmpty() const;
   /// True when a selection has left items out.
   bool IsPartial() const;
+  /// How many nodes the picture of the whole inventory has; nothing where that is not known of a part.
+  const std::optional<SocketCounts>& CountsBeforeSelection() const { return fCountsBeforeSelection; }
+  void SetCountsBeforeSelection(SocketCounts counts) { fCountsBeforeSelection = counts; }
+
   /// The part whose items `keep` is true for, in the same order, and what the kernel knows of these; the
-  /// totals and the origin stay.
+  /// totals, the counts and the origin stay.
   Inventory Only(const std::function<bool(const Item&)>& keep) const;
 
   /// Whether a port without a reported device is known to be free, because the connections were collected.
@@ -77,6 +82,7 @@ class Inventory {
   std::optional<std::string> fDeviceList;
   std::optional<Origin> fOrigin;
   std::optional<KernelFacts> fKernel;
+  std::optional<SocketCounts> fCountsBeforeSelection;
   std::vector<ItemsOfClass> fClasses;
   bool fKnowsConnections = true;
 };

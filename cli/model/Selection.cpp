@@ -9,7 +9,9 @@
 #include <unordered_set>
 
 #include "cli/model/Identifier.h"
+#include "cli/model/Sockets.h"
 #include "cli/model/UsbTree.h"
+#include "kernel/DeviceName.h"
 
 namespace cli {
 
@@ -62,21 +64,70 @@ bool IsAt(const Item& item, const BusDevice& place) {
   return matches(place.bus, BusOf(identifier)) && matches(place.device, DeviceOf(identifier));
 }
 
-bool Matches(const Item& item, const Selection& selection) {
-  const auto& [ids, place, classes] = selection;
-  if (!classes.empty() && std::find(classes.begin(), classes.end(), item.Class()) == classes.end())
-    return false;
-  if (ids.empty() && !place) return true;
-  if (item.Class() != ClassId::kHub && item.Class() != ClassId::kDevice) return false;
+/// What a selection asks about items that these do not say themselves.
+class Facts {
+ public:
+  Facts(const Inventory& inventory, const Selection& selection) {
+    if (selection.name && inventory.Kernel()) AddNamed(*inventory.Kernel(), *selection.name);
+    if (selection.occupancy != Occupancy::kAny) AddSockets(inventory, selection.occupancy);
+  }
+
+  bool HasName(const Item& item) const { return fNamed.count(item.String(PropertyId::kDeviceID)) != 0; }
+  bool HasOccupancy(const Item& item) const { return fOfOccupancy.count(&item) != 0; }
+
+ private:
+  void AddNamed(const KernelFacts& facts, const std::string& name) {
+    for (const DeviceFacts& device : facts.devices) {
+      if (device.name == name) fNamed.insert(device.device);
+    }
+  }
+
+  void AddSockets(const Inventory& inventory, Occupancy occupancy) {
+    const Sockets sockets(inventory);
+    for (const SocketNode& node : sockets.Nodes()) {
+      if (!Has(node, occupancy)) continue;
+      for (const SocketHalf& half : node.halves) fOfOccupancy.insert(&half.GetItem());
+    }
+  }
+
+  static bool Has(const SocketNode& node, Occupancy occupancy) {
+    if (node.Class() == ClassId::kPort) {
+      return node.state == (occupancy == Occupancy::kFree ? SocketState::kFree : SocketState::kUsed);
+    }
+    const bool isPluggedIn = node.Class() != ClassId::kController && !node.IsRootHub();
+    return isPluggedIn && occupancy == Occupancy::kOccupied;
+  }
+
+  std::unordered_set<std::string> fNamed;
+  Items fOfOccupancy;
+};
+
+bool IsHubOrDevice(const Item& item) {
+  return item.Class() == ClassId::kHub || item.Class() == ClassId::kDevice;
+}
+
+bool HasClass(const Item& item, const std::vector<ClassId>& classes) {
+  return classes.empty() || std::find(classes.begin(), classes.end(), item.Class()) != classes.end();
+}
+
+bool Matches(const Item& item, const Selection& selection, const Facts& facts) {
+  if (!HasClass(item, selection.classes)) return false;
+  if (selection.occupancy != Occupancy::kAny && !facts.HasOccupancy(item)) return false;
+  if (selection.name && !(IsHubOrDevice(item) && facts.HasName(item))) return false;
+  if (selection.ids.empty() && !selection.place) return true;
+  if (!IsHubOrDevice(item)) return false;
+  const std::vector<VendorProduct>& ids = selection.ids;
   const auto hasIds = [&item](const VendorProduct& wanted) { return HasIds(item, wanted); };
-  return (ids.empty() || std::any_of(ids.begin(), ids.end(), hasIds)) && (!place || IsAt(item, *place));
+  return (ids.empty() || std::any_of(ids.begin(), ids.end(), hasIds)) &&
+         (!selection.place || IsAt(item, *selection.place));
 }
 
 Items FindMatches(const Inventory& inventory, const Selection& selection) {
+  const Facts facts(inventory, selection);
   Items matches;
   for (const ItemsOfClass& ofClass : inventory.Classes()) {
     for (const Item& item : ofClass.items) {
-      if (Matches(item, selection)) matches.insert(&item);
+      if (Matches(item, selection, facts)) matches.insert(&item);
     }
   }
   return matches;
@@ -133,6 +184,7 @@ Origin SelectedFrom(Origin origin, const Selection& selection) {
   for (const ClassId classId : selection.classes) AddOnce(schema::ClassOf(classId).name, classes);
   for (const VendorProduct& each : selection.ids) AddOnce(TextOf(each), ids);
   if (selection.place) AddOnce(TextOf(*selection.place), places);
+  if (selection.name) AddOnce(*selection.name, places);
   return origin;
 }
 
@@ -159,6 +211,11 @@ std::optional<BusDevice> ParseBusDevice(const std::string& text) {
   return isPlace ? std::optional<BusDevice>(place) : std::nullopt;
 }
 
+std::optional<std::string> ParseKernelName(const std::string& text) {
+  const std::optional<kernel::DeviceName> name = kernel::ParseDeviceName(text);
+  return name ? std::optional(name->Text()) : std::nullopt;
+}
+
 Inventory Select(const Inventory& inventory, const Selection& selection, bool keepsPath) {
   if (!selection.IsSet()) return inventory;
   Items items = FindMatches(inventory, selection);
@@ -167,6 +224,7 @@ Inventory Select(const Inventory& inventory, const Selection& selection, bool ke
     AddLinksAmong(inventory, items);
   }
   Inventory part = inventory.Only([&items](const Item& item) { return items.count(&item) != 0; });
+  if (!part.CountsBeforeSelection()) part.SetCountsBeforeSelection(Sockets(inventory).Counts());
   if (part.GetOrigin()) part.SetOrigin(SelectedFrom(*part.GetOrigin(), selection));
   return part;
 }
@@ -179,8 +237,12 @@ std::string Describe(const Selection& selection) {
   if (selection.place) {
     options.push_back("-s " + TextOf(*selection.place));
   }
+  if (selection.name) options.push_back("-s " + *selection.name);
   for (const ClassId classId : selection.classes)
     options.push_back("--class " + schema::ClassOf(classId).name);
+  if (selection.occupancy != Occupancy::kAny) {
+    options.emplace_back(selection.occupancy == Occupancy::kFree ? "--free" : "--occupied");
+  }
   return fmt::format("{}", fmt::join(options, " "));
 }
 

@@ -43,6 +43,12 @@ std::string FormatSpeedClass(std::uint64_t number) {
   return kSpeeds[static_cast<std::size_t>(SpeedClassOfDevice(number))];
 }
 
+std::string FormatRate(double megabitsPerSecond) {
+  if (!IsRate(megabitsPerSecond)) return {};
+  const auto whole = static_cast<std::uint64_t>(megabitsPerSecond);
+  return static_cast<double>(whole) == megabitsPerSecond ? FormatSpeed(whole * kMega) : "1.5 Mbit/s";
+}
+
 bool IsRate(double megabitsPerSecond) {
   constexpr double kLow = 1.5;
   const bool isWhole = megabitsPerSecond >= 1 && megabitsPerSecond <= kFastestRate &&

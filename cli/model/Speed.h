@@ -22,6 +22,9 @@ std::string FormatSpeed(std::uint64_t bitsPerSecond);
 /// The speed of a device, of which only the class is known: "480 Mbit/s", "5+ Gbit/s"; empty when it is not.
 std::string FormatSpeedClass(std::uint64_t number);
 
+/// "480 Mbit/s", "1.5 Mbit/s"; empty for a number that is not a rate.
+std::string FormatRate(double megabitsPerSecond);
+
 /// Whether a device can signal at that rate: 1.5, or a whole number from 1 to kFastestRate.
 bool IsRate(double megabitsPerSecond);
 constexpr double kFastestRate = 1000000;

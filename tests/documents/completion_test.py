@@ -98,7 +98,7 @@ class CompletionTest:
     """What every shell has to offer; SHELL is the one that is asked."""
 
     SHELL = None
-    FORMATS = ["tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html",
+    FORMATS = ["tree", "table", "json", "jsonl", "csv", "cimxml", "mof", "dot", "html",
                "list"]
     SUBCOMMANDS = ["show", "diff", "schema", "help"]
 

@@ -72,4 +72,12 @@ std::vector<LinkedItem> LinkItems(const cli::Inventory& inventory) {
   return items;
 }
 
+std::vector<LinkedItem> ListedItems(const cli::Inventory& inventory) {
+  std::vector<LinkedItem> listed;
+  for (const LinkedItem& item : LinkItems(inventory)) {
+    if (item.kind == "device" || (item.kind == "hub" && !item.isRootHub)) listed.push_back(item);
+  }
+  return listed;
+}
+
 }  // namespace usbinfo_test

@@ -33,4 +33,7 @@ struct LinkedItem {
 /// a link names, root hubs on their controllers before all others.
 std::vector<LinkedItem> LinkItems(const cli::Inventory& inventory);
 
+/// Those that lists of devices show: hubs other than root hubs, and devices.
+std::vector<LinkedItem> ListedItems(const cli::Inventory& inventory);
+
 }  // namespace usbinfo_test

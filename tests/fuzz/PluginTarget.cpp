@@ -76,6 +76,7 @@ void CheckFacts(const std::string& text) {
   cli::Inventory inventory = PluginRun(text).Result();
   inventory.SetKernel(cli::FromKernel(kernel::ReadDeviceList(text), inventory));
   CheckSaved(inventory);
+  CheckHarmless(inventory);
 }
 
 void CheckPlugin(const std::string& text) {

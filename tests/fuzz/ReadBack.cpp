@@ -9,6 +9,7 @@
 #include "cli/model/UsbIds.h"
 #include "tests/fuzz/BrokenInvariant.h"
 #include "tests/fuzz/CimXmlReader.h"
+#include "tests/fuzz/CsvReader.h"
 #include "tests/fuzz/DotReader.h"
 #include "tests/fuzz/HtmlReader.h"
 #include "tests/fuzz/JsonReader.h"
@@ -25,6 +26,12 @@ namespace {
 std::string WithoutColors(const std::string& text) {
   static const std::regex kColor("\x1B\\[[0-9]+m");
   return std::regex_replace(text, kColor, "");
+}
+
+void CheckTablesOfClasses(const cli::Inventory& inventory) {
+  cli::RenderOptions options{false};
+  options.showsClasses = true;
+  CheckClassTables(cli::FindOutputFormat("table").render(inventory, options), inventory);
 }
 
 /// Colours add nothing but themselves; details and names add lines and cells that are as harmless as the
@@ -48,11 +55,11 @@ void CheckList(const std::string& document, const cli::Inventory& inventory) {
 
 const FormatReader& FindFormatReader(const std::string& format) {
   static const std::vector<FormatReader> readers = {
-      {"tree", {"C", "C.UTF-8"}, CheckTree},  {"json", {"C.UTF-8"}, CheckJson},
-      {"jsonl", {"C.UTF-8"}, CheckJsonLines}, {"cimxml", {"C.UTF-8"}, CheckCimXml},
-      {"mof", {"C.UTF-8"}, CheckMof},         {"dot", {"C.UTF-8"}, CheckDot},
-      {"html", {"C.UTF-8"}, CheckHtml},       {"table", {"C", "C.UTF-8"}, CheckTable},
-      {"list", {"C.UTF-8"}, CheckList},
+      {"tree", {"C", "C.UTF-8"}, CheckTree},   {"json", {"C.UTF-8"}, CheckJson},
+      {"jsonl", {"C.UTF-8"}, CheckJsonLines},  {"cimxml", {"C.UTF-8"}, CheckCimXml},
+      {"mof", {"C.UTF-8"}, CheckMof},          {"dot", {"C.UTF-8"}, CheckDot},
+      {"html", {"C.UTF-8"}, CheckHtml},        {"csv", {"C.UTF-8"}, CheckCsv},
+      {"table", {"C", "C.UTF-8"}, CheckTable}, {"list", {"C.UTF-8"}, CheckList},
   };
   const auto found = std::find_if(readers.begin(), readers.end(),
                                   [&format](const FormatReader& reader) { return reader.format == format; });
@@ -70,9 +77,24 @@ void CheckEveryFormat(const cli::Inventory& inventory) {
       Require(std::setlocale(LC_CTYPE, locale) != nullptr, "the machine has the locale");
       reader.check(format.render(inventory, options), inventory);
       if (!format.isMachineReadable) CheckExtras(format, inventory);
+      if (format.name == "table") CheckTablesOfClasses(inventory);
     }
   }
   static_cast<void>(std::setlocale(LC_CTYPE, "C"));
+}
+
+void CheckHarmless(const cli::Inventory& inventory) {
+  cli::RenderOptions options{false};
+  options.color = cli::Color::kNever;
+  for (const bool isVerbose : {false, true}) {
+    options.isVerbose = isVerbose;
+    for (const cli::OutputFormat& format : cli::OutputFormats()) {
+      if (format.name != "csv" && format.isMachineReadable) continue;
+      std::string text = format.render(inventory, options);
+      if (format.name == "csv") text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+      RequireFitForTerminal(text, false);
+    }
+  }
 }
 
 }  // namespace usbinfo_test

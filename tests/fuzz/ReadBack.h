@@ -25,4 +25,8 @@ const FormatReader& FindFormatReader(const std::string& format);
 /// empty inventory for people, is left out.
 void CheckEveryFormat(const cli::Inventory& inventory);
 
+/// Throws BrokenInvariant where a format for people shows something of `inventory` that a terminal acts on,
+/// that is not seen or that turns the reading direction.
+void CheckHarmless(const cli::Inventory& inventory);
+
 }  // namespace usbinfo_test

@@ -13,6 +13,7 @@
 #include "tests/fuzz/PluginTarget.h"
 #include "tests/fuzz/ReadBack.h"
 #include "tests/fuzz/ReadPath.h"
+#include "tests/fuzz/TableReader.h"
 #include "tests/fuzz/Utf8.h"
 #include "tests/support/HostTest.h"
 
@@ -158,21 +159,45 @@ TEST_F(ReadBackTest, OfTheTreeRefusesWhatDiffers) {
 }
 
 TEST_F(ReadBackTest, OfTheTableRefusesWhatDiffers) {
-  EXPECT_FALSE(TakesWith("table", "KALDO_USBPort: 2 instances", "KALDO_USBPort: 3 instances"));
-  EXPECT_FALSE(TakesWith("table", "KALDO_USBDevice: 1 instance", "KALDO_USBDevice: 1 instances"));
-  EXPECT_FALSE(TakesWith("table", "BUS HUB PORT", "BUS PORT"));
+  EXPECT_FALSE(TakesWith("table", "KIND", "KINDS"));
   EXPECT_FALSE(TakesWith("table", "0000:0000", "0000:0001"));
-  EXPECT_FALSE(TakesWith("table", "12 Mbit/s", "480 Mbit/s"));
-  EXPECT_FALSE(TakesWith("table", " free\n", " in use\n"));
-  EXPECT_FALSE(TakesWith("table", " free\n", " free\n\n"));
-  EXPECT_FALSE(TakesWith("table", "\n\n", "\n"));
   EXPECT_FALSE(Takes("table", Render("table") + "\n"));
-  EXPECT_FALSE(TakesWith("table", "Root &", std::string(2000, 'x')));
+  EXPECT_FALSE(TakesWith("table", "Bus 01", std::string(2200, 'x')));
   for (const char* mark : {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xE2\x80\x8B", "\xFF"}) {
-    EXPECT_FALSE(TakesWith("table", "Root &", std::string("Root ") + mark)) << testing::PrintToString(mark);
+    EXPECT_FALSE(TakesWith("table", "Bus 01", std::string("Bus ") + mark)) << testing::PrintToString(mark);
   }
   static_cast<void>(std::setlocale(LC_CTYPE, "C"));
-  EXPECT_FALSE(TakesWith("table", "Root &", "R\xC3\xB6\xC3\xB6t &"));
+  EXPECT_FALSE(TakesWith("table", "Bus 01", "B\xC3\xBCs 01"));
+}
+
+TEST_F(ReadBackTest, OfTheTablesOfClassesRefusesWhatDiffers) {
+  cli::RenderOptions options{false};
+  options.showsClasses = true;
+  const std::string tables = cli::FindOutputFormat("table").render(run.Result(), options);
+  EXPECT_NO_THROW(CheckClassTables(tables, run.Result()));
+  const std::pair<const char*, const char*> changes[] = {
+      {"KALDO_USBPort: 2 instances", "KALDO_USBPort: 3 instances"},
+      {"KALDO_USBDevice: 1 instance", "KALDO_USBDevice: 1 instances"},
+      {"BUS HUB PORT", "BUS PORT"},
+      {"0000:0000", "0000:0001"},
+      {"12 Mbit/s", "480 Mbit/s"},
+      {" free\n", " in use\n"},
+      {" free\n", " free\n\n"},
+      {"\n\n", "\n"},
+      {"Root &", "Root \x1B"}};
+  for (const auto& [part, replacement] : changes) {
+    EXPECT_THROW(CheckClassTables(Changed(tables, part, replacement), run.Result()), BrokenInvariant) << part;
+  }
+}
+
+TEST_F(ReadBackTest, OfCsvRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("csv", "place,kind", "kind,place"));
+  EXPECT_FALSE(TakesWith("csv", "0000:0000", "0000:0001"));
+  EXPECT_FALSE(TakesWith("csv", "\r\n", "\n"));
+  EXPECT_FALSE(TakesWith("csv", "a\\xffz", "=a\\xffz"));
+  EXPECT_FALSE(TakesWith("csv", "a\\xffz", "a\\xffz,"));
+  EXPECT_FALSE(TakesWith("csv", "a\\xffz", "\"a\\xffz"));
+  EXPECT_FALSE(Takes("csv", Render("csv") + "\r\n"));
 }
 
 TEST(SecondReading, RefusesTheInventoryOfAnotherList) {

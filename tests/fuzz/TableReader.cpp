@@ -1,10 +1,13 @@
 #include "tests/fuzz/TableReader.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 #include <sstream>
+#include <vector>
 
 #include "tests/fuzz/BrokenInvariant.h"
+#include "tests/fuzz/LinkModel.h"
 #include "tests/fuzz/Utf8.h"
 
 using cli::ClassId;
@@ -95,7 +98,7 @@ void CheckSection(LineReader& lines, const cli::ItemsOfClass& ofClass) {
 
 }  // namespace
 
-void CheckTable(const std::string& document, const cli::Inventory& inventory) {
+void CheckClassTables(const std::string& document, const cli::Inventory& inventory) {
   constexpr std::size_t kMostColumns = 7;
   RequireFitForTable(document, kMostColumns);
   LineReader lines(document);
@@ -107,6 +110,25 @@ void CheckTable(const std::string& document, const cli::Inventory& inventory) {
     CheckSection(lines, ofClass);
   }
   Require(lines.IsAtEnd(), "nothing follows the last section");
+}
+
+void CheckTable(const std::string& document, const cli::Inventory& inventory) {
+  constexpr std::size_t kColumns = 8;
+  RequireFitForTable(document, kColumns);
+  const std::vector<LinkedItem> items = ListedItems(inventory);
+  LineReader lines(document);
+  RequireEqual(WithSingleBlanks(lines.Next()), "PLACE KIND NAME VENDOR ID SERIAL SPEED DRIVER",
+               "the titles of the table");
+  std::vector<std::string> rows;
+  while (!lines.IsAtEnd()) rows.push_back(" " + WithSingleBlanks(lines.Next()) + " ");
+  RequireCount(rows.size(), items.size(), "rows of the table");
+  for (const LinkedItem& item : items) {
+    const std::string id = " " + item.Id() + " ";
+    const auto withId = [&id](const std::string& row) { return row.find(id) != std::string::npos; };
+    const auto alike = std::count_if(items.begin(), items.end(),
+                                     [&](const LinkedItem& other) { return other.Id() == item.Id(); });
+    Require(std::count_if(rows.begin(), rows.end(), withId) >= alike, "the table has a row per device");
+  }
 }
 
 }  // namespace usbinfo_test

@@ -230,7 +230,8 @@ TEST(Diff, KeepsAForgedMemberNameOnTheLineOfItsMessage) {
 
 TEST(Diff, ReportsAnOutputThatFails) {
   for (const char* format : {"text", "json"}) {
-    const std::vector<std::string> arguments = {"diff", "--as-is", Capture(), OtherCapture(), "--format", format};
+    const std::vector<std::string> arguments = {"diff",         "--as-is",  Capture(),
+                                                OtherCapture(), "--format", format};
     EXPECT_EQ(Command(arguments).OutputToClosedPipe().Run().errors, "");
     EXPECT_EQ(Command(arguments).OutputToClosedPipe().Run().status, -SIGPIPE);
     EXPECT_EQ(Command(arguments).CloseOutput().Run().status, 2);

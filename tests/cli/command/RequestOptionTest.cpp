@@ -84,10 +84,12 @@ TEST(RequestOption, ShowsPortsAsFreeOnlyWhereAllConnectionsWereMade) {
   for (const char* names : {"KALDO_USBPort", "KALDO_USBHub,KALDO_USBPort,KALDO_USBConnection",
                             "KALDO_USBHub,KALDO_USBPort,KALDO_USBConnection,KALDO_USBDevice",
                             "KALDO_USBHub,KALDO_USBPort,KALDO_USBDevice,KALDO_USBConnection,KALDO_USBPort"}) {
-    for (const char* format : {"tree", "table", "dot"}) {
-      const std::string output = Request(names, {"--format", format}).output;
-      EXPECT_THAT(output, testing::HasSubstr("unknown")) << names << " " << format;
-      EXPECT_THAT(output, testing::Not(testing::HasSubstr("free"))) << names << " " << format;
+    const std::vector<std::vector<std::string>> forms = {
+        {"--format", "tree"}, {"--format", "table", "--class", "port"}, {"--format", "dot"}};
+    for (const std::vector<std::string>& form : forms) {
+      const std::string output = Request(names, form).output;
+      EXPECT_THAT(output, testing::HasSubstr("unknown")) << names << " " << form[1];
+      EXPECT_THAT(output, testing::Not(testing::HasSubstr("free"))) << names << " " << form[1];
     }
   }
   EXPECT_THAT(Request("KALDO_USBHub,KALDO_USBPort,KALDO_USBDevice,KALDO_USBConnection").output,

@@ -131,6 +131,15 @@ TEST(SelectionOptions, TakeTheFormsOfTheUsualTools) {
   EXPECT_EQ(SelectedOnDesktop({"-s", ":"}).size(), 11U);
 }
 
+TEST(SelectionOptions, TakeTheNamesOfTheKernel) {
+  EXPECT_THAT(SelectedOnDesktop({"-s", "1-3.1"}), ElementsAre("Bus 01  Device   4"));
+  EXPECT_THAT(SelectedOnDesktop({"-s", "1-3"}), ElementsAre("Bus 01  Device   2"));
+  EXPECT_THAT(SelectedOnDesktop({"-s", "usb2"}), ElementsAre("Bus 02  Device   1"));
+  EXPECT_THAT(SelectedOnDesktop({"-s", "1-3.3"}), IsEmpty());
+  const json origin = json::parse(RunOnDesktop({"-s", "1-3.1", "--format", "json"}).output)["origin"];
+  EXPECT_EQ(origin["selection"]["places"], json::array({"1-3.1"}));
+}
+
 TEST(SelectionOptions, TakeProductsOfAnyVendorAndSeveralIds) {
   EXPECT_THAT(SelectedOnDesktop({"-d", ":55aa"}), ElementsAre("Bus 01  Device   2"));
   EXPECT_THAT(SelectedOnDesktop({"-d", "0627:", "-d", ":55aa"}),
@@ -169,7 +178,7 @@ TEST(SelectionOptions, TakeClassesByShortNamesInAnyCase) {
 }
 
 TEST(ColumnsOption, TakesNamesInAnyCase) {
-  const std::vector<std::string> table = {"--format", "table", "--columns"};
+  const std::vector<std::string> table = {"--format", "table", "--class", "device", "--columns"};
   const auto run = [&table](const char* columns) {
     std::vector<std::string> all = table;
     all.emplace_back(columns);
@@ -322,8 +331,8 @@ TEST(SelectionOfARequest, TakesFromWhatWasRequested) {
   EXPECT_THAT(SelectedOnDesktop({"--request", request, "--class", "KALDO_USBPort"}), IsEmpty());
   EXPECT_EQ(RunOnDesktop({"--request", request, "-s", "1:4"}).output,
             "testhost: 0 controllers, 0 of 5 hubs, 0 ports, 1 of 6 devices\n\n"
-            "USB              DEVICE            ID             SPEED\n"
-            "Bus 01, device 4 QEMU USB Keyboard 0627:0001  12 Mbit/s\n");
+            "USB   KIND     DEVICE            ID             SPEED\n"
+            "1-3.1 keyboard QEMU USB Keyboard 0627:0001  12 Mbit/s\n");
 }
 
 TEST(SelectionOfARequest, IsNotBlamedWhereTheRequestBroughtNothing) {

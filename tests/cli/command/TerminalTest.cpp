@@ -20,48 +20,34 @@ std::string OnTerminal(const std::string& list, unsigned short columns, const st
   return Command(arguments).Input(list).Set("LC_ALL", locale).OutputToTerminal(columns).Run().output;
 }
 
-constexpr const char* kNarrowTree = R"(USB           DEVICE          ID             SPEED
-Bus 01        xHCI Host Cont~
-`-Root hub    6 ports         1d6b:0002 480 Mbit/s
-  |-Port 00   free                      480 Mbit/s
-  |-Port 01   free                      480 Mbit/s
-  |-Port 02   QEMU USB Hub, ~ 0409:55aa  12 Mbit/s
-  | |-Port 00 QEMU USB Keybo~ 0627:0001  12 Mbit/s
-  | |-Port 01 QEMU USB Mouse  0627:0001  12 Mbit/s
-  | |-Port 02 free                       12 Mbit/s
-  | |-Port 03 free                       12 Mbit/s
-  | |-Port 04 free                       12 Mbit/s
-  | |-Port 05 free                       12 Mbit/s
-  | |-Port 06 free                       12 Mbit/s
-  | `-Port 07 free                       12 Mbit/s
-  |-Port 03   QEMU USB Audio  46f4:0002  12 Mbit/s
-  |-Port 04   free                      480 Mbit/s
-  `-Port 05   free                      480 Mbit/s
-Bus 02        xHCI Host Cont~
-`-Root hub    4 ports         1d6b:0003   5 Gbit/s
-  |-Port 00   QEMU USB HARDD~ 46f4:0001  5+ Gbit/s
-  |-Port 01   USB Attached S~ 46f4:0003  5+ Gbit/s
-  |-Port 02   free                        5 Gbit/s
-  `-Port 03   free                        5 Gbit/s
-Bus 03        EHCI Host Cont~
-`-Root hub    6 ports         1d6b:0002 480 Mbit/s
-  |-Port 00   free                      480 Mbit/s
-  |-Port 01   free                      480 Mbit/s
-  |-Port 02   free                      480 Mbit/s
-  |-Port 03   free                      480 Mbit/s
-  |-Port 04   free                      480 Mbit/s
-  `-Port 05   free                      480 Mbit/s
-Bus 04        UHCI Host Cont~
-`-Root hub    2 ports         1d6b:0001  12 Mbit/s
-  |-Port 00   Wacom PenPartn~ 056a:0000  12 Mbit/s
-  `-Port 01   free                       12 Mbit/s
+constexpr const char* kNarrowTree = R"(USB                DEVICE                ID
+usb1               xHCI Host Controller  1d6b:0002
+|-1-1              free
+|-1-2              free
+|-1-3              QEMU USB Hub, 8 ports 0409:55aa
+| |-1-3.1          QEMU USB Keyboard     0627:0001
+| |-1-3.2          QEMU USB Mouse        0627:0001
+| `-1-3.3 to 1-3.8 free
+|-1-4              QEMU USB Audio        46f4:0002
+|-1-5              free
+`-1-6              free
+usb2               xHCI Host Controller  1d6b:0003
+|-2-1              QEMU USB HARDDRIVE    46f4:0001
+|-2-2              USB Attached SCSI HBA 46f4:0003
+|-2-3              free
+`-2-4              free
+usb3               EHCI Host Controller  1d6b:0002
+`-3-1 to 3-6       free
+usb4               UHCI Host Controller  1d6b:0001
+|-4-1              Wacom PenPartner      056a:0000
+`-4-2              free
 )";
 
 const std::vector<std::vector<std::string>> kForms = {
     {},
     {"-v"},
     {"--format", "table"},
-    {"--format", "table", "--columns", "Description,SerialNumber,DeviceID"}};
+    {"--format", "table", "--class", "device", "--columns", "Description,SerialNumber,DeviceID"}};
 
 TEST(Terminal, OfEightyColumnsHoldsEveryCapture) {
   for (const std::string& path : CapturePaths()) {
@@ -109,13 +95,13 @@ TEST(Terminal, OfEightyColumnsShowsTheWholeDesktopMachine) {
 
 TEST(Terminal, GetsTheLinesThatItsLocaleHas) {
   const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
-  EXPECT_EQ(Lines(OnTerminal(list, 80, "C")).at(5),
-            "  |-Port 00   free                            480 Mbit/s");
-  EXPECT_EQ(Lines(OnTerminal(list, 80, "C.UTF-8")).at(5),
-            "  ├─Port 00   free                            480 Mbit/s");
+  EXPECT_EQ(Lines(OnTerminal(list, 80, "C")).at(4),
+            "|-1-1                           free                            480 Mbit/s");
+  EXPECT_EQ(Lines(OnTerminal(list, 80, "C.UTF-8")).at(4),
+            "├─1-1                           free                            480 Mbit/s");
 }
 
-TEST(Terminal, OfFiftyColumnsCutsNamesOnly) {
+TEST(Terminal, OfFiftyColumnsLeavesKindsAndSpeedsOut) {
   const std::string text = OnTerminal(ReadFile(CapturePath("vm-desktop-debugfs")), 50, "C");
   const std::size_t heading = text.find("\n\n");
   ASSERT_NE(heading, std::string::npos);
@@ -184,13 +170,13 @@ TEST(Terminal, KeepsSerialNumbersAndIdsWholeAtTheCostOfNames) {
   const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
   for (unsigned short columns = 41; columns <= 80; columns += 3) {
     const std::string table = OnTerminal(list, columns, "C", {"--format", "table"});
-    for (const char* text : {" 0627:0001 ", " 68284-0000:00:01.0-3.1\n", " 89126-0000:00:01.0-3.2\n"}) {
+    for (const char* text : {" 0627:0001 ", " 68284-0000:00:01.0-3.1", " 89126-0000:00:01.0-3.2"}) {
       EXPECT_THAT(table, testing::HasSubstr(text)) << columns;
     }
   }
 }
 
-TEST(Terminal, GivesUpNamesFirstThenSpeedsThenDevices) {
+TEST(Terminal, GivesUpNamesFirstThenSpeedsThenKindsThenDevices) {
   const std::string list = ReadFile(CapturePath("vm-desktop-debugfs"));
   const auto titles = [&list](unsigned short columns) {
     return Lines(Command({"--devices", "-"})
@@ -201,11 +187,12 @@ TEST(Terminal, GivesUpNamesFirstThenSpeedsThenDevices) {
                      .output)
         .at(2);
   };
-  EXPECT_EQ(titles(64), "USB           DEVICE       ID             SPEED KNOWN AS");
-  EXPECT_EQ(titles(63), "USB           DEVICE                ID             SPEED");
-  EXPECT_EQ(titles(46), "USB           DEVICE                ID");
-  EXPECT_EQ(titles(35), "USB           ID");
-  EXPECT_EQ(titles(22), "USB");
+  EXPECT_EQ(titles(82), "USB                KIND         DEVICE       ID             SPEED KNOWN AS");
+  EXPECT_EQ(titles(81), "USB                KIND         DEVICE                ID             SPEED");
+  EXPECT_EQ(titles(64), "USB                KIND         DEVICE                ID");
+  EXPECT_EQ(titles(53), "USB                DEVICE                ID");
+  EXPECT_EQ(titles(40), "USB                ID");
+  EXPECT_EQ(titles(27), "USB");
 }
 
 TEST(Terminal, MayBeOfUnknownWidth) {

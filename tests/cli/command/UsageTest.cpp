@@ -15,7 +15,8 @@ namespace usbinfo_test {
 namespace {
 
 constexpr const char* kWrongIds = "-d: must be [VID]:[PID], hexadecimal numbers of up to four digits";
-constexpr const char* kWrongPlace = "-s: must be [BUS]:[DEV] or DEV, decimal numbers";
+constexpr const char* kWrongPlace =
+    "-s: must be [BUS]:[DEV] or DEV, decimal numbers, or a name such as 1-3.1";
 #define USBINFO_TEST_CLASSES " is not one of controller, hub, port, device, portonhub, connection"
 
 struct WrongUse {
@@ -65,20 +66,20 @@ const WrongUse kWrongUses[] = {
     {"EmptyLog", {"--log", ""}, "--log: must not be empty"},
     {"EmptyFormat",
      {"--format", ""},
-     "--format: \"\" is not one of tree, table, json, jsonl, cimxml, mof, dot, html, list"},
+     "--format: \"\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list"},
     {"EmptyRequest", {"--request", ""}, "--request: needs class names separated by commas"},
     {"RequestBeginsWithComma", {"--request", ",A"}, "--request: needs class names separated by commas"},
     {"RequestEndsWithComma", {"--request", "A,"}, "--request: needs class names separated by commas"},
     {"RequestWithEmptyName", {"--request", "A,,B"}, "--request: needs class names separated by commas"},
     {"WrongFormat",
      {"--format", "yaml"},
-     "--format: \"yaml\" is not one of tree, table, json, jsonl, cimxml, mof, dot, html, list"},
+     "--format: \"yaml\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list"},
     {"FormatInCapitals",
      {"--format", "JSON"},
-     "--format: \"JSON\" is not one of tree, table, json, jsonl, cimxml, mof, dot, html, list"},
+     "--format: \"JSON\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list"},
     {"WrongFormatOfShow",
      {"show", "--format", "yaml"},
-     "--format: \"yaml\" is not one of tree, table, json, jsonl, cimxml, mof, dot, html, list"},
+     "--format: \"yaml\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list"},
     {"WrongLogLevel",
      {"--log-level", "loud"},
      "--log-level: \"loud\" is not one of error, warning, status, debug, verbose"},
@@ -97,6 +98,16 @@ const WrongUse kWrongUses[] = {
     {"DetailsOfTheTable",
      {"--verbose", "--format", "table"},
      "-v is for the tree: leave it out, or use --format tree"},
+    {"FreeAndOccupied",
+     {"--free", "--occupied"},
+     "--occupied and --free contradict each other: leave one of them out"},
+    {"FreeAsJson",
+     {"--free", "--format", "json"},
+     "--free is for the formats tree, table, csv, dot, html: leave it out, or use one of them"},
+    {"OccupiedAsAList",
+     {"--occupied", "--format", "list"},
+     "--occupied is for the formats tree, table, csv, dot, html: leave it out, or use one of them"},
+    {"PortForAPlace", {"-s", "usb1-port2"}, kWrongPlace},
     {"ColumnsOfTheTree",
      {"--columns", "Name"},
      "--columns is for the table: leave it out, or use --format table"},
@@ -105,15 +116,19 @@ const WrongUse kWrongUses[] = {
      "--columns is for the table: leave it out, or use --format table"},
     {"UnknownColumn",
      {"--format", "table", "--columns", "Name,Colour"},
+     "--columns: \"Colour\" is not one of place, kind, name, vendor, identifier, serial, speed, driver; "
+     "properties need --class"},
+    {"UnknownProperty",
+     {"--columns", "Name,Colour", "--format", "table", "--class", "hub"},
      "--columns: \"Colour\" is not one of Antecedent, ClassCode, CreationClassName, Dependent, Description, "
      "DeviceID, HubDepth, HubName, InterfaceType, Manufacturer, Name, NumberOfConfigs, NumberOfPorts, "
      "PortNumber, ProtocolCode, SerialNumber, Speed, StatusDescriptions, SubclassCode, "
      "SystemCreationClassName, SystemName, USBDeviceID, USBVersion, VendorID"},
     {"NoColumns", {"--columns"}, "--columns requires a value: A,B,..."},
-    {"EmptyColumns", {"--columns", ""}, "--columns: needs property names separated by commas"},
+    {"EmptyColumns", {"--columns", ""}, "--columns: needs names of columns separated by commas"},
     {"ColumnsWithEmptyName",
      {"--columns", "Name,,Speed"},
-     "--columns: needs property names separated by commas"},
+     "--columns: needs names of columns separated by commas"},
     {"WrongColor", {"--color", "green"}, "--color: \"green\" is not one of auto, always, never"},
     {"NoColor", {"--color"}, "--color requires a value: WHEN"},
     {"DevicesTwice", {"--devices", "a", "--devices", "b"}, "--devices may be given only once"},

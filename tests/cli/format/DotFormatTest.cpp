@@ -25,7 +25,8 @@ class DotFormatTest : public CliTest {
   std::string Statements() const {
     std::string statements;
     for (const std::string& line : Lines(Render())) {
-      if (line.rfind("  n", 0) == 0 && line.rfind("  node", 0) != 0) statements += line + "\n";
+      const bool isOfNode = line.rfind("  n", 0) == 0 && line.rfind("  node", 0) != 0;
+      if (isOfNode || line.rfind("  f", 0) == 0) statements += line + "\n";
     }
     return statements;
   }
@@ -44,20 +45,20 @@ TEST_F(DotFormatTest, IsAnEmptyDigraphForAnEmptyInventory) {
   EXPECT_EQ(Render(), "digraph usb {\n}\n");
 }
 
-TEST_F(DotFormatTest, DrawsEveryItemAndEveryLink) {
+TEST_F(DotFormatTest, DrawsEveryItemAndEveryLinkAndTheFreePortsAsOneNode) {
   AddControllerWithHub();
   EXPECT_EQ(
       Statements(),
       "  n0 [class=\"controller\", label=\"Bus 01\\nHost\", fillcolor=\"#24364b\", fontcolor=\"#ffffff\"];\n"
       "  n1 [class=\"hub\", label=\"Root hub\\n0000:0000, 2 ports\", fillcolor=\"#dde8f5\"];\n"
-      "  n2 [class=\"port used\", label=\"Port 00\\n480 Mbit/s\", fontsize=9];\n"
-      "  n3 [class=\"port free\", label=\"Port 01 free\", shape=plaintext, style=\"\", "
+      "  f1 [class=\"port free\", label=\"+1 free\", shape=plaintext, style=\"\", "
       "fontcolor=\"#667080\", fontsize=8, height=0.16, margin=\"0.03,0\"];\n"
-      "  n4 [class=\"device\", label=\"Mouse\\n0000:0000, 12 Mbit/s\", fillcolor=\"#e3f1e4\"];\n"
+      "  n2 [class=\"port used\", label=\"Port 00\\n480 Mbit/s\", fontsize=9];\n"
+      "  n3 [class=\"device\", label=\"Mouse\\n0000:0000, 12 Mbit/s\", fillcolor=\"#e3f1e4\"];\n"
       "  n0 -> n1;\n"
       "  n1 -> n2;\n"
-      "  n1 -> n3 [color=\"#d3d8df\"];\n"
-      "  n2 -> n4;\n");
+      "  n1 -> f1 [color=\"#d3d8df\"];\n"
+      "  n2 -> n3;\n");
 }
 
 TEST_F(DotFormatTest, RunsFromLeftToRightUnderTheSummary) {

@@ -149,7 +149,7 @@ TEST(HostileStrings, NeitherTurnTheReadingDirectionNorHideFromPeople) {
       EXPECT_FALSE(HasDirectionMark(text) || HidesCharacters(text)) << hostile.name << " " << form;
       EXPECT_FALSE(ActsOnTerminal(text)) << hostile.name << " " << form;
     }
-    for (const char* form : {"json", "jsonl", "cimxml", "mof", "dot", "html"}) {
+    for (const char* form : {"json", "jsonl", "cimxml", "mof", "dot", "html", "csv"}) {
       const std::string text = RunOn(DeviceListWith(hostile.bytes), {"--format", form}).output;
       EXPECT_FALSE(HasDirectionMark(text) || HidesCharacters(text)) << hostile.name << " " << form;
     }

@@ -22,7 +22,13 @@ class TableFormatTest : public CliTest {
  protected:
   std::string Render() const { return cli::RenderTable(Collected(), options); }
 
-  cli::RenderOptions options{false};
+  static cli::RenderOptions OfClasses() {
+    cli::RenderOptions ofClasses{false};
+    ofClasses.showsClasses = true;
+    return ofClasses;
+  }
+
+  cli::RenderOptions options = OfClasses();
 };
 
 constexpr const char* kSmallTable = R"(KALDO_USBController: 1 instance
@@ -66,6 +72,7 @@ std::string SmallMachine() {
          "S:  Manufacturer=Linux 6.1.0-56-amd64 xhci-hcd\n"
          "S:  Product=xHCI Host Controller\n"
          "S:  SerialNumber=0000:00:01.0\n"
+         "C:* #Ifs= 1 Cfg#= 1 Atr=a0 MxPwr=  0mA\n"
          "I:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 Prot=00 Driver=hub\n\n"
          "T:  Bus=01 Lev=01 Prnt=01 Port=00 Cnt=01 Dev#=  2 Spd=12   MxCh= 2\n"
          "D:  Ver= 1.10 Cls=09(hub  ) Sub=00 Prot=00 MxPS= 8 #Cfgs=  1\n"
@@ -73,10 +80,12 @@ std::string SmallMachine() {
          "S:  Manufacturer=QEMU\n"
          "S:  Product=QEMU USB Hub\n"
          "S:  SerialNumber=314159\n"
+         "C:* #Ifs= 1 Cfg#= 1 Atr=a0 MxPwr=  0mA\n"
          "I:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 Prot=00 Driver=hub\n\n"
          "T:  Bus=01 Lev=02 Prnt=02 Port=01 Cnt=01 Dev#=  3 Spd=1.5  MxCh= 0\n"
          "D:  Ver= 2.00 Cls=00(>ifc ) Sub=00 Prot=00 MxPS= 8 #Cfgs=  1\n"
          "P:  Vendor=46f4 ProdID=0001 Rev= 0.00\n"
+         "C:* #Ifs= 1 Cfg#= 1 Atr=a0 MxPwr=  0mA\n"
          "I:* If#= 0 Alt= 0 #EPs= 1 Cls=03(HID  ) Sub=01 Prot=01 Driver=usbhid\n\n";
 }
 
@@ -153,7 +162,7 @@ TEST_F(TableFormatTest, PutsOtherPeoplesNamesBesideTheDevicesOwn) {
 }
 
 TEST_F(TableFormatTest, KnowsThePropertiesOfAllClassesOnceEach) {
-  const std::vector<std::string> names = cli::TableColumnNames();
+  const std::vector<std::string> names = cli::PropertyNames();
   EXPECT_EQ(names.size(), 24U);
   EXPECT_EQ(names.front(), "Antecedent");
   EXPECT_EQ(names.back(), "VendorID");
@@ -167,8 +176,31 @@ CommandResult RunTable(std::vector<std::string> options, const std::string& list
   return Command(std::move(options)).Input(list).Run();
 }
 
-TEST(TableOption, PrintsWhatTheFormatMakesOfTheList) {
+TEST(TableOption, PrintsADeviceInARowWithWhatTheKernelKnowsOfIt) {
   const CommandResult result = RunTable({});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output,
+            "PLACE KIND     NAME         VENDOR ID        SERIAL      SPEED DRIVER\n"
+            "1-1   hub      QEMU USB Hub QEMU   0409:55aa 314159  12 Mbit/s hub\n"
+            "1-1.2 keyboard (no name)           46f4:0001        1.5 Mbit/s usbhid\n");
+  EXPECT_EQ(result.errors, "");
+}
+
+TEST(TableOption, PrintsTheFreeSocketsInstead) {
+  EXPECT_EQ(RunTable({"--free", "--columns", "Place,NAME,speed"}).output,
+            "PLACE NAME      SPEED\n"
+            "1-1.1 free  12 Mbit/s\n"
+            "1-2   free 480 Mbit/s\n");
+}
+
+TEST(TableOption, PrintsTheSameDevicesWhereOnlyWhatIsPluggedInIsAskedFor) {
+  EXPECT_EQ(RunTable({"--occupied"}).output, RunTable({}).output);
+}
+
+TEST(TableOption, PrintsClassesThatAreAskedFor) {
+  const CommandResult result =
+      RunTable({"--class", "controller", "--class", "hub", "--class", "port", "--class", "device", "--class",
+                "portonhub", "--class", "connection"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.output, kSmallTable);
   EXPECT_EQ(result.errors, "");
@@ -181,7 +213,8 @@ TEST(TableOption, PrintsNothingOfAnEmptyList) {
 }
 
 TEST(ColumnsOption, PicksColumns) {
-  const CommandResult result = RunTable({"--columns", "NumberOfPorts,VendorID"});
+  const CommandResult result =
+      RunTable({"--class", "hub", "--class", "device", "--columns", "NumberOfPorts,VendorID"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.output,
             "KALDO_USBHub: 2 instances\n"
@@ -196,7 +229,7 @@ TEST(ColumnsOption, PicksColumns) {
 
 TEST(ColumnsOption, SaysSoWhenNoClassWithInstancesHasOne) {
   const std::string list = "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  2 Spd=12   MxCh= 0\n\n";
-  const CommandResult result = RunTable({"--columns", "Antecedent,Dependent"}, list);
+  const CommandResult result = RunTable({"--class", "device", "--columns", "Antecedent,Dependent"}, list);
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.output, "");
   EXPECT_EQ(
@@ -208,7 +241,7 @@ TEST(ColumnsOption, LeavesTheOldFileWhenThereIsNothingToShow) {
   const TemporaryFolder folder;
   const std::string path = folder.File("out", "old");
   const std::string list = "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  2 Spd=12   MxCh= 0\n\n";
-  EXPECT_EQ(RunTable({"--columns", "Antecedent", "--output", path}, list).status, 1);
+  EXPECT_EQ(RunTable({"--class", "device", "--columns", "Antecedent", "--output", path}, list).status, 1);
   EXPECT_EQ(ReadFile(path), "old");
 }
 

@@ -112,20 +112,22 @@ TEST(Verbose, KeepsTheLinesOfTheTreeBesideTheDetails) {
   std::vector<std::string> lines =
       Lines(RunVerbose(ReadFile(CapturePath("vm-desktop-debugfs")), 80, "C").output);
   const std::vector<std::string> expected = {
-      "USB           DEVICE                                     ID             SPEED",
-      "Bus 01        xHCI Host Controller",
-      "`-Root hub    6 ports                                    1d6b:0002 480 Mbit/s",
-      "  |           manufacturer Linux 6.1.0-56-amd64 xhci-hcd",
-      "  |           serial number 0000:00:01.0",
-      "  |           USB 2.00, 1 configuration",
-      "  |           class 0*, subclass 0*, protocol 0*",
-      "  |-Port 00   free                                                 480 Mbit/s",
-      "  |-Port 01   free                                                 480 Mbit/s",
-      "  |-Port 02   QEMU USB Hub, 8 ports                      0409:55aa  12 Mbit/s",
-      "  | |         manufacturer QEMU",
-      "  | |         serial number 314159-0000:00:01.0-3",
-      "  | |         USB 1.10, 1 configuration",
-      "  | |         class 0*, subclass 0*, protocol 0*"};
+      "USB       KIND         DEVICE                               ID             SPEED",
+      "usb1      controller   xHCI Host Controller                 1d6b:0002 480 Mbit/s",
+      "|                      manufacturer Linux 6.1.0-56-amd64 xhci-hcd",
+      "|                      serial number 0000:00:01.0",
+      "|                      USB 2.00, 1 configuration, revision 6.01",
+      "|                      driver hub",
+      "|                      device number 1",
+      "|-1-1                  free                                           480 Mbit/s",
+      "|-1-2                  free                                           480 Mbit/s",
+      "|-1-3     hub          QEMU USB Hub, 8 ports                0409:55aa  12 Mbit/s",
+      "| |                    manufacturer QEMU",
+      "| |                    serial number 314159-0000:00:01.0-3",
+      "| |                    USB 1.10, 1 configuration, revision 1.01",
+      "| |                    driver hub",
+      "| |                    device number 2",
+      "| |-1-3.1 keyboard     QEMU USB Keyboard                    0627:0001  12 Mbit/s"};
   ASSERT_GE(lines.size(), expected.size() + 2);
   lines.erase(lines.begin(), lines.begin() + 2);
   lines.resize(expected.size());

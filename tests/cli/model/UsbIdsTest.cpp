@@ -103,14 +103,17 @@ CommandResult RunWithNames(const std::string& path, std::vector<std::string> opt
 TEST(Names, StandBesideTheDevicesOwnInTheTree) {
   const std::vector<std::string> lines = Lines(RunWithNames(kNames, {}).output);
   ASSERT_GE(lines.size(), 15U);
-  EXPECT_EQ(lines[2], "USB           DEVICE                ID             SPEED KNOWN AS");
-  EXPECT_EQ(lines[3], "Bus 01        xHCI Host Controller");
-  EXPECT_EQ(lines[4], "└─Root hub    6 ports               1d6b:0002 480 Mbit/s 2.0 Hub (Root Hubs & Sons)");
-  EXPECT_EQ(lines[5], "  ├─Port 00   free                            480 Mbit/s");
-  EXPECT_EQ(lines[7], "  ├─Port 02   QEMU USB Hub, 8 ports 0409:55aa  12 Mbit/s");
-  EXPECT_EQ(lines[8],
-            "  │ ├─Port 00 QEMU USB Keyboard     0627:0001  12 Mbit/s Pointing Device (Emulated Inputs Ltd)");
-  EXPECT_EQ(lines[16], "  ├─Port 03   QEMU USB Audio        46f4:0002  12 Mbit/s (Emulated Storage)");
+  EXPECT_EQ(lines[2], "USB                KIND         DEVICE                ID             SPEED KNOWN AS");
+  EXPECT_EQ(lines[3],
+            "usb1               controller   xHCI Host Controller  1d6b:0002 480 Mbit/s 2.0 Hub (Root Hubs & "
+            "Sons)");
+  EXPECT_EQ(lines[4], "├─1-1                           free                            480 Mbit/s");
+  EXPECT_EQ(lines[6], "├─1-3              hub          QEMU USB Hub, 8 ports 0409:55aa  12 Mbit/s");
+  EXPECT_EQ(lines[7],
+            "│ ├─1-3.1          keyboard     QEMU USB Keyboard     0627:0001  12 Mbit/s Pointing Device "
+            "(Emulated Inputs Ltd)");
+  EXPECT_EQ(lines[10],
+            "├─1-4              audio        QEMU USB Audio        46f4:0002  12 Mbit/s (Emulated Storage)");
 }
 
 TEST(Names, LeaveTheRestOfTheTreeAsItIs) {
@@ -123,7 +126,7 @@ TEST(Names, LeaveTheRestOfTheTreeAsItIs) {
 }
 
 TEST(Names, AreInNoExportForPrograms) {
-  for (const char* format : {"json", "jsonl", "cimxml", "mof", "dot"}) {
+  for (const char* format : {"json", "jsonl", "csv", "cimxml", "mof", "dot"}) {
     const std::string text = RunWithNames(kNames, {"--format", format}).output;
     EXPECT_EQ(text, RunWithNames("", {"--format", format}).output) << format;
     // Not even a missing file is reported.
@@ -135,8 +138,8 @@ TEST(Names, PushNoColumnOutOfATerminal) {
   const TemporaryFolder folder;
   const std::string path =
       folder.File("ids", "0627  " + std::string(400, 'v') + "\n\t0001  " + std::string(400, 'p') + "\n");
-  const std::string text = DesktopWithNames(path, {}).OutputToTerminal(80).Run().output;
-  const std::string row = Lines(text).at(8);
+  const std::string text = DesktopWithNames(path, {}).OutputToTerminal(100).Run().output;
+  const std::string row = Lines(text).at(7);
   EXPECT_THAT(row, HasSubstr("QEMU USB Keyboard"));
   EXPECT_THAT(row, HasSubstr(" 0627:0001  12 Mbit/s ppppp"));
 }
@@ -145,7 +148,7 @@ TEST(Names, GiveWayOnATerminalThatIsTooNarrowForThem) {
   for (const char* format : {"tree", "table"}) {
     EXPECT_EQ(DesktopWithNames(kNames, {"--format", format}).OutputToTerminal(60).Run().output,
               DesktopWithNames("", {"--format", format}).OutputToTerminal(60).Run().output);
-    EXPECT_THAT(DesktopWithNames(kNames, {"--format", format}).OutputToTerminal(100).Run().output,
+    EXPECT_THAT(DesktopWithNames(kNames, {"--format", format}).OutputToTerminal(160).Run().output,
                 HasSubstr("KNOWN AS"));
   }
 }
