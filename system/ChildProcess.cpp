@@ -106,7 +106,7 @@ ChildProcess::ChildProcess(const std::string& command) {
 
 ChildProcess::~ChildProcess() {
   if (fGone) return;
-  ::kill(-fPid, SIGKILL);
+  KillGroup(fPid);
   fGuard.Forget();
   while (::waitpid(fPid, nullptr, 0) < 0 && errno == EINTR) {
   }

@@ -46,7 +46,7 @@ void CleanUpAndEnd(int signal) {
   const int folder = guardedFolder;
   if (folder >= 0) ::unlinkat(folder, guardedName.data(), 0);
   const pid_t group = guardedGroup;
-  if (group > 0) ::kill(-group, SIGKILL);
+  if (group > 0) KillGroup(group);
   EndBySignal(signal);
 }
 
@@ -125,6 +125,11 @@ void ProcessGroupGuard::Release() {
   fHoldsBack = false;
   isStarting = false;
   ::pthread_sigmask(SIG_SETMASK, &fMaskBefore, nullptr);
+}
+
+void KillGroup(pid_t leader) {
+  // Where the system emulates posix_spawn by a fork, the child may not have made its group yet.
+  if (::kill(-leader, SIGKILL) != 0) ::kill(leader, SIGKILL);
 }
 
 void EndBySignal(int signal) {

@@ -57,6 +57,9 @@ class ProcessGroupGuard {
   bool fHoldsBack = true;
 };
 
+/// Kills a process group by its leader, which must not have been reaped. Async-signal-safe.
+void KillGroup(pid_t leader);
+
 /// Ends the process by `signal` at once, as if it were neither ignored, blocked nor handled.
 [[noreturn]] void EndBySignal(int signal);
 

@@ -154,7 +154,8 @@ std::string AsShown(const std::string& text) {
     } else if (!isBad) {
       shown += bytes;
     } else {
-      for (const unsigned char byte : bytes) {
+      for (const char each : bytes) {
+        const auto byte = static_cast<unsigned char>(each);
         shown.append("\\x").append(1, kDigits[byte >> 4U]).append(1, kDigits[byte & 0xFU]);
       }
     }
