@@ -103,8 +103,7 @@ void CheckListLimits(std::string_view list, const std::string& name) {
   if (size.records > kMostRecords) {
     throw UserError(
         fmt::format("{} is too large: it has {} records (T: lines), and the limit is {}; if you have the "
-                    "time and the memory, "
-                    "use --no-limits",
+                    "time and the memory, use --no-limits",
                     name, size.records, kMostRecords));
   }
   if (size.Comparisons() > kMostComparisons) {

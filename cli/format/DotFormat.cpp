@@ -6,7 +6,6 @@
 
 #include "cli/model/DeviceText.h"
 #include "cli/model/SocketText.h"
-#include "cli/text/MapCharacters.h"
 #include "cli/text/Text.h"
 
 namespace cli {
@@ -15,13 +14,13 @@ namespace {
 
 /// For a line of a label. Graphviz reads escapes such as `\N` and entities such as `&lt;` in labels; neither
 /// may come from a device's string.
-void AppendToLabel(const Character& character, bool /*isUnprintable*/, std::string& out) {
-  if (character.code == U'&') {
+void AppendToLabel(char byte, std::string& out) {
+  if (byte == '&') {
     out += "&amp;";
-  } else if (character.code == U'"' || character.code == U'\\') {
-    out.append("\\").append(character.bytes);
+  } else if (byte == '"' || byte == '\\') {
+    out.append(1, '\\').append(1, byte);
   } else {
-    out += character.bytes;
+    out += byte;
   }
 }
 
@@ -31,7 +30,7 @@ std::string Label(const std::vector<std::string>& lines) {
   for (const std::string& line : lines) {
     if (line.empty()) continue;
     if (!label.empty()) label += "\\n";
-    AppendMapped(EscapeForDocument(line), AppendToLabel, label);
+    for (const char byte : EscapeForDocument(line)) AppendToLabel(byte, label);
   }
   return '"' + label + '"';
 }

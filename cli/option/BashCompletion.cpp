@@ -8,7 +8,7 @@ namespace cli {
 
 namespace {
 
-constexpr const char* kScript =
+constexpr const char* kBashScript =
     R"sh(# Completion of @COMMAND@'s arguments for bash, made by @COMMAND@ --generate bash.
 # shellcheck shell=bash
 
@@ -141,14 +141,14 @@ std::string Unnamed(const CommandSpec& command) {
 }  // namespace
 
 std::string BashCompletion(const CommandSpec& command) {
-  return Filled(kScript, {{"@COMMAND@", command.name},
-                          {"@FUNCTION@", FunctionName(command)},
-                          {"@DEFAULT@", command.Default().name},
-                          {"@PATTERN@", JoinedSubcommands(command, "|")},
-                          {"@UNNAMED@", Unnamed(command)},
-                          {"@OPTIONS@", OptionCases(command)},
-                          {"@VALUES@", ValueCases(command)},
-                          {"@OPERANDS@", OperandCases(command)}});
+  return Filled(kBashScript, {{"@COMMAND@", command.name},
+                              {"@FUNCTION@", FunctionName(command)},
+                              {"@DEFAULT@", command.Default().name},
+                              {"@PATTERN@", JoinedSubcommands(command, "|")},
+                              {"@UNNAMED@", Unnamed(command)},
+                              {"@OPTIONS@", OptionCases(command)},
+                              {"@VALUES@", ValueCases(command)},
+                              {"@OPERANDS@", OperandCases(command)}});
 }
 
 }  // namespace cli

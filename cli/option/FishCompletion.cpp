@@ -8,7 +8,7 @@ namespace cli {
 
 namespace {
 
-constexpr const char* kScript =
+constexpr const char* kFishScript =
     R"sh(# Completion of @COMMAND@'s arguments for fish, made by @COMMAND@ --generate fish.
 
 # @FUNCTION@_is SUBCOMMAND...: whether the first subcommand that stands before the cursor, and is not the value of an
@@ -85,11 +85,11 @@ std::string FishCompletion(const CommandSpec& command) {
                          subcommand.name, Quoted(subcommand.summary));
   }
   for (const CommandSpec* const part : PartsOf(command)) lines += LinesOf(command, *part);
-  return Filled(kScript, {{"@COMMAND@", command.name},
-                          {"@FUNCTION@", FunctionName(command)},
-                          {"@SUBCOMMANDS@", JoinedSubcommands(command, " ")},
-                          {"@TAKERS@", JoinedTakers(command, " ")},
-                          {"@LINES@", lines}});
+  return Filled(kFishScript, {{"@COMMAND@", command.name},
+                              {"@FUNCTION@", FunctionName(command)},
+                              {"@SUBCOMMANDS@", JoinedSubcommands(command, " ")},
+                              {"@TAKERS@", JoinedTakers(command, " ")},
+                              {"@LINES@", lines}});
 }
 
 }  // namespace cli

@@ -8,7 +8,7 @@ namespace cli {
 
 namespace {
 
-constexpr const char* kScript = R"sh(#compdef @COMMAND@
+constexpr const char* kZshScript = R"sh(#compdef @COMMAND@
 # Completion of @COMMAND@'s arguments for zsh, made by @COMMAND@ --generate zsh.
 
 @FUNCTION@_subcommands() {
@@ -104,7 +104,7 @@ std::string Cases(const CommandSpec& command) {
   return cases + fmt::format("    *) _arguments -S ${}{} ;;\n", standard.name, operands);
 }
 
-std::string Subcommands(const CommandSpec& command) {
+std::string DescribedSubcommands(const CommandSpec& command) {
   std::string lines;
   for (const CommandSpec& subcommand : command.subcommands) {
     lines += "    " + Quoted(subcommand.name + ":" + Message(subcommand.summary)) + "\n";
@@ -117,13 +117,13 @@ std::string Subcommands(const CommandSpec& command) {
 std::string ZshCompletion(const CommandSpec& command) {
   std::string arrays;
   for (const CommandSpec* const part : PartsOf(command)) arrays += Array(*part);
-  return Filled(kScript, {{"@COMMAND@", command.name},
-                          {"@FUNCTION@", FunctionName(command)},
-                          {"@SUBCOMMANDS@", Subcommands(command)},
-                          {"@OPTIONS@", arrays},
-                          {"@PATTERN@", JoinedSubcommands(command, "|")},
-                          {"@TAKERS@", JoinedTakers(command, "|")},
-                          {"@CASES@", Cases(command)}});
+  return Filled(kZshScript, {{"@COMMAND@", command.name},
+                             {"@FUNCTION@", FunctionName(command)},
+                             {"@SUBCOMMANDS@", DescribedSubcommands(command)},
+                             {"@OPTIONS@", arrays},
+                             {"@PATTERN@", JoinedSubcommands(command, "|")},
+                             {"@TAKERS@", JoinedTakers(command, "|")},
+                             {"@CASES@", Cases(command)}});
 }
 
 }  // namespace cli

@@ -16,21 +16,21 @@ constexpr const char* kAssociation = "KALDO_USBPortOnHub";
 const LogLine kEntering = Debug("Entering TUsbPortHubAsso::GetCIMInstances routine");
 const LogLine kExiting = Debug("Exiting TUsbPortHubAsso::GetCIMInstances routine");
 
-LogLine DependentError(const std::string& code) {
+LogLine DependentLinkError(const std::string& code) {
   return Status(
       "Port-Hub association encountered an error\t\t\t\t\t\twhen collecting dependent properties. Error "
       "Code: " +
       code);
 }
 
-LogLine AntecedentError(const std::string& code) {
+LogLine AntecedentLinkError(const std::string& code) {
   return Status(
       "Port-Hub association encountered an error\t\t\t\t\t\t\twhen collecting antecedent properties. Error "
       "Code: " +
       code);
 }
 
-LogLine GenerationError(const std::string& className) {
+LogLine GenerationLinkError(const std::string& className) {
   return Status("USB Port-Hub Association encountered an error\t\t\t\t\t\t\t\tgenerating CIM instances for " +
                 className + " Error Code: CIM_ERR_ACCESS_DENIED");
 }
@@ -137,22 +137,22 @@ TEST_F(PortHubAssociation, LogsAnUnreadableHubOncePerPortAndTriesTheNextHub) {
   const std::string port1 = CommitPort("1", "A", 1);
   const std::string port2 = CommitPort("2", "A", 1);
   EXPECT_EQ(MakeLinks(), (Links{Link(hub, port1), Link(hub, port2)}));
-  EXPECT_EQ(log,
-            (Log{AntecedentError("CIM_ERR_NO_SUCH_PROPERTY"), AntecedentError("CIM_ERR_NO_SUCH_PROPERTY")}));
+  EXPECT_EQ(log, (Log{AntecedentLinkError("CIM_ERR_NO_SUCH_PROPERTY"),
+                      AntecedentLinkError("CIM_ERR_NO_SUCH_PROPERTY")}));
 }
 
 TEST_F(PortHubAssociation, ReadsAHubsNameEvenWhenItsDepthDiffers) {
   Commit("KALDO_USBHub", "nameless", {{"HubDepth", Number(7)}});
   CommitPort("port", "A", 1);
   EXPECT_EQ(MakeLinks(), Links());
-  EXPECT_EQ(log, Log{AntecedentError("CIM_ERR_NO_SUCH_PROPERTY")});
+  EXPECT_EQ(log, Log{AntecedentLinkError("CIM_ERR_NO_SUCH_PROPERTY")});
 }
 
 TEST_F(PortHubAssociation, LogsAHubWithoutADepth) {
   Commit("KALDO_USBHub", "bottomless", {{"Name", TCIMValue("A")}});
   CommitPort("port", "A", 0);
   EXPECT_EQ(MakeLinks(), Links());
-  EXPECT_EQ(log, Log{AntecedentError("CIM_ERR_NO_SUCH_PROPERTY")});
+  EXPECT_EQ(log, Log{AntecedentLinkError("CIM_ERR_NO_SUCH_PROPERTY")});
 }
 
 TEST_F(PortHubAssociation, ReadsAHubAgainForTheNextPort) {
@@ -161,7 +161,7 @@ TEST_F(PortHubAssociation, ReadsAHubAgainForTheNextPort) {
   const std::string port2 = CommitPort("2", "A", 1);
   HostCalls::Fail(HostOperation::kGetProperty, "Name", 1, ThrowHostError);
   EXPECT_EQ(MakeLinks(), Links{Link(hub, port2)});
-  EXPECT_EQ(log, Log{AntecedentError("CIM_ERR_ACCESS_DENIED")});
+  EXPECT_EQ(log, Log{AntecedentLinkError("CIM_ERR_ACCESS_DENIED")});
 }
 
 TEST_F(PortHubAssociation, GuardsEveryStepOfReadingAHub) {
@@ -173,7 +173,7 @@ TEST_F(PortHubAssociation, GuardsEveryStepOfReadingAHub) {
   EXPECT_EQ(MakeLinks(), Links());
   HostCalls::Fail(HostOperation::kConvertToNumber, "", 2, ThrowHostError);
   EXPECT_EQ(MakeLinks(), Links());
-  EXPECT_EQ(log, Log(3, AntecedentError("CIM_ERR_ACCESS_DENIED")));
+  EXPECT_EQ(log, Log(3, AntecedentLinkError("CIM_ERR_ACCESS_DENIED")));
 }
 
 TEST_F(PortHubAssociation, LogsAnUnreadablePortAndGoesOnWithTheNext) {
@@ -182,8 +182,8 @@ TEST_F(PortHubAssociation, LogsAnUnreadablePortAndGoesOnWithTheNext) {
   Commit("KALDO_USBPort", "no hub", {{"HubDepth", Number(1)}});
   const std::string port = CommitPort("port", "A", 1);
   EXPECT_EQ(MakeLinks(), Links{Link(hub, port)});
-  EXPECT_EQ(log,
-            (Log{DependentError("CIM_ERR_NO_SUCH_PROPERTY"), DependentError("CIM_ERR_NO_SUCH_PROPERTY")}));
+  EXPECT_EQ(log, (Log{DependentLinkError("CIM_ERR_NO_SUCH_PROPERTY"),
+                      DependentLinkError("CIM_ERR_NO_SUCH_PROPERTY")}));
 }
 
 TEST_F(PortHubAssociation, GuardsEveryStepOfReadingAPort) {
@@ -195,7 +195,7 @@ TEST_F(PortHubAssociation, GuardsEveryStepOfReadingAPort) {
   EXPECT_EQ(MakeLinks(), Links());
   HostCalls::Fail(HostOperation::kConvertToNumber, "", 1, ThrowHostError);
   EXPECT_EQ(MakeLinks(), Links());
-  EXPECT_EQ(log, Log(3, DependentError("CIM_ERR_ACCESS_DENIED")));
+  EXPECT_EQ(log, Log(3, DependentLinkError("CIM_ERR_ACCESS_DENIED")));
 }
 
 TEST_F(PortHubAssociation, OfAnUnreadablePortAsksNoHub) {
@@ -310,7 +310,7 @@ TEST_F(PortHubAssociation, GoesOnAfterAnAssociationThatCannotBeMade) {
   Log expected = {kEntering};
   for (int link = 1; link <= 3; ++link) {
     for (const LogLine& line : MakingOf(kAssociation)) expected.push_back(line);
-    if (link == 2) expected.push_back(GenerationError(kAssociation));
+    if (link == 2) expected.push_back(GenerationLinkError(kAssociation));
   }
   expected.push_back(kExiting);
   EXPECT_EQ(log, expected);
@@ -331,7 +331,7 @@ TEST_F(PortHubAssociation, NamesTheRequestedClassWhenAnAssociationCannotBeMade) 
   CommitPort("1", "A", 1);
   HostCalls::Fail(HostOperation::kCreateInstance, "", 1, ThrowHostError);
   EXPECT_FALSE(provider.GetCIMInstances("KALDO_Other"));
-  EXPECT_EQ(log.at(2), GenerationError("KALDO_Other"));
+  EXPECT_EQ(log.at(2), GenerationLinkError("KALDO_Other"));
 }
 
 TEST_F(PortHubAssociation, LetsErrorsOfOtherTypesLeaveTheMakingOfInstances) {

@@ -13,7 +13,7 @@ namespace usbinfo_test {
 namespace {
 
 /// Under the sanitizers a run takes ten times as long; every n-th allocation then stands for all.
-constexpr std::size_t kStride = SANITIZED ? 797 : 1;
+constexpr std::size_t kAllocationStride = SANITIZED ? 797 : 1;
 
 class EveryAllocation : public ::testing::TestWithParam<Scenario> {
  protected:
@@ -41,7 +41,7 @@ TEST_P(EveryAllocation, FailingHasAComputedOutcome) {
   std::optional<std::size_t> callsBefore;
   std::vector<Outcome> fitting;
   int faults = 0;
-  for (std::size_t allocation = 0;; allocation += kStride) {
+  for (std::size_t allocation = 0;; allocation += kAllocationStride) {
     const AllocationRun run = RunPluginShortOfMemory(scenario, allocation);
     if (!run.callsBefore) break;
     ++faults;

@@ -10,7 +10,7 @@ namespace usbinfo_test {
 namespace {
 
 /// Under the sanitizers a run takes ten times as long; every n-th call then stands for all.
-constexpr std::size_t kStride = SANITIZED ? 151 : 1;
+constexpr std::size_t kCallStride = SANITIZED ? 151 : 1;
 
 class EveryCall : public ::testing::TestWithParam<Scenario> {
  protected:
@@ -23,7 +23,7 @@ class EveryCall : public ::testing::TestWithParam<Scenario> {
     RunPlugin(scenario, Fault{0, kind});  // what a first failure allocates for good
     const std::size_t live = Allocations::Live();
     int faults = 0;
-    for (std::size_t call = 0; call < undisturbed.trace.Count(); call += kStride) {
+    for (std::size_t call = 0; call < undisturbed.trace.Count(); call += kCallStride) {
       const Fault fault{call, kind};
       if (RunPlugin(scenario, fault) != RunModel(scenario, list, fault)) {
         const Outcome actual = RunPlugin(scenario, fault, true);

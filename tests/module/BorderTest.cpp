@@ -16,13 +16,13 @@ using ::testing::SizeIs;
 namespace usbinfo_test {
 namespace {
 
-using Section = std::vector<std::string>;
+using BorderPart = std::vector<std::string>;
 
 /// The description: the lines of each part, which begins with its name in brackets. "#" starts a remark.
-std::map<std::string, Section> ReadDescription() {
+std::map<std::string, BorderPart> ReadDescription() {
   std::ifstream file(BORDER_DESCRIPTION);
   EXPECT_TRUE(file.is_open()) << BORDER_DESCRIPTION;
-  std::map<std::string, Section> sections;
+  std::map<std::string, BorderPart> sections;
   std::string name;
   for (std::string line; std::getline(file, line);) {
     if (line.empty() || line.front() == '#') continue;
@@ -58,12 +58,12 @@ class Border : public ::testing::Test {
  protected:
   /// The description's lines of that part, in any order.
   std::set<std::string> Described(const std::string& section) {
-    const Section& lines = description[section];
+    const BorderPart& lines = description[section];
     EXPECT_THAT(lines, ::testing::Not(IsEmpty())) << section;
     return {lines.begin(), lines.end()};
   }
 
-  std::map<std::string, Section> description = ReadDescription();
+  std::map<std::string, BorderPart> description = ReadDescription();
 };
 
 TEST_F(Border, NeedsTheDescribedLibraries) {
@@ -138,7 +138,7 @@ class VirtualTables : public Border {
   }
 
  private:
-  static void CompareTable(const std::vector<std::set<std::string>>& entries, const Section& lines,
+  static void CompareTable(const std::vector<std::set<std::string>>& entries, const BorderPart& lines,
                            const std::string& name) {
     EXPECT_THAT(entries, SizeIs(lines.size())) << name << ": " << ::testing::PrintToString(entries);
     for (std::size_t slot = 0; slot < std::min(entries.size(), lines.size()); ++slot) {

@@ -35,9 +35,9 @@ void SetTimer(suseconds_t microseconds) {
 }
 
 bool DropPrivileges() {
-  constexpr uid_t kNobody = 65534;
-  return ::setgroups(0, nullptr) == 0 && ::setresgid(kNobody, kNobody, kNobody) == 0 &&
-         ::setresuid(kNobody, kNobody, kNobody) == 0;
+  constexpr uid_t kUnprivileged = 65534;
+  return ::setgroups(0, nullptr) == 0 && ::setresgid(kUnprivileged, kUnprivileged, kUnprivileged) == 0 &&
+         ::setresuid(kUnprivileged, kUnprivileged, kUnprivileged) == 0;
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-const char* const kNone = "Not Available";
+const char* const kNoText = "Not Available";
 
 /// Manufacturer, product, serial number.
 std::vector<std::string> Strings(const deviceInfo& parser) {
@@ -32,16 +32,16 @@ class StringLine : public ::testing::Test {
 };
 
 TEST_F(StringLine, NoLineLeavesEveryStringNotAvailableAndNoHostType) {
-  EXPECT_THAT(Strings(parser), ElementsAre(kNone, kNone, kNone));
+  EXPECT_THAT(Strings(parser), ElementsAre(kNoText, kNoText, kNoText));
   EXPECT_EQ(parser.getUsbHost(), 0);
 }
 
 TEST_F(StringLine, ThreeLinesFillOneObject) {
   parser.Initialize("S:  Manufacturer=Linux 3.5.0 ehci_hcd");
-  EXPECT_THAT(Strings(parser), ElementsAre("Linux 3.5.0 ehci_hcd", kNone, kNone));
+  EXPECT_THAT(Strings(parser), ElementsAre("Linux 3.5.0 ehci_hcd", kNoText, kNoText));
   EXPECT_EQ(parser.getUsbHost(), 0);
   parser.Initialize("S:  Product=EHCI Host Controller");
-  EXPECT_THAT(Strings(parser), ElementsAre("Linux 3.5.0 ehci_hcd", "EHCI Host Controller", kNone));
+  EXPECT_THAT(Strings(parser), ElementsAre("Linux 3.5.0 ehci_hcd", "EHCI Host Controller", kNoText));
   parser.Initialize("S:  SerialNumber=0000:00:1a.7");
   EXPECT_THAT(Strings(parser), ElementsAre("Linux 3.5.0 ehci_hcd", "EHCI Host Controller", "0000:00:1a.7"));
   EXPECT_EQ(parser.getUsbHost(), 4);
@@ -56,10 +56,10 @@ TEST_F(StringLine, ALaterLineReplacesItsOwnFieldOnly) {
   parser.Initialize("S:  Product=UHCI");
   parser.Initialize("S:  SerialNumber=1");
   parser.Initialize("S:  Product=Mouse");
-  EXPECT_THAT(Strings(parser), ElementsAre(kNone, "Mouse", "1"));
+  EXPECT_THAT(Strings(parser), ElementsAre(kNoText, "Mouse", "1"));
   EXPECT_EQ(parser.getUsbHost(), 1);
   parser.Initialize("S:  SerialNumber=");
-  EXPECT_THAT(Strings(parser), ElementsAre(kNone, "Mouse", ""));
+  EXPECT_THAT(Strings(parser), ElementsAre(kNoText, "Mouse", ""));
 }
 
 TEST_F(StringLine, TheWordsAreMatchedWithTheirCapitals) {
@@ -69,7 +69,7 @@ TEST_F(StringLine, TheWordsAreMatchedWithTheirCapitals) {
   parser.Initialize("S:  serialNumber=a");
   parser.Initialize("S:  manufacturer=a");
   parser.Initialize("S:  something else");
-  EXPECT_THAT(Strings(parser), ElementsAre(kNone, kNone, kNone));
+  EXPECT_THAT(Strings(parser), ElementsAre(kNoText, kNoText, kNoText));
   EXPECT_EQ(parser.getUsbHost(), 0);
 }
 
@@ -84,7 +84,7 @@ TEST_F(StringLine, AWordWithoutItsKeySetsTheEmptyText) {
 TEST_F(StringLine, AManufacturerThatNamesProductsClearsTheProduct) {
   parser.Initialize("S:  Product=EHCI Host Controller");
   parser.Initialize("S:  Manufacturer=Acme Products, maker of OHCI");
-  EXPECT_THAT(Strings(parser), ElementsAre("Acme Products, maker of OHCI", "", kNone));
+  EXPECT_THAT(Strings(parser), ElementsAre("Acme Products, maker of OHCI", "", kNoText));
   EXPECT_EQ(parser.getUsbHost(), 3);
 }
 
@@ -133,7 +133,7 @@ TEST(HostType, OhciComesBeforeUhciBeforeEhci) {
 TEST(HostType, SettingItAloneLeavesTheStrings) {
   deviceInfo parser;
   parser.setUsbHost("S:  Product=EHCI SerialNumber=1 Manufacturer=2");
-  EXPECT_THAT(Strings(parser), ElementsAre(kNone, kNone, kNone));
+  EXPECT_THAT(Strings(parser), ElementsAre(kNoText, kNoText, kNoText));
 }
 
 TEST(HostType, IsFoundUnderForeignLocales) {

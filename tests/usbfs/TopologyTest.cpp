@@ -20,7 +20,7 @@ std::vector<std::string> Fields(const topology& parser) {
           parser.getSpeed(), parser.getConnections()};
 }
 
-std::vector<std::string> FieldsOf(const std::string& line) {
+std::vector<std::string> FieldsOfLine(const std::string& line) {
   topology parser;
   parser.Initialize(line);
   return Fields(parser);
@@ -31,62 +31,62 @@ TEST(Topology, IsEmptyWhenBuilt) {
 }
 
 TEST(Topology, KeepsTrailingBlanksOfBusCountAndSpeedOnly) {
-  EXPECT_THAT(FieldsOf("T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 6"),
+  EXPECT_THAT(FieldsOfLine("T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 6"),
               ElementsAre("01 ", "00", "00", "00", "00 ", "  1", "480  ", " 6"));
 }
 
 TEST(Topology, EachGetterReadsItsOwnField) {
-  EXPECT_THAT(FieldsOf("T:  Bus=11 Lev=12 Prnt=13 Port=14 Cnt=15 Dev#=16 Spd=1.7 MxCh=18"),
+  EXPECT_THAT(FieldsOfLine("T:  Bus=11 Lev=12 Prnt=13 Port=14 Cnt=15 Dev#=16 Spd=1.7 MxCh=18"),
               ElementsAre("11 ", "12", "13", "14", "15 ", "16", "1.7 ", "18"));
 }
 
 TEST(Topology, MatchesNamesInAnyCase) {
-  EXPECT_THAT(FieldsOf("t:  BUS=01 lev=02 PRNT=03 port=04 CNT=05 dev#=06 SPD=12 mxch=7"),
+  EXPECT_THAT(FieldsOfLine("t:  BUS=01 lev=02 PRNT=03 port=04 CNT=05 dev#=06 SPD=12 mxch=7"),
               ElementsAre("01 ", "02", "03", "04", "05 ", "06", "12 ", "7"));
 }
 
 TEST(Topology, KeepsEveryBlankOfTheValues) {
-  EXPECT_THAT(FieldsOf("T:  Bus= 1  Lev= 2  Prnt= 3  Port= 4  Cnt= 5  Dev#= 6  Spd= 7  MxCh= 8  "),
+  EXPECT_THAT(FieldsOfLine("T:  Bus= 1  Lev= 2  Prnt= 3  Port= 4  Cnt= 5  Dev#= 6  Spd= 7  MxCh= 8  "),
               ElementsAre(" 1  ", " 2 ", " 3 ", " 4 ", " 5  ", " 6 ", " 7  ", " 8  "));
 }
 
 TEST(Topology, WithoutMaximumChildrenTheSpeedIsEmptyToo) {
-  EXPECT_THAT(FieldsOf("T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  "),
+  EXPECT_THAT(FieldsOfLine("T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  "),
               ElementsAre("01 ", "00", "00", "00", "00 ", "  1", "", ""));
 }
 
 TEST(Topology, WithoutTheBlankBeforeTheCountThePortIsEmpty) {
-  EXPECT_THAT(FieldsOf("T:  Bus=01 Lev=00 Prnt=00 Port=00Cnt=00 Dev#=  1 Spd=480  MxCh= 6"),
+  EXPECT_THAT(FieldsOfLine("T:  Bus=01 Lev=00 Prnt=00 Port=00Cnt=00 Dev#=  1 Spd=480  MxCh= 6"),
               ElementsAre("01 ", "00", "00", "", "00 ", "  1", "480  ", " 6"));
 }
 
 TEST(Topology, WithoutTheBlankBeforeTheParentTheLevelIsEmpty) {
-  EXPECT_THAT(FieldsOf("T:  Bus=01 Lev=00Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 6"),
+  EXPECT_THAT(FieldsOfLine("T:  Bus=01 Lev=00Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 6"),
               ElementsAre("01 ", "", "00", "00", "00 ", "  1", "480  ", " 6"));
 }
 
 TEST(Topology, WithoutTheBlankBeforeThePortTheParentIsEmpty) {
-  EXPECT_THAT(FieldsOf("T:  Bus=01 Lev=00 Prnt=00Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 6"),
+  EXPECT_THAT(FieldsOfLine("T:  Bus=01 Lev=00 Prnt=00Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 6"),
               ElementsAre("01 ", "00", "", "00", "00 ", "  1", "480  ", " 6"));
 }
 
 TEST(Topology, WithoutTheBlankBeforeTheSpeedTheDeviceNumberIsEmpty) {
-  EXPECT_THAT(FieldsOf("T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1Spd=480  MxCh= 6"),
+  EXPECT_THAT(FieldsOfLine("T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1Spd=480  MxCh= 6"),
               ElementsAre("01 ", "00", "00", "00", "00 ", "", "480  ", " 6"));
 }
 
 TEST(Topology, BusCountAndSpeedNeedNoBlankAfterThem) {
-  EXPECT_THAT(FieldsOf("T:  Bus=01Lev=00 Prnt=00 Port=00 Cnt=00Dev#=  1 Spd=480MxCh= 6"),
+  EXPECT_THAT(FieldsOfLine("T:  Bus=01Lev=00 Prnt=00 Port=00 Cnt=00Dev#=  1 Spd=480MxCh= 6"),
               ElementsAre("01", "00", "00", "00", "00", "  1", "480", " 6"));
 }
 
 TEST(Topology, WithoutALevelTheBusIsEmptyToo) {
-  EXPECT_THAT(FieldsOf("T:  Bus=01 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 6"),
+  EXPECT_THAT(FieldsOfLine("T:  Bus=01 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 6"),
               ElementsAre("", "", "00", "00", "00 ", "  1", "480  ", " 6"));
 }
 
 TEST(Topology, WithoutADeviceNumberTheCountIsEmptyToo) {
-  EXPECT_THAT(FieldsOf("T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Spd=480  MxCh= 6"),
+  EXPECT_THAT(FieldsOfLine("T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Spd=480  MxCh= 6"),
               ElementsAre("01 ", "00", "00", "00", "", "", "480  ", " 6"));
 }
 

@@ -2,37 +2,37 @@
 
 #include <string_view>
 
-#include "cli/text/MapCharacters.h"
 #include "cli/text/Text.h"
 
 namespace cli {
 
 namespace {
 
-void AppendMarkup(const Character& character, bool /*isUnprintable*/, std::string& out) {
-  switch (character.code) {
-    case U'&':
+/// For text and attribute values alike; only characters of ASCII need markup.
+void AppendMarkup(char byte, std::string& out) {
+  switch (byte) {
+    case '&':
       out += "&amp;";
       return;
-    case U'<':
+    case '<':
       out += "&lt;";
       return;
-    case U'>':
+    case '>':
       out += "&gt;";
       return;
-    case U'"':
+    case '"':
       out += "&quot;";
       return;
-    case U'\'':
+    case '\'':
       out += "&#39;";
       return;
     default:
-      out += character.bytes;
+      out += byte;
   }
 }
 
 void AppendEscaped(std::string_view text, std::string& out) {
-  AppendMapped(EscapeForDocument(text), AppendMarkup, out);
+  for (const char byte : EscapeForDocument(text)) AppendMarkup(byte, out);
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ namespace usbinfo_test {
 namespace {
 
 constexpr const char* kSpawned = "usb-devices\necho \"usbinfo-exit-status $?\"";
-const MachineFacts kNoUsb = {false, MachineFacts::DebugfsList::kMissing, false, false};
+const MachineFacts kMachineWithoutUsb = {false, MachineFacts::DebugfsList::kMissing, false, false};
 const MachineFacts kUsb = {true, MachineFacts::DebugfsList::kForbidden, false, false};
 const MachineFacts kUsbWithoutDevices = {true, MachineFacts::DebugfsList::kForbidden, true, true};
 
@@ -60,7 +60,7 @@ TEST_F(AcquisitionWatchTest, HandsOnFilesAndOutputAsTheyAre) {
 
 TEST_F(AcquisitionWatchTest, FindsNoFailureWhereNothingWasAskedFor) {
   EXPECT_EQ(Verdict(kUsb), "");
-  EXPECT_EQ(Verdict(kNoUsb), "");
+  EXPECT_EQ(Verdict(kMachineWithoutUsb), "");
 }
 
 TEST_F(AcquisitionWatchTest, TakesAFailingCommandForAFailureWhereThereIsUsb) {
@@ -70,7 +70,7 @@ TEST_F(AcquisitionWatchTest, TakesAFailingCommandForAFailureWhereThereIsUsb) {
   EXPECT_EQ(Verdict(kUsb),
             "cannot list the USB devices of this machine: usb-devices failed with exit status 3; run it by "
             "itself to see why");
-  EXPECT_EQ(Verdict(kNoUsb), "");
+  EXPECT_EQ(Verdict(kMachineWithoutUsb), "");
   EXPECT_EQ(Verdict(kUsbWithoutDevices), "");
 }
 
@@ -78,7 +78,7 @@ TEST_F(AcquisitionWatchTest, TakesAListThatBreaksOffForAFailureAnywhere) {
   AcquisitionWatch watch = Watch();
   machine->outputs[kSpawned] = "T:  Bus=01\nusbinfo-exit-status 1\n";
   watch.SpawnProcess("usb-devices", 300);
-  for (const MachineFacts& facts : {kUsb, kNoUsb, kUsbWithoutDevices}) {
+  for (const MachineFacts& facts : {kUsb, kMachineWithoutUsb, kUsbWithoutDevices}) {
     EXPECT_THAT(Verdict(facts), HasSubstr("usb-devices failed with exit status 1; "));
   }
 }
@@ -91,14 +91,14 @@ TEST_F(AcquisitionWatchTest, SaysWhatIsMissingWhereThereIsNeitherPermissionNorTh
             "cannot list the USB devices of this machine: no permission to read "
             "/sys/kernel/debug/usb/devices, and usb-devices is not installed; run as root, or install "
             "the package usbutils");
-  EXPECT_EQ(Verdict(kNoUsb), "");
+  EXPECT_EQ(Verdict(kMachineWithoutUsb), "");
 }
 
 TEST_F(AcquisitionWatchTest, TakesACommandThatWasStoppedForAFailureAnywhere) {
   AcquisitionWatch watch = Watch();
   machine->onCall = [](const std::string&) { standin::Throw(standin::StatusCode::kFailed); };
   EXPECT_THROW(watch.SpawnProcess("usb-devices", 300), NKESTA20::TQSVException);
-  EXPECT_EQ(Verdict(kNoUsb),
+  EXPECT_EQ(Verdict(kMachineWithoutUsb),
             "cannot list the USB devices of this machine: usb-devices was stopped: it did not end within "
             "300 seconds, or printed more than 256 MiB; run it by itself to see why");
 }
@@ -107,7 +107,8 @@ TEST_F(AcquisitionWatchTest, TakesAShellThatWasKilledForAFailure) {
   AcquisitionWatch watch = Watch();
   machine->outputs[kSpawned] = "T:  Bus=01\n";
   watch.SpawnProcess("usb-devices", 300);
-  EXPECT_THAT(Verdict(kNoUsb), HasSubstr("the shell that runs usb-devices did not come to its end; "));
+  EXPECT_THAT(Verdict(kMachineWithoutUsb),
+              HasSubstr("the shell that runs usb-devices did not come to its end; "));
 }
 
 TEST_F(AcquisitionWatchTest, ForgivesAFileThatCannotBeReadOnlyWhereTheCommandHasAList) {

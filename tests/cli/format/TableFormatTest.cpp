@@ -65,7 +65,7 @@ BUS HUB PORT DEV PLUGGED IN
 )";
 
 /// A root hub with a hub that has a nameless device.
-std::string SmallMachine() {
+std::string SmallList() {
   return "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 2\n"
          "D:  Ver= 2.00 Cls=09(hub  ) Sub=00 Prot=01 MxPS=64 #Cfgs=  1\n"
          "P:  Vendor=1d6b ProdID=0002 Rev= 6.01\n"
@@ -90,7 +90,7 @@ std::string SmallMachine() {
 }
 
 TEST_F(TableFormatTest, HasASectionForEachClassWithColumnsThatSuitIt) {
-  Collect(SmallMachine());
+  Collect(SmallList());
   EXPECT_EQ(Render(), kSmallTable);
 }
 
@@ -169,7 +169,7 @@ TEST_F(TableFormatTest, KnowsThePropertiesOfAllClassesOnceEach) {
   EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
 }
 
-CommandResult RunTable(std::vector<std::string> options, const std::string& list = SmallMachine()) {
+CommandResult RunTable(std::vector<std::string> options, const std::string& list = SmallList()) {
   const std::vector<std::string> common = {"--devices", "-",        "--system-name",
                                            "testhost",  "--format", "table"};
   options.insert(options.begin(), common.begin(), common.end());
