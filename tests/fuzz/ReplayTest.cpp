@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/fuzz/DescriptorsTarget.h"
 #include "tests/fuzz/DiffTarget.h"
 #include "tests/fuzz/PluginTarget.h"
 #include "tests/fuzz/RecordsTarget.h"
@@ -64,6 +65,14 @@ TEST_P(DiffReplay, KeepsWhatEveryDifferenceMust) {
 
 INSTANTIATE_TEST_SUITE_P(All, DiffReplay, testing::ValuesIn(Inputs(FilesIn("data/expected"), "diff")),
                          TestName);
+
+class DescriptorsReplay : public testing::TestWithParam<std::string> {};
+
+TEST_P(DescriptorsReplay, AreListedAndReadBack) {
+  EXPECT_NO_THROW(CheckDescriptors(ReadFile(GetParam())));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, DescriptorsReplay, testing::ValuesIn(Inputs({}, "descriptors")), TestName);
 
 }  // namespace
 }  // namespace usbinfo_test

@@ -11,7 +11,7 @@ import gadgets
 
 COUNT = len(gadgets.FORGERS)
 NAME = gadgets.APPROVED.strings["Product"]
-VIEWS = ("tree", "table", "dot", "html")
+VIEWS = ("tree", "table", "csv", "dot", "html")
 ROOT = "root"
 
 # The approved device's identifiers as a field, or its name as all of a field.

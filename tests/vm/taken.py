@@ -9,7 +9,6 @@ import expectation
 # The names of files in sysfs that are devices, not interfaces or other things below them.
 DEVICE_NAME = re.compile(r"usb\d+|\d+-\d+(\.\d+)*")
 IDENTIFIERS = re.compile(r"\b[0-9a-f]{4}:[0-9a-f]{4}\b")
-ROOT_HUBS = ("1d6b:0001", "1d6b:0002", "1d6b:0003")
 
 
 class Taken:
@@ -56,16 +55,16 @@ class Taken:
         return problems
 
     def check_tree(self, buses, name_of):
-        """The problems with the tree: every device stands below its hub, with the name made of its product."""
+        """The problems with the tree: every device has a row with its place, and stands below its hub."""
         rows = _rows(self.tree)
-        missing = []
-        for identifiers, product in sorted(_expected_rows(buses, name_of), key=lambda row: -len(row[1])):
-            row = next((row for row in rows if row[0] == identifiers and product in row[1]), None)
-            if row:
-                rows.remove(row)
-            else:
-                missing.append(f"not in the tree: {' > '.join(identifiers)} {product}")
-        return missing + [f"should not be in the tree: {text}" for _, text in rows]
+        problems = []
+        for place, identifiers, product in _expected_rows(buses, name_of):
+            above, text = rows.pop(place, ((), ""))
+            if identifiers not in text or product not in text:
+                problems.append(f"not in the tree: {place} {identifiers} {product}; there is {text!r}")
+            elif "." in place and place.rpartition(".")[0] not in above:
+                problems.append(f"not below its hub: {text}")
+        return problems + [f"should not be in the tree: {text}" for _, text in rows.values()]
 
 
 def parsed(text):
@@ -88,16 +87,13 @@ def nodes(text):
 
 
 def _rows(tree):
-    """Rows of hubs and devices: the identifiers from below the root hub down to the row's own, and the row."""
-    rows, above = [], []
+    """The rows of hubs and devices by their places, each with the places above it."""
+    rows, above = {}, []
     for line in tree.splitlines()[2:]:
-        found = IDENTIFIERS.findall(line)
-        if not found:
-            continue
-        depth = re.match(r"[ |`│├└─-]*", line).end()
-        above = [item for item in above if item[0] < depth] + [(depth, found[-1])]
-        if found[-1] not in ROOT_HUBS:
-            rows.append((tuple(item for _, item in above if item not in ROOT_HUBS), line))
+        depth, place = re.match(r"([ |`│├└─-]*)(\S*)", line).groups()
+        above = [item for item in above if item[0] < len(depth)] + [(len(depth), place)]
+        if IDENTIFIERS.search(line) and DEVICE_NAME.fullmatch(place) and not place.startswith("usb"):
+            rows[place] = ([name for _, name in above[:-1]], line)
     return rows
 
 
@@ -105,7 +101,5 @@ def _expected_rows(buses, name_of):
     for bus in buses:
         for device in bus.devices:
             if device.ports:
-                way = [item for item in bus.devices if item.ports and item.ports == device.ports[:len(item.ports)]]
-                way.sort(key=lambda item: len(item.ports))
                 name = name_of(device.strings.get("Product", "")).replace("\\", r"\\")
-                yield tuple(item.identifiers for item in way), name
+                yield bus.sysfs_name(device), device.identifiers, name
