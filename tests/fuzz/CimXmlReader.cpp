@@ -18,7 +18,7 @@ namespace usbinfo_test {
 
 namespace {
 
-using Document = std::unique_ptr<xmlDoc, void (*)(xmlDoc*)>;
+using CimDocument = std::unique_ptr<xmlDoc, void (*)(xmlDoc*)>;
 
 /// Steps through the elements below one element, in order.
 class Children {
@@ -55,7 +55,7 @@ void CheckAttribute(const xmlNode* node, const char* name, const std::string& ex
   RequireEqual(found, expected, "an attribute of the XML document");
 }
 
-void CheckText(const xmlNode* node, const char* name, const std::string& expected) {
+void CheckCimText(const xmlNode* node, const char* name, const std::string& expected) {
   Children(node, name).RequireEnd();
   RequireEqual(Taken(xmlNodeGetContent(node)), AsXmlHoldsIt(expected), "a text of the XML document");
 }
@@ -86,7 +86,7 @@ const xmlNode* KeyOf(const xmlNode* binding, const std::string& name) {
 void CheckStringKey(const xmlNode* key, const std::string& value) {
   CheckAttribute(key, "VALUETYPE", "string");
   CheckAttribute(key, "TYPE", "string");
-  CheckText(key, "KEYVALUE", value);
+  CheckCimText(key, "KEYVALUE", value);
 }
 
 void CheckReference(const xmlNode* node, const ReadPath& path) {
@@ -122,7 +122,7 @@ void CheckArray(const xmlNode* node, const std::vector<std::string>& texts) {
   Children property(node, "PROPERTY.ARRAY");
   Children elements(property.Next(), "VALUE.ARRAY");
   property.RequireEnd();
-  for (const std::string& text : texts) CheckText(elements.Next(), "VALUE", text);
+  for (const std::string& text : texts) CheckCimText(elements.Next(), "VALUE", text);
   elements.RequireEnd();
 }
 
@@ -137,11 +137,11 @@ void CheckProperty(const xmlNode* node, const PropertySchema& property, const cl
   if (const auto* const texts = std::get_if<std::vector<std::string>>(&value))
     return CheckArray(node, *texts);
   Children content(node, "PROPERTY");
-  CheckText(content.Next(), "VALUE", cli::TextOf(value));
+  CheckCimText(content.Next(), "VALUE", cli::TextOf(value));
   content.RequireEnd();
 }
 
-void CheckItem(const xmlNode* node, const cli::Item& item) {
+void CheckCimItem(const xmlNode* node, const cli::Item& item) {
   Children object(node, "VALUE.NAMEDOBJECT");
   CheckInstanceName(object.Next(), item);
   const xmlNode* const content = object.Next();
@@ -155,10 +155,11 @@ void CheckItem(const xmlNode* node, const cli::Item& item) {
   properties.RequireEnd();
 }
 
-Document Parse(const std::string& text) {
-  Document document(xmlReadMemory(text.data(), static_cast<int>(text.size()), "export", nullptr,
-                                  XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
-                    &xmlFreeDoc);
+CimDocument ParseCim(const std::string& text) {
+  CimDocument document(
+      xmlReadMemory(text.data(), static_cast<int>(text.size()), "export", nullptr,
+                    XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
+      &xmlFreeDoc);
   Require(document != nullptr, "the XML document is well-formed");
   return document;
 }
@@ -191,7 +192,7 @@ std::string AsXmlHoldsIt(const std::string& text) {
 
 void CheckCimXml(const std::string& document, const cli::Inventory& inventory) {
   RequireFitForTerminal(document, true);
-  const Document parsed = Parse(document);
+  const CimDocument parsed = ParseCim(document);
   CheckValidity(parsed.get());
   Children cim(xmlDocGetRootElement(parsed.get()), "CIM");
   Children declaration(cim.Next(), "DECLARATION");
@@ -199,7 +200,7 @@ void CheckCimXml(const std::string& document, const cli::Inventory& inventory) {
   declaration.RequireEnd();
   CheckNamespace(group.Next());
   for (const cli::ItemsOfClass& ofClass : inventory.Classes()) {
-    for (const cli::Item& item : ofClass.items) CheckItem(group.Next(), item);
+    for (const cli::Item& item : ofClass.items) CheckCimItem(group.Next(), item);
   }
   group.RequireEnd();
 }

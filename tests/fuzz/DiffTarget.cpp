@@ -19,7 +19,7 @@ namespace usbinfo_test {
 namespace {
 
 /// None where the text is refused.
-std::optional<Inventory> Read(const std::string& text) {
+std::optional<Inventory> ReadInventory(const std::string& text) {
   try {
     return cli::FromJson(text, "input");
   } catch (const cli::UserError& error) {
@@ -29,7 +29,7 @@ std::optional<Inventory> Read(const std::string& text) {
 }
 
 /// Lines that begin as they must, without a command to the terminal.
-void CheckText(const InventoryDifference& difference) {
+void CheckDiffText(const InventoryDifference& difference) {
   const std::string text = cli::RenderDiffText(difference, false);
   Require(text.empty() == difference.IsEmpty(), "a text where there is a difference");
   Require(text.empty() || text.back() == '\n', "a last line with an end");
@@ -62,7 +62,7 @@ void CheckAlone(const Inventory& inventory) {
   std::size_t reported = all.added.size();
   for (const cli::PlacedItem& item : all.added) reported += item.ports;
   RequireCount(reported, CountOf(inventory), "items that differ from nothing");
-  CheckText(all);
+  CheckDiffText(all);
   CheckJsonForm(all);
 }
 
@@ -73,7 +73,7 @@ void CheckTogether(const Inventory& before, const Inventory& after) {
   RequireCount(mirrored.added.size(), difference.removed.size(), "items added the other way round");
   RequireCount(mirrored.moved.size(), difference.moved.size(), "items moved the other way round");
   RequireCount(mirrored.changed.size(), difference.changed.size(), "items changed the other way round");
-  CheckText(difference);
+  CheckDiffText(difference);
   CheckJsonForm(difference);
 }
 
@@ -81,10 +81,10 @@ void CheckTogether(const Inventory& before, const Inventory& after) {
 
 void CheckDiff(const std::string& text) {
   const std::size_t border = text.find('\0');
-  const auto before = Read(text.substr(0, border));
+  const auto before = ReadInventory(text.substr(0, border));
   if (before) CheckAlone(*before);
   if (border == std::string::npos) return;
-  const auto after = Read(text.substr(border + 1));
+  const auto after = ReadInventory(text.substr(border + 1));
   if (after) CheckAlone(*after);
   if (before && after) CheckTogether(*before, *after);
 }

@@ -16,9 +16,9 @@ namespace usbinfo_test {
 namespace {
 
 /// Takes a statement of the graph apart, token by token.
-class Scanner {
+class DotScanner {
  public:
-  explicit Scanner(std::string_view text) : fText(text) {}
+  explicit DotScanner(std::string_view text) : fText(text) {}
 
   /// True, and past it, when `token` comes next.
   bool Takes(std::string_view token) {
@@ -77,7 +77,7 @@ struct ReadGraph {
   std::vector<std::pair<std::string, std::string>> edges;
 };
 
-std::map<std::string, std::string> ReadAttributes(Scanner& statement) {
+std::map<std::string, std::string> ReadAttributes(DotScanner& statement) {
   std::map<std::string, std::string> attributes;
   while (!statement.Takes("]")) {
     if (!attributes.empty()) statement.Expect(", ");
@@ -91,7 +91,7 @@ std::map<std::string, std::string> ReadAttributes(Scanner& statement) {
 }
 
 void ReadStatement(const std::string& line, ReadGraph& graph) {
-  Scanner statement(line);
+  DotScanner statement(line);
   statement.Expect("  ");
   const std::string name = statement.Word();
   if (statement.Takes(" -> ")) {
@@ -106,7 +106,7 @@ void ReadStatement(const std::string& line, ReadGraph& graph) {
 }
 
 /// The graph's own attributes are on the lines before the first statement.
-ReadGraph Read(const std::string& document) {
+ReadGraph ReadDot(const std::string& document) {
   ReadGraph graph;
   std::istringstream lines(document);
   std::string line;
@@ -182,7 +182,7 @@ ExpectedGraph ExpectedOf(const std::vector<LinkedItem>& items) {
 
 void CheckDot(const std::string& document, const cli::Inventory& inventory) {
   RequireFitForTerminal(document, false);
-  const ReadGraph graph = Read(document);
+  const ReadGraph graph = ReadDot(document);
   const ExpectedGraph expected = ExpectedOf(LinkItems(inventory));
   std::multiset<std::string> nodes;
   for (const auto& [name, attributes] : graph.nodes) nodes.insert(Drawn(attributes));

@@ -18,10 +18,10 @@ namespace usbinfo_test {
 
 namespace {
 
-using Document = std::unique_ptr<xmlDoc, void (*)(xmlDoc*)>;
+using PageDocument = std::unique_ptr<xmlDoc, void (*)(xmlDoc*)>;
 using Visit = std::function<void(xmlNode* element)>;
 
-std::string Taken(xmlChar* text) {
+std::string TakenFromPage(xmlChar* text) {
   if (text == nullptr) return std::string();
   std::string taken = reinterpret_cast<const char*>(text);
   xmlFree(text);
@@ -29,11 +29,11 @@ std::string Taken(xmlChar* text) {
 }
 
 std::string AttributeOf(const xmlNode* node, const char* name) {
-  return Taken(xmlGetNoNsProp(node, reinterpret_cast<const xmlChar*>(name)));
+  return TakenFromPage(xmlGetNoNsProp(node, reinterpret_cast<const xmlChar*>(name)));
 }
 
 std::string TextOf(const xmlNode* node) {
-  return Taken(xmlNodeGetContent(node));
+  return TakenFromPage(xmlNodeGetContent(node));
 }
 
 bool IsNamed(const xmlNode* node, const std::string& name) {
@@ -202,10 +202,11 @@ class Comparison {
   std::map<std::string, xmlNode*> fElements;
 };
 
-Document Parse(const std::string& text) {
-  Document document(xmlReadMemory(text.data(), static_cast<int>(text.size()), "page", nullptr,
-                                  XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
-                    &xmlFreeDoc);
+PageDocument ParsePage(const std::string& text) {
+  PageDocument document(
+      xmlReadMemory(text.data(), static_cast<int>(text.size()), "page", nullptr,
+                    XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
+      &xmlFreeDoc);
   Require(document != nullptr, "the page is well-formed");
   return document;
 }
@@ -238,7 +239,7 @@ void CheckHarmless(xmlNode* root) {
 void CheckHtml(const std::string& document, const cli::Inventory& inventory) {
   RequireFitForTerminal(document, false);
   Require(document.rfind("<!DOCTYPE html>\n<html lang=\"en\">", 0) == 0, "the page begins as HTML");
-  const Document parsed = Parse(document);
+  const PageDocument parsed = ParsePage(document);
   xmlNode* const root = xmlDocGetRootElement(parsed.get());
   CheckHarmless(root);
   Comparison(root, inventory).Check();

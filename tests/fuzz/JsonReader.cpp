@@ -14,13 +14,13 @@ namespace usbinfo_test {
 
 namespace {
 
-void CheckText(const ordered_json& found, const std::string& expected) {
+void CheckJsonText(const ordered_json& found, const std::string& expected) {
   Require(found.is_string(), "a text is a JSON string");
   RequireEqual(found.get_ref<const std::string&>(), ReplaceBrokenUtf8(expected),
                "a string of the JSON document");
 }
 
-struct ValueCheck {
+struct JsonValueCheck {
   const ordered_json& found;
 
   void operator()(std::monostate) const {
@@ -30,21 +30,21 @@ struct ValueCheck {
     Require(found.is_number_unsigned() && found.get<std::uint64_t>() == number,
             "a number of the JSON document");
   }
-  void operator()(const std::string& text) const { CheckText(found, text); }
-  void operator()(const cli::Reference& reference) const { CheckText(found, reference.path); }
+  void operator()(const std::string& text) const { CheckJsonText(found, text); }
+  void operator()(const cli::Reference& reference) const { CheckJsonText(found, reference.path); }
   void operator()(const std::vector<std::string>& texts) const {
     Require(found == ordered_json(texts), "an array of the JSON document");
   }
 };
 
-void CheckItem(const ordered_json& found, const cli::Item& item) {
+void CheckJsonItem(const ordered_json& found, const cli::Item& item) {
   Require(found.is_object(), "an instance is a JSON object");
   auto property = found.begin();
   for (std::size_t index = 0; index < item.Schema().properties.size(); ++index) {
     if (item.At(index).index() == 0) continue;
     Require(property != found.end(), "a JSON object has all properties");
     RequireEqual(property.key(), item.Schema().properties[index].name, "a property of the JSON document");
-    std::visit(ValueCheck{property.value()}, item.At(index));
+    std::visit(JsonValueCheck{property.value()}, item.At(index));
     ++property;
   }
   Require(property == found.end(), "a JSON object has no property too many");
@@ -53,7 +53,8 @@ void CheckItem(const ordered_json& found, const cli::Item& item) {
 void CheckClass(const ordered_json& found, const cli::ItemsOfClass& ofClass) {
   Require(found.is_array(), "a class is a JSON array");
   RequireCount(found.size(), ofClass.items.size(), "instances of a class of the JSON document");
-  for (std::size_t index = 0; index < found.size(); ++index) CheckItem(found[index], ofClass.items[index]);
+  for (std::size_t index = 0; index < found.size(); ++index)
+    CheckJsonItem(found[index], ofClass.items[index]);
 }
 
 /// A document that any program can take: ASCII, without control characters but newlines, of which one ends
@@ -70,8 +71,8 @@ void CheckLine(const std::string& line, const std::string& system, const cli::It
   RequireCount(object.size(), 4, "members of a JSON line");
   RequireEqual(object.at("host"), ReplaceBrokenUtf8(system), "the host of a JSON line");
   RequireEqual(object.at("class"), item.Schema().name, "the class of a JSON line");
-  CheckText(object.at("path"), PathTextOf(item));
-  CheckItem(object.at("properties"), item);
+  CheckJsonText(object.at("path"), PathTextOf(item));
+  CheckJsonItem(object.at("properties"), item);
 }
 
 }  // namespace

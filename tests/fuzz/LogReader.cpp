@@ -57,7 +57,7 @@ std::string Unspelled(const std::string& spelled) {
   return text;
 }
 
-void CheckText(const DistinctLines& log) {
+void CheckTextLog(const DistinctLines& log) {
   static const std::vector<std::string> kNames = {"error", "warning", "status", "debug", "verbose"};
   auto line = log.begin();
   for (const std::string& written : Written(log, cli::LogFormat::kText)) {
@@ -68,7 +68,7 @@ void CheckText(const DistinctLines& log) {
   }
 }
 
-void CheckJson(const DistinctLines& log) {
+void CheckJsonLog(const DistinctLines& log) {
   auto line = log.begin();
   for (const std::string& written : Written(log, cli::LogFormat::kJson)) {
     const bool isPlain =
@@ -85,8 +85,8 @@ void CheckJson(const DistinctLines& log) {
 }  // namespace
 
 void CheckLog(const DistinctLines& log) {
-  CheckText(log);
-  CheckJson(log);
+  CheckTextLog(log);
+  CheckJsonLog(log);
 }
 
 }  // namespace usbinfo_test

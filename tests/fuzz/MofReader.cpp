@@ -29,9 +29,9 @@ std::string EncodeUtf8(std::uint32_t character) {
 }
 
 /// Takes MOF apart, token by token.
-class Scanner {
+class MofScanner {
  public:
-  explicit Scanner(std::string_view text) : fText(text) {}
+  explicit MofScanner(std::string_view text) : fText(text) {}
 
   bool IsAtEnd() {
     SkipBlanks();
@@ -106,8 +106,8 @@ class Scanner {
   std::string_view fText;
 };
 
-struct ValueCheck {
-  Scanner& scanner;
+struct MofValueCheck {
+  MofScanner& scanner;
 
   void operator()(std::monostate) const { throw BrokenInvariant("the MOF document has a property too many"); }
   void operator()(std::uint64_t number) const {
@@ -130,7 +130,7 @@ struct ValueCheck {
   }
 };
 
-void CheckItem(Scanner& scanner, const cli::Item& item) {
+void CheckMofItem(MofScanner& scanner, const cli::Item& item) {
   scanner.Expect("instance of ");
   RequireEqual(scanner.Word(), item.Schema().name, "the class of an instance of the MOF document");
   scanner.Expect("{");
@@ -138,14 +138,14 @@ void CheckItem(Scanner& scanner, const cli::Item& item) {
     if (item.At(index).index() == 0) continue;
     RequireEqual(scanner.Word(), item.Schema().properties[index].name, "a property of the MOF document");
     scanner.Expect("=");
-    std::visit(ValueCheck{scanner}, item.At(index));
+    std::visit(MofValueCheck{scanner}, item.At(index));
     scanner.Expect(";");
   }
   scanner.Expect("};");
 }
 
 /// Goes past the declarations of qualifiers and classes.
-void SkipDeclarations(Scanner& scanner) {
+void SkipDeclarations(MofScanner& scanner) {
   while (scanner.Takes("Qualifier ")) {
     scanner.Upto(";");
     scanner.Expect(";");
@@ -160,10 +160,10 @@ void SkipDeclarations(Scanner& scanner) {
 
 void CheckMof(const std::string& document, const cli::Inventory& inventory) {
   RequireFitForTerminal(document, false);
-  Scanner scanner(document);
+  MofScanner scanner(document);
   SkipDeclarations(scanner);
   for (const cli::ItemsOfClass& ofClass : inventory.Classes()) {
-    for (const cli::Item& item : ofClass.items) CheckItem(scanner, item);
+    for (const cli::Item& item : ofClass.items) CheckMofItem(scanner, item);
   }
   Require(scanner.IsAtEnd(), "nothing follows the instances of the MOF document");
 }
