@@ -6,7 +6,6 @@ namespace kernel {
 namespace {
 
 constexpr unsigned kMostBuses = 65535;
-constexpr unsigned kMostPorts = 255;
 
 /// "3.1", or "0" for a root hub.
 std::string PortPath(const DeviceName& name) {

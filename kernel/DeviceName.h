@@ -9,6 +9,9 @@
 
 namespace kernel {
 
+/// A hub has no more ports.
+inline constexpr unsigned kMostPorts = 255;
+
 /// Where a device is: its bus, and the ports that lead to it from the root hub on.
 struct DeviceName {
   unsigned bus = 0;

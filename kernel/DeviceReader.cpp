@@ -11,7 +11,6 @@ namespace kernel {
 namespace {
 
 constexpr unsigned kMostDevices = 255;
-constexpr unsigned kMostPorts = 255;
 constexpr unsigned kMostByte = 255;
 /// The kernel's limit: the device descriptor and one configuration of the greatest size.
 constexpr std::size_t kMostDescriptors = 18 + 65535;
@@ -47,13 +46,13 @@ std::optional<unsigned> ReadActiveValue(const SysfsFolder& folder) {
 /// Zero where the kernel has no such file.
 std::uint32_t ReadQuirks(const SysfsFolder& folder) {
   constexpr std::string_view kPrefix = "0x";
-  constexpr int kHexadecimal = 16;
+  constexpr int kBase = 16;
   const std::string text = folder.ReadIfThere("quirks").value_or("0x0");
   std::string_view digits = WithoutLineBreak(text);
   std::uint32_t quirks = 0;
   if (digits.starts_with(kPrefix)) digits.remove_prefix(kPrefix.size());
   const char* const end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(digits.data(), end, quirks, kHexadecimal);
+  const auto [stop, error] = std::from_chars(digits.data(), end, quirks, kBase);
   if (error != std::errc() || stop != end) throw SysfsError("quirks", "no hexadecimal number");
   return quirks;
 }

@@ -22,9 +22,9 @@ namespace {
 using Address = std::pair<unsigned, unsigned>;
 
 /// Knows the DeviceIDs of an inventory.
-class Identifiers {
+class ItemIdentifiers {
  public:
-  explicit Identifiers(const Inventory& inventory) {
+  explicit ItemIdentifiers(const Inventory& inventory) {
     for (const Item& hub : inventory.Hubs()) Add(hub.String(PropertyId::kDeviceID));
     for (const Item& device : inventory.Devices()) Add(device.String(PropertyId::kDeviceID));
   }
@@ -127,7 +127,7 @@ std::optional<std::string> NameBehind(std::string_view port) {
 /// What ports have to know of the devices.
 class Hubs {
  public:
-  Hubs(const std::vector<kernel::Device>& devices, const Identifiers& identifiers) {
+  Hubs(const std::vector<kernel::Device>& devices, const ItemIdentifiers& identifiers) {
     for (const kernel::Device& device : devices) {
       fByName.try_emplace(device.name, Hub{device.bus, identifiers.Of(device)});
       if (device.name.empty()) fUncertainBuses.insert(device.bus);
@@ -161,7 +161,7 @@ class Hubs {
 }  // namespace
 
 KernelFacts FromKernel(const kernel::Topology& topology, const Inventory& inventory) {
-  const Identifiers identifiers(inventory);
+  const ItemIdentifiers identifiers(inventory);
   KernelFacts facts;
   for (const kernel::Device& device : topology.devices) {
     facts.devices.push_back(FactsOfDevice(device, identifiers.Of(device)));

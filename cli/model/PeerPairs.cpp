@@ -10,9 +10,9 @@ namespace cli {
 
 namespace {
 
-constexpr std::size_t kNone = UsbTreeNode::kNone;
+constexpr std::size_t kNoPort = UsbTreeNode::kNone;
 
-unsigned BusOf(const PortFacts& port) {
+unsigned BusOfPort(const PortFacts& port) {
   const std::optional<kernel::DeviceName> name = kernel::ParseDeviceName(*port.name);
   return name ? name->bus : 0;
 }
@@ -20,7 +20,7 @@ unsigned BusOf(const PortFacts& port) {
 }  // namespace
 
 PeerPairs::PeerPairs(const UsbTree& tree, const std::vector<const PortFacts*>& ports)
-    : fTree(tree), fSecondHalves(tree.Nodes().size(), kNone), fIsSecond(tree.Nodes().size(), false) {
+    : fTree(tree), fSecondHalves(tree.Nodes().size(), kNoPort), fIsSecond(tree.Nodes().size(), false) {
   FindPeers(ports);
   for (const Peers& peers : fPeers) PairRootHubs(peers);
   for (const Peers& peers : fPeers) PairPorts(peers);
@@ -32,14 +32,14 @@ void PeerPairs::FindPeers(const std::vector<const PortFacts*>& ports) {
     if (ports[index] != nullptr && ports[index]->name) byName.emplace(*ports[index]->name, index);
   }
   const auto peerOf = [&](std::size_t port) {
-    if (ports[port] == nullptr || !ports[port]->peer) return kNone;
+    if (ports[port] == nullptr || !ports[port]->peer) return kNoPort;
     const auto found = byName.find(*ports[port]->peer);
-    return found == byName.end() ? kNone : found->second;
+    return found == byName.end() ? kNoPort : found->second;
   };
   for (const std::size_t port : fTree.TopDown()) {
     const std::size_t peer = peerOf(port);
-    if (peer == kNone || peerOf(peer) != port) continue;
-    if (BusOf(*ports[port]) < BusOf(*ports[peer])) fPeers.push_back({port, peer});
+    if (peer == kNoPort || peerOf(peer) != port) continue;
+    if (BusOfPort(*ports[port]) < BusOfPort(*ports[peer])) fPeers.push_back({port, peer});
   }
 }
 
@@ -47,10 +47,10 @@ void PeerPairs::PairRootHubs(const Peers& peers) {
   const auto& nodes = fTree.Nodes();
   const std::size_t first = nodes[peers.first].parent;
   const std::size_t second = nodes[peers.second].parent;
-  if (first == kNone || second == kNone) return;
+  if (first == kNoPort || second == kNoPort) return;
   const std::size_t firstAbove = nodes[first].parent;
   const std::size_t secondAbove = nodes[second].parent;
-  const bool areAtTop = firstAbove == kNone && secondAbove == kNone;
+  const bool areAtTop = firstAbove == kNoPort && secondAbove == kNoPort;
   if (!areAtTop && !(nodes[first].isRootHub && nodes[second].isRootHub)) return;
   Pair(first, second);
   if (!areAtTop && SecondHalfOf(first) == second) Pair(firstAbove, secondAbove);
@@ -71,11 +71,11 @@ void PeerPairs::PairPorts(const Peers& peers) {
 bool PeerPairs::AreHubsPaired(const Peers& peers) const {
   const std::size_t first = fTree.Nodes()[peers.first].parent;
   const std::size_t second = fTree.Nodes()[peers.second].parent;
-  return first == kNone || second == kNone ? first == second : SecondHalfOf(first) == second;
+  return first == kNoPort || second == kNoPort ? first == second : SecondHalfOf(first) == second;
 }
 
 void PeerPairs::Pair(std::size_t first, std::size_t second) {
-  const bool isEitherPaired = SecondHalfOf(first) != kNone || SecondHalfOf(second) != kNone ||
+  const bool isEitherPaired = SecondHalfOf(first) != kNoPort || SecondHalfOf(second) != kNoPort ||
                               IsSecondHalf(first) || IsSecondHalf(second);
   if (first == second || isEitherPaired) return;
   fSecondHalves[first] = second;

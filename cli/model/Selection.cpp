@@ -11,6 +11,7 @@
 #include "cli/model/Identifier.h"
 #include "cli/model/Sockets.h"
 #include "cli/model/UsbTree.h"
+#include "cli/text/Text.h"
 #include "kernel/DeviceName.h"
 
 namespace cli {
@@ -172,10 +173,6 @@ std::string TextOf(const VendorProduct& ids) {
 
 std::string TextOf(const BusDevice& place) {
   return Decimal(place.bus) + ":" + Decimal(place.device);
-}
-
-void AddOnce(std::string text, std::vector<std::string>& texts) {
-  if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(std::move(text));
 }
 
 Origin SelectedFrom(Origin origin, const Selection& selection) {

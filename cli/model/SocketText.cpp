@@ -9,14 +9,11 @@
 #include "cli/model/Description.h"
 #include "cli/model/DeviceText.h"
 #include "cli/model/Speed.h"
+#include "cli/text/Text.h"
 
 namespace cli {
 
 namespace {
-
-void AddOnce(const std::string& text, std::vector<std::string>& texts) {
-  if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(text);
-}
 
 std::string Joined(const std::vector<std::string>& texts) {
   return fmt::format("{}", fmt::join(texts, ", "));

@@ -11,7 +11,7 @@ namespace cli {
 
 namespace {
 
-constexpr std::size_t kNone = SocketNode::kNone;
+constexpr std::size_t kNoNode = SocketNode::kNone;
 /// Fewer sockets in a row do not share one.
 constexpr std::size_t kFewestFolded = 3;
 
@@ -171,7 +171,7 @@ void Sockets::AddFrom(std::size_t top, const PeerPairs& pairs) {
     std::size_t node;
     std::size_t parent;
   };
-  std::vector<Waiting> waiting = {{top, kNone}};
+  std::vector<Waiting> waiting = {{top, kNoNode}};
   while (!waiting.empty()) {
     const Waiting next = waiting.back();
     waiting.pop_back();
@@ -189,7 +189,7 @@ void Sockets::AddFrom(std::size_t top, const PeerPairs& pairs) {
 std::size_t Sockets::Add(std::size_t node, std::size_t parent, const PeerPairs& pairs) {
   SocketNode added{{HalfOf(node)}};
   const std::size_t second = pairs.SecondHalfOf(node);
-  if (second != kNone) added.halves.push_back(HalfOf(second));
+  if (second != kNoNode) added.halves.push_back(HalfOf(second));
   added.name = NameOf(added);
   added.parent = parent;
   if (added.Class() == ClassId::kPort) {
@@ -197,14 +197,14 @@ std::size_t Sockets::Add(std::size_t node, std::size_t parent, const PeerPairs& 
     added.isHardwired = std::any_of(added.halves.begin(), added.halves.end(),
                                     [](const SocketHalf& half) { return HasConnect(half, "hardwired"); });
   }
-  (parent == kNone ? fTop : fNodes[parent].children).push_back(fNodes.size());
+  (parent == kNoNode ? fTop : fNodes[parent].children).push_back(fNodes.size());
   fNodes.push_back(std::move(added));
   return fNodes.size() - 1;
 }
 
 SocketHalf Sockets::HalfOf(std::size_t node) const {
   const UsbTreeNode& half = fTree.Nodes()[node];
-  const bool isOnHub = half.Class() == ClassId::kPort && half.parent != kNone;
+  const bool isOnHub = half.Class() == ClassId::kPort && half.parent != kNoNode;
   return {&half, fDeviceFacts[node], fPortFacts[node], isOnHub ? fDeviceFacts[half.parent] : nullptr};
 }
 

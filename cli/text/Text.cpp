@@ -2,7 +2,9 @@
 
 #include <langinfo.h>
 
+#include <algorithm>
 #include <sstream>
+#include <utility>
 
 #include "cli/text/MapCharacters.h"
 
@@ -104,6 +106,10 @@ std::vector<std::string> SplitAtCommas(const std::string& text) {
   std::istringstream stream(text);
   for (std::string part; std::getline(stream, part, ',');) parts.push_back(part);
   return parts;
+}
+
+void AddOnce(std::string text, std::vector<std::string>& texts) {
+  if (std::find(texts.begin(), texts.end(), text) == texts.end()) texts.push_back(std::move(text));
 }
 
 }  // namespace cli

@@ -39,4 +39,7 @@ std::string EscapeForMof(std::string_view text);
 /// The parts of `text` between its commas; none of an empty text.
 std::vector<std::string> SplitAtCommas(const std::string& text);
 
+/// Appends `text` unless it is there.
+void AddOnce(std::string text, std::vector<std::string>& texts);
+
 }  // namespace cli

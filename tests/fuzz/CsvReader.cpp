@@ -79,7 +79,7 @@ std::string CellOf(const std::string& sent) {
 }
 
 /// Name, vendor, id and serial number.
-Line Expected(const LinkedItem& item) {
+Line ExpectedLine(const LinkedItem& item) {
   const auto cell = [&item](PropertyId property) { return CellOf(item.item->String(property)); };
   return {cell(PropertyId::kDescription), cell(PropertyId::kManufacturer), item.Id(),
           cell(PropertyId::kSerialNumber)};
@@ -101,7 +101,7 @@ void CheckCsv(const std::string& document, const cli::Inventory& inventory) {
     found.insert({lines[line].begin() + 2, lines[line].begin() + 6});
   }
   std::multiset<Line> expected;
-  for (const LinkedItem& item : ListedItems(inventory)) expected.insert(Expected(item));
+  for (const LinkedItem& item : ListedItems(inventory)) expected.insert(ExpectedLine(item));
   Require(found == expected, "CSV has a line per device");
 }
 

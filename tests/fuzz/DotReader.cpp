@@ -142,7 +142,7 @@ std::string Drawn(const std::map<std::string, std::string>& attributes) {
   return lines.front().front() == '+' ? svgClass + " " + lines.front() : svgClass;
 }
 
-std::string Expected(const LinkedItem& item) {
+std::string ExpectedNode(const LinkedItem& item) {
   if (item.kind == "port") return item.IsFree() ? "port free" : "port used";
   const std::string name = item.isRootHub ? "Root hub" : item.Name();
   return item.kind == "controller" ? item.kind + " " + name : item.kind + " " + name + " " + item.Id();
@@ -167,13 +167,13 @@ ExpectedGraph ExpectedOf(const std::vector<LinkedItem>& items) {
       ++folded[item.parent];
       continue;
     }
-    expected.nodes.insert(Expected(item));
-    if (!isTop) expected.edges.insert(Expected(items[item.parent]) + " -> " + Expected(item));
+    expected.nodes.insert(ExpectedNode(item));
+    if (!isTop) expected.edges.insert(ExpectedNode(items[item.parent]) + " -> " + ExpectedNode(item));
   }
   for (const auto& [hub, count] : folded) {
     const std::string node = "port free +" + std::to_string(count) + " free";
     expected.nodes.insert(node);
-    expected.edges.insert(Expected(items[hub]) + " -> " + node);
+    expected.edges.insert(ExpectedNode(items[hub]) + " -> " + node);
   }
   return expected;
 }

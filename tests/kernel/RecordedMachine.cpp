@@ -15,7 +15,7 @@ fs::path DataFile(const std::string& name) {
   return fs::path(TEST_DATA_DIR) / "sysfs" / name;
 }
 
-std::string Contents(const fs::path& file) {
+std::string WholeFile(const fs::path& file) {
   std::ifstream input(file, std::ios::binary);
   return {std::istreambuf_iterator<char>(input), {}};
 }
@@ -32,11 +32,11 @@ std::vector<std::string> RecordedMachines() {
 }
 
 SysfsRecord ReadRecord(const std::string& machine) {
-  return FromText(Contents(DataFile(machine + ".tree")));
+  return FromText(WholeFile(DataFile(machine + ".tree")));
 }
 
 std::string ReadKernelList(const std::string& machine) {
-  return Contents(DataFile(machine + ".txt"));
+  return WholeFile(DataFile(machine + ".txt"));
 }
 
 SysfsRecord PartOf(const SysfsRecord& record, const std::string& controller) {

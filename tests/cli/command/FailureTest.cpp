@@ -18,7 +18,7 @@ using testing::StartsWith;
 namespace usbinfo_test {
 namespace {
 
-std::string Capture() {
+std::string SomeCapture() {
   return CapturePath("vm-desktop-debugfs");
 }
 
@@ -38,46 +38,46 @@ const Failure kFailures[] = {
     {"FolderAsDeviceList", {"--devices", "@"}, "cannot read @: Is a directory"},
     {"FileAsFolderOfDeviceList", {"--devices", "@/text/list"}, "cannot read @/text/list: Not a directory"},
     {"MissingKey",
-     {"--devices", Capture(), "--mask-serials", "--mask-key", "@/missing"},
+     {"--devices", SomeCapture(), "--mask-serials", "--mask-key", "@/missing"},
      "cannot read the key in @/missing: No such file or directory"},
     {"FolderAsKey",
-     {"--devices", Capture(), "--mask-serials", "--mask-key", "@"},
+     {"--devices", SomeCapture(), "--mask-serials", "--mask-key", "@"},
      "cannot read the key in @: Is a directory"},
     {"EmptyKey",
-     {"--devices", Capture(), "--mask-serials", "--mask-key", "/dev/null"},
+     {"--devices", SomeCapture(), "--mask-serials", "--mask-key", "/dev/null"},
      "the key in /dev/null has 0 bytes, but needs at least 16"},
     {"EmptyKeyOnStandardInput",
-     {"--devices", Capture(), "--mask-serials", "--mask-key", "-"},
+     {"--devices", SomeCapture(), "--mask-serials", "--mask-key", "-"},
      "the key in standard input has 0 bytes, but needs at least 16"},
     {"EndlessKey",
-     {"--devices", Capture(), "--mask-serials", "--mask-key", "/dev/zero"},
+     {"--devices", SomeCapture(), "--mask-serials", "--mask-key", "/dev/zero"},
      "the key in /dev/zero has more than 1 MiB"},
     {"ShortKey",
-     {"--devices", Capture(), "--mask-serials", "--mask-key", "@/text"},
+     {"--devices", SomeCapture(), "--mask-serials", "--mask-key", "@/text"},
      "the key in @/text has 5 bytes, but needs at least 16"},
     {"ListAndKeyOnStandardInput",
      {"--devices", "-", "--mask-serials", "--mask-key", "-"},
      "--devices and --mask-key cannot both be standard input"},
     {"MissingPlugin",
-     {"--devices", Capture(), "--plugin", "@/missing.so"},
+     {"--devices", SomeCapture(), "--plugin", "@/missing.so"},
      "cannot use the plug-in: @/missing.so: cannot open shared object file: No such file or directory"},
     {"TextAsPlugin",
-     {"--devices", Capture(), "--plugin", "@/text"},
+     {"--devices", SomeCapture(), "--plugin", "@/text"},
      "cannot use the plug-in: @/text: file too short"},
     {"FolderAsPlugin",
-     {"--devices", Capture(), "--plugin", "@"},
+     {"--devices", SomeCapture(), "--plugin", "@"},
      "cannot use the plug-in: @: cannot read file data: Is a directory"},
     {"ModuleWithoutPlugin",
-     {"--devices", Capture(), "--plugin", STANDIN_PATH},
+     {"--devices", SomeCapture(), "--plugin", STANDIN_PATH},
      "cannot use the plug-in: " STANDIN_PATH ": the module registers no plug-in that answers queries"},
     {"MissingFolderOfOutput",
-     {"--devices", Capture(), "--output", "@/missing/out"},
+     {"--devices", SomeCapture(), "--output", "@/missing/out"},
      "cannot write @/missing/out: No such file or directory"},
-    {"FolderAsOutput", {"--devices", Capture(), "--output", "@"}, "cannot write @: Is a directory"},
+    {"FolderAsOutput", {"--devices", SomeCapture(), "--output", "@"}, "cannot write @: Is a directory"},
     {"MissingFolderOfLog",
-     {"--devices", Capture(), "--log", "@/missing/log"},
+     {"--devices", SomeCapture(), "--log", "@/missing/log"},
      "cannot write the log @/missing/log: No such file or directory"},
-    {"FolderAsLog", {"--devices", Capture(), "--log", "@"}, "cannot write the log @: Is a directory"},
+    {"FolderAsLog", {"--devices", SomeCapture(), "--log", "@"}, "cannot write the log @: Is a directory"},
 };
 
 std::string Replace(std::string text, const std::string& folder) {
@@ -165,7 +165,7 @@ TEST(UnreadableInput, NamesStandardInput) {
 
 TEST(FailedOutput, IsReportedForAFullDevice) {
   for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{"--devices", Capture()}, {"--help"}, {"--version"}}) {
+       {std::vector<std::string>{"--devices", SomeCapture()}, {"--help"}, {"--version"}}) {
     const CommandResult result = RunInto([](Command& command) { command.OutputTo("/dev/full"); }, arguments);
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot write standard output: No space left on device"));
@@ -177,10 +177,10 @@ TEST(ClosedPipe, EndsTheCommandAsItEndsOthersAndQuietly) {
   const TemporaryFolder folder;
   std::vector<std::vector<std::string>> runs = {{"--help"}, {"--version"}, {"schema"}};
   for (const char* format : {"tree", "table", "json", "jsonl", "cimxml", "mof", "dot", "html"}) {
-    runs.push_back({"--devices", Capture(), "--format", format});
+    runs.push_back({"--devices", SomeCapture(), "--format", format});
   }
   for (const char* output : {"-", "/dev/stdout", "/dev/fd/1"}) {
-    runs.push_back({"--devices", Capture(), "--output", output, "--log", folder.File("log")});
+    runs.push_back({"--devices", SomeCapture(), "--output", output, "--log", folder.File("log")});
   }
   for (const std::vector<std::string>& arguments : runs) {
     const CommandResult result = RunInto([](Command& command) { command.OutputToClosedPipe(); }, arguments);
@@ -191,7 +191,7 @@ TEST(ClosedPipe, EndsTheCommandAsItEndsOthersAndQuietly) {
 
 TEST(ClosedPipe, LeavesAWholeLog) {
   const TemporaryFolder folder;
-  const std::vector<std::string> arguments = {"--devices",        Capture(),     "--log",
+  const std::vector<std::string> arguments = {"--devices",        SomeCapture(), "--log",
                                               folder.File("log"), "--log-level", "verbose"};
   RunInto([](Command& command) { command.OutputToClosedPipe(); }, arguments);
   const std::string log = ReadFile(folder.File("log"));
@@ -201,7 +201,7 @@ TEST(ClosedPipe, LeavesAWholeLog) {
 
 TEST(FailedOutput, IsReportedForAClosedStandardOutput) {
   const CommandResult result =
-      RunInto([](Command& command) { command.CloseOutput(); }, {"--devices", Capture()});
+      RunInto([](Command& command) { command.CloseOutput(); }, {"--devices", SomeCapture()});
   EXPECT_EQ(result.status, 2);
   EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot write standard output: Bad file descriptor"));
 }
@@ -210,7 +210,7 @@ TEST(FailedOutput, NeverGoesIntoTheLogInsteadOfAClosedStandardOutput) {
   const TemporaryFolder folder;
   const CommandResult result =
       RunInto([](Command& command) { command.CloseOutput(); },
-              {"--devices", Capture(), "--log", folder.File("log"), "--log-level", "error"});
+              {"--devices", SomeCapture(), "--log", folder.File("log"), "--log-level", "error"});
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(ReadFile(folder.File("log")), "");
 }
@@ -231,18 +231,18 @@ TEST(FailedOutput, IsReportedForALogThatLostLines) {
   CommandResult result;
   {
     const FileSizeLimit limit(10000);
-    result = RunUsbinfo({"--devices", Capture(), "--log", log, "--log-level", "verbose"});
+    result = RunUsbinfo({"--devices", SomeCapture(), "--log", log, "--log-level", "verbose"});
   }
   EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.output, RunUsbinfo({"--devices", Capture()}).output);
+  EXPECT_EQ(result.output, RunUsbinfo({"--devices", SomeCapture()}).output);
   EXPECT_THAT(result.errors, StartsWith("usbinfo: cannot write the log " + log + ": File too large; "));
   EXPECT_EQ(Lines(result.errors).size(), 1U) << result.errors;
 }
 
 TEST(FailedOutput, OfANoisyLogDoesNotTakeThePlaceOfTheData) {
-  const CommandResult result = RunUsbinfo({"--devices", Capture(), "--log-level", "verbose"});
+  const CommandResult result = RunUsbinfo({"--devices", SomeCapture(), "--log-level", "verbose"});
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.output, RunUsbinfo({"--devices", Capture()}).output);
+  EXPECT_EQ(result.output, RunUsbinfo({"--devices", SomeCapture()}).output);
 }
 
 }  // namespace

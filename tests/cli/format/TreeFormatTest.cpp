@@ -15,7 +15,7 @@ using NKESTA20::TCIMValue;
 namespace usbinfo_test {
 namespace {
 
-constexpr const char* kFree = "No device connected";
+constexpr const char* kFreePort = "No device connected";
 constexpr const char* kInUse = "Device connected";
 
 class TreeFormatTest : public CliTest {
@@ -187,9 +187,9 @@ TEST_F(TreeFormatTest, NamesTheSpeedClassOfADevice) {
 }
 
 TEST_F(TreeFormatTest, ShowsTheSpeedOfAPortInWholeUnits) {
-  AddPort("Bus 01  Device   1 Port 00", 1000000, kFree);
-  AddPort("Bus 01  Device   1 Port 01", 2500000000, kFree);
-  AddPort("Bus 01  Device   1 Port 02", 20000000000, kFree);
+  AddPort("Bus 01  Device   1 Port 00", 1000000, kFreePort);
+  AddPort("Bus 01  Device   1 Port 01", 2500000000, kFreePort);
+  AddPort("Bus 01  Device   1 Port 02", 20000000000, kFreePort);
   EXPECT_EQ(Rows(),
             "Bus 01, hub 1, port 00 free         1 Mbit/s\n"
             "Bus 01, hub 1, port 01 free      2500 Mbit/s\n"
@@ -234,7 +234,7 @@ TEST_F(TreeFormatTest, NamesTheHubOnAPortWhoseOwnHubIsNotShown) {
 }
 
 TEST_F(TreeFormatTest, PlacesAPortWithoutItsHubByTheHubsNumber) {
-  AddPort("Bus 01  Device   2 Port 07", 480000000, kFree);
+  AddPort("Bus 01  Device   2 Port 07", 480000000, kFreePort);
   EXPECT_EQ(Rows(), "Bus 01, hub 2, port 07 free      480 Mbit/s\n");
 }
 
@@ -253,7 +253,7 @@ TEST_F(TreeFormatTest, ShowsEveryHubOfAChainThatNoRealMachineHas) {
 TEST_F(TreeFormatTest, CountsWhatThereIsAndThePortsThatAreFree) {
   AddController("Bus 01  Device   1", "c");
   AddHub("Bus 01  Device   1", "h", 1);
-  AddPort("Bus 01  Device   1 Port 00", 12000000, kFree);
+  AddPort("Bus 01  Device   1 Port 00", 12000000, kFreePort);
   AddDevice("Bus 01  Device   2", "d", 1);
   EXPECT_EQ(Lines(Render("C")).front(), "testhost: 1 controller, 1 hub, 1 port (1 free), 1 device");
   AddPort("Bus 01  Device   1 Port 01", 12000000, kInUse);

@@ -110,7 +110,7 @@ std::ostream& operator<<(std::ostream& out, const Damage& damage) {
   return out << damage.name;
 }
 
-json& Device(InventoryBuilder& machine) {
+json& SavedDevice(InventoryBuilder& machine) {
   return machine.Last("KALDO_USBDevice");
 }
 
@@ -135,30 +135,30 @@ const Damage kDamages[] = {
      "/classes/a~1b: is not a member of an inventory"},
     {"ClassAsObject", [](auto& it) { it.Document()["classes"]["KALDO_USBPort"] = json::object(); },
      "/classes/KALDO_USBPort: must be a list"},
-    {"InstanceAsNull", [](auto& it) { Device(it) = nullptr; },
+    {"InstanceAsNull", [](auto& it) { SavedDevice(it) = nullptr; },
      std::string(kDevicePointer) + ": must be an object"},
-    {"UnknownProperty", [](auto& it) { Device(it)["Other"] = 1; },
+    {"UnknownProperty", [](auto& it) { SavedDevice(it)["Other"] = 1; },
      std::string(kDevicePointer) + "/Other: is not a property of a KALDO_USBDevice"},
-    {"PropertyOfAnotherClass", [](auto& it) { Device(it)["NumberOfPorts"] = 1; },
+    {"PropertyOfAnotherClass", [](auto& it) { SavedDevice(it)["NumberOfPorts"] = 1; },
      std::string(kDevicePointer) + "/NumberOfPorts: is not a property of a KALDO_USBDevice"},
-    {"NoKey", [](auto& it) { Device(it).erase("DeviceID"); },
+    {"NoKey", [](auto& it) { SavedDevice(it).erase("DeviceID"); },
      std::string(kDevicePointer) + "/DeviceID: is missing"},
-    {"NoNumber", [](auto& it) { Device(it).erase("VendorID"); },
+    {"NoNumber", [](auto& it) { SavedDevice(it).erase("VendorID"); },
      std::string(kDevicePointer) + "/VendorID: is missing"},
-    {"NumberAsText", [](auto& it) { Device(it)["VendorID"] = "1"; },
+    {"NumberAsText", [](auto& it) { SavedDevice(it)["VendorID"] = "1"; },
      std::string(kDevicePointer) + "/VendorID: must be a whole number from 0 to 65535"},
-    {"NegativeNumber", [](auto& it) { Device(it)["VendorID"] = -1; },
+    {"NegativeNumber", [](auto& it) { SavedDevice(it)["VendorID"] = -1; },
      std::string(kDevicePointer) + "/VendorID: must be a whole number from 0 to 65535"},
-    {"Fraction", [](auto& it) { Device(it)["VendorID"] = 1.5; },
+    {"Fraction", [](auto& it) { SavedDevice(it)["VendorID"] = 1.5; },
      std::string(kDevicePointer) + "/VendorID: must be a whole number from 0 to 65535"},
-    {"NumberBeyondSixteenBits", [](auto& it) { Device(it)["VendorID"] = 65536; },
+    {"NumberBeyondSixteenBits", [](auto& it) { SavedDevice(it)["VendorID"] = 65536; },
      std::string(kDevicePointer) + "/VendorID: must be a whole number from 0 to 65535"},
-    {"NumberBeyondEightBits", [](auto& it) { Device(it)["Speed"] = 256; },
+    {"NumberBeyondEightBits", [](auto& it) { SavedDevice(it)["Speed"] = 256; },
      std::string(kDevicePointer) + "/Speed: must be a whole number from 0 to 255"},
     {"NumberBeyondSixtyFourBits",
      [](auto& it) { it.Last("KALDO_USBPort")["Speed"] = 18446744073709551616.0; },
      "/classes/KALDO_USBPort/1/Speed: must be a whole number from 0 to 18446744073709551615"},
-    {"TextAsNumber", [](auto& it) { Device(it)["SerialNumber"] = 1; },
+    {"TextAsNumber", [](auto& it) { SavedDevice(it)["SerialNumber"] = 1; },
      std::string(kDevicePointer) + "/SerialNumber: must be a text"},
     {"ListAsText", [](auto& it) { it.Last("KALDO_USBPort")["StatusDescriptions"] = "x"; },
      "/classes/KALDO_USBPort/1/StatusDescriptions: must be a list"},
@@ -167,7 +167,7 @@ const Damage kDamages[] = {
        it.Last("KALDO_USBPort")["StatusDescriptions"] = {"x", 1};
      },
      "/classes/KALDO_USBPort/1/StatusDescriptions/1: must be a text"},
-    {"OtherCreationClass", [](auto& it) { Device(it)["CreationClassName"] = "KALDO_USBHub"; },
+    {"OtherCreationClass", [](auto& it) { SavedDevice(it)["CreationClassName"] = "KALDO_USBHub"; },
      std::string(kDevicePointer) + "/CreationClassName: must be \"KALDO_USBDevice\""},
     {"LinkWithoutEnd", [](auto& it) { it.Last("KALDO_USBConnection").erase("Dependent"); },
      "/classes/KALDO_USBConnection/0/Dependent: is missing"},
@@ -315,7 +315,7 @@ INSTANTIATE_TEST_SUITE_P(Damages, DamagedInventory, testing::ValuesIn(kDamages),
 TEST(FromJson, MayLackWhatADeviceDoesNotSend) {
   InventoryBuilder machine = SmallMachine();
   for (const char* name : {"Description", "HubName", "Manufacturer", "PortNumber", "SerialNumber"}) {
-    Device(machine).erase(name);
+    SavedDevice(machine).erase(name);
   }
   machine.Last("KALDO_USBPort").erase("Speed");
   machine.Last("KALDO_USBController").erase("Description");

@@ -26,7 +26,7 @@ std::string RootHub(std::size_t ports) {
          "E:  Ad=81(I) Atr=03(Int.) MxPS=   4 Ivl=256ms\n\n";
 }
 
-std::string Device(std::size_t port, const std::string& text) {
+std::string RecordOf(std::size_t port, const std::string& text) {
   const std::string number = std::to_string(port + 2);
   return "T:  Bus=01 Lev=01 Prnt=01 Port=" + TwoDigits(port) +
          " Cnt=01 Dev#=" + std::string(3 - number.size(), ' ') + number +
@@ -42,7 +42,7 @@ std::string Device(std::size_t port, const std::string& text) {
 std::string Machine(const std::function<std::string(const HostileString&)>& text) {
   std::string list = RootHub(HostileStrings().size());
   std::size_t port = 0;
-  for (const HostileString& hostile : HostileStrings()) list += Device(port++, text(hostile));
+  for (const HostileString& hostile : HostileStrings()) list += RecordOf(port++, text(hostile));
   return list;
 }
 
@@ -108,7 +108,7 @@ std::string HarmlessDeviceList() {
 }
 
 std::string DeviceListWith(const std::string& deviceString) {
-  return RootHub(1) + Device(0, deviceString);
+  return RootHub(1) + RecordOf(0, deviceString);
 }
 
 bool ActsOnTerminal(const std::string& text) {
