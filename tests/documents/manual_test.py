@@ -71,8 +71,10 @@ def examples():
 class ExamplesTest(unittest.TestCase):
     """The examples run as they are written."""
 
-    # What looks at this machine, or at another one.
+    # What takes root's rights, or looks at another machine.
     ELSEWHERE = ("sudo ", "ssh ")
+    # What looks at this machine, which may have no USB.
+    HERE = ("usbinfo -v",)
 
     def test_examples_run_in_their_order(self):
         folder = pathlib.Path(self.enter(tempfile.TemporaryDirectory()))
@@ -92,6 +94,9 @@ class ExamplesTest(unittest.TestCase):
                     check=False, text=True, stdin=subprocess.DEVNULL,
                     stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                     env={**os.environ, "PATH": path})
+                if command in self.HERE and done.returncode == 1:
+                    self.assertIn("no USB device found", done.stderr)
+                    continue
                 self.assertEqual(done.returncode, 0, done.stderr)
         self.assertGreaterEqual(count, 8)
 
