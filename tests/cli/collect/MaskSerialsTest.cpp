@@ -298,7 +298,7 @@ TEST(MaskSerialsOption, LetsNothingOutButTheMasks) {
 TEST(MaskSerialsOption, ShowsNoSerialNumberThatIsNothingElse) {
   for (const auto& [name, list] : Lists()) {
     const std::string rest = ReplaceSerials(list, [](const std::string&) { return std::string(); });
-    const std::string printed = EverythingPrintedOf(list);
+    const std::string printed = WithoutMasks(EverythingPrintedOf(list));
     for (const std::string& serial : SerialsOf(list)) {
       if (serial.size() < 4 || rest.find(serial) != std::string::npos) continue;
       EXPECT_THAT(printed, Not(HasSubstr(serial))) << name;
