@@ -114,7 +114,8 @@ std::string HtmlControllers::DescribeEmpty(const RowNumbers& cards) const {
   std::size_t free = 0;
   for (const std::size_t card : cards) {
     places.push_back(PlaceOf(fLines.NodeAt(card), true));
-    for (std::size_t row = card + 1; row < fLines.EndOf(card); ++row) {
+    const std::size_t end = fLines.EndOf(card);
+    for (std::size_t row = card + 1; row < end; ++row) {
       if (fLines.NodeAt(row).state == SocketState::kFree) ++free;
     }
   }
@@ -126,7 +127,8 @@ std::string HtmlControllers::DescribeEmpty(const RowNumbers& cards) const {
 std::size_t HtmlControllers::HeightOf(std::size_t card) const {
   constexpr std::size_t kFrame = 3;
   std::size_t height = kFrame;
-  for (std::size_t row = card + 1; row < fLines.EndOf(card); ++row) {
+  const std::size_t end = fLines.EndOf(card);
+  for (std::size_t row = card + 1; row < end; ++row) {
     if (fLines.IsMark(row)) continue;
     height += fLines.Shown(fLines.NodeAt(row)).Class() == ClassId::kHub ? 2 : 1;
   }

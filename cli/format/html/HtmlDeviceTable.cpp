@@ -15,8 +15,8 @@ struct HtmlDeviceTable::Column {
   /// One of DeviceColumnNames.
   std::string name;
   const char* title;
-  /// Free sockets have a value, too.
-  bool isOfSockets = false;
+  /// Names the row.
+  bool isHeading = false;
 
   std::string Text(const Sockets& sockets, const SocketNode& node) const {
     const auto& columns = DeviceColumns();
@@ -27,7 +27,9 @@ struct HtmlDeviceTable::Column {
 };
 
 HtmlDeviceTable::HtmlDeviceTable(HtmlWriter& writer, const HtmlLines& lines, const RenderOptions& options)
-    : fWriter(writer), fLines(lines), fOptions(options) {}
+    : fWriter(writer), fLines(lines), fOptions(options), fColumns(Columns()) {}
+
+HtmlDeviceTable::~HtmlDeviceTable() = default;
 
 void HtmlDeviceTable::Write() {
   const std::vector<const SocketNode*> rows = DeviceRows(fLines.GetSockets(), fOptions);
@@ -43,20 +45,17 @@ void HtmlDeviceTable::Write() {
   fWriter.Close();
 }
 
-const std::vector<HtmlDeviceTable::Column>& HtmlDeviceTable::Columns() {
-  static const std::vector<Column> columns = {{"kind", "Kind"},
-                                              {"name", "Name", true},
-                                              {"vendor", "Vendor"},
-                                              {"identifier", "Identifier"},
-                                              {"serial", "Serial number"},
-                                              {"place", "Place", true},
-                                              {"speed", "Speed", true}};
+std::vector<HtmlDeviceTable::Column> HtmlDeviceTable::Columns() const {
+  if (fOptions.listsFreeSockets) return {{"place", "Place", true}, {"name", "State"}, {"speed", "Speed"}};
+  std::vector<Column> columns;
+  if (fLines.GetSockets().GetInventory().Kernel()) columns.push_back({"kind", "Kind"});
+  columns.insert(columns.end(), {{"name", "Name", true},
+                                 {"vendor", "Vendor"},
+                                 {"identifier", "Identifier"},
+                                 {"serial", "Serial number"},
+                                 {"place", "Place"},
+                                 {"speed", "Speed"}});
   return columns;
-}
-
-bool HtmlDeviceTable::HasColumn(const Column& column) const {
-  if (fOptions.listsFreeSockets) return column.isOfSockets;
-  return column.name != "kind" || fLines.GetSockets().GetInventory().Kernel();
 }
 
 const char* HtmlDeviceTable::Title() const {
@@ -67,8 +66,8 @@ const char* HtmlDeviceTable::Title() const {
 void HtmlDeviceTable::WriteHead() {
   fWriter.Open("thead");
   fWriter.Open("tr");
-  for (const Column& column : Columns()) {
-    if (HasColumn(column)) fWriter.Element("th", {{"scope", "col"}, {"class", column.name}}, column.title);
+  for (const Column& column : fColumns) {
+    fWriter.Element("th", {{"scope", "col"}, {"class", column.name}}, column.title);
   }
   fWriter.Close();
   fWriter.Close();
@@ -76,34 +75,29 @@ void HtmlDeviceTable::WriteHead() {
 
 void HtmlDeviceTable::WriteRow(const SocketNode& node) {
   fWriter.Open("tr");
-  for (const Column& column : Columns()) {
-    if (HasColumn(column)) WriteCell(node, column);
+  for (const Column& column : fColumns) {
+    if (column.isHeading) {
+      fWriter.Open("th", {{"scope", "row"}, {"class", column.name}});
+    } else {
+      fWriter.Open("td", {{"class", column.name}});
+    }
+    WriteContent(node, column.name, column.Text(fLines.GetSockets(), node));
+    fWriter.Close();
   }
   fWriter.Close();
 }
 
-void HtmlDeviceTable::WriteCell(const SocketNode& node, const Column& column) {
-  const std::string text = column.Text(fLines.GetSockets(), node);
-  if (column.name == "name") return WriteName(node, text);
-  fWriter.Open("td", {{"class", column.name}});
-  if (column.name == "kind") WriteIcon(fWriter, text);
-  if (column.name == "place") {
+void HtmlDeviceTable::WriteContent(const SocketNode& node, const std::string& column,
+                                   const std::string& text) {
+  if (column == "kind") WriteIcon(fWriter, text);
+  if (column == "place") {
     fWriter.Element("a", {{"href", "#" + fLines.AnchorOf(node)}, {"data-find", ""}}, text);
   } else if (!text.empty()) {
     fWriter.Element("span", {{"data-find", ""}}, text);
-  }
-  fWriter.Close();
-}
-
-void HtmlDeviceTable::WriteName(const SocketNode& node, const std::string& name) {
-  fWriter.Open("th", {{"scope", "row"}, {"class", "name"}});
-  if (!name.empty()) {
-    fWriter.Element("span", {{"data-find", ""}}, name);
-  } else {
+  } else if (column == "name") {
     const std::string known = KnownAs(node.GetItem(), fOptions.names);
     fWriter.Element("span", {{"class", "known"}, {"data-find", ""}}, known.empty() ? "(no name)" : known);
   }
-  fWriter.Close();
 }
 
 }  // namespace cli

@@ -1,6 +1,7 @@
 // The page's table: a row for each hub and device, or for each free socket where these are asked for.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "cli/format/html/HtmlLines.h"
@@ -14,6 +15,9 @@ class HtmlDeviceTable {
  public:
   /// All must outlive this.
   HtmlDeviceTable(HtmlWriter& writer, const HtmlLines& lines, const RenderOptions& options);
+  HtmlDeviceTable(const HtmlDeviceTable&) = delete;
+  HtmlDeviceTable& operator=(const HtmlDeviceTable&) = delete;
+  ~HtmlDeviceTable();
 
   /// A section with the table; nothing where there is no row.
   void Write();
@@ -21,17 +25,16 @@ class HtmlDeviceTable {
  private:
   struct Column;
 
-  static const std::vector<Column>& Columns();
-  bool HasColumn(const Column& column) const;
+  std::vector<Column> Columns() const;
   const char* Title() const;
   void WriteHead();
   void WriteRow(const SocketNode& node);
-  void WriteCell(const SocketNode& node, const Column& column);
-  void WriteName(const SocketNode& node, const std::string& name);
+  void WriteContent(const SocketNode& node, const std::string& column, const std::string& text);
 
   HtmlWriter& fWriter;
   const HtmlLines& fLines;
   const RenderOptions& fOptions;
+  std::vector<Column> fColumns;
 };
 
 }  // namespace cli

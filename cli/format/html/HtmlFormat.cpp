@@ -54,10 +54,14 @@ void WriteSwitches(HtmlWriter& writer, const char* noun) {
   writer.Close();
 }
 
-void WriteLegend(HtmlWriter& writer, const char* noun) {
+/// What the marks mean, of those that the page has.
+void WriteLegend(HtmlWriter& writer, const SocketCounts& counts, const char* noun) {
   writer.Open("ul", {{"class", "legend"}, {"aria-label", fmt::format("Marks of the {}", noun)}});
-  writer.Element("li", {{"class", "used"}}, "in use");
-  writer.Element("li", {{"class", "free"}}, "free");
+  const bool hasUsed = counts.sockets > counts.free + counts.notUsed + counts.unknown;
+  if (hasUsed) writer.Element("li", {{"class", "used"}}, "in use");
+  if (counts.free != 0) writer.Element("li", {{"class", "free"}}, "free");
+  if (counts.notUsed != 0) writer.Element("li", {{"class", "not-used"}}, "not used");
+  if (counts.unknown != 0) writer.Element("li", {{"class", "unknown"}}, "unknown");
   writer.Close();
 }
 
@@ -66,7 +70,8 @@ void WriteControllers(HtmlWriter& writer, const HtmlLines& lines, const UsbIds* 
   writer.Open("section", {{"id", "controllers"}, {"aria-labelledby", "controllers-title"}});
   writer.Open("div", {{"class", "heading"}});
   writer.Element("h2", {{"id", "controllers-title"}}, fmt::format("Controllers and {}", noun));
-  WriteLegend(writer, noun);
+  const SocketCounts counts = lines.GetSockets().Counts();
+  if (counts.sockets != 0) WriteLegend(writer, counts, noun);
   WriteSwitches(writer, noun);
   writer.Close();
   HtmlControllers(writer, lines, names).Write();

@@ -199,9 +199,9 @@ TEST_F(HtmlFormatTest, ListsFreePortsInTheTableWhereTheyAreAskedFor) {
   options.listsFreeSockets = true;
   const XmlDocument page(cli::RenderHtml(Collected(), options));
   EXPECT_THAT(page.Select("//section[@id='devices']/h2"), ElementsAre("Free ports"));
-  EXPECT_THAT(page.Select("//thead//th"), ElementsAre("Name", "Place", "Speed"));
-  EXPECT_THAT(page.Select("//tbody//tr/*"), ElementsAre("free", "Bus 01, hub 1, port 01", "5 Gbit/s"));
-  EXPECT_EQ(page.Select("//tbody//a/@href"),
+  EXPECT_THAT(page.Select("//thead//th"), ElementsAre("Place", "State", "Speed"));
+  EXPECT_THAT(page.Select("//tbody//tr/*"), ElementsAre("Bus 01, hub 1, port 01", "free", "5 Gbit/s"));
+  EXPECT_EQ(page.Select("//tbody//th[@scope='row']/a/@href"),
             std::vector<std::string>{"#" + page.Select("//li[@class='socket free']/@id").front()});
 }
 
@@ -229,6 +229,21 @@ TEST_F(HtmlFormatTest, DrawsPortsAsSocketsThatLeadToWhatIsPluggedIn) {
               ElementsAre("Port 00: Mouse, 480 Mbit/s", "Port 01: free, 5 Gbit/s"));
   EXPECT_EQ(Select("//li[@class='socket used']/a/@href"),
             std::vector<std::string>{"#" + Select("//li[@class='item device']/@id").front()});
+}
+
+TEST_F(HtmlFormatTest, ExplainsTheMarksThatItHas) {
+  AddSmallMachine();
+  EXPECT_THAT(Select("//ul[@class='legend']/li"), ElementsAre("in use", "free"));
+  InventoryBuilder built;
+  built.AddBus(1, 2);
+  built.Document()["kernel"] = KernelExample();
+  for (nlohmann::json& port : built.Document()["kernel"]["ports"]) {
+    port.update({{"connect", "not used"}, {"state", "free"}});
+  }
+  const XmlDocument page(cli::RenderHtml(built.Read(), {}));
+  EXPECT_THAT(page.Select("//ul[@class='legend']/li"), ElementsAre("not used"));
+  EXPECT_THAT(page.Select("//li[@class='socket not-used']//span[@class='unseen']"),
+              ElementsAre("1-1: not used, 480 Mbit/s", "Port 01: not used, 480 Mbit/s"));
 }
 
 TEST_F(HtmlFormatTest, ShowsTheSpeedOfASocketOnlyWhereItDiffersFromTheHubs) {
