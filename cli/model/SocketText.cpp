@@ -68,7 +68,7 @@ void AddFacts(const SocketNode& node, const DeviceFacts& facts, std::vector<std:
   if (facts.nodes) lines.push_back("nodes " + Joined(*facts.nodes));
 }
 
-std::string TextOf(const SocketHalf& half) {
+std::string DescribeHalf(const SocketHalf& half) {
   std::string text;
   if (half.device != nullptr) text += half.device->name.value_or("") + ": ";
   text += FormatId(half.GetItem());
@@ -197,7 +197,7 @@ std::string SocketsOf(const Sockets& sockets, const SocketNode& hub) {
 
 std::string OtherHalfOf(const SocketNode& node) {
   const bool isDescribed = node.Class() == ClassId::kHub || node.Class() == ClassId::kDevice;
-  return isDescribed && node.halves.size() > 1 ? TextOf(node.halves.back()) : std::string();
+  return isDescribed && node.halves.size() > 1 ? DescribeHalf(node.halves.back()) : std::string();
 }
 
 std::vector<std::string> DetailsOf(const SocketNode& node, const UsbIds* names) {

@@ -43,7 +43,7 @@ constexpr Drawing kDrawings[] = {
     {"other", "M9 3v5M15 3v5M6 8h12v3.5a6 6 0 0 1-12 0zM12 17.5V21"}};
 
 /// "kind-mass-storage".
-std::string NameOf(const Drawing& drawing) {
+std::string IdOf(const Drawing& drawing) {
   std::string name = "kind-" + std::string(drawing.kind);
   const auto isNoLetter = [](unsigned char c) { return std::isalpha(c) == 0; };
   std::replace_if(name.begin(), name.end(), isNoLetter, '-');
@@ -55,7 +55,7 @@ std::string NameOf(const Drawing& drawing) {
 void WriteIcons(HtmlWriter& writer) {
   writer.Open("svg", {{"class", "unseen"}, {"aria-hidden", "true"}});
   for (const Drawing& drawing : kDrawings) {
-    writer.Open("symbol", {{"id", NameOf(drawing)}, {"viewBox", "0 0 24 24"}});
+    writer.Open("symbol", {{"id", IdOf(drawing)}, {"viewBox", "0 0 24 24"}});
     writer.Void("path", {{"d", drawing.path}});
     writer.Close();
   }
@@ -68,7 +68,7 @@ void WriteIcon(HtmlWriter& writer, const std::string& kinds) {
                                            [first](const Drawing& each) { return each.kind == first; });
   if (drawing == std::end(kDrawings)) return;
   writer.Open("svg", {{"class", "icon"}, {"aria-hidden", "true"}});
-  writer.Void("use", {{"href", "#" + NameOf(*drawing)}});
+  writer.Void("use", {{"href", "#" + IdOf(*drawing)}});
   writer.Close();
 }
 
