@@ -6,17 +6,12 @@
 
 #include "cli/command/Message.h"
 #include "cli/model/Inventory.h"
+#include "cli/model/OriginText.h"
 #include "cli/text/UserError.h"
 
 namespace cli {
 
 namespace {
-
-std::string Describe(const Finding& finding) {
-  const char* const noun = finding.lines.size() == 1 ? "line" : "lines";
-  return fmt::format("{} {} of the device list, of \"{}\" ({})", noun, fmt::join(finding.lines, ", "),
-                     finding.device, finding.code);
-}
 
 std::vector<Finding> FindingsOf(const Inventory& inventory) {
   return inventory.GetOrigin() ? inventory.GetOrigin()->findings : std::vector<Finding>();

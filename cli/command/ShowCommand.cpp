@@ -54,6 +54,7 @@ std::string Render(const ShowOptions& options, const OutputFormat& format, const
   rendering.columns = options.columns;
   rendering.showsClasses = !options.selection.classes.empty();
   rendering.listsFreeSockets = options.selection.occupancy == Occupancy::kFree;
+  rendering.isOccupiedOnly = options.selection.occupancy == Occupancy::kOccupied;
   rendering.names = names ? &*names : nullptr;
   return format.render(inventory, rendering);
 }

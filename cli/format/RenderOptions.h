@@ -24,6 +24,8 @@ struct RenderOptions {
   bool showsClasses = false;
   /// Rows are for the free sockets, not for devices.
   bool listsFreeSockets = false;
+  /// What is not plugged in was left out.
+  bool isOccupiedOnly = false;
   /// The names of vendors and products; null for none. Owned by the caller.
   const UsbIds* names = nullptr;
 };

@@ -65,9 +65,8 @@ void AddFacts(const SocketNode& node, const DeviceFacts& facts, std::vector<std:
   if (facts.nodes) lines.push_back("nodes " + Joined(*facts.nodes));
 }
 
-/// The half of a hub that is on the bus for USB 3: "also 2-3: 05e3:0626, 5 Gbit/s, device number 4".
-std::string OtherHalf(const SocketHalf& half) {
-  std::string text = "also ";
+std::string DescribeHalf(const SocketHalf& half) {
+  std::string text;
   if (half.device != nullptr) text += half.device->name.value_or("") + ": ";
   text += FormatId(half.GetItem());
   if (RateOf(half) != 0) text += ", " + FormatRate(RateOf(half));
@@ -183,10 +182,19 @@ std::string DescribeRow(const Sockets& sockets, const SocketNode& node) {
   return node.isHardwired ? text + ", hard-wired" : text;
 }
 
-std::string SocketsOf(const Sockets& sockets, const SocketNode& hub) {
+std::uint64_t NumberOfSockets(const Sockets& sockets, const SocketNode& hub) {
   std::uint64_t ports = 0;
   for (const SocketHalf& half : hub.halves) ports += half.GetItem().Number(PropertyId::kNumberOfPorts);
-  return Count(ports - SharedPorts(sockets, hub), sockets.KnowsPeers() ? "socket" : "port");
+  return ports - SharedPorts(sockets, hub);
+}
+
+std::string SocketsOf(const Sockets& sockets, const SocketNode& hub) {
+  return Count(NumberOfSockets(sockets, hub), sockets.KnowsPeers() ? "socket" : "port");
+}
+
+std::string OtherHalfOf(const SocketNode& node) {
+  const bool isDescribed = node.Class() == ClassId::kHub || node.Class() == ClassId::kDevice;
+  return isDescribed && node.halves.size() > 1 ? DescribeHalf(node.halves.back()) : std::string();
 }
 
 std::vector<std::string> DetailsOf(const SocketNode& node, const UsbIds* names) {
@@ -200,20 +208,23 @@ std::vector<std::string> DetailsOf(const SocketNode& node, const UsbIds* names) 
   add("serial number ", SerialOf(node));
   add("known as ", KnownAs(node.GetItem(), names));
   AddFacts(node, *facts, lines);
-  if (node.halves.size() > 1) lines.push_back(OtherHalf(node.halves.back()));
+  add("also ", OtherHalfOf(node));
   return lines;
 }
 
-std::string Summary(const Sockets& sockets) {
+std::string CountsOf(const Sockets& sockets) {
   const Inventory& inventory = sockets.GetInventory();
   const SocketCounts shown = sockets.Counts();
   const SocketCounts all = CountsOfWhole(inventory, shown);
-  return fmt::format("{}: {}, {}, {}{}, {}", inventory.SystemName(),
-                     CountShown(shown.controllers, all.controllers, "controller"),
+  return fmt::format("{}, {}, {}{}, {}", CountShown(shown.controllers, all.controllers, "controller"),
                      CountShown(shown.hubs, all.hubs, "hub"),
                      CountShown(shown.sockets, all.sockets, all.knowsPeers ? "socket" : "port"),
                      inventory.KnowsConnections() ? FreeSockets(shown, all) : "",
                      CountShown(shown.devices, all.devices, "device"));
+}
+
+std::string Summary(const Sockets& sockets) {
+  return fmt::format("{}: {}", sockets.GetInventory().SystemName(), CountsOf(sockets));
 }
 
 }  // namespace cli

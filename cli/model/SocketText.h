@@ -2,6 +2,7 @@
 // devices choose their strings.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -38,14 +39,22 @@ std::string NameOf(const SocketNode& node);
 /// What a row shows: the name, the number of a hub's sockets but for a controller's, and whether the socket
 /// is hard-wired.
 std::string DescribeRow(const Sockets& sockets, const SocketNode& node);
+/// How many a hub has, whether or not they are all in the inventory.
+std::uint64_t NumberOfSockets(const Sockets& sockets, const SocketNode& hub);
 /// "8 sockets"; "8 ports" where peers are not known.
 std::string SocketsOf(const Sockets& sockets, const SocketNode& hub);
+
+/// Of a hub with two halves, the one on the bus for USB 3: "2-3: 05e3:0626, 5 Gbit/s, device number 4". Empty
+/// for what has one half.
+std::string OtherHalfOf(const SocketNode& node);
 
 /// What is known of a hub or device besides its name, a line each. With `names` also its listed name.
 std::vector<std::string> DetailsOf(const SocketNode& node, const UsbIds* names);
 
-/// "testhost: 3 controllers, 4 hubs, 20 sockets (13 free), 6 devices"; "2 of 20 sockets" where a selection
-/// left some out; "ports" where peers are not known.
+/// "3 controllers, 4 hubs, 20 sockets (13 free), 6 devices"; "2 of 20 sockets" where a selection left some
+/// out; "ports" where peers are not known.
+std::string CountsOf(const Sockets& sockets);
+/// The same behind the machine's name: "testhost: 3 controllers, ...".
 std::string Summary(const Sockets& sockets);
 
 }  // namespace cli

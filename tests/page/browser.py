@@ -44,7 +44,9 @@ class Browser:
         self.protocol("Emulation.setScriptExecutionDisabled", value=not are_on)
 
     def set_media(self, media="", scheme="light"):
-        features = [{"name": "prefers-color-scheme", "value": scheme}]
+        # What still scrolls when it is clicked is missed.
+        features = [{"name": "prefers-color-scheme", "value": scheme},
+                    {"name": "prefers-reduced-motion", "value": "reduce"}]
         self.protocol("Emulation.setEmulatedMedia", media=media, features=features)
 
     def set_size(self, width, height, is_phone=False):

@@ -2,14 +2,14 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "cli/format/RenderOptions.h"
-#include "cli/format/html/HtmlTree.h"
+#include "cli/format/html/HtmlControllers.h"
+#include "cli/format/html/HtmlDeviceTable.h"
+#include "cli/format/html/HtmlHeader.h"
+#include "cli/format/html/HtmlIcons.h"
+#include "cli/format/html/HtmlLines.h"
 #include "cli/format/html/HtmlWriter.h"
 #include "cli/format/html/PageAssets.h"
-#include "cli/model/DeviceText.h"
-#include "cli/model/UsbTree.h"
 
 namespace cli {
 
@@ -32,72 +32,6 @@ void WriteHead(HtmlWriter& writer, const Inventory& inventory) {
   writer.Close();
 }
 
-/// The singular name of a class in the figures.
-struct Figure {
-  ClassId classId;
-  const char* noun;
-};
-constexpr Figure kFigures[] = {{ClassId::kController, "Controller"},
-                               {ClassId::kHub, "Hub"},
-                               {ClassId::kPort, "Port"},
-                               {ClassId::kDevice, "Device"}};
-
-bool IsLeftOut(const ItemsOfClass& ofClass) {
-  return ofClass.items.empty() && ofClass.total != 0;
-}
-
-std::string NoteOnPorts(const Inventory& inventory) {
-  const std::vector<Item>& ports = inventory.Ports();
-  const auto used = std::count_if(ports.begin(), ports.end(), [&](const Item& port) {
-    return inventory.StateOf(port) == PortState::kUsed;
-  });
-  const auto others = static_cast<std::ptrdiff_t>(ports.size()) - used;
-  if (inventory.KnowsConnections()) return fmt::format("{} used, {} free", used, others);
-  return used == 0 ? fmt::format("{} unknown", others) : fmt::format("{} used, {} unknown", used, others);
-}
-
-/// For a selection, the note gives the total.
-void WriteFigure(HtmlWriter& writer, const Inventory& inventory, const Figure& figure) {
-  const ItemsOfClass& ofClass = inventory.Of(figure.classId);
-  const std::size_t number = ofClass.items.size();
-  std::string note = figure.classId == ClassId::kPort ? NoteOnPorts(inventory) : std::string();
-  if (number != ofClass.total) note = fmt::format("of {}", ofClass.total);
-  writer.Open("div");
-  writer.Element("dt", {}, fmt::format("{}{}", figure.noun, number == 1 ? "" : "s"));
-  writer.Element("dd", {}, std::to_string(number));
-  if (!note.empty()) writer.Element("dd", {{"class", "note"}}, note);
-  writer.Close();
-}
-
-/// The classes that a selection left out completely.
-void WriteLeftOut(HtmlWriter& writer, const Inventory& inventory) {
-  std::vector<std::string> counts;
-  for (const Figure& figure : kFigures) {
-    const ItemsOfClass& ofClass = inventory.Of(figure.classId);
-    std::string noun = figure.noun;
-    noun.front() = static_cast<char>(noun.front() - 'A' + 'a');
-    if (IsLeftOut(ofClass)) counts.push_back(Count(ofClass.total, noun));
-  }
-  if (counts.empty()) return;
-  writer.Element("p", {{"class", "left-out"}},
-                 fmt::format("Left out by the selection: {}", fmt::join(counts, ", ")));
-}
-
-void WriteHeader(HtmlWriter& writer, const Inventory& inventory) {
-  writer.Open("header");
-  writer.Open("div", {{"class", "title"}});
-  writer.Element("p", {}, "USB inventory");
-  writer.Element("h1", {}, inventory.SystemName());
-  writer.Close();
-  writer.Open("dl", {{"class", "figures"}});
-  for (const Figure& figure : kFigures) {
-    if (!IsLeftOut(inventory.Of(figure.classId))) WriteFigure(writer, inventory, figure);
-  }
-  writer.Close();
-  WriteLeftOut(writer, inventory);
-  writer.Close();
-}
-
 /// The filter needs the script, which therefore makes it visible.
 void WriteFilter(HtmlWriter& writer) {
   writer.Open("div", {{"id", "filter"}, {"role", "search"}, {"hidden", ""}});
@@ -106,49 +40,79 @@ void WriteFilter(HtmlWriter& writer) {
                         {"type", "search"},
                         {"autocomplete", "off"},
                         {"spellcheck", "false"},
-                        {"placeholder", "Name, ID, serial number, manufacturer"}});
-  writer.Element("button", {{"id", "unfold"}, {"type", "button"}, {"aria-pressed", "false"}}, "All details");
+                        {"placeholder", "keyboard, 046d:, bus 2, free, 480"}});
   writer.Element("p", {{"id", "count"}, {"role", "status"}, {"aria-live", "polite"}}, "");
   writer.Close();
 }
 
-void WriteLegend(HtmlWriter& writer) {
-  constexpr std::pair<const char*, const char*> kClasses[] = {
-      {"low", "1.5 Mbit/s"}, {"full", "12 Mbit/s"}, {"high", "480 Mbit/s"}, {"super", "5 Gbit/s and above"}};
-  writer.Open("ul", {{"class", "legend"}, {"aria-label", "Colours of the ports"}});
-  for (const auto& [name, text] : kClasses) writer.Element("li", {{"class", name}}, text);
-  writer.Element("li", {{"class", "used"}}, "used");
-  writer.Element("li", {{"class", "free"}}, "free");
+/// Like the filter, these need the script.
+void WriteSwitches(HtmlWriter& writer, const char* noun) {
+  writer.Open("div", {{"id", "switches"}, {"hidden", ""}});
+  writer.Element("button", {{"id", "unfold"}, {"type", "button"}}, "All details");
+  writer.Element("button", {{"id", "hide-free"}, {"type", "button"}, {"aria-pressed", "false"}},
+                 fmt::format("Hide free {}", noun));
   writer.Close();
 }
 
-void WriteMain(HtmlWriter& writer, const Inventory& inventory, const UsbIds* names) {
+/// What the marks mean, of those that the page has.
+void WriteLegend(HtmlWriter& writer, const SocketCounts& counts, const char* noun) {
+  writer.Open("ul", {{"class", "legend"}, {"aria-label", fmt::format("Marks of the {}", noun)}});
+  const bool hasUsed = counts.sockets > counts.free + counts.notUsed + counts.unknown;
+  if (hasUsed) writer.Element("li", {{"class", "used"}}, "in use");
+  if (counts.free != 0) writer.Element("li", {{"class", "free"}}, "free");
+  if (counts.notUsed != 0) writer.Element("li", {{"class", "not-used"}}, "not used");
+  if (counts.unknown != 0) writer.Element("li", {{"class", "unknown"}}, "unknown");
+  writer.Close();
+}
+
+void WriteControllers(HtmlWriter& writer, const HtmlLines& lines, const UsbIds* names) {
+  const char* const noun = lines.GetSockets().KnowsPeers() ? "sockets" : "ports";
+  writer.Open("section", {{"id", "controllers"}, {"aria-labelledby", "controllers-title"}});
+  writer.Open("div", {{"class", "heading"}});
+  writer.Element("h2", {{"id", "controllers-title"}}, fmt::format("Controllers and {}", noun));
+  const SocketCounts counts = lines.GetSockets().Counts();
+  if (counts.sockets != 0) WriteLegend(writer, counts, noun);
+  WriteSwitches(writer, noun);
+  writer.Close();
+  HtmlControllers(writer, lines, names).Write();
+  writer.Close();
+}
+
+void WriteMain(HtmlWriter& writer, const Sockets& sockets, const RenderOptions& options) {
   writer.Open("main");
-  const UsbTree tree(inventory);
-  if (tree.Nodes().empty()) {
+  if (sockets.Nodes().empty()) {
     writer.Element("p", {{"class", "nothing"}}, "No USB device found.");
   } else {
-    writer.Open("div", {{"class", "tools"}});
+    const HtmlLines lines(sockets);
+    WriteIcons(writer);
     WriteFilter(writer);
-    WriteLegend(writer);
-    writer.Close();
-    writer.Open("div", {{"class", "buses"}});
-    HtmlTree(writer, inventory, tree, names).Write();
-    writer.Close();
+    HtmlDeviceTable(writer, lines, options).Write();
+    WriteControllers(writer, lines, options.names);
   }
   writer.Close();
+}
+
+/// The hash tells machines of the same name apart.
+std::string MadeBy(const Inventory& inventory) {
+  std::string text = "Made by usbinfo " USBINFO_VERSION;
+  if (!inventory.GetOrigin()) return text;
+  const Origin& origin = *inventory.GetOrigin();
+  if (origin.program != "usbinfo " USBINFO_VERSION) text += " from an inventory by " + origin.program;
+  if (origin.machine) text += ", machine " + *origin.machine;
+  return text;
 }
 
 }  // namespace
 
 std::string RenderHtml(const Inventory& inventory, const RenderOptions& options) {
+  const Sockets sockets(inventory);
   HtmlWriter writer;
   writer.Open("html", {{"lang", "en"}});
   WriteHead(writer, inventory);
   writer.Open("body");
-  WriteHeader(writer, inventory);
-  WriteMain(writer, inventory, options.names);
-  writer.Element("footer", {}, "Made by usbinfo " USBINFO_VERSION);
+  WriteHeader(writer, sockets, options);
+  WriteMain(writer, sockets, options);
+  writer.Element("footer", {}, MadeBy(inventory));
   writer.Asset("script", kPageScript.text);
   writer.Close();
   writer.Close();

@@ -35,6 +35,10 @@ void AppendEscaped(std::string_view text, std::string& out) {
   for (const char byte : EscapeForDocument(text)) AppendMarkup(byte, out);
 }
 
+bool IsPartOfLine(std::string_view element) {
+  return element == "span" || element == "a" || element == "svg";
+}
+
 }  // namespace
 
 void HtmlWriter::Tag(const char* element, const Attributes& attributes, const char* end) {
@@ -49,7 +53,7 @@ void HtmlWriter::Tag(const char* element, const Attributes& attributes, const ch
 
 void HtmlWriter::Open(const char* element, const Attributes& attributes) {
   // Inside a line of text, a line end would show as a blank.
-  if (fDocument.back() == '>' && element != std::string_view("span")) fDocument += '\n';
+  if (fDocument.back() == '>' && !IsPartOfLine(element)) fDocument += '\n';
   Tag(element, attributes, ">");
   fOpen.push_back(element);
 }
