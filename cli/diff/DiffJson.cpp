@@ -49,8 +49,8 @@ void Write(JsonWriter& json, const PlacedItem& placed) {
   json.Key("class");
   json.String(item.Schema().name);
   WriteTextOrNull(json, "id", FormatId(item));
-  WriteTextOrNull(json, "name", SentString(item, PropertyId::kDescription));
-  WriteTextOrNull(json, "serial", SentString(item, PropertyId::kSerialNumber));
+  WriteTextOrNull(json, "name", ProductOf(item, placed.facts));
+  WriteTextOrNull(json, "serial", SerialOf(item, placed.facts));
   json.Key("place");
   WritePlace(json, placed.place);
   json.Key("deviceId");

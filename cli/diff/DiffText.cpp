@@ -28,15 +28,15 @@ std::string NounOf(ClassId classId) {
 }
 
 /// The model: vendor and product number and the product string, those of them that the item has.
-std::string DescribeModel(const Item& item) {
-  const std::string id = FormatId(item);
-  const std::string product = SentString(item, PropertyId::kDescription);
+std::string DescribeModel(const PlacedItem& placed) {
+  const std::string id = FormatId(*placed.item);
+  const std::string product = ProductOf(*placed.item, placed.facts);
   if (product.empty()) return id.empty() ? id : id + " (no name)";
   return id + (id.empty() ? "" : " ") + QuoteForTerminal(product);
 }
 
-std::string DescribeSerial(const Item& item) {
-  const std::string serial = SentString(item, PropertyId::kSerialNumber);
+std::string DescribeSerial(const PlacedItem& placed) {
+  const std::string serial = SerialOf(*placed.item, placed.facts);
   return serial.empty() ? serial : ", serial " + QuoteForTerminal(serial);
 }
 
@@ -46,16 +46,15 @@ std::string WithBlank(const std::string& text) {
 
 std::string DescribeItem(const PlacedItem& placed) {
   const std::string ports = placed.ports == 0 ? "" : ", with " + Count(placed.ports, "port");
-  return NounOf(placed.item->Class()) + WithBlank(DescribeModel(*placed.item)) +
-         DescribeSerial(*placed.item) + ports;
+  return NounOf(placed.item->Class()) + WithBlank(DescribeModel(placed)) + DescribeSerial(placed) + ports;
 }
 
 /// The model, after the old one if that was different.
 std::string DescribeChanged(const ItemChange& change) {
-  const std::string before = DescribeModel(*change.before.item);
-  const std::string after = DescribeModel(*change.after.item);
+  const std::string before = DescribeModel(change.before);
+  const std::string after = DescribeModel(change.after);
   const std::string models = before == after ? after : before + " -> " + after;
-  return NounOf(change.after.item->Class()) + WithBlank(models) + DescribeSerial(*change.after.item);
+  return NounOf(change.after.item->Class()) + WithBlank(models) + DescribeSerial(change.after);
 }
 
 /// A value of the property, as text for people.

@@ -4,8 +4,10 @@
 #include <array>
 #include <map>
 #include <tuple>
+#include <utility>
 
 #include "cli/model/DeviceText.h"
+#include "cli/model/FactsByItem.h"
 #include "cli/model/UsbTree.h"
 
 namespace cli {
@@ -39,9 +41,14 @@ struct Likeness {
 /// One of the inventories, with the partners of its items in the other.
 class Side {
  public:
-  explicit Side(const Inventory& inventory)
-      : fTree(inventory), fPositions(fTree.Nodes().size()), fPartners(fTree.Nodes().size(), kNone) {
+  Side(const Inventory& inventory, bool usesKernel)
+      : fTree(inventory),
+        fFacts(fTree.Nodes().size()),
+        fPositions(fTree.Nodes().size()),
+        fPartners(fTree.Nodes().size(), kNone) {
+    const FactsByItem facts(inventory);
     for (std::size_t node = 0; node < fPositions.size(); ++node) {
+      if (usesKernel) fFacts[node] = facts.OfDevice(ItemOf(node));
       fPositions[node].place = fTree.Nodes()[node].place;
       fInOrder.push_back(node);
     }
@@ -52,6 +59,7 @@ class Side {
 
   const UsbTreeNode& Node(std::size_t node) const { return fTree.Nodes()[node]; }
   const Item& ItemOf(std::size_t node) const { return *Node(node).item; }
+  std::string SerialOf(std::size_t node) const { return cli::SerialOf(ItemOf(node), fFacts[node]); }
   /// All nodes in the order of their places.
   const std::vector<std::size_t>& InOrder() const { return fInOrder; }
   const Position& PositionOf(std::size_t node) const { return fPositions[node]; }
@@ -73,7 +81,7 @@ class Side {
       return ItemOf(child).Class() == ClassId::kPort;
     });
     const bool isHub = ItemOf(node).Class() == ClassId::kHub;
-    return {&ItemOf(node), Node(node).place, isHub ? static_cast<std::size_t>(ports) : 0};
+    return {&ItemOf(node), fFacts[node], Node(node).place, isHub ? static_cast<std::size_t>(ports) : 0};
   }
 
   /// Counts positions from the hubs that have a number now; kNone means no number.
@@ -90,6 +98,7 @@ class Side {
 
  private:
   UsbTree fTree;
+  std::vector<const DeviceFacts*> fFacts;
   std::vector<Position> fPositions;
   std::vector<std::size_t> fPartners;
   std::vector<std::size_t> fInOrder;
@@ -119,7 +128,8 @@ constexpr std::size_t kSerialPasses = 2;
 /// from the nearest hub that was matched by its serial number.
 class Matcher {
  public:
-  Matcher(const Inventory& before, const Inventory& after) : fOld(before), fNew(after) {
+  Matcher(const Inventory& before, const Inventory& after)
+      : fOld(before, before.Kernel() && after.Kernel()), fNew(after, before.Kernel() && after.Kernel()) {
     for (std::size_t pass = 0; pass < kSerialPasses; ++pass) Run(kPasses[pass], ClassId::kHub);
     CountFromHubs();
     for (const ClassId classId : {ClassId::kController, ClassId::kHub, ClassId::kPort, ClassId::kDevice}) {
@@ -136,14 +146,14 @@ class Matcher {
   static bool Concerns(const Side& side, std::size_t node, ClassId classId, bool hasSerial) {
     const Item& item = side.ItemOf(node);
     return item.Class() == classId && !side.IsFound(node) && !side.GoesWithHub(node) &&
-           SentString(item, PropertyId::kSerialNumber).empty() != hasSerial;
+           side.SerialOf(node).empty() != hasSerial;
   }
 
   static Likeness LikenessOf(const Side& side, std::size_t node, const Pass& pass) {
     const Item& item = side.ItemOf(node);
     return {item.Class(), pass.byPosition ? side.PositionOf(node) : Position(),
             pass.byId ? FormatId(item) : std::string(),
-            pass.serial == Serial::kBoth ? SentString(item, PropertyId::kSerialNumber) : std::string()};
+            pass.serial == Serial::kBoth ? side.SerialOf(node) : std::string()};
   }
 
   static Groups GroupsOf(const Side& side, const Pass& pass, ClassId classId, bool hasSerial) {
@@ -204,14 +214,29 @@ Value Significant(const Value& value) {
   return sent.empty() ? Value() : Value(std::move(sent));
 }
 
+Value ValueOf(const PlacedItem& placed, PropertyId property) {
+  if (placed.facts == nullptr) return placed.item->Get(property);
+  switch (property) {
+    case PropertyId::kDescription:
+      return ProductOf(*placed.item, placed.facts);
+    case PropertyId::kManufacturer:
+      return ManufacturerOf(*placed.item, placed.facts);
+    case PropertyId::kSerialNumber:
+      return SerialOf(*placed.item, placed.facts);
+    default:
+      return placed.item->Get(property);
+  }
+}
+
 /// What differs between two items of one class.
-std::vector<PropertyChange> ChangesOf(const Item& before, const Item& after) {
+std::vector<PropertyChange> ChangesOf(const PlacedItem& before, const PlacedItem& after) {
   std::vector<PropertyChange> changes;
-  for (const schema::PropertySchema& property : before.Schema().properties) {
+  for (const schema::PropertySchema& property : before.item->Schema().properties) {
     if (IsReportedSeparately(property.id)) continue;
-    const Value& old = before.Get(property.id);
-    const Value& now = after.Get(property.id);
-    if (Significant(old) != Significant(now)) changes.push_back({property.id, old, now});
+    Value old = ValueOf(before, property.id);
+    Value now = ValueOf(after, property.id);
+    if (Significant(old) != Significant(now))
+      changes.push_back({property.id, std::move(old), std::move(now)});
   }
   return changes;
 }
@@ -264,7 +289,7 @@ class DifferenceBuilder {
 
   void AddPair(InventoryDifference& difference, std::size_t old, std::size_t now) const {
     ItemChange change = {fOld.PlacedItemOf(old), fNew.PlacedItemOf(now), {}};
-    for (PropertyChange& property : ChangesOf(fOld.ItemOf(old), fNew.ItemOf(now))) {
+    for (PropertyChange& property : ChangesOf(change.before, change.after)) {
       if (!FollowsFromPlace(property.property, old, now)) change.properties.push_back(std::move(property));
     }
     if (HasMoved(old, now)) {

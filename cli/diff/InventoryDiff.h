@@ -15,12 +15,16 @@ namespace cli {
 struct PlacedItem {
   /// Owned by its inventory.
   const Item* item;
+  /// What the kernel knows of it, owned by its inventory; null where either inventory has nothing from the
+  /// kernel.
+  const DeviceFacts* facts;
   Place place;
   /// Of a hub: how many ports it has in the inventory.
   std::size_t ports;
 };
 
-/// A property with two values; std::monostate where the item lacks it.
+/// A property with two values; std::monostate where the item lacks it. The strings of a device are those that
+/// it sends, where both inventories have them from the kernel.
 struct PropertyChange {
   PropertyId property;
   Value before;

@@ -4,8 +4,6 @@
 
 #include "cli/model/DeviceText.h"
 #include "cli/model/Identifier.h"
-#include "cli/model/SocketText.h"
-#include "cli/model/Speed.h"
 
 namespace cli {
 
@@ -25,11 +23,6 @@ const char* NameOf(PortState state) {
   return kNames[static_cast<std::size_t>(state)];
 }
 
-std::string DisplayName(const Inventory& inventory, const UsbTreeNode& node) {
-  if (node.Class() == ClassId::kPort) return NameOf(inventory.StateOf(*node.item));
-  return node.isRootHub ? std::string() : NameOf(*node.item);
-}
-
 std::string PlaceOf(const UsbTreeNode& node, bool isTop) {
   const std::string& identifier = node.item->String(PropertyId::kDeviceID);
   if (node.Class() == ClassId::kController) return fmt::format("Bus {}", BusOf(identifier));
@@ -41,19 +34,6 @@ std::string PlaceOf(const UsbTreeNode& node, bool isTop) {
       return node.isRootHub ? "Root hub" : "Hub";
     default:
       return fmt::format("Device {}", DeviceOf(identifier));
-  }
-}
-
-std::string SpeedOf(const UsbTree& tree, const UsbTreeNode& node) {
-  switch (node.Class()) {
-    case ClassId::kDevice:
-      return FormatSpeedClass(node.item->Number(PropertyId::kSpeed));
-    case ClassId::kPort:
-      return FormatSpeed(node.item->Number(PropertyId::kSpeed));
-    case ClassId::kHub:
-      return node.children.empty() ? std::string() : SpeedOf(tree, tree.Nodes()[node.children.front()]);
-    default:
-      return {};
   }
 }
 
@@ -73,10 +53,6 @@ std::vector<std::string> DetailsOf(const Item& item, const UsbIds* names) {
                               FormatCode(item.Number(PropertyId::kSubclassCode)),
                               FormatCode(item.Number(PropertyId::kProtocolCode))));
   return lines;
-}
-
-std::string Summary(const Inventory& inventory) {
-  return Summary(Sockets(inventory));
 }
 
 }  // namespace cli

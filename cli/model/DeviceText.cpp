@@ -3,10 +3,20 @@
 #include <fmt/format.h>
 
 #include <cctype>
+#include <optional>
 
 #include "cli/model/UsbIds.h"
 
 namespace cli {
+
+namespace {
+
+std::string KnownString(const Item& item, PropertyId property, const DeviceFacts* facts,
+                        std::optional<std::string> DeviceFacts::*known) {
+  return facts == nullptr ? SentString(item, property) : (facts->*known).value_or("");
+}
+
+}  // namespace
 
 std::string SentString(const Item& item, PropertyId property) {
   return SentString(item.String(property));
@@ -15,6 +25,18 @@ std::string SentString(const Item& item, PropertyId property) {
 std::string SentString(const std::string& text) {
   // What the plug-in stores when no line of the list gives the string.
   return text == "Not Available" ? std::string() : text;
+}
+
+std::string ProductOf(const Item& item, const DeviceFacts* facts) {
+  return KnownString(item, PropertyId::kDescription, facts, &DeviceFacts::product);
+}
+
+std::string ManufacturerOf(const Item& item, const DeviceFacts* facts) {
+  return KnownString(item, PropertyId::kManufacturer, facts, &DeviceFacts::manufacturer);
+}
+
+std::string SerialOf(const Item& item, const DeviceFacts* facts) {
+  return KnownString(item, PropertyId::kSerialNumber, facts, &DeviceFacts::serial);
 }
 
 std::string NameOf(const Item& item) {

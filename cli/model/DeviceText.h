@@ -5,6 +5,7 @@
 #include <string>
 
 #include "cli/model/Item.h"
+#include "cli/model/KernelFacts.h"
 
 namespace cli {
 
@@ -14,6 +15,13 @@ class UsbIds;
 std::string SentString(const Item& item, PropertyId property);
 /// The same of a value.
 std::string SentString(const std::string& text);
+
+/// What the device itself sends, which `facts`, null where nothing is known, has from the kernel. The
+/// plug-in's strings count only where the kernel's are not known, because a device can write a string that
+/// the plug-in takes for another one.
+std::string ProductOf(const Item& item, const DeviceFacts* facts);
+std::string ManufacturerOf(const Item& item, const DeviceFacts* facts);
+std::string SerialOf(const Item& item, const DeviceFacts* facts);
 
 /// The product string; "(no name)" where the device sent none.
 std::string NameOf(const Item& item);

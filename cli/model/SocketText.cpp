@@ -19,14 +19,6 @@ std::string Joined(const std::vector<std::string>& texts) {
   return fmt::format("{}", fmt::join(texts, ", "));
 }
 
-/// A string of the first half. A device's string may hold what the plug-in takes for another one, so the
-/// plug-in's counts only where the kernel's is not known.
-std::string StringOf(const SocketNode& node, std::optional<std::string> DeviceFacts::*known,
-                     PropertyId property) {
-  const DeviceFacts* const facts = node.halves.front().device;
-  return facts == nullptr ? SentString(node.GetItem(), property) : (facts->*known).value_or("");
-}
-
 double RateOf(const SocketHalf& half) {
   const DeviceFacts* const facts = half.port == nullptr ? half.device : half.hub;
   return facts == nullptr ? 0 : facts->speed.value_or(0);
@@ -108,15 +100,15 @@ std::string FreeSockets(const SocketCounts& shown, const SocketCounts& all) {
 }  // namespace
 
 std::string ProductOf(const SocketNode& node) {
-  return StringOf(node, &DeviceFacts::product, PropertyId::kDescription);
+  return ProductOf(node.GetItem(), node.halves.front().device);
 }
 
 std::string ManufacturerOf(const SocketNode& node) {
-  return StringOf(node, &DeviceFacts::manufacturer, PropertyId::kManufacturer);
+  return ManufacturerOf(node.GetItem(), node.halves.front().device);
 }
 
 std::string SerialOf(const SocketNode& node) {
-  return StringOf(node, &DeviceFacts::serial, PropertyId::kSerialNumber);
+  return SerialOf(node.GetItem(), node.halves.front().device);
 }
 
 std::string KindOf(const SocketNode& node) {

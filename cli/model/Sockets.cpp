@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "cli/model/FactsByItem.h"
 #include "cli/model/PeerPairs.h"
 
 namespace cli {
@@ -14,21 +15,6 @@ namespace {
 constexpr std::size_t kNoNode = SocketNode::kNone;
 /// Fewer sockets in a row do not share one.
 constexpr std::size_t kFewestFolded = 3;
-
-template <typename Facts>
-std::unordered_map<std::string_view, const Facts*> ByIdentifier(const std::vector<Facts>& facts,
-                                                                std::string Facts::*identifier) {
-  std::unordered_map<std::string_view, const Facts*> byIdentifier;
-  // An instance replaces earlier ones of its identifier, so the last facts are about it.
-  for (const Facts& each : facts) byIdentifier[each.*identifier] = &each;
-  return byIdentifier;
-}
-
-template <typename Facts>
-const Facts* Find(const std::unordered_map<std::string_view, const Facts*>& facts, const Item& item) {
-  const auto found = facts.find(item.String(PropertyId::kDeviceID));
-  return found == facts.end() ? nullptr : found->second;
-}
 
 bool HasConnect(const SocketHalf& half, std::string_view word) {
   return half.port != nullptr && half.port->connect == word;
@@ -150,19 +136,13 @@ std::vector<SocketRow> Sockets::Rows(bool folds) const {
 void Sockets::FindFacts() {
   fDeviceFacts.resize(fTree.Nodes().size());
   fPortFacts.resize(fTree.Nodes().size());
-  if (!fInventory.Kernel()) return;
-  const auto devices = ByIdentifier(fInventory.Kernel()->devices, &DeviceFacts::device);
-  const auto ports = ByIdentifier(fInventory.Kernel()->ports, &PortFacts::port);
+  const FactsByItem facts(fInventory);
   for (std::size_t index = 0; index < fTree.Nodes().size(); ++index) {
-    const UsbTreeNode& node = fTree.Nodes()[index];
-    if (node.Class() == ClassId::kController) continue;
-    if (node.Class() != ClassId::kPort) {
-      fDeviceFacts[index] = Find(devices, *node.item);
-      continue;
-    }
-    const PortFacts* const facts = Find(ports, *node.item);
-    fPortFacts[index] = facts;
-    fKnowsPeers = fKnowsPeers || (facts != nullptr && (facts->peer || facts->connect));
+    const Item& item = *fTree.Nodes()[index].item;
+    fDeviceFacts[index] = facts.OfDevice(item);
+    const PortFacts* const port = facts.OfPort(item);
+    fPortFacts[index] = port;
+    fKnowsPeers = fKnowsPeers || (port != nullptr && (port->peer || port->connect));
   }
 }
 

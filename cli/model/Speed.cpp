@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <iterator>
 
 namespace cli {
 
@@ -13,25 +14,6 @@ constexpr std::uint64_t kGiga = 1000 * kMega;
 
 }  // namespace
 
-SpeedClass SpeedClassOfPort(std::uint64_t bitsPerSecond) {
-  constexpr std::uint64_t kLow = 1500000;
-  constexpr std::uint64_t kFull = 12 * kMega;
-  constexpr std::uint64_t kHigh = 480 * kMega;
-  if (bitsPerSecond == 0) return SpeedClass::kUnknown;
-  if (bitsPerSecond <= kLow) return SpeedClass::kLow;
-  if (bitsPerSecond <= kFull) return SpeedClass::kFull;
-  return bitsPerSecond <= kHigh ? SpeedClass::kHigh : SpeedClass::kSuper;
-}
-
-SpeedClass SpeedClassOfDevice(std::uint64_t number) {
-  return number >= 1 && number <= 4 ? static_cast<SpeedClass>(number) : SpeedClass::kUnknown;
-}
-
-const char* NameOf(SpeedClass speed) {
-  constexpr const char* kNames[] = {"unknown", "low", "full", "high", "super"};
-  return kNames[static_cast<std::size_t>(speed)];
-}
-
 std::string FormatSpeed(std::uint64_t bitsPerSecond) {
   if (bitsPerSecond == 0) return {};
   if (bitsPerSecond % kGiga == 0) return fmt::format("{} Gbit/s", bitsPerSecond / kGiga);
@@ -40,7 +22,7 @@ std::string FormatSpeed(std::uint64_t bitsPerSecond) {
 
 std::string FormatSpeedClass(std::uint64_t number) {
   constexpr const char* kSpeeds[] = {"", "1.5 Mbit/s", "12 Mbit/s", "480 Mbit/s", "5+ Gbit/s"};
-  return kSpeeds[static_cast<std::size_t>(SpeedClassOfDevice(number))];
+  return number < std::size(kSpeeds) ? kSpeeds[number] : "";
 }
 
 std::string FormatRate(double megabitsPerSecond) {

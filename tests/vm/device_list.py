@@ -19,6 +19,11 @@ def shown(text):
     return CONTROL.sub(REPLACEMENT, text)
 
 
+def escaped(text):
+    """A string as it is shown to people."""
+    return text.replace("\\", r"\\").replace("\n", r"\n")
+
+
 def first_line(text):
     """What the kernel's list has of a string on the line where it begins."""
     return text.partition("\n")[0]

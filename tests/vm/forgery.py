@@ -111,12 +111,13 @@ class Forgery:
 
 
 def _names():
-    return [device_list.shown(gadget.strings["Product"]) for gadget in gadgets.FORGERS if "Product" in gadget.strings]
+    return [device_list.escaped(gadget.strings["Product"]) for gadget in gadgets.FORGERS if "Product" in gadget.strings]
 
 
 def _problems_of(view, lines):
     """The problems with lines about devices: they have the forgers' own names, and none is the approved device's."""
-    text = "\n".join(lines)
+    # In a graph, a backslash is written twice.
+    text = "\n".join(lines).replace(r"\\n", r"\n")
     problems = [f"{view}: not shown: {name}" for name in _names() if name not in text]
     for name in _names():
         text = text.replace(name, "")

@@ -4,6 +4,7 @@ import json
 import re
 
 import comparison
+import device_list
 import expectation
 
 # The names of files in sysfs that are devices, not interfaces or other things below them.
@@ -54,8 +55,8 @@ class Taken:
             problems.append(f"the log has {len(self.log)} lines, expected {len(expected)}")
         return problems
 
-    def check_tree(self, buses, name_of):
-        """The problems with the tree: every device has a row with its place, and stands below its hub."""
+    def check_tree(self, buses, name_of=str):
+        """The problems with the tree: every device has a row with its place, below its hub, with its product by name_of."""
         rows = _rows(self.tree)
         problems = []
         for place, identifiers, product in _expected_rows(buses, name_of):
@@ -101,5 +102,5 @@ def _expected_rows(buses, name_of):
     for bus in buses:
         for device in bus.devices:
             if device.ports:
-                name = name_of(device.strings.get("Product", "")).replace("\\", r"\\")
-                yield bus.sysfs_name(device), device.identifiers, name
+                name = name_of(device.strings.get("Product", ""))
+                yield bus.sysfs_name(device), device.identifiers, device_list.escaped(name)
