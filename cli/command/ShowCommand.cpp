@@ -124,6 +124,14 @@ void RefuseOptionsOfCollecting(const ShowOptions& options) {
   }
 }
 
+/// Reads from this machine only what the format shows.
+Source SourceFor(const ShowOptions& options, const OutputFormat& format) {
+  Source source = options.source;
+  source.readsPorts = format.takesOccupancy || format.showsAllFacts;
+  source.readsNodes = options.isVerbose || format.showsAllFacts;
+  return source;
+}
+
 }  // namespace
 
 int RunShow(const ShowOptions& options) {
@@ -131,10 +139,10 @@ int RunShow(const ShowOptions& options) {
   LogWriter log(options.log, SeverityOf(options.logLevel),
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   ReportUnknownClasses(options.request);
-  const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);
+  const OutputFormat& format = FindOutputFormat(options.format);
+  const Inventory inventory = Collect(SourceFor(options, format), RequestedClasses(options.request), log);
   if (!inventory.DeviceList()) RefuseOptionsOfCollecting(options);
   WarnOfFindings(inventory);
-  const OutputFormat& format = FindOutputFormat(options.format);
   const Inventory shown = Select(inventory, options.selection, KeepsPath(options.selection, format));
   const bool isPrinted = Print(options, format, shown);
   log.Finish();
