@@ -28,26 +28,31 @@ const Content& ContentOf(const TCIMValue& value) {
   return std::get<Content>(data->content);
 }
 
-std::string Quote(const std::string& text) {
-  std::string quoted = "\"";
+void AppendQuoted(const std::string& text, std::string& out) {
+  out += '"';
   for (const char c : text) {
-    if (c == '"' || c == '\\') quoted += '\\';
-    quoted += c;
+    if (c == '"' || c == '\\') out += '\\';
+    out += c;
   }
-  return quoted + '"';
+  out += '"';
 }
 
-std::string KeyText(const TCIMValue& value) {
+void AppendKeyText(const TCIMValue& value, std::string& out) {
   const ValueData* const data = HostData::Of(value);
   const bool isNumber = data != nullptr && std::holds_alternative<std::uint64_t>(data->content);
-  return isNumber ? TextOf(value) : Quote(TextOf(value));
+  if (isNumber) {
+    out += TextOf(value);
+  } else {
+    AppendQuoted(TextOf(value), out);
+  }
 }
 
 std::string PathText(const ReferenceData& data) {
   std::string text = data.className;
   char separator = '.';
   for (const auto& [name, value] : data.keys) {
-    text += separator + name + '=' + KeyText(value);
+    text.append(1, separator).append(name).append(1, '=');
+    AppendKeyText(value, text);
     separator = ',';
   }
   return text;
