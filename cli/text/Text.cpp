@@ -2,13 +2,18 @@
 
 #include <langinfo.h>
 
+#include <clocale>
 #include <sstream>
+#include <utility>
 
 #include "cli/text/MapCharacters.h"
 
 namespace cli {
 
 namespace {
+
+/// The character set of the environment has been asked for and not been loaded yet.
+bool isCharacterSetDue = false;
 
 class TerminalPolicy {
  public:
@@ -53,7 +58,13 @@ void AppendForMof(const Character& character, bool isUnprintable, std::string& o
 
 }  // namespace
 
+void UseCharacterSetOfEnvironment() {
+  isCharacterSetDue = true;
+}
+
 bool IsLocaleUtf8() {
+  // Numbers keep the form that programs expect.
+  if (std::exchange(isCharacterSetDue, false)) static_cast<void>(std::setlocale(LC_CTYPE, ""));
   return std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
 }
 
