@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "cli/collect/EmptyAdvice.h"
@@ -45,8 +47,19 @@ void ReportUnknownClasses(const std::vector<std::string>& request) {
                            fmt::join(unknown, ",")));
 }
 
+std::set<std::uint16_t> VendorsOf(const Inventory& inventory) {
+  std::set<std::uint16_t> vendors;
+  for (const std::vector<Item>* const items : {&inventory.Hubs(), &inventory.Devices()}) {
+    for (const Item& item : *items) {
+      vendors.insert(static_cast<std::uint16_t>(item.Number(PropertyId::kVendorID)));
+    }
+  }
+  return vendors;
+}
+
 std::string Render(const ShowOptions& options, const OutputFormat& format, const Inventory& inventory) {
-  const std::optional<UsbIds> names = format.showsNames ? UsbIds::OfThisMachine() : std::nullopt;
+  const std::optional<UsbIds> names =
+      format.showsNames ? UsbIds::OfThisMachine(VendorsOf(inventory)) : std::nullopt;
   RenderOptions rendering;
   rendering.isStandardOutput = IsStandardOutput(options.output);
   rendering.color = ColorOf(options.color);
