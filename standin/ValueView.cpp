@@ -28,11 +28,23 @@ const Content& ContentOf(const TCIMValue& value) {
   return std::get<Content>(data->content);
 }
 
-void AppendQuoted(const std::string& text, std::string& out) {
-  out += '"';
+bool IsPlain(const std::string& text) {
+  return text.find('"') == std::string::npos && text.find('\\') == std::string::npos;
+}
+
+void AppendEscaped(const std::string& text, std::string& out) {
   for (const char c : text) {
     if (c == '"' || c == '\\') out += '\\';
     out += c;
+  }
+}
+
+void AppendQuoted(const std::string& text, std::string& out) {
+  out += '"';
+  if (IsPlain(text)) {
+    out += text;
+  } else {
+    AppendEscaped(text, out);
   }
   out += '"';
 }
