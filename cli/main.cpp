@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <clocale>
 #include <csignal>
 #include <exception>
 #include <new>
@@ -15,6 +14,7 @@
 #include "cli/command/ExitStatus.h"
 #include "cli/command/Message.h"
 #include "cli/text/Output.h"
+#include "cli/text/Text.h"
 #include "system/SignalGuard.h"
 
 namespace {
@@ -37,8 +37,7 @@ void OccupyStandardStreams() {
 /// Process-wide settings, made before anything is read or written.
 void PrepareProcess() {
   OccupyStandardStreams();
-  // The character set of the terminal; numbers keep the form that programs expect.
-  static_cast<void>(std::setlocale(LC_CTYPE, ""));
+  cli::UseCharacterSetOfEnvironment();
   // A closed pipe or a limit on the size of files shows in the write that fails, so that nothing half-written
   // is left behind.
   static_cast<void>(std::signal(SIGPIPE, SIG_IGN));

@@ -26,7 +26,7 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
 set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/debian/DropLdconfig.cmake")
 set(CPACK_DEBIAN_USBINFO_PACKAGE_RECOMMENDS usbutils)
-set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS usb.ids)
+set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS "libudev1, usb.ids")
 set(CPACK_COMPONENT_USBINFO_DESCRIPTION
     "usbinfo reads the kernel's list of USB devices and shows the controllers,
 the hubs, all ports, also the empty ones, the devices, and which device
@@ -34,8 +34,8 @@ is plugged into which port. It prints a tree for people, and documents
 for programs, and compares inventories.
 
 The package contains the plug-in module that reads the list, which a
-system inventory host can load as well, and the library of the small
-host in which the command runs it.")
+system inventory host can load as well, and the small host in which the
+command runs it, as a library for other programs.")
 
 set(CPACK_DEBIAN_USBINFO-DEV_PACKAGE_NAME usbinfo-dev)
 set(CPACK_DEBIAN_USBINFO-DEV_PACKAGE_SECTION libdevel)
@@ -58,9 +58,9 @@ function(compress from to)
 endfunction()
 compress("${PACKAGE_FILES}/changelog" "${PACKAGE_FILES}/changelog.Debian.gz")
 compress("${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PACKAGE_FILES}/changelog.gz")
-# The command contains code of header-only libraries, so the packages have to contain their terms.
+# The command contains code of libraries, so the packages have to contain their terms.
 file(READ cmake/debian/copyright COPYRIGHT)
-foreach(library libcli11-dev nlohmann-json3-dev)
+foreach(library libcli11-dev libfmt-dev libsodium-dev nlohmann-json3-dev)
   set(terms "/usr/share/doc/${library}/copyright")
   if(EXISTS "${terms}")
     file(READ "${terms}" text)

@@ -19,13 +19,18 @@ std::string NodeOf(const SysfsFolder& folder) {
   return "/dev/" + text.substr(begin, text.find('\n', begin) - begin);
 }
 
+/// Each device has folders about its power, which hold no devices.
+bool MayHoldDevices(const SysfsFolder::Entry& entry) {
+  return entry.isFolder && entry.name != "power";
+}
+
 void AddNodes(const SysfsFolder& folder, int levels, std::vector<std::string>& nodes) {
   try {
     const std::string node = NodeOf(folder);
     if (!node.empty()) nodes.push_back(node);
     if (levels == 0) return;
     for (const SysfsFolder::Entry& entry : folder.Entries()) {
-      if (entry.isFolder) AddNodes(folder.Open(entry.name), levels - 1, nodes);
+      if (MayHoldDevices(entry)) AddNodes(folder.Open(entry.name), levels - 1, nodes);
     }
   } catch (const SysfsError&) {
     // The driver has let go of it; the others still count.

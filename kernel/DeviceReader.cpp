@@ -39,8 +39,7 @@ const SpeedName& ReadSpeed(const SysfsFolder& folder) {
 
 /// The value of the active configuration; nothing where none is.
 std::optional<unsigned> ReadActiveValue(const SysfsFolder& folder) {
-  if (folder.ReadLine("bConfigurationValue").empty()) return std::nullopt;
-  return folder.ReadNumber("bConfigurationValue", kMostByte);
+  return folder.ReadNumberIfAny("bConfigurationValue", kMostByte);
 }
 
 /// Zero where the kernel has no such file.
@@ -65,7 +64,7 @@ std::optional<std::string> ReadString(const SysfsFolder& folder, const std::stri
 }
 
 Descriptors ReadDescriptors(const SysfsFolder& folder, Speed speed) {
-  const std::string file = folder.Read("descriptors", kMostDescriptors);
+  const std::string file = folder.ReadBytes("descriptors", kMostDescriptors);
   const Bytes bytes(reinterpret_cast<const std::uint8_t*>(file.data()), file.size());
   auto descriptors = ParseDescriptors(bytes, {speed, ReadQuirks(folder)});
   if (!descriptors) throw SysfsError("descriptors", "a descriptor is missing or damaged");
@@ -124,8 +123,9 @@ Device ReadDevice(const SysfsFolder& folder, const DeviceName& name) {
 
 void CheckUnchanged(const SysfsFolder& folder, const DeviceName& name, const Device& device) {
   const Configuration* const active = device.ActiveConfiguration();
-  const auto value = active == nullptr ? std::nullopt : std::optional<unsigned>(active->value);
-  if (ReadActiveValue(folder) != value) throw SysfsError("bConfigurationValue", "changed");
+  const std::optional<unsigned> value = ReadActiveValue(folder);
+  const bool isSame = active == nullptr ? !value : value && *value == active->value;
+  if (!isSame) throw SysfsError("bConfigurationValue", "changed");
   // A device that comes is configured before it gets its link to its port; one that goes loses both, the link
   // last.
   if (!value && !name.IsRootHub() && !folder.Has("port")) throw SysfsError("port", "no such link");

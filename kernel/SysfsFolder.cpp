@@ -20,16 +20,21 @@ namespace {
   throw SysfsError(path, std::generic_category().message(error));
 }
 
+[[noreturn]] void FailForNumber(const std::string& path, unsigned most) {
+  throw SysfsError(path, "no number from 0 to " + std::to_string(most));
+}
+
 sys::FileDescriptor OpenAt(const sys::FileDescriptor& folder, const std::string& path, int flags) {
   return sys::FileDescriptor(::openat(folder.Get(), path.c_str(), flags | O_RDONLY | O_CLOEXEC | O_NONBLOCK));
 }
 
-std::string ReadOpen(const sys::FileDescriptor& file, const std::string& path, std::size_t most) {
-  try {
-    return sys::ReadAll(file.Get(), most);
-  } catch (const std::system_error& error) {
-    Fail(path, error.code().value());
-  }
+/// All of a text file, which sysfs gives to a single call that has room for it.
+std::string ReadText(const sys::FileDescriptor& file, const std::string& path) {
+  std::array<char, kMostText + 1> text;
+  const ssize_t got = ::read(file.Get(), text.data(), text.size());
+  if (got < 0) Fail(path, errno);
+  if (static_cast<std::size_t>(got) > kMostText) Fail(path, EFBIG);
+  return {text.data(), static_cast<std::size_t>(got)};
 }
 
 struct CloseFolder {
@@ -44,17 +49,27 @@ SysfsFolder SysfsFolder::Open(const std::string& path) const {
   return SysfsFolder(std::move(folder));
 }
 
-std::string SysfsFolder::Read(const std::string& path, std::size_t most) const {
+std::string SysfsFolder::Read(const std::string& path) const {
   const sys::FileDescriptor file = OpenAt(fFolder, path, 0);
   if (!file.IsOpen()) Fail(path, errno);
-  return ReadOpen(file, path, most);
+  return ReadText(file, path);
+}
+
+std::string SysfsFolder::ReadBytes(const std::string& path, std::size_t most) const {
+  const sys::FileDescriptor file = OpenAt(fFolder, path, 0);
+  if (!file.IsOpen()) Fail(path, errno);
+  try {
+    return sys::ReadAll(file.Get(), most);
+  } catch (const std::system_error& error) {
+    Fail(path, error.code().value());
+  }
 }
 
 std::optional<std::string> SysfsFolder::ReadIfThere(const std::string& path) const {
   const sys::FileDescriptor file = OpenAt(fFolder, path, 0);
   if (!file.IsOpen() && errno == ENOENT) return std::nullopt;
   if (!file.IsOpen()) Fail(path, errno);
-  return ReadOpen(file, path, kMostText);
+  return ReadText(file, path);
 }
 
 std::string SysfsFolder::ReadLine(const std::string& path) const {
@@ -62,11 +77,18 @@ std::string SysfsFolder::ReadLine(const std::string& path) const {
 }
 
 unsigned SysfsFolder::ReadNumber(const std::string& path, unsigned most) const {
+  const std::optional<unsigned> number = ReadNumberIfAny(path, most);
+  if (!number) FailForNumber(path, most);
+  return *number;
+}
+
+std::optional<unsigned> SysfsFolder::ReadNumberIfAny(const std::string& path, unsigned most) const {
   const std::string line = ReadLine(path);
+  if (line.empty()) return std::nullopt;
   const std::size_t begin = std::min(line.find_first_not_of(' '), line.size());
   const auto number = ParseNumber(std::string_view(line).substr(begin), most);
-  if (!number) throw SysfsError(path, "no number from 0 to " + std::to_string(most));
-  return *number;
+  if (!number) FailForNumber(path, most);
+  return number;
 }
 
 std::string SysfsFolder::LinkName(const std::string& path) const {

@@ -34,14 +34,18 @@ class SysfsFolder {
 
   /// Throws SysfsError.
   SysfsFolder Open(const std::string& path) const;
-  /// The whole file. Throws SysfsError, also for more than `most` bytes.
-  std::string Read(const std::string& path, std::size_t most = kMostText) const;
+  /// The whole text file. Throws SysfsError, also for more than `kMostText` bytes.
+  std::string Read(const std::string& path) const;
   /// The same; nothing where there is no such file.
   std::optional<std::string> ReadIfThere(const std::string& path) const;
+  /// The whole file, of any kind. Throws SysfsError, also for more than `most` bytes.
+  std::string ReadBytes(const std::string& path, std::size_t most) const;
   /// The text of a file without its final line break. Throws SysfsError.
   std::string ReadLine(const std::string& path) const;
   /// The number in a file, which blanks may precede. Throws SysfsError, also for a number above `most`.
   unsigned ReadNumber(const std::string& path, unsigned most) const;
+  /// The same; nothing where the line is empty.
+  std::optional<unsigned> ReadNumberIfAny(const std::string& path, unsigned most) const;
   /// The last name in what a link points to; empty where there is no such link.
   std::string LinkName(const std::string& path) const;
   bool Has(const std::string& path) const;

@@ -13,8 +13,7 @@ debian_clang() {
 
 # The libraries of the product and its tests, which a cross build needs for the other architecture.
 LIBRARY_PACKAGES=(
-  libboost-dev libboost-thread-dev libfmt-dev libgmock-dev libgtest-dev libsodium-dev libtinyxml2-dev
-  libxml2-dev
+  libboost-dev libboost-thread-dev libfmt-dev libgmock-dev libgtest-dev libsodium-dev libxml2-dev
 )
 # What a build takes besides, the same on every architecture.
 TOOL_PACKAGES=(cmake g++ libcli11-dev locales ninja-build nlohmann-json3-dev pkgconf python3)
@@ -32,6 +31,8 @@ COVERAGE_PACKAGES=(gcovr)
 FUZZ_PACKAGES=(clang "libclang-rt-$(debian_clang)-dev" llvm)
 # What the test on a real kernel takes on top of the first ones.
 VM_PACKAGES=(busybox-static cpio kmod qemu-system-x86 usbutils)
+# The tools that scripts/bench measures the command beside, and the list of names that they have in common.
+BENCH_PACKAGES=(hwinfo lshw usb.ids usbutils)
 # What building the Debian packages takes on top of the first ones.
 PACKAGE_PACKAGES=(dpkg-dev fakeroot file)
 # What checking them takes on top of that.

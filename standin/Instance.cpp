@@ -21,6 +21,9 @@ namespace standin {
 
 namespace {
 
+/// As many as logical devices have.
+constexpr std::size_t kUsualKeys = 4;
+
 boost::shared_ptr<CimClass> LockClass(const boost::weak_ptr<CimClass>& cls) {
   boost::shared_ptr<CimClass> locked = cls.lock();
   if (!locked) Throw(StatusCode::kFailed);
@@ -93,6 +96,7 @@ std::vector<NamedValue> Instance::Properties() const {
 const TCIMReference& Instance::Path() {
   if (!TextOf(fPath).empty()) return fPath;
   std::vector<std::pair<std::string, TCIMValue>> keys;
+  keys.reserve(kUsualKeys);
   for (std::size_t index = 0; index < fProperties.size(); ++index) {
     if (!fSchema.properties[index].isKey) continue;
     if (!fProperties[index].IsSet()) Throw(StatusCode::kInvalidParameter);

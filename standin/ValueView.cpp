@@ -28,26 +28,43 @@ const Content& ContentOf(const TCIMValue& value) {
   return std::get<Content>(data->content);
 }
 
-std::string Quote(const std::string& text) {
-  std::string quoted = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') quoted += '\\';
-    quoted += c;
-  }
-  return quoted + '"';
+bool IsPlain(const std::string& text) {
+  return text.find('"') == std::string::npos && text.find('\\') == std::string::npos;
 }
 
-std::string KeyText(const TCIMValue& value) {
+void AppendEscaped(const std::string& text, std::string& out) {
+  for (const char c : text) {
+    if (c == '"' || c == '\\') out += '\\';
+    out += c;
+  }
+}
+
+void AppendQuoted(const std::string& text, std::string& out) {
+  out += '"';
+  if (IsPlain(text)) {
+    out += text;
+  } else {
+    AppendEscaped(text, out);
+  }
+  out += '"';
+}
+
+void AppendKeyText(const TCIMValue& value, std::string& out) {
   const ValueData* const data = HostData::Of(value);
   const bool isNumber = data != nullptr && std::holds_alternative<std::uint64_t>(data->content);
-  return isNumber ? TextOf(value) : Quote(TextOf(value));
+  if (isNumber) {
+    out += TextOf(value);
+  } else {
+    AppendQuoted(TextOf(value), out);
+  }
 }
 
 std::string PathText(const ReferenceData& data) {
   std::string text = data.className;
   char separator = '.';
   for (const auto& [name, value] : data.keys) {
-    text += separator + name + '=' + KeyText(value);
+    text.append(1, separator).append(name).append(1, '=');
+    AppendKeyText(value, text);
     separator = ',';
   }
   return text;

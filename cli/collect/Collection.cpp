@@ -117,9 +117,9 @@ void TakeSerials(kernel::Topology& topology, const std::string& list) {
   }
 }
 
-kernel::Topology ReadThisMachine() {
+kernel::Topology ReadThisMachine(const kernel::SysfsParts& parts) {
   try {
-    kernel::Topology topology = kernel::ReadSysfs();
+    kernel::Topology topology = kernel::ReadSysfs(kernel::kSysfsDevices, parts);
     if (topology.unreadable.empty()) return topology;
     const kernel::UnreadableDevice& device = topology.unreadable.front();
     throw UserError(
@@ -133,7 +133,7 @@ kernel::Topology ReadThisMachine() {
 
 Inventory CollectFromSysfs(const Source& source, const PluginRequest& request, LogWriter& log) {
   const ListTreatment treatment = TreatmentOf(source);
-  kernel::Topology topology = ReadThisMachine();
+  kernel::Topology topology = ReadThisMachine({.nodes = source.readsNodes, .ports = source.readsPorts});
   const std::string text = kernel::WriteDeviceList(topology);
   if (!source.noLimits) CheckListLimits(text, kNameOfOwnList);
   PreparedList list = PrepareList(text, treatment);

@@ -48,7 +48,8 @@ Inventory RunPlugin(const PluginRequest& request, std::unique_ptr<standin::Opera
                     LogWriter& log, const std::function<void()>& checkList) {
   Host& host = Host::Instance();
   host.Reset();
-  if (!request.systemName.empty()) host.SetSystemName(request.systemName);
+  // The plug-in asks for the name with every instance, the machine is asked once.
+  host.SetSystemName(request.systemName.empty() ? host.SystemName() : request.systemName);
   host.SetOperatingSystem(std::move(system));
   LossWatch losses;
   host.CoreLogger().SetSink([&log, &losses](ILogger::EQSVLogSeverity severity, const std::string& text) {

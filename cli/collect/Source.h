@@ -29,6 +29,9 @@ struct Source {
   std::string maskKey;
   /// Accept lists beyond the limits, too, see CheckListLimits.
   bool noLimits = false;
+  /// Read the ports and the device nodes, too, where they come from sysfs. Both take time.
+  bool readsPorts = true;
+  bool readsNodes = true;
 };
 
 }  // namespace cli

@@ -1,5 +1,7 @@
 #include "cli/command/CommandLine.h"
 
+#include <utility>
+
 #include "cli/command/CommonOptions.h"
 #include "cli/command/DiffCommand.h"
 #include "cli/command/ExitStatus.h"
@@ -23,7 +25,9 @@ constexpr const char* kClassTable = "classes";
 CommandLine::CommandLine() {
   fCommand.name = "usbinfo";
   fCommand.summary = "Show a machine's USB inventory: controllers, hubs, ports and devices";
-  fCommand.subcommands = {Show(), Diff(), Schema()};
+  fCommand.subcommands.push_back(Show());
+  fCommand.subcommands.push_back(Diff());
+  fCommand.subcommands.push_back(Schema());
   fCommand.subcommands.push_back(Help());
 }
 
@@ -58,7 +62,7 @@ CommandSpec CommandLine::Show() {
                      .store = StoreChoice(fGenerated, generators)});
   return {.name = "show",
           .summary = "Print the inventory",
-          .options = options,
+          .options = std::move(options),
           .isDefault = true,
           .fileOption = "--devices",
           .check = [this] { CompleteShowOptions(fShow); },
@@ -106,10 +110,9 @@ CommandSpec CommandLine::Help() {
           }};
 }
 
-std::vector<Option> CommandLine::WithHelp(const std::vector<Option>& options) {
-  std::vector<Option> all = {HelpOption(fAsksForHelp)};
-  all.insert(all.end(), options.begin(), options.end());
-  return all;
+std::vector<Option> CommandLine::WithHelp(std::vector<Option> options) {
+  options.insert(options.begin(), HelpOption(fAsksForHelp));
+  return options;
 }
 
 }  // namespace cli

@@ -27,7 +27,7 @@ class CommandLine {
   CommandSpec Diff();
   CommandSpec Schema();
   CommandSpec Help();
-  std::vector<Option> WithHelp(const std::vector<Option>& options);
+  std::vector<Option> WithHelp(std::vector<Option> options);
 
   ShowOptions fShow;
   DiffOptions fDiff;

@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "cli/collect/EmptyAdvice.h"
@@ -45,8 +47,19 @@ void ReportUnknownClasses(const std::vector<std::string>& request) {
                            fmt::join(unknown, ",")));
 }
 
+std::set<std::uint16_t> VendorsOf(const Inventory& inventory) {
+  std::set<std::uint16_t> vendors;
+  for (const std::vector<Item>* const items : {&inventory.Hubs(), &inventory.Devices()}) {
+    for (const Item& item : *items) {
+      vendors.insert(static_cast<std::uint16_t>(item.Number(PropertyId::kVendorID)));
+    }
+  }
+  return vendors;
+}
+
 std::string Render(const ShowOptions& options, const OutputFormat& format, const Inventory& inventory) {
-  const std::optional<UsbIds> names = format.showsNames ? UsbIds::OfThisMachine() : std::nullopt;
+  const std::optional<UsbIds> names =
+      format.showsNames ? UsbIds::OfThisMachine(VendorsOf(inventory)) : std::nullopt;
   RenderOptions rendering;
   rendering.isStandardOutput = IsStandardOutput(options.output);
   rendering.color = ColorOf(options.color);
@@ -125,6 +138,14 @@ void RefuseOptionsOfCollecting(const ShowOptions& options) {
   }
 }
 
+/// Reads from this machine only what the format shows.
+Source SourceFor(const ShowOptions& options, const OutputFormat& format) {
+  Source source = options.source;
+  source.readsPorts = format.takesOccupancy || format.showsAllFacts;
+  source.readsNodes = options.isVerbose || format.showsAllFacts;
+  return source;
+}
+
 }  // namespace
 
 int RunShow(const ShowOptions& options) {
@@ -132,10 +153,10 @@ int RunShow(const ShowOptions& options) {
   LogWriter log(options.log, SeverityOf(options.logLevel),
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   ReportUnknownClasses(options.request);
-  const Inventory inventory = Collect(options.source, RequestedClasses(options.request), log);
+  const OutputFormat& format = FindOutputFormat(options.format);
+  const Inventory inventory = Collect(SourceFor(options, format), RequestedClasses(options.request), log);
   if (!inventory.DeviceList()) RefuseOptionsOfCollecting(options);
   WarnOfFindings(inventory);
-  const OutputFormat& format = FindOutputFormat(options.format);
   const Inventory shown = Select(inventory, options.selection, KeepsPath(options.selection, format));
   const bool isPrinted = Print(options, format, shown);
   log.Finish();

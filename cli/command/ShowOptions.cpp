@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -296,8 +298,8 @@ It must not be a file that another option names.)",
            .store = StoreChoice(options.logFormat, formats)}};
 }
 
-void Append(std::vector<Option>& table, const std::vector<Option>& options) {
-  table.insert(table.end(), options.begin(), options.end());
+void Append(std::vector<Option>& table, std::vector<Option> options) {
+  std::move(options.begin(), options.end(), std::back_inserter(table));
 }
 
 void CheckSource(const Source& source) {

@@ -19,13 +19,13 @@ const std::vector<OutputFormat>& OutputFormats() {
   static const std::vector<OutputFormat> formats = {
       {"tree", "a tree of controllers, hubs, ports and devices", false, RenderTree, true, true, true},
       {"table", "a table of devices; with --class, of instances", false, RenderTable, false, true, true},
-      {"json", "one JSON object with all classes", true, RenderJson},
+      {"json", "one JSON object with all classes", true, RenderJson, false, false, false, true},
       {"jsonl", "JSON Lines, one object per instance", true, RenderJsonLines},
       {"csv", "comma-separated values, one line per device", true, RenderCsv, false, false, true},
       {"cimxml", "a CIM-XML declaration", true, RenderCimXml},
       {"mof", "class declarations and instances in the Managed Object Format", true, RenderMof},
       {"dot", "a graph for dot(1)", true, RenderDot, true, false, true},
-      {"html", "an HTML page in one file", true, RenderHtml, true, true, true},
+      {"html", "an HTML page in one file", true, RenderHtml, true, true, true, true},
       {"list", "the device list itself", true, RenderList},
   };
   return formats;

@@ -21,8 +21,10 @@ struct OutputFormat {
   bool keepsPath = false;
   /// Shows the names of vendors and products from the list of names.
   bool showsNames = false;
-  /// May show only what is plugged in, or only what is free.
+  /// Shows sockets; may show only what is plugged in, or only what is free.
   bool takesOccupancy = false;
+  /// Shows all that the kernel knows, without being asked for more.
+  bool showsAllFacts = false;
 };
 
 /// All formats; the first is the default.

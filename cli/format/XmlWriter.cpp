@@ -1,7 +1,6 @@
 #include "cli/format/XmlWriter.h"
 
 #include <fmt/format.h>
-#include <tinyxml2.h>
 
 #include <cstddef>
 #include <iterator>
@@ -63,55 +62,47 @@ void AppendAttribute(const Character& character, bool isUnprintable, std::string
 
 }  // namespace
 
-/// In some versions the printer's own buffer has sizes of type int, so its output is kept here.
-class XmlWriter::Printer : public tinyxml2::XMLPrinter {
- public:
-  Printer() {
-    // Texts already contain their entities.
-    constexpr bool kProcessEntities = false;
-    tinyxml2::XMLPrinter::VisitEnter(tinyxml2::XMLDocument(kProcessEntities));
-  }
-
-  std::string Take() { return std::exchange(fText, std::string()); }
-
- protected:
-  void PrintSpace(int depth) override { fText.append(static_cast<std::size_t>(depth), ' '); }
-  void Write(const char* data, std::size_t size) override { fText.append(data, size); }
-  void Putc(char character) override { fText += character; }
-
- private:
-  std::string fText;
-};
-
-XmlWriter::XmlWriter() : fPrinter(std::make_unique<Printer>()) {
-  fPrinter->PushDeclaration(R"(xml version="1.0" encoding="UTF-8")");
-}
-
-XmlWriter::~XmlWriter() = default;
+XmlWriter::XmlWriter() : fText(R"(<?xml version="1.0" encoding="UTF-8"?>)") {}
 
 void XmlWriter::Start(const char* element) {
-  fPrinter->OpenElement(element);
-  fIsElementEmpty = true;
+  EndTag();
+  if (fContent != Content::kText) BeginLine();
+  fText.append(1, '<').append(element);
+  fContent = Content::kAttributes;
+  ++fDepth;
 }
 
 void XmlWriter::Attribute(const char* name, std::string_view value) {
-  fPrinter->PushAttribute(name, MapCharacters(value, AppendAttribute).c_str());
+  fText.append(1, ' ').append(name).append("=\"");
+  AppendMapped(value, AppendAttribute, fText);
+  fText += '"';
 }
 
 void XmlWriter::Text(std::string_view text) {
-  fPrinter->PushText(MapCharacters(text, AppendText).c_str());
-  fIsElementEmpty = false;
+  EndTag();
+  AppendMapped(text, AppendText, fText);
+  fContent = Content::kText;
 }
 
-void XmlWriter::End() {
-  // The printer self-closes an element that never got a text.
-  if (fIsElementEmpty) fPrinter->PushText("");
-  fPrinter->CloseElement();
-  fIsElementEmpty = false;
+void XmlWriter::End(const char* element) {
+  --fDepth;
+  if (fContent == Content::kElements) BeginLine();
+  EndTag();
+  fText.append("</").append(element).append(1, '>');
+  fContent = Content::kElements;
+}
+
+void XmlWriter::EndTag() {
+  if (fContent == Content::kAttributes) fText += '>';
+}
+
+void XmlWriter::BeginLine() {
+  fText.append(1, '\n').append(fDepth, ' ');
 }
 
 std::string XmlWriter::Finish() {
-  return fPrinter->Take();
+  fText += '\n';
+  return std::exchange(fText, std::string());
 }
 
 }  // namespace cli

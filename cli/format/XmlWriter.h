@@ -1,8 +1,8 @@
-// Writes an XML document sequentially through tinyxml2's printer. It keeps the elements balanced and makes
-// any text valid in XML 1.0.
+// Writes an XML document sequentially: an element per line, indented by a blank a level, unless it has text.
+// It keeps the elements balanced and makes any text valid in XML 1.0.
 #pragma once
 
-#include <memory>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -12,16 +12,13 @@ class XmlWriter {
  public:
   /// Begins a document in UTF-8.
   XmlWriter();
-  XmlWriter(const XmlWriter&) = delete;
-  XmlWriter& operator=(const XmlWriter&) = delete;
-  ~XmlWriter();
 
   /// An element around what `body` writes, never self-closed.
   template <typename Body>
   void Element(const char* name, Body body) {
     Start(name);
     body();
-    End();
+    End(name);
   }
   /// An element that contains only text.
   void TextElement(const char* name, std::string_view text) {
@@ -38,13 +35,18 @@ class XmlWriter {
   std::string Finish();
 
  private:
-  class Printer;
+  /// What the open element has so far.
+  enum class Content { kAttributes, kText, kElements };
 
   void Start(const char* element);
-  void End();
+  void End(const char* element);
+  /// Ends the open element's tag, if that has not been done.
+  void EndTag();
+  void BeginLine();
 
-  std::unique_ptr<Printer> fPrinter;
-  bool fIsElementEmpty = false;
+  std::string fText;
+  std::size_t fDepth = 0;
+  Content fContent = Content::kElements;
 };
 
 }  // namespace cli

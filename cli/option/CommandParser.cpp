@@ -124,9 +124,11 @@ class DeclaredCommand {
 
 class CommandParser {
  public:
-  explicit CommandParser(const CommandSpec& command)
+  /// Declares only what `arguments` may name, since declaring takes time.
+  CommandParser(const CommandSpec& command, const std::vector<std::string>& arguments)
       : fCommand(command), fDeclared(command.Default(), fApp), fChosen(&command.Default()) {
     for (const CommandSpec& subcommand : command.subcommands) {
+      if (std::find(arguments.begin(), arguments.end(), subcommand.name) == arguments.end()) continue;
       CLI::App* const app = fApp.add_subcommand(subcommand.name);
       if (subcommand.isDefault) {
         app->set_help_flag();
@@ -283,7 +285,7 @@ class CommandParser {
 }  // namespace
 
 const CommandSpec& ParseCommand(const CommandSpec& command, const std::vector<std::string>& arguments) {
-  return CommandParser(command).Parse(arguments);
+  return CommandParser(command, arguments).Parse(arguments);
 }
 
 }  // namespace cli

@@ -3,6 +3,7 @@
 #include <langinfo.h>
 
 #include <algorithm>
+#include <clocale>
 #include <sstream>
 #include <utility>
 
@@ -11,6 +12,9 @@
 namespace cli {
 
 namespace {
+
+/// The character set of the environment has been asked for and not been loaded yet.
+bool isCharacterSetDue = false;
 
 class TerminalPolicy {
  public:
@@ -55,7 +59,13 @@ void AppendForMof(const Character& character, bool isUnprintable, std::string& o
 
 }  // namespace
 
+void UseCharacterSetOfEnvironment() {
+  isCharacterSetDue = true;
+}
+
 bool IsLocaleUtf8() {
+  // Numbers keep the form that programs expect.
+  if (std::exchange(isCharacterSetDue, false)) static_cast<void>(std::setlocale(LC_CTYPE, ""));
   return std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
 }
 

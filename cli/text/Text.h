@@ -15,6 +15,10 @@ namespace cli {
 /// characters.
 bool IsLocaleUtf8();
 
+/// From now on, the character set is that of the environment's locale. It is loaded only when it is asked
+/// for, since that takes time, and formats for programs do without.
+void UseCharacterSetOfEnvironment();
+
 /// `text` with every sequence of bytes that is not UTF-8 replaced by U+FFFD, as the JSON export does it.
 std::string ReplaceInvalidUtf8(std::string_view text);
 

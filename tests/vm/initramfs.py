@@ -1,4 +1,5 @@
-"""The guest's file system: kernel modules, busybox and a shell, the command, and the real usb-devices.
+"""The guest's file system: kernel modules, busybox and a shell, the command, the real usb-devices, and what else is
+asked for.
 
 Everything, libraries included, is copied from this machine and packed into one archive, which the kernel
 unpacks into memory.
@@ -23,21 +24,29 @@ MODULE_LISTS = {
 FOLDERS = ("bin", "dev", "etc", "guest/modules", "opt/usbinfo", "proc", "root", "sys", "tmp", "usr/bin")
 # Without it no character beyond ASCII can be shown.
 LOCALE = pathlib.Path("/usr/lib/locale/C.utf8")
+# Of the tests' own, for the test on a real kernel.
+TEST_PROGRAMS = ("tests/record-sysfs", "tests/virtual-devices")
 USERS = "root:x:0:0::/root:/bin/sh\nuser:x:1000:1000::/tmp:/bin/sh\n"
 
 
-def pack(build, kernel, archive, work):
-    """Pack the archive for the products in the folder build, with the modules of the unpacked kernel."""
+def pack(build, kernel, archive, work, built=TEST_PROGRAMS, installed=(), files=None):
+    """Pack the archive for the products in the folder build, with the modules of the unpacked kernel.
+
+    It gets more that was built, by its path in that folder, programs and files of this machine at their places, and
+    files by the path that they get.
+    """
     root = pathlib.Path(work, "root")
     for folder in FOLDERS:
         (root / folder).mkdir(parents=True)
     (root / "etc/passwd").write_text(USERS, encoding="ascii")
     _add_busybox(root)
-    _add_programs(root, pathlib.Path(build))
+    _add_programs(root, pathlib.Path(build), built, [pathlib.Path(file) for file in installed])
     _add_modules(root, pathlib.Path(kernel))
     shutil.copy("/usr/bin/usb-devices", root / "usr/bin")
     shutil.copytree(LOCALE, root / LOCALE.relative_to("/"))
     _add_guest(root)
+    for path, file in (files or {}).items():
+        shutil.copy(file, root / path)
     gadgets.write_folders(root / "guest/gadgets")
     descriptors.write_files(root / "guest/descriptors")
     _write_archive(root, archive)
@@ -54,16 +63,15 @@ def _add_busybox(root):
             (root / "bin" / applet).symlink_to("busybox")
 
 
-def _add_programs(root, build):
+def _add_programs(root, build, built, installed):
     """The products go next to each other; libraries from elsewhere keep their places.
 
     Debian's own shell is included: busybox's would run its own mount without looking for one in the path.
     """
-    products = [build / name for name in ("usbinfo", "usbinfo-plugin.so")]
-    tools = [build / "tests" / name for name in ("record-sysfs", "virtual-devices")]
-    programs = [*products, *tools, pathlib.Path("/bin/dash")]
-    libraries = set(re.findall(r"(?:=> |^\t)(/\S+) \(", _output("ldd", *map(str, programs)), re.MULTILINE))
-    for file in [*programs, *map(pathlib.Path, libraries)]:
+    programs = [*(build / name for name in ("usbinfo", "usbinfo-plugin.so", *built)), pathlib.Path("/bin/dash")]
+    linked = [file for file in (*programs, *installed) if file.read_bytes().startswith(b"\x7fELF")]
+    libraries = set(re.findall(r"(?:=> |^\t)(/\S+) \(", _output("ldd", *map(str, linked)), re.MULTILINE))
+    for file in [*programs, *installed, *map(pathlib.Path, libraries)]:
         if build.resolve() in file.resolve().parents:
             target = root / "opt/usbinfo"
         else:

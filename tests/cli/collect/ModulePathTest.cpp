@@ -30,7 +30,6 @@ class ModulePathTest : public testing::Test {
     return Command({"--devices", CapturePath("vm-desktop-debugfs"), "--system-name", "testhost", "--format",
                     "json"})
         .Program(fFolder.File(name))
-        .Set("LD_LIBRARY_PATH", fs::path(STANDIN_PATH).parent_path())
         .Run();
   }
 

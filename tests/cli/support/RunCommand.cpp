@@ -164,7 +164,6 @@ std::string CommandForAll() {
   const std::string copy = folder.File("usbinfo");
   if (!std::filesystem::exists(copy)) {
     std::filesystem::copy_file(MODULE_PATH, folder.File("usbinfo-plugin.so"));
-    std::filesystem::copy_file(STANDIN_PATH, folder.File(STANDIN_NAME));
     std::filesystem::copy_file(COMMAND_PATH, copy);
   }
   return copy;
