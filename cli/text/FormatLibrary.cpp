@@ -1,5 +1,5 @@
-// What fmt's shared library holds, from fmt's own headers, so that the command starts without that library. It is
-// compiled once, here: fmt::fmt-header-only would compile it again in every file.
+// What fmt's shared library holds, from fmt's own headers, so that the command starts without that library.
+// It is compiled once, here: fmt::fmt-header-only would compile it again in every file.
 #include <fmt/format-inl.h>
 
 template auto fmt::detail::thousands_sep_impl<char>(locale_ref) -> thousands_sep_result<char>;
