@@ -60,9 +60,10 @@ void WarnOfRepairs(const kernel::ListRepairs& repairs) {
                      Count(repairs.parents, "device")));
   }
   if (repairs.staleInterfaces > 0) {
-    Warn(fmt::format(
-        "the list has interfaces for {} without a configuration, which are left out; --as-is takes the list as it is",
-        Count(repairs.staleInterfaces, "device")));
+    Warn(
+        fmt::format("the list has interfaces for {} without a configuration, which are left out; --as-is "
+                    "takes the list as it is",
+                    Count(repairs.staleInterfaces, "device")));
   }
 }
 
