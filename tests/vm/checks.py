@@ -111,6 +111,19 @@ def run_all(guest, release, report, records):
     states.check_all(guest, collector, found, proof, release, changed)
 
 
+def run_script(guest, release, report):
+    """Check what comes of the output of usb-devices, and nothing else."""
+    collector = Collector(guest, report)
+    found = Checks(collector, report)
+    buses = topology.machine_buses(machine.MACHINE, release)
+    collector.settle(buses, "machine")
+    found.script("machine, ordinary user", buses)
+    found.script_as_is("machine", buses, ROOT)
+    buses += gadgets.buses(release)
+    plug_gadgets(collector, buses)
+    found.script("gadgets, ordinary user", buses, is_forged=True)
+
+
 def soak(guest, release, report, rounds):
     """Have devices come and go for that many rounds, and check nothing else."""
     collector = Collector(guest, report)
@@ -208,7 +221,7 @@ class Checks:
         """Without a list to read, mounting usbfs is tried once and fails; the output of usb-devices is mended."""
         taken = self._collector.take("script", USER, "script", "--source", "plugin")
         text, parents, interfaces = device_list.mended(taken.list, buses)
-        described = device_list.mended_script_list(buses)
+        described = device_list.mended_script_list(buses, taken.list)
         repairs = (("parent", parents), ("stale-interface", interfaces))
         findings = device_list.findings(taken.list) if is_forged else ()
         messages = [rf"\b{count}\b.*--as-is" for _, count in repairs if count]
@@ -227,8 +240,8 @@ class Checks:
         taken = self._collector.take("as-is", user, "last", "--source", "plugin", "--as-is")
         self._report.add(f"{name}: the inventory is what usb-devices makes of what is plugged in",
                          taken.check_outcome() +
-                         taken.check_inventory(device_list.script_list(buses), expectation.kernel_facts(taken.list),
-                                               expectation.origin("plugin")))
+                         taken.check_inventory(device_list.script_list(buses, taken.list),
+                                               expectation.kernel_facts(taken.list), expectation.origin("plugin")))
         self._report.add(f"{name}: the log has the output of usb-devices as it is",
                          taken.check_log(expectation.fallback_log(taken.list), MOUNT_ATTEMPT))
 

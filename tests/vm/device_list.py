@@ -116,20 +116,23 @@ def _walk_kernel(bus, device, parent, blocks):
         _walk_kernel(bus, child, device, blocks)
 
 
-def mended_script_list(buses):
+def mended_script_list(buses, text):
     """The same as script_list with the true parents."""
-    return mended(script_list(buses), buses)[0]
+    return mended(script_list(buses, text), buses)[0]
 
 
-def script_list(buses):
-    """The list of the script in usbutils 014: buses and devices by name, so that 1-11 precedes 1-2.
+def script_list(buses, text):
+    """The list of usb-devices, with the buses in the order of its text: usbutils 014 has them by name, 018 by number.
+
+    Devices are listed by name, so that 1-11 precedes 1-2.
 
     The script keeps the number of the device at hand in one variable for all levels. So only the first device
     below a hub gets the hub for parent; each later one gets the device that was listed right before it.
     Strings pass through the echo of Debian's shell, which makes newlines of what looks like one in C.
     """
+    numbers = [int(number) for number in re.findall(rb"^T:  Bus=(\d+) Lev=00", text, re.MULTILINE)]
     blocks = []
-    for bus in sorted(buses, key=lambda bus: str(bus.number)):
+    for bus in sorted(buses, key=lambda bus: numbers.index(bus.number) if bus.number in numbers else len(numbers)):
         _walk_script(bus, bus.root, 0, blocks)
     return _text(blocks).replace(rb"\n", b"\n")
 

@@ -56,7 +56,7 @@ class Taken:
         return problems
 
     def check_tree(self, buses, name_of=str):
-        """The problems with the tree: every device has a row with its place, below its hub, with its product by name_of."""
+        """The problems with the tree: every device has a row at its place, below its hub, with name_of its product."""
         rows = _rows(self.tree)
         problems = []
         for place, identifiers, product in _expected_rows(buses, name_of):
