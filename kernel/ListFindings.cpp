@@ -1,5 +1,6 @@
 #include "kernel/ListFindings.h"
 
+#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -14,13 +15,23 @@ using LineNumbers = std::vector<std::size_t>;
 
 /// The name of the string in an "S:" line, such as "Product".
 std::string_view StringName(std::string_view line) {
-  return FieldOf(line, "S:").substr(0, FieldOf(line, "S:").find('='));
+  line.remove_prefix(std::min(line.find_first_not_of(" :", 1), line.size()));
+  return line.substr(0, line.find('='));
+}
+
+/// Whether the kernel writes a string of that name.
+bool IsStringName(std::string_view name) {
+  return name == "Manufacturer" || name == "Product" || name == "SerialNumber";
+}
+
+bool DescribesDevice(const ListLine& line) {
+  return line.Letter() == 'T' || line.Letter() == 'D' || line.Letter() == 'P';
 }
 
 LineNumbers LinesOfType(const ListRecord& record, char type) {
   LineNumbers numbers;
   for (const ListLine& line : record.lines) {
-    if (line.Type() == type) numbers.push_back(line.number);
+    if (line.Letter() == type) numbers.push_back(line.number);
   }
   return numbers;
 }
@@ -29,9 +40,10 @@ LineNumbers LinesBehindStrings(const ListRecord& record) {
   LineNumbers numbers;
   bool isBehindString = false;
   for (const ListLine& line : record.lines) {
-    const char type = line.Type();
-    isBehindString = isBehindString || type == 'S';
-    if (isBehindString && (type == 'T' || type == 'D' || type == 'P')) numbers.push_back(line.number);
+    const bool isString = line.Letter() == 'S';
+    const bool isForged = DescribesDevice(line) || (isString && !IsStringName(StringName(line.text)));
+    if (isBehindString && isForged) numbers.push_back(line.number);
+    isBehindString = isBehindString || isString;
   }
   return numbers;
 }
@@ -39,7 +51,7 @@ LineNumbers LinesBehindStrings(const ListRecord& record) {
 std::map<std::string_view, LineNumbers> LinesOfStrings(const ListRecord& record) {
   std::map<std::string_view, LineNumbers> lines;
   for (const ListLine& line : record.lines) {
-    if (line.Type() == 'S') lines[StringName(line.text)].push_back(line.number);
+    if (line.Letter() == 'S') lines[StringName(line.text)].push_back(line.number);
   }
   return lines;
 }
@@ -70,10 +82,21 @@ void FindIn(const ListRecord& record, std::vector<ListFinding>& findings) {
   }
 }
 
+std::string_view WithoutZeros(std::string_view digits) {
+  return digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
+}
+
 void FindTwoDevices(const std::vector<ListRecord>& records, std::vector<ListFinding>& findings) {
-  std::map<DeviceFields, LineNumbers> devices;
-  for (const ListRecord& record : records) devices[FieldsOf(record)].push_back(record.lines.front().number);
-  for (const auto& [device, lines] : devices) AddFinding(Code::kTwoDevices, 2, lines, device, findings);
+  std::map<DeviceFields, std::vector<const ListRecord*>> devices;
+  for (const ListRecord& record : records) {
+    const auto [bus, number] = FieldsOf(record);
+    devices[{WithoutZeros(bus), WithoutZeros(number)}].push_back(&record);
+  }
+  for (const auto& [device, sameDevice] : devices) {
+    LineNumbers lines;
+    for (const ListRecord* const record : sameDevice) lines.push_back(record->lines.front().number);
+    AddFinding(Code::kTwoDevices, 2, lines, FieldsOf(*sameDevice.front()), findings);
+  }
 }
 
 }  // namespace

@@ -15,7 +15,8 @@ struct ListFinding {
     kTwoTopologyLines,
     kTwoDescriptorLines,
     kTwoProductLines,
-    /// A "T:", "D:" or "P:" line behind an "S:" line.
+    /// A "T:", "D:" or "P:" line behind an "S:" line, or another string than a manufacturer, product or
+    /// serial number.
     kLineBehindString,
     /// Two "S:" lines of one name.
     kTwoStrings,
@@ -36,7 +37,8 @@ struct ListFinding {
 /// In lower case with dashes, such as "two-t-lines".
 std::string_view NameOf(ListFinding::Code code);
 
-/// In the order in which their records stand in `text`; those of several records come last.
+/// In the order in which their records stand in `text`; those of several records come last. A line of a
+/// record counts by its first character, whether or not a colon follows.
 std::vector<ListFinding> FindingsIn(std::string_view text);
 
 }  // namespace kernel

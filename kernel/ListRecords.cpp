@@ -9,6 +9,10 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r\v\f";
 
+char LowerCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 void AddRecord(ListRecord& record, std::vector<ListRecord>& records) {
   if (!record.lines.empty()) records.push_back(std::move(record));
   record = {};
@@ -28,7 +32,7 @@ std::vector<ListRecord> CutAtBlankLines(const std::vector<ListLine>& lines) {
   return records;
 }
 
-/// Strings cannot be told from a device's own lines, but they all stand before its configurations.
+/// A string's line looks like one of the device's own, but all strings stand before the configurations.
 bool IsOfConfiguration(const ListLine& line) {
   return line.Type() == 'C' || line.Type() == 'I' || line.Type() == 'E';
 }
@@ -70,9 +74,10 @@ std::vector<ListRecord> RecordsOf(std::string_view text) {
 }
 
 std::string_view FieldOf(std::string_view line, std::string_view key) {
-  const std::size_t at = line.find(key);
-  if (at == std::string_view::npos) return {};
-  std::string_view field = line.substr(at + key.size());
+  const auto at = std::search(line.begin(), line.end(), key.begin(), key.end(),
+                              [](char one, char other) { return LowerCase(one) == LowerCase(other); });
+  if (at == line.end()) return {};
+  std::string_view field = line.substr(static_cast<std::size_t>(at - line.begin()) + key.size());
   field.remove_prefix(std::min(field.find_first_not_of(kBlanks), field.size()));
   return field.substr(0, field.find_first_of(kBlanks));
 }

@@ -16,6 +16,8 @@ struct ListLine {
 
   /// The letter before the colon that the line begins with; 0 for any other line.
   char Type() const;
+  /// The first character, by which some readers of lists go whatever follows it; 0 for an empty line.
+  char Letter() const { return text.empty() ? '\0' : text.front(); }
   bool IsBlank() const;
 };
 
@@ -33,7 +35,7 @@ std::vector<ListLine> LinesOf(std::string_view text);
 std::vector<ListRecord> RecordsOf(std::string_view text);
 
 /// The text after `key`, such as "Bus=", up to the next blank, without the blanks before it; empty when `key`
-/// is missing. Upper and lower case count.
+/// is missing. The case of `key` does not matter.
 std::string_view FieldOf(std::string_view line, std::string_view key);
 
 }  // namespace kernel

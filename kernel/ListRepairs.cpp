@@ -113,18 +113,25 @@ class TextOfLines {
 
 }  // namespace
 
-std::string RepairList(std::string_view text, ListRepairs& repairs) {
+std::string RepairParents(std::string_view text, ListRepairs& repairs) {
   const std::vector<ListLine> lines = LinesOf(text);
   Parents parents(lines);
-  StaleInterfaces interfaces;
   TextOfLines repaired(text);
   for (const ListLine& line : lines) {
-    if (interfaces.IsStale(line, repairs.staleInterfaces)) continue;
     const auto parent = line.Type() == 'T' ? parents.TrueParent(line.text) : std::nullopt;
     if (parent) ++repairs.parents;
     repaired.Add(line, parent ? WithParent(line.text, *parent) : line.text);
   }
   return repaired.Take();
+}
+
+std::string WithoutStaleInterfaces(std::string_view text, ListRepairs& repairs) {
+  StaleInterfaces interfaces;
+  TextOfLines kept(text);
+  for (const ListLine& line : LinesOf(text)) {
+    if (!interfaces.IsStale(line, repairs.staleInterfaces)) kept.Add(line, line.text);
+  }
+  return kept.Take();
 }
 
 std::string WithoutLinesBehindEndpoints(std::string_view text) {
@@ -133,7 +140,7 @@ std::string WithoutLinesBehindEndpoints(std::string_view text) {
   for (const ListLine& line : LinesOf(text)) {
     if (line.Type() == 'T' || line.IsBlank()) isBehindEndpoint = false;
     if (!isBehindEndpoint) shown.Add(line, line.text);
-    isBehindEndpoint = isBehindEndpoint || line.Type() == 'E';
+    isBehindEndpoint = isBehindEndpoint || line.Letter() == 'E';
   }
   return shown.Take();
 }

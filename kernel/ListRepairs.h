@@ -19,8 +19,11 @@ struct ListRepairs {
 };
 
 /// `text` with each such parent replaced by the last record before it one level up on the same bus, where
-/// there is one, and without such interfaces. Adds to `repairs`.
-std::string RepairList(std::string_view text, ListRepairs& repairs);
+/// there is one. Adds to `repairs`.
+std::string RepairParents(std::string_view text, ListRepairs& repairs);
+
+/// `text` without such interfaces. Adds to `repairs`.
+std::string WithoutStaleInterfaces(std::string_view text, ListRepairs& repairs);
 
 /// `text` without the lines behind the first "E:" line of each record. Where a record ends at that line, as
 /// it does for the plug-in, the others would count for the next one.

@@ -117,16 +117,25 @@ void TakeSerials(kernel::Topology& topology, const std::string& list) {
   }
 }
 
+bool IsSysfsMounted() {
+  return ::access("/sys/bus", F_OK) == 0;
+}
+
 kernel::Topology ReadThisMachine(const kernel::SysfsParts& parts) {
+  if (!IsSysfsMounted()) {
+    throw UserError(
+        fmt::format("cannot read {}: sysfs is not mounted; mount it on /sys, or use --source plugin",
+                    kernel::kSysfsDevices));
+  }
   try {
     kernel::Topology topology = kernel::ReadSysfs(kernel::kSysfsDevices, parts);
     if (topology.unreadable.empty()) return topology;
     const kernel::UnreadableDevice& device = topology.unreadable.front();
-    throw UserError(
-        fmt::format("cannot read the device {} in {}: {}; show the plug-in's own list with --source plugin",
-                    device.name, kernel::kSysfsDevices, device.reason));
+    throw UserError(fmt::format(
+        "cannot read the device {} in {}: {}; use --source plugin to read the device list instead",
+        device.name, kernel::kSysfsDevices, device.reason));
   } catch (const std::system_error& error) {
-    throw UserError(fmt::format("cannot read {}: {}; show the plug-in's own list with --source plugin",
+    throw UserError(fmt::format("cannot read {}: {}; use --source plugin to read the device list instead",
                                 kernel::kSysfsDevices, error.code().message()));
   }
 }
@@ -153,13 +162,13 @@ Inventory CollectThroughPlugin(const Source& source, const PluginRequest& reques
   });
   PreparedList list = std::move(onItsWay->list).value_or(PreparedList());
   if (onItsWay->isWithheld) inventory = RunPluginOn(list, request, log);
-  const kernel::Topology topology = kernel::ReadDeviceList(list.whole);
+  const kernel::Topology topology = kernel::ReadDeviceList(list.repaired);
   return Complete(std::move(inventory), topology, std::move(list), treatment, "plugin");
 }
 
 bool ReadsSysfs(const Source& source) {
   const Source::Way way = source.way.value_or(Source::Way::kAuto);
-  if (way == Source::Way::kAuto) return ::access("/sys/bus", F_OK) == 0;
+  if (way == Source::Way::kAuto) return IsSysfsMounted();
   return way == Source::Way::kSysfs;
 }
 
@@ -193,7 +202,7 @@ Inventory CollectFrom(const std::string& input, const Source& source,
   if (!source.noLimits) CheckListLimits(input, name);
   const ListTreatment treatment = TreatmentOf(source);
   PreparedList list = PrepareList(input, treatment);
-  const kernel::Topology topology = kernel::ReadDeviceList(list.whole);
+  const kernel::Topology topology = kernel::ReadDeviceList(list.repaired);
   const PluginRequest request = {source.plugin, SystemNameOf(source, IsBlank(input)), classNames};
   Inventory inventory = RunPluginOn(list, request, log);
   return Complete(std::move(inventory), topology, std::move(list), treatment, "list");

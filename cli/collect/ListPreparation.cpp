@@ -9,10 +9,12 @@ PreparedList PrepareList(const std::string& text, const ListTreatment& treatment
   list.findings = kernel::FindingsIn(text);
   list.whole = treatment.mask ? MaskSerials(text, *treatment.mask) : text;
   if (treatment.isAsIs) {
+    list.repaired = list.whole;
     list.read = list.whole;
   } else {
-    list.whole = kernel::RepairList(list.whole, list.repairs);
-    list.read = kernel::WithoutLinesBehindEndpoints(list.whole);
+    list.whole = kernel::RepairParents(list.whole, list.repairs);
+    list.repaired = kernel::WithoutStaleInterfaces(list.whole, list.repairs);
+    list.read = kernel::WithoutLinesBehindEndpoints(list.repaired);
   }
   return list;
 }

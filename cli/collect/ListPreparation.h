@@ -12,7 +12,7 @@
 namespace cli {
 
 struct ListTreatment {
-  /// Neither mend anything nor leave anything out.
+  /// Neither repair anything nor leave anything out.
   bool isAsIs = false;
   /// What to mask serial numbers with, if they are to be masked.
   std::optional<SerialMask> mask;
@@ -20,9 +20,11 @@ struct ListTreatment {
 
 /// A device list on its way to the plug-in.
 struct PreparedList {
-  /// The list as it came, with serial numbers masked and mended where that was asked for.
+  /// The list as it came, with serial numbers masked and parents repaired where that was asked for.
   std::string whole;
-  /// What the plug-in reads of it: not the lines that it would take for those of the next device.
+  /// The same without the interfaces of a device that has no configuration.
+  std::string repaired;
+  /// What the plug-in reads of that: not the lines that it would take for those of the next device.
   std::string read;
   kernel::ListRepairs repairs;
   /// In the list as it came, which their line numbers count.

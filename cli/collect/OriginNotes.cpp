@@ -56,13 +56,13 @@ Origin NoteOrigin(const std::string& source, const PreparedList& list, const Lis
 
 void WarnOfRepairs(const kernel::ListRepairs& repairs) {
   if (repairs.parents > 0) {
-    Warn(fmt::format("the list has wrong parents for {}, which are mended; --as-is takes the list as it is",
+    Warn(fmt::format("the device list has wrong parents for {}; they were corrected (--as-is keeps them)",
                      Count(repairs.parents, "device")));
   }
   if (repairs.staleInterfaces > 0) {
     Warn(
-        fmt::format("the list has interfaces for {} without a configuration, which are left out; --as-is "
-                    "takes the list as it is",
+        fmt::format("the device list has interfaces for {} without a configuration; they were left out "
+                    "(--as-is keeps them)",
                     Count(repairs.staleInterfaces, "device")));
   }
 }

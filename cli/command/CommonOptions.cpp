@@ -36,12 +36,13 @@ Option FormatOption(std::string& format, const std::vector<std::string>& formats
 
 Option AsIsOption(bool& isAsIs) {
   return {.names = {"--as-is"},
-          .help = "Neither mend device lists nor leave any of their lines out",
-          .manual = R"(Give the plug-in each device list as it is.
+          .help = "Read device lists unchanged",
+          .manual = R"(Give the plug-in each device list unchanged.
 Without this option, parents that
 .Xr usb-devices 1
-prints wrong are mended, and lines that the plug-in would take for those of the next
-device are left out.)",
+prints wrong are corrected, and two kinds of lines are left out: interfaces of a device
+without a configuration, and lines that the plug-in would take for those of the next
+device.)",
           .store = StoreTrue(isAsIs)};
 }
 

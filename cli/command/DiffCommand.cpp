@@ -13,6 +13,7 @@
 #include "cli/diff/DiffText.h"
 #include "cli/diff/InventoryDiff.h"
 #include "cli/model/FromJson.h"
+#include "cli/option/UsageError.h"
 #include "cli/text/Color.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
@@ -40,6 +41,20 @@ Inventory ReadInventory(const std::string& path, const DiffOptions& options, Log
   return inventory;
 }
 
+/// Saved inventories are not collected again, so options of collecting have no effect on them.
+void CheckOptionsForLists(const DiffOptions& options, const Inventory& before, const Inventory& after) {
+  if (before.DeviceList() || after.DeviceList()) return;
+  const std::pair<const char*, bool> given[] = {{"--as-is", options.isAsIs},
+                                                {"--plugin", !options.plugin.empty()},
+                                                {"--system-name", !options.systemName.empty()}};
+  for (const auto& [name, isGiven] : given) {
+    if (isGiven) {
+      throw UsageError(
+          fmt::format("{} is for device lists, and both files hold saved inventories: leave it out", name));
+    }
+  }
+}
+
 std::string Render(const DiffOptions& options, const InventoryDifference& difference) {
   if (options.format == "json") return RenderDiffJson(difference);
   return RenderDiffText(difference, UsesColor(ColorOf(options.color), IsStandardOutput(options.output)));
@@ -56,6 +71,7 @@ int RunDiff(const DiffOptions& options) {
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
   const Inventory before = ReadInventory(options.before, options, log);
   const Inventory after = ReadInventory(options.after, options, log);
+  CheckOptionsForLists(options, before, after);
   const InventoryDifference difference = Compare(before, after);
   WriteOutput(options.output, Render(options, difference));
   log.Finish();

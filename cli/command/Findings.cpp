@@ -36,8 +36,8 @@ void RefuseFindings(const Inventory& inventory, const std::string& name) {
   const std::vector<Finding> findings = FindingsOf(inventory);
   if (findings.empty()) return;
   throw UserError(
-      fmt::format("{}: the kernel does not write {}; a device may have forged this; compare all the same "
-                  "with --allow-suspect",
+      fmt::format("{}: the kernel does not write {}; a device may have forged this; to compare anyway, use "
+                  "--allow-suspect",
                   name, Describe(findings.front())));
 }
 

@@ -335,6 +335,16 @@ void CompleteOccupancy(ShowOptions& options) {
   options.selection.occupancy = options.isFree ? Occupancy::kFree : Occupancy::kOccupied;
 }
 
+void CheckRowsOfCsv(const ShowOptions& options) {
+  const auto hasRows = [](ClassId classId) {
+    return classId == ClassId::kHub || classId == ClassId::kDevice;
+  };
+  const std::vector<ClassId>& classes = options.selection.classes;
+  if (options.format == "csv" && !std::all_of(classes.begin(), classes.end(), hasRows)) {
+    throw UsageError("csv has rows for hubs and devices alone: leave --class out, or use --format table");
+  }
+}
+
 void CompleteColumns(ShowOptions& options) {
   if (options.columns.empty()) return;
   if (options.format != "table") {
@@ -376,6 +386,7 @@ void CompleteShowOptions(ShowOptions& options) {
   if (options.isVerbose && options.format != "tree") {
     throw UsageError("-v is for the tree: leave it out, or use --format tree");
   }
+  CheckRowsOfCsv(options);
   CompleteColumns(options);
   CheckSource(options.source);
   CheckListFormat(options);

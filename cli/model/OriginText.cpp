@@ -17,7 +17,7 @@ void AddOptions(const char* option, const std::vector<std::string>& values,
 
 std::string SourceOf(const Origin& origin) {
   if (origin.source == "list") return "a device list";
-  return origin.source == "plugin" ? "the plug-in's own source" : origin.source;
+  return origin.source == "plugin" ? "the device list that the plug-in found" : origin.source;
 }
 
 std::string TimeOf(const Origin& origin) {

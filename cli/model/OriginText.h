@@ -8,7 +8,7 @@
 
 namespace cli {
 
-/// What the devices were read from: "sysfs", "the plug-in's own source" or "a device list".
+/// What the devices were read from: "sysfs", "the device list that the plug-in found" or "a device list".
 std::string SourceOf(const Origin& origin);
 /// "2026-11-21 12:00:00 UTC"; "not known" for an inventory that does not say.
 std::string TimeOf(const Origin& origin);

@@ -1,5 +1,4 @@
-// The fourth target: a device that chooses its descriptors and its strings, from sysfs to a device list and
-// back.
+// The target of descriptors: what a device sends of itself, from sysfs to a device list and back.
 #pragma once
 
 #include <string>

@@ -56,6 +56,24 @@ TEST(Findings, AreLinesThatAStringForges) {
               ElementsAre(kernel::ListFinding{Code::kTwoStrings, {4, 6}, "01", "9"}));
 }
 
+TEST(Findings, AreForgedLinesWithoutAColon) {
+  EXPECT_THAT(kernel::FindingsIn(RecordWith("S:  Product=a\nP Vendor=046d ProdID=c077\n")),
+              ElementsAre(kernel::ListFinding{Code::kTwoProductLines, {3, 5}, "01", "9"},
+                          kernel::ListFinding{Code::kLineBehindString, {5}, "01", "9"}));
+  EXPECT_THAT(kernel::FindingsIn(RecordWith("S:  Manufacturer=a\nSProduct=b\nS:  Product=c\n")),
+              ElementsAre(kernel::ListFinding{Code::kTwoStrings, {5, 6}, "01", "9"}));
+}
+
+TEST(Findings, AreStringsThatTheKernelDoesNotWrite) {
+  EXPECT_THAT(kernel::FindingsIn(RecordWith("S:  Manufacturer=a\nS:  The Product=b\n")),
+              ElementsAre(kernel::ListFinding{Code::kLineBehindString, {5}, "01", "9"}));
+}
+
+TEST(Findings, AreTwoDevicesHoweverTheirNumberIsWritten) {
+  EXPECT_THAT(kernel::FindingsIn(RecordWith("S:  Product=a\n") + "\nT: bus=1 dev#=09\n"),
+              ElementsAre(kernel::ListFinding{Code::kTwoDevices, {1, 7}, "01", "9"}));
+}
+
 TEST(Findings, AreTwoDevicesOfOneNumber) {
   const std::string record = RecordWith("S:  Product=a\n");
   EXPECT_THAT(kernel::FindingsIn(record + "\n" + record + "\n\n" + record),

@@ -18,7 +18,7 @@ std::string Capture(const std::string& name) {
 
 std::string Repaired(const std::string& text, const kernel::ListRepairs& expected) {
   kernel::ListRepairs repairs;
-  std::string repaired = kernel::RepairList(text, repairs);
+  std::string repaired = kernel::WithoutStaleInterfaces(kernel::RepairParents(text, repairs), repairs);
   EXPECT_EQ(expected, repairs);
   return repaired;
 }
@@ -57,12 +57,12 @@ std::vector<std::string> KernelLists() {
 INSTANTIATE_TEST_SUITE_P(All, KernelList, testing::ValuesIn(KernelLists()),
                          [](const auto& list) { return TestNameOf(list.param); });
 
-TEST(RepairList, GivesTheListOfTheCommandTheParentsThatTheKernelPrints) {
+TEST(RepairParents, GivesTheListOfTheCommandTheParentsThatTheKernelPrints) {
   EXPECT_THAT(Places(Repaired(Capture("vm-desktop-usb-devices"), {.parents = 3})),
               ElementsAreArray(Places(Capture("vm-desktop-debugfs"))));
 }
 
-TEST(RepairList, ChangesTheParentAlone) {
+TEST(RepairParents, ChangesTheParentAlone) {
   const std::string text =
       "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480 MxCh= 6\n\nnoise\n"
       "T:  Bus=02 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480 MxCh= 6\n\n"
@@ -75,7 +75,7 @@ TEST(RepairList, ChangesTheParentAlone) {
   EXPECT_EQ(mended, Repaired(text, {.parents = 2}));
 }
 
-TEST(RepairList, LeavesAParentThatNoRecordCanReplace) {
+TEST(RepairParents, LeavesAParentThatNoRecordCanReplace) {
   const std::string text =
       "T:  Bus=01 Lev=02 Prnt=09 Port=02 Cnt=01 Dev#=  3 Spd=12  MxCh= 0\n\n"
       "T:  Bus=x1 Lev=01 Prnt=09 Port=02 Cnt=01 Dev#=  3 Spd=12  MxCh= 0\n\n"
@@ -83,7 +83,7 @@ TEST(RepairList, LeavesAParentThatNoRecordCanReplace) {
   EXPECT_EQ(text, Repaired(text, {}));
 }
 
-TEST(RepairList, TakesInterfacesOutOfAConfigurationWithoutAny) {
+TEST(WithoutStaleInterfaces, TakesInterfacesOutOfAConfigurationWithoutAny) {
   const std::string text = Capture("usbdevices-unauthorized-stale-if");
   const std::size_t at = text.find("\nI:") + 1;
   std::string mended = text;

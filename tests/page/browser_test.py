@@ -499,7 +499,7 @@ class PageTest(unittest.TestCase):
         depth = "count(ancestor::li) = 1 and count(ancestor::ul) = 2 and ancestor::section"
         self.assertEqual(len(self.browser.driver.find_elements(By.XPATH, f"{keyboard}[{depth}]")), 1)
 
-    def test_tells_the_count_when_it_changes(self):
+    def test_announces_the_count_when_it_changes(self):
         self.open_capture(DESKTOP)
         self.type_filter("mouse")
         status = [(name, properties.get("live")) for role, name, properties in self.browser.accessible()

@@ -102,7 +102,7 @@ def workplace(buses, hubs, devices):
 
 
 def with_shared_sockets(device_list):
-    """A saved inventory of the list, as the kernel would tell of it if each root port of bus 1 were the peer of that of
+    """A saved inventory of the list, as the kernel would report it if each root port of bus 1 were the peer of that of
     bus 2 with the same number."""
     inventory = json.loads(render(device_list, "json"))
     inventory["origin"].update({"source": "sysfs", "collected": "2026-11-21T12:00:00Z"})

@@ -92,7 +92,7 @@ void WriteMain(HtmlWriter& writer, const Sockets& sockets, const RenderOptions& 
   writer.Close();
 }
 
-/// The hash tells machines of the same name apart.
+/// The hash distinguishes machines of the same name.
 std::string MadeBy(const Inventory& inventory) {
   std::string text = "Made by usbinfo " USBINFO_VERSION;
   if (!inventory.GetOrigin()) return text;

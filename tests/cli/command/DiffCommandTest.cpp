@@ -127,8 +127,21 @@ TEST(Diff, UsesThePluginThatIsNamedForListsAlone) {
   EXPECT_EQ(failing.status, 2);
   EXPECT_THAT(failing.errors, StartsWith("usbinfo: cannot use the plug-in: /nonexistent/plugin.so: "));
   const std::string saved = ExpectedPath("vm-desktop-debugfs");
-  EXPECT_EQ(Diff({saved, saved, "--plugin", "/nonexistent/plugin.so"}).status, 0);
   EXPECT_EQ(Diff({Capture(), saved, "--plugin", MODULE_PATH}).status, 0);
+}
+
+TEST(Diff, RefusesOptionsOfListsForSavedInventories) {
+  const std::string saved = ExpectedPath("vm-desktop-debugfs");
+  const std::vector<std::vector<std::string>> cases = {
+      {"--as-is"}, {"--plugin", MODULE_PATH}, {"--system-name", "other"}};
+  for (const std::vector<std::string>& options : cases) {
+    std::vector<std::string> arguments = {"diff", saved, saved};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    const CommandResult result = Command(arguments).Run();
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.errors,
+                StartsWith("usbinfo: " + options.front() + " is for device lists, and both files"));
+  }
 }
 
 TEST(Diff, HasHelpOfItsOwnWithinEightyColumns) {

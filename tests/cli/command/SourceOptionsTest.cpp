@@ -16,7 +16,7 @@ namespace usbinfo_test {
 namespace {
 
 constexpr const char* kMended =
-    "usbinfo: the list has wrong parents for 3 devices, which are mended; --as-is takes the list as it is\n";
+    "usbinfo: the device list has wrong parents for 3 devices; they were corrected (--as-is keeps them)\n";
 
 /// A list in which the product of device 9 forges a second "T:" line.
 constexpr const char* kForged =

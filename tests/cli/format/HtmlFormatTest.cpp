@@ -136,7 +136,7 @@ TEST_F(HtmlFormatTest, NamesTheOtherOriginsInWords) {
                                    "wrong parents of 3 devices"));
   origin["source"] = "plugin";
   origin["masked"] = {{"key", nullptr}};
-  EXPECT_THAT(facts(), ElementsAre("not known", "the plug-in's own source", "masked with a random key",
+  EXPECT_THAT(facts(), ElementsAre("not known", "the device list that the plug-in found", "masked with a random key",
                                    "everything", "wrong parents of 3 devices"));
 }
 
