@@ -49,7 +49,8 @@ std::string JsonNode::Text() const {
 }
 
 std::string JsonNode::OneOf(const std::vector<std::string>& choices) const {
-  if (std::find(choices.begin(), choices.end(), *fValue) == choices.end()) {
+  const auto isThis = [this](const std::string& choice) { return *fValue == choice; };
+  if (std::none_of(choices.begin(), choices.end(), isThis)) {
     Refuse(fmt::format("must be one of \"{}\"", fmt::join(choices, "\", \"")));
   }
   return fValue->get<std::string>();
