@@ -1,5 +1,5 @@
-// A USB device as the kernel knows it, with its configurations, as plain values. Terms are those of USB and of the
-// kernel's device list.
+// A USB device as the kernel knows it, with its configurations, as plain values. Terms are those of USB and
+// of the kernel's device list.
 #pragma once
 
 #include <cstdint>

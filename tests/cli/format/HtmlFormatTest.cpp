@@ -136,8 +136,8 @@ TEST_F(HtmlFormatTest, NamesTheOtherOriginsInWords) {
                                    "wrong parents of 3 devices"));
   origin["source"] = "plugin";
   origin["masked"] = {{"key", nullptr}};
-  EXPECT_THAT(facts(), ElementsAre("not known", "the device list that the plug-in found", "masked with a random key",
-                                   "everything", "wrong parents of 3 devices"));
+  EXPECT_THAT(facts(), ElementsAre("not known", "the device list that the plug-in found",
+                                   "masked with a random key", "everything", "wrong parents of 3 devices"));
 }
 
 TEST_F(HtmlFormatTest, NamesTheOptionThatLeftSocketsOut) {
