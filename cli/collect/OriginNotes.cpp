@@ -30,6 +30,7 @@ std::vector<Repair> NoteRepairs(const kernel::ListRepairs& repairs) {
 
 std::vector<Finding> NoteFindings(const std::vector<kernel::ListFinding>& findings) {
   std::vector<Finding> notes;
+  notes.reserve(findings.size());
   for (const kernel::ListFinding& finding : findings) {
     notes.push_back({std::string(NameOf(finding.code)),
                      {finding.lines.begin(), finding.lines.end()},

@@ -53,29 +53,13 @@ Source::Way WayOf(const std::string& name) {
   return known == "plugin" ? Source::Way::kPlugin : Source::Way::kAuto;
 }
 
-std::vector<Option> SourceOptions(Source& source) {
-  return {{.names = {"--devices"},
-           .value = "FILE",
-           .help = "Read this device list (a copy of /sys/kernel/debug/usb/devices or the output of "
-                   "usb-devices) or saved JSON inventory; - is standard input",
-           .defaultValue = "this machine's list",
-           .manual = R"(Read this file instead of the device list of this machine.
-It is a copy of
-.Pa /sys/kernel/debug/usb/devices ,
-the output of
-.Xr usb-devices 1 ,
-or a JSON inventory, as
-.Fl -format Cm json
-prints it.
-Nothing of this machine is read, and no command is run.
-A single dash is standard input.)",
-           .store = StoreText(source.devices)},
-          {.names = {"--source"},
-           .value = "WAY",
-           .help = "What to read this machine's devices from",
-           .defaultValue = WayNames().front().name,
-           .choices = WayNames(),
-           .manual = R"(What to read the devices of this machine from:
+Option WayOption(std::optional<Source::Way>& way) {
+  return {.names = {"--source"},
+          .value = "WAY",
+          .help = "What to read this machine's devices from",
+          .defaultValue = WayNames().front().name,
+          .choices = WayNames(),
+          .manual = R"(What to read the devices of this machine from:
 .Cm sysfs
 needs neither root nor another program;
 .Cm plugin
@@ -92,7 +76,27 @@ where
 .Pa /sys
 is mounted, and else
 .Cm plugin .)",
-           .store = [&source](const std::string& name) { source.way = WayOf(name); }},
+          .store = [&way](const std::string& name) { way = WayOf(name); }};
+}
+
+std::vector<Option> SourceOptions(Source& source) {
+  return {{.names = {"--devices"},
+           .value = "FILE",
+           .help = "Read this device list (a copy of /sys/kernel/debug/usb/devices or the output of "
+                   "usb-devices) or saved JSON inventory; - is standard input",
+           .defaultValue = "this machine's list",
+           .manual = R"(Read this file instead of the device list of this machine.
+It is a copy of
+.Pa /sys/kernel/debug/usb/devices ,
+the output of
+.Xr usb-devices 1 ,
+or a JSON inventory, as
+.Fl -format Cm json
+prints it.
+No device of this machine is read, and no command is run.
+A single dash is standard input.)",
+           .store = StoreText(source.devices)},
+          WayOption(source.way),
           AsIsOption(source.isAsIs),
           {.names = {"--no-limits"},
            .help = "Accept lists that are larger than those of any machine",

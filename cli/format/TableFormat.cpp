@@ -221,6 +221,7 @@ std::string RenderClasses(const Inventory& inventory, const RenderOptions& optio
 std::vector<DeviceColumn> ColumnsOfDevices(const std::vector<std::string>& names) {
   if (names.empty()) return DeviceColumns();
   std::vector<DeviceColumn> columns;
+  columns.reserve(names.size());
   for (const std::string& name : names) {
     columns.push_back(*std::find_if(DeviceColumns().begin(), DeviceColumns().end(),
                                     [&](const DeviceColumn& column) { return column.name == name; }));
