@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "kernel/ListRecords.h"
@@ -25,7 +26,9 @@ struct RecordPlace {
   unsigned level;
   unsigned number;
 
-  auto operator<=>(const RecordPlace&) const = default;
+  bool operator<(const RecordPlace& other) const {
+    return std::tie(bus, level, number) < std::tie(other.bus, other.level, other.number);
+  }
 };
 
 std::optional<RecordPlace> PlaceOf(std::string_view topology) {
