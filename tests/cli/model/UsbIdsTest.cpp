@@ -185,7 +185,7 @@ TEST(Names, OfALongListAreFoundWhereverTheyStand) {
   const std::string names = "0627  Vendor\n\t0001  Product\n";
   // Lines of many lengths before them, so that pieces of the list end anywhere in the names; and one long
   // line.
-  for (const std::size_t length : {32767, 32768, 32770, 32775, 32782, 32785, 32797, 32798, 200000}) {
+  for (const std::size_t length : {32767U, 32768U, 32770U, 32775U, 32782U, 32785U, 32797U, 32798U, 200000U}) {
     const std::string path = folder.File("ids", "#" + std::string(length - 32, 'x') + "\n" + names);
     EXPECT_THAT(RunWithNames(path, {}).output, HasSubstr(" Product (Vendor)")) << length;
   }
