@@ -195,7 +195,8 @@ class RecordReader {
     const std::string_view driver = RestBehind(line, "Driver=");
     if (driver != "(none)") interface.driver = driver;
     // The first setting is active unless the device was told otherwise.
-    const bool isActive = fStars.marksSettings ? HasStar(line) : interface.settings.empty();
+    const bool isFirst = interface.settings.empty() && fDevice.configurations.back().isActive;
+    const bool isActive = fStars.marksSettings ? HasStar(line) : isFirst;
     interface.settings.push_back({.number = NumberIn<std::uint8_t>(line, "Alt="),
                                   .isActive = isActive,
                                   .codes = ClassCodesIn(line),
