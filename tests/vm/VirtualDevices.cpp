@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <span>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -197,13 +198,14 @@ int Attach(unsigned port) {
 
 int main(int count, char** arguments) {
   std::vector<std::thread> threads;
-  for (int index = 1; index < count; ++index) {
-    const int socket = Attach(index - 1);
+  unsigned port = 0;
+  for (const char* kind : std::span(arguments, static_cast<std::size_t>(count)).subspan(1)) {
+    const int socket = Attach(port++);
     if (socket < 0) {
-      std::perror(arguments[index]);
+      std::perror(kind);
       return 1;
     }
-    const bool isHub = std::string_view(arguments[index]) == "hub";
+    const bool isHub = std::string_view(kind) == "hub";
     threads.emplace_back(
         [socket, isHub] { VirtualDevice(socket, isHub ? HubDescriptors() : DeviceDescriptors()).Serve(); });
   }

@@ -130,7 +130,7 @@ std::size_t HtmlControllers::HeightOf(std::size_t card) const {
   const std::size_t end = fLines.EndOf(card);
   for (std::size_t row = card + 1; row < end; ++row) {
     if (fLines.IsMark(row)) continue;
-    height += fLines.Shown(fLines.NodeAt(row)).Class() == ClassId::kHub ? 2 : 1;
+    height += fLines.Shown(fLines.NodeAt(row)).Class() == ClassId::kHub ? 2U : 1U;
   }
   return height;
 }
