@@ -128,7 +128,7 @@ TEST_F(PartialInventoryTest, IsAnErrorWheneverTheHostLacksMemory) {
   for (std::size_t number = 0; number < all; ++number) {
     const std::string outcome = CollectFailing(number, [](HostOperation) { throw std::bad_alloc(); });
     EXPECT_TRUE(outcome == "error" || (!WasFailed() && outcome == whole)) << "call " << number;
-    errors += outcome == "error" ? 1 : 0;
+    errors += outcome == "error" ? 1U : 0U;
   }
   EXPECT_GT(errors, 100U);
 }
@@ -148,7 +148,7 @@ TEST_F(PartialInventoryTest, IsAnErrorWheneverTheHostFailsAnInstanceOrALink) {
       standin::Throw(standin::StatusCode::kFailed);
     });
     EXPECT_TRUE(outcome == "error" || outcome == whole) << "call " << number;
-    errors += outcome == "error" ? 1 : 0;
+    errors += outcome == "error" ? 1U : 0U;
   }
   EXPECT_GT(errors, 50U);
 }

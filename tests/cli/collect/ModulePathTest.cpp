@@ -54,7 +54,7 @@ TEST_F(ModulePathTest, FindsTheModuleOfAnInstallation) {
 TEST_F(ModulePathTest, TakesTheModuleBesideTheCommandWhereAnInstallationHasOneToo) {
   fs::copy_file(MODULE_PATH, Folder() / "usbinfo-plugin.so");
   fs::create_directories(Installed());
-  fs::copy_file(STANDIN_PATH, Installed() / "usbinfo-plugin.so");
+  fs::copy_file(FAKE_UDEV, Installed() / "usbinfo-plugin.so");
   const CommandResult result = RunCopy();
   EXPECT_EQ(result.output, Expected("vm-desktop-debugfs.json"));
   EXPECT_EQ(result.errors, "");
