@@ -128,9 +128,9 @@ def origin():
         "device": described("The DeviceID of the device", TEXT),
     }, description="Something in the device list that the kernel does not write, so that a device may have forged it")
     repair = an_open_object({
-        "code": described("What was mended, such as parent", TEXT),
+        "code": described("What was repaired, such as parent", TEXT),
         "count": described("The number of records", ref("uint64")),
-    }, description="Something false in the device list that was mended")
+    }, description="Something false in the device list that was repaired")
     masked = an_open_object({"key": described("The fingerprint of the key; null for a random key", or_null(TEXT))},
                             description="Serial numbers are masked; null where they are not")
     selection = an_open_object({"classes": TEXTS, "ids": TEXTS, "places": TEXTS},

@@ -17,12 +17,6 @@ std::string PortPath(const DeviceName& name) {
 
 }  // namespace
 
-DeviceName DeviceName::Parent() const {
-  DeviceName parent = *this;
-  parent.ports.pop_back();
-  return parent;
-}
-
 DeviceName DeviceName::Child(unsigned port) const {
   DeviceName child = *this;
   child.ports.push_back(port);

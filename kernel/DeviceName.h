@@ -18,8 +18,6 @@ struct DeviceName {
   std::vector<unsigned> ports;
 
   bool IsRootHub() const { return ports.empty(); }
-  /// The hub that it is plugged into; not for a root hub.
-  DeviceName Parent() const;
   /// What is plugged into its port of that number.
   DeviceName Child(unsigned port) const;
   /// "usb1" or "1-3.1".

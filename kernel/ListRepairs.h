@@ -1,4 +1,4 @@
-// Mends what is known to be false in device lists, line by line; every other line stays byte for byte.
+// Repairs what is known to be false in device lists, line by line; every other line stays byte for byte.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace kernel {
 
-/// How many records had to be mended.
+/// How many records had to be repaired.
 struct ListRepairs {
   /// The parent that was printed is no record one level up on the same bus, as in what usb-devices prints.
   std::size_t parents = 0;

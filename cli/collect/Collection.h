@@ -18,7 +18,7 @@ std::vector<std::string> AllClasses();
 /// given as the list is read as it is, without the plug-in. Throws UserError when the list cannot be
 /// obtained, is not a device list or is beyond the limits, when the plug-in cannot be used, and when it lost
 /// a part of the inventory. Warns on standard error where nothing says which system a list is of, and of what
-/// was mended in a list.
+/// was repaired in a list.
 Inventory Collect(const Source& source, const std::vector<std::string>& classNames, LogWriter& log);
 
 /// The same from `input`, the text that was read from `source.devices`.

@@ -16,7 +16,7 @@ struct Source {
   std::string devices;
   /// Nothing where it was not asked for, which is kAuto.
   std::optional<Way> way;
-  /// Give the plug-in the list as it is: mend nothing, leave nothing out.
+  /// Give the plug-in the list as it is: repair nothing, leave nothing out.
   bool isAsIs = false;
   /// The system name in the keys; empty for the one from the list's path (see SystemNameOfList) or, without a
   /// list, for the machine's host name.

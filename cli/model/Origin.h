@@ -20,7 +20,7 @@ struct Finding {
   bool operator==(const Finding&) const = default;
 };
 
-/// Something false in the device list that was mended.
+/// Something false in the device list that was repaired.
 struct Repair {
   /// "parent" or "stale-interface".
   std::string code;

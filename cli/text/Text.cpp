@@ -69,12 +69,6 @@ bool IsLocaleUtf8() {
   return std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
 }
 
-std::string ReplaceInvalidUtf8(std::string_view text) {
-  return MapCharacters(text, [](const Character& character, bool /*isUnprintable*/, std::string& out) {
-    out += character.isValid ? character.bytes : kReplacement;
-  });
-}
-
 std::string EscapeForTerminal(std::string_view text) {
   return MapCharacters(text, TerminalPolicy(IsLocaleUtf8()));
 }

@@ -19,9 +19,6 @@ bool IsLocaleUtf8();
 /// for, since that takes time, and formats for programs do without.
 void UseCharacterSetOfEnvironment();
 
-/// `text` with every sequence of bytes that is not UTF-8 replaced by U+FFFD, as the JSON export does it.
-std::string ReplaceInvalidUtf8(std::string_view text);
-
 /// `text` on one line for people: backslashes doubled, newlines as `\n`, and the bytes of every other
 /// unprintable character as `\xHH`. Tabs and letters stay; where the locale is not one of UTF-8, only those
 /// of ASCII do.

@@ -84,7 +84,7 @@ void RequireSound(const std::string& list) {
   kernel::ListRepairs repairs;
   RequireEqual(kernel::WithoutStaleInterfaces(kernel::RepairParents(list, repairs), repairs), list,
                "a list that needs no repair");
-  Require(repairs == kernel::ListRepairs(), "nothing is mended");
+  Require(repairs == kernel::ListRepairs(), "nothing is repaired");
   const std::string kept = kernel::WithoutLinesBehindEndpoints(list);
   RequireEqual(kernel::WithoutLinesBehindEndpoints(kept), kept, "what is left out once");
 }

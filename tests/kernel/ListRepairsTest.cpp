@@ -1,4 +1,4 @@
-// What is mended in device lists, and that nothing else changes.
+// What is repaired in device lists, and that nothing else changes.
 #include <gmock/gmock.h>
 
 #include <filesystem>
@@ -69,10 +69,10 @@ TEST(RepairParents, ChangesTheParentAlone) {
       "T:  Bus=02 Lev=01 Prnt=01 Port=00 Cnt=00 Dev#=112 Spd=480 MxCh= 6\n\n"
       "T:  Bus=01 Lev=01 Prnt=09 Port=02 Cnt=01 Dev#=  9 Spd=12  MxCh= 0\nS:  Product=Prnt=07\n\n"
       "T:  Bus=02 Lev=02 Prnt=9 Port=02 Cnt=01 Dev#= 10 Spd=12  MxCh= 0";
-  std::string mended = text;
-  mended.replace(mended.find("Prnt=09"), 7, "Prnt=01");
-  mended.replace(mended.rfind("Prnt=9"), 6, "Prnt=112");
-  EXPECT_EQ(mended, Repaired(text, {.parents = 2}));
+  std::string repaired = text;
+  repaired.replace(repaired.find("Prnt=09"), 7, "Prnt=01");
+  repaired.replace(repaired.rfind("Prnt=9"), 6, "Prnt=112");
+  EXPECT_EQ(repaired, Repaired(text, {.parents = 2}));
 }
 
 TEST(RepairParents, LeavesAParentThatNoRecordCanReplace) {
@@ -86,9 +86,9 @@ TEST(RepairParents, LeavesAParentThatNoRecordCanReplace) {
 TEST(WithoutStaleInterfaces, TakesInterfacesOutOfAConfigurationWithoutAny) {
   const std::string text = Capture("usbdevices-unauthorized-stale-if");
   const std::size_t at = text.find("\nI:") + 1;
-  std::string mended = text;
-  mended.erase(at, text.find('\n', at) + 1 - at);
-  EXPECT_EQ(mended, Repaired(text, {.parents = 0, .staleInterfaces = 1}));
+  std::string repaired = text;
+  repaired.erase(at, text.find('\n', at) + 1 - at);
+  EXPECT_EQ(repaired, Repaired(text, {.parents = 0, .staleInterfaces = 1}));
   EXPECT_EQ("T:\nC:  #Ifs= 0\nC:* #Ifs= 1\nI:* b\n\nT:\nI: c\nC:  #Ifs= 0\nE: d\n",
             Repaired("T:\nC:  #Ifs= 0\nI: a\nI: a\nC:* #Ifs= 1\nI:* b\n\nT:\nI: c\nC:  #Ifs= 0\nE: d\nI: e",
                      {.parents = 0, .staleInterfaces = 2}));

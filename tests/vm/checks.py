@@ -218,15 +218,15 @@ class Checks:
                                                expectation.origin("plugin")))
 
     def script(self, name, buses, is_forged=False):
-        """Without a list to read, mounting usbfs is tried once and fails; the output of usb-devices is mended."""
+        """Without a list to read, mounting usbfs is tried once and fails; the output of usb-devices is repaired."""
         taken = self._collector.take("script", USER, "script", "--source", "plugin")
-        text, parents, interfaces = device_list.mended(taken.list, buses)
+        text, parents, interfaces = device_list.repaired(taken.list, buses)
         described = device_list.mended_script_list(buses, taken.list)
         repairs = (("parent", parents), ("stale-interface", interfaces))
         findings = device_list.findings(taken.list) if is_forged else ()
         messages = [rf"\b{count}\b.*--as-is" for _, count in repairs if count]
         messages += [rf"\b{item['code']}\b" for item in findings]
-        self._report.add(f"{name}: what usb-devices gives, mended, is what is plugged in",
+        self._report.add(f"{name}: what usb-devices gives, repaired, is what is plugged in",
                          taken.check_outcome(messages) +
                          taken.check_inventory(described, expectation.kernel_facts(text, described),
                                                expectation.origin("plugin", findings, repairs)))

@@ -45,7 +45,7 @@ def from_sysfs(text):
     return re.sub(rb"^B:.*\n", b"", text, flags=re.MULTILINE)
 
 
-def mended(text, buses):
+def repaired(text, buses):
     """The text with every device's true parent and without the interfaces of unconfigured devices.
 
     Returned with how many records had another parent, and how many had such interfaces.
@@ -54,12 +54,12 @@ def mended(text, buses):
                for bus in buses for device in bus.devices}
     count = 0
 
-    def mend(line):
+    def repair(line):
         nonlocal count
         true = parents[int(line[2]), int(line[5])]
         count += int(line[3]) != true
         return b"%s%02d%s" % (line[1], true, line[4])
-    text = re.sub(rb"^(T:  Bus=(\d+) Lev=\d+ Prnt=)(\d+)( .*Dev#= *(\d+) )", mend, text, flags=re.MULTILINE)
+    text = re.sub(rb"^(T:  Bus=(\d+) Lev=\d+ Prnt=)(\d+)( .*Dev#= *(\d+) )", repair, text, flags=re.MULTILINE)
     text, stale = re.subn(rb"^(C:  #Ifs= 0 .*\n)(?:I:.*\n)+", rb"\1", text, flags=re.MULTILINE)
     return text, count, stale
 
@@ -118,7 +118,7 @@ def _walk_kernel(bus, device, parent, blocks):
 
 def mended_script_list(buses, text):
     """The same as script_list with the true parents."""
-    return mended(script_list(buses, text), buses)[0]
+    return repaired(script_list(buses, text), buses)[0]
 
 
 def script_list(buses, text):

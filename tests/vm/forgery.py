@@ -88,7 +88,7 @@ class Forgery:
     def _check_script(self, buses):
         """What a shell would say of a missing command is no more than a name, so the list is read all the same."""
         taken = self._collector.take("script", "user", "script", "--source", "plugin")
-        text, parents, _ = device_list.mended(taken.list, buses)
+        text, parents, _ = device_list.repaired(taken.list, buses)
         findings = device_list.findings(taken.list)
         messages = [r"\b{}\b.*--as-is".format(parents), *(item["code"] for item in findings)]
         problems = taken.check_outcome(messages) + taken.check_inventory(

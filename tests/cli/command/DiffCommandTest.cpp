@@ -32,7 +32,7 @@ std::string ExpectedPath(const std::string& name) {
   return std::string(TEST_DATA_DIR "/expected/").append(name).append(".json");
 }
 
-/// Lists are not mended: what usb-devices prints wrong makes differences.
+/// Lists are not repaired: what usb-devices prints wrong makes differences.
 CommandResult Diff(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), {"diff", "--as-is"});
   return RunUsbinfo(std::move(arguments));

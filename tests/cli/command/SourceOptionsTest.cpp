@@ -15,7 +15,7 @@ using testing::StartsWith;
 namespace usbinfo_test {
 namespace {
 
-constexpr const char* kMended =
+constexpr const char* kRepaired =
     "usbinfo: the device list has wrong parents for 3 devices; they were corrected (--as-is keeps them)\n";
 
 /// A list in which the product of device 9 forges a second "T:" line.
@@ -46,11 +46,11 @@ TEST(ListFormat, IsTheListAsItCameWhereThatIsAsked) {
 
 TEST(ListFormat, HasTheParentsMendedAndSerialNumbersMaskedAndLeavesNothingOut) {
   const std::string path = CapturePath("vm-desktop-usb-devices");
-  const CommandResult mended = RunUsbinfo({"--devices", path, "--format", "list", "--mask-serials"});
-  EXPECT_EQ(mended.errors, kMended);
-  EXPECT_THAT(mended.output, HasSubstr("Bus=01 Lev=01 Prnt=01 Port=03 Cnt=01 Dev#=  3 "));
-  EXPECT_THAT(mended.output, HasSubstr("SerialNumber=masked-"));
-  EXPECT_EQ(Lines(mended.output).size(), Lines(ReadFile(path)).size());
+  const CommandResult repaired = RunUsbinfo({"--devices", path, "--format", "list", "--mask-serials"});
+  EXPECT_EQ(repaired.errors, kRepaired);
+  EXPECT_THAT(repaired.output, HasSubstr("Bus=01 Lev=01 Prnt=01 Port=03 Cnt=01 Dev#=  3 "));
+  EXPECT_THAT(repaired.output, HasSubstr("SerialNumber=masked-"));
+  EXPECT_EQ(Lines(repaired.output).size(), Lines(ReadFile(path)).size());
 }
 
 TEST(ListFormat, IsRefusedForASavedInventoryAndASelection) {

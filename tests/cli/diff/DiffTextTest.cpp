@@ -24,7 +24,7 @@ namespace {
 /// strings.
 struct Pair {
   explicit Pair(const std::string& text) {
-    const std::string valid = cli::ReplaceInvalidUtf8(text);
+    const std::string valid = AsUtf8(text);
     InventoryBuilder before("old " + valid);
     InventoryBuilder after("new " + valid);
     for (InventoryBuilder* machine : {&before, &after}) machine->AddBus(1, 9);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <functional>
 
+#include "cli/text/MapCharacters.h"
+
 using namespace std::string_literals;
 
 namespace usbinfo_test {
@@ -109,6 +111,13 @@ std::string HarmlessDeviceList() {
 
 std::string DeviceListWith(const std::string& deviceString) {
   return RootHub(1) + RecordOf(0, deviceString);
+}
+
+std::string AsUtf8(const std::string& text) {
+  return cli::MapCharacters(text,
+                            [](const cli::Character& character, bool /*isUnprintable*/, std::string& out) {
+                              out += character.isValid ? character.bytes : cli::kReplacement;
+                            });
 }
 
 bool ActsOnTerminal(const std::string& text) {

@@ -19,6 +19,9 @@ struct HostileString {
 
 const std::vector<HostileString>& HostileStrings();
 
+/// `text` with U+FFFD for what is not UTF-8, found by the command's own decoder.
+std::string AsUtf8(const std::string& text);
+
 /// A root hub with a port for each string, and on each port a device that has it for every string it can
 /// send.
 std::string HostileDeviceList();

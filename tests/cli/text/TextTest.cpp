@@ -8,45 +8,9 @@
 #include "tests/cli/support/CliTest.h"
 
 using cli::EscapeForTerminal;
-using cli::ReplaceInvalidUtf8;
 
 namespace usbinfo_test {
 namespace {
-
-// The replacement character, U+FFFD.
-const std::string kFFFD = "\xEF\xBF\xBD";
-
-TEST(ReplaceInvalidUtf8, LeavesValidTextOfEveryLengthAsItIs) {
-  for (const char* text :
-       {"", "plain", "\x7F", "\xC2\x80", "\xC3\xA9", "\xDF\xBF", "\xE0\xA0\x80", "\xE2\x82\xAC",
-        "\xED\x9F\xBF", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
-    EXPECT_EQ(ReplaceInvalidUtf8(text), text);
-  }
-}
-
-TEST(ReplaceInvalidUtf8, KeepsControlCharactersQuotesAndZeroBytes) {
-  const std::string text("a\0b\n\t\r\x1B\"\\/", 10);
-  EXPECT_EQ(ReplaceInvalidUtf8(text), text);
-}
-
-TEST(ReplaceInvalidUtf8, ReplacesEachByteThatBeginsNoCharacter) {
-  EXPECT_EQ(ReplaceInvalidUtf8("a\xFF\xFE\x80z"), "a" + kFFFD + kFFFD + kFFFD + "z");
-  EXPECT_EQ(ReplaceInvalidUtf8("\xC0\xAF"), kFFFD + kFFFD);
-  EXPECT_EQ(ReplaceInvalidUtf8("\xC1\xBF"), kFFFD + kFFFD);
-  EXPECT_EQ(ReplaceInvalidUtf8("\xF5\x80"), kFFFD + kFFFD);
-}
-
-TEST(ReplaceInvalidUtf8, ReplacesOverlongFormsSurrogatesAndNumbersBeyondTheLast) {
-  EXPECT_EQ(ReplaceInvalidUtf8("\xE0\x80\x80"), kFFFD + kFFFD + kFFFD);
-  EXPECT_EQ(ReplaceInvalidUtf8("\xED\xA0\x80"), kFFFD + kFFFD + kFFFD);
-  EXPECT_EQ(ReplaceInvalidUtf8("\xF4\x90\x80\x80"), kFFFD + kFFFD + kFFFD + kFFFD);
-}
-
-TEST(ReplaceInvalidUtf8, TurnsACharacterThatBreaksOffIntoOneReplacement) {
-  EXPECT_EQ(ReplaceInvalidUtf8("\xE2\x82"), kFFFD);
-  EXPECT_EQ(ReplaceInvalidUtf8("\xE2\x82z"), kFFFD + "z");
-  EXPECT_EQ(ReplaceInvalidUtf8("\xF0\x9F\x98\xC3\xA9"), kFFFD + "\xC3\xA9");
-}
 
 class EscapeForTerminalTest : public testing::Test {
  private:

@@ -6,8 +6,8 @@
 #include <random>
 #include <string>
 
-#include "cli/text/Text.h"
 #include "cli/text/Utf8.h"
+#include "tests/cli/support/HostileDevices.h"
 
 namespace usbinfo_test {
 namespace {
@@ -37,7 +37,7 @@ class Comparison {
 
  private:
   void Compare() {
-    const bool isEqual = cli::ReplaceInvalidUtf8(fTexts) == ReplacedBySerializer(fTexts);
+    const bool isEqual = AsUtf8(fTexts) == ReplacedBySerializer(fTexts);
     EXPECT_TRUE(isEqual) << testing::PrintToString(fTexts);
     fTexts.clear();
   }
@@ -49,7 +49,7 @@ class Comparison {
 constexpr unsigned int kFirst = 0x7F;
 constexpr unsigned int kEnd = 0x100;
 
-TEST(ReplaceInvalidUtf8, DoesWhatTheJsonSerializerDoesForEverySequenceOfUpToThreeBytes) {
+TEST(FirstCharacter, FindsWhatTheJsonSerializerFindsForEverySequenceOfUpToThreeBytes) {
   Comparison comparison;
   for (unsigned int first = kFirst; first < kEnd; ++first) {
     comparison.Add({first});
@@ -60,7 +60,7 @@ TEST(ReplaceInvalidUtf8, DoesWhatTheJsonSerializerDoesForEverySequenceOfUpToThre
   }
 }
 
-TEST(ReplaceInvalidUtf8, DoesWhatTheJsonSerializerDoesForSequencesOfFourBytes) {
+TEST(FirstCharacter, FindsWhatTheJsonSerializerFindsForSequencesOfFourBytes) {
   constexpr int kSequences = 200000;
   std::mt19937 random(1);
   const auto oneOf = [&random](unsigned int first, unsigned int end) {
