@@ -1,8 +1,5 @@
 // The usbinfo command: runs the command line, and turns errors into one line on standard error and an exit
 // status.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <exception>
 #include <new>
@@ -16,6 +13,7 @@
 #include "cli/text/Output.h"
 #include "cli/text/Text.h"
 #include "system/SignalGuard.h"
+#include "system/StandardStreams.h"
 
 namespace {
 
@@ -24,19 +22,9 @@ int Fail(const std::string& message) {
   return cli::kFailure;
 }
 
-/// When the command is started without one of the standard streams, no file opened here may get its number. A
-/// descriptor that cannot be read or written takes it, so that using the stream still fails.
-void OccupyStandardStreams() {
-  int fd = -1;
-  do {
-    fd = ::open("/", O_PATH | O_CLOEXEC);
-  } while (fd >= 0 && fd <= STDERR_FILENO);
-  if (fd >= 0) ::close(fd);
-}
-
 /// Process-wide settings, made before anything is read or written.
 void PrepareProcess() {
-  OccupyStandardStreams();
+  sys::OccupyStandardStreams();
   cli::UseCharacterSetOfEnvironment();
   // A closed pipe or a limit on the size of files shows in the write that fails, so that nothing half-written
   // is left behind.

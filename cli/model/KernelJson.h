@@ -9,6 +9,8 @@ class JsonNode;
 class JsonWriter;
 
 void WriteKernelFacts(JsonWriter& json, const KernelFacts& facts);
+void WriteDeviceFacts(JsonWriter& json, const DeviceFacts& device);
+void WritePortFacts(JsonWriter& json, const PortFacts& port);
 
 /// Members that are not known are skipped. Throws JsonError where one is missing, or has another type, form
 /// or range.

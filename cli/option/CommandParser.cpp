@@ -36,7 +36,7 @@ class DeclaredCommand {
     app.allow_extras();
     for (const Option& option : command.options) fOptions.emplace_back(&option, Declare(option, app));
     for (const Operand& operand : command.operands) {
-      fOperands.emplace_back(&operand, app.add_option(operand.name)->expected(1));
+      fOperands.emplace_back(&operand, app.add_option(operand.name)->expected(operand.isRepeatable ? -1 : 1));
     }
   }
 

@@ -17,6 +17,8 @@ struct Operand {
   /// The words that shells complete it with; none for file names.
   std::vector<Choice> choices = {};
   bool isOptional = false;
+  /// It takes all arguments that are left; only the last operand may.
+  bool isRepeatable = false;
   /// Takes the argument. Throws UsageError, which says what it must be.
   std::function<void(const std::string& argument)> store = {};
 };

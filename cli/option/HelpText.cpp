@@ -64,7 +64,8 @@ std::vector<std::string> Description(const Option& option) {
 std::string Usage(const std::string& call, const CommandSpec& command, bool hasSubcommands) {
   std::string usage = "Usage: " + call + " [OPTIONS]";
   for (const Operand& operand : command.operands) {
-    usage += operand.isOptional ? " [" + operand.name + "]" : " " + operand.name;
+    const std::string name = operand.name + (operand.isRepeatable ? "..." : "");
+    usage += operand.isOptional ? " [" + name + "]" : " " + name;
   }
   return usage + (hasSubcommands ? " [SUBCOMMAND]\n" : "\n");
 }

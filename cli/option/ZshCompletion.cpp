@@ -85,8 +85,8 @@ std::string Array(const CommandSpec& part) {
 std::string OperandSpecs(const CommandSpec& part) {
   std::string specs;
   for (const Operand& operand : part.operands) {
-    specs +=
-        " " + Quoted((operand.isOptional ? "::" : ":") + Message(operand.name) + ":" + ActionOf(operand));
+    const char* const times = operand.isRepeatable ? "*:" : operand.isOptional ? "::" : ":";
+    specs += " " + Quoted(times + Message(operand.name) + ":" + ActionOf(operand));
   }
   return specs;
 }

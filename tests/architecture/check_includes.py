@@ -29,10 +29,15 @@ MAY_INCLUDE = {
     "cli/diff": ["cli/model", "cli/text"],
     "cli/format": ["cli/model", "cli/text", "schema"],
     "cli/format/OutputFormat": ["cli/format", "cli/model", "cli/text", "schema"],
-    "cli/collect": ["standin", "kernel", "system", "schema", "host", "cli/model", "cli/model/FromHost", "cli/text"],
+    "cli/collect": ["standin", "kernel", "system", "schema", "host", "cli/model", "cli/model/FromHost", "cli/text",
+                    "cli/collect/SerialMask"],
     "cli/option": ["cli/text"],
     "cli/command": ["cli/collect", "cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model",
                     "cli/model/FromHost", "cli/model/UsbIds", "cli/option", "cli/text", "schema", "standin", "system"],
+    # Of collecting, the store masks serial numbers only.
+    "cli/collect/SerialMask": ["cli/collect", "cli/text", "system"],
+    "store": ["cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model", "cli/model/UsbIds", "cli/option",
+              "cli/text", "cli/collect/SerialMask", "schema", "system"],
     "cli/main": ["cli/command", "cli/option", "cli/text", "cli/collect", "system"],
 }
 # What the module is made of: its rows know no library but Boost and the standard one.

@@ -1,0 +1,32 @@
+#include "cli/text/Message.h"
+
+#include <iostream>
+
+#include "cli/text/Text.h"
+
+namespace cli {
+
+namespace {
+
+constexpr std::size_t kMostBytes = 2000;
+constexpr std::size_t kBytesOfEnd = 500;
+
+/// The position of the first character that begins at `at` or after it.
+std::size_t CharacterFrom(const std::string& text, std::size_t at) {
+  while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80) ++at;
+  return at;
+}
+
+std::string Shortened(const std::string& message) {
+  if (message.size() <= kMostBytes) return message;
+  return message.substr(0, CharacterFrom(message, kMostBytes - kBytesOfEnd)) + " [...] " +
+         message.substr(CharacterFrom(message, message.size() - kBytesOfEnd));
+}
+
+}  // namespace
+
+void PrintMessageOf(std::string_view program, const std::string& message) {
+  std::cerr << program << ": " << EscapeForTerminal(Shortened(message)) << "\n";
+}
+
+}  // namespace cli

@@ -1,0 +1,97 @@
+#include "store/CommonOptions.h"
+
+#include "cli/option/Values.h"
+#include "cli/text/Color.h"
+#include "cli/text/Output.h"
+#include "cli/text/Surface.h"
+
+using cli::Option;
+
+namespace store {
+
+Option HelpOption(bool& isAsked) {
+  return {.names = {"-h", "--help"},
+          .help = "Print this help",
+          .isExclusive = true,
+          .manual = "Print the options and exit.",
+          .store = cli::StoreTrue(isAsked)};
+}
+
+Option DatabaseOption(std::string& database) {
+  return {.names = {"--db"},
+          .value = "DATABASE",
+          .help = "The store: a FILE, sqlite://FILE or postgresql://...",
+          .manual = R"(The store: the path of an SQLite database, also as
+.Cm sqlite:// Ns Ar FILE ,
+or a PostgreSQL database as
+.Cm postgresql:// Ns Ar USER Ns Cm @ Ns Ar HOST Ns Cm / Ns Ar NAME .
+Without this option, it is the value of the environment variable
+.Ev USBINFO_STORE_DB ,
+and if that is not set,
+.Pa usbinfo/store.db
+in the folder that
+.Ev XDG_DATA_HOME
+names, or in
+.Pa ~/.local/share .)",
+          .store = cli::StoreText(database)};
+}
+
+Option AtOption(std::optional<Moment>& at) {
+  return {.names = {"--at"},
+          .value = "TIME",
+          .help = "What was then: 2026-03-15, 2026-03-15T12:00 (UTC) or 2d ago",
+          .manual = R"(Show what was reported at that time: the beginning of a day such as
+.Li 2026-03-15 ,
+a time such as
+.Li 2026-03-15T12:00
+or
+.Li 2026-03-15T12:00:30Z ,
+both in UTC, or how long ago, such as
+.Li 90s , 30m , 12h , 2d
+or
+.Li 8w .)",
+          .store = StoreParsed(at, Moment::Parse)};
+}
+
+Option FormatOption(std::string& format, const std::vector<cli::Choice>& choices) {
+  return {.names = {"--format"},
+          .value = "FORMAT",
+          .help = "How to print",
+          .defaultValue = format,
+          .choices = choices,
+          .manual = "How to print:",
+          .store = cli::StoreChoice(format, choices)};
+}
+
+Option OutputOption(std::string& path) {
+  return {.names = {"--output"},
+          .value = "FILE",
+          .help = "Write to FILE, whole or not at all",
+          .defaultValue = "standard output",
+          .manual = R"(Write to this file instead of standard output.
+The file is written whole or not at all.
+A single dash is standard output.)",
+          .store = cli::StoreText(path)};
+}
+
+std::vector<Option> ListOptionTable(ListOptions& options) {
+  return {FormatOption(options.format, cli::ChoicesOf(ResultList::Formats())), OutputOption(options.output)};
+}
+
+Option ColorOption(std::string& when) {
+  const std::vector<cli::Choice> choices = {{"auto", "on a terminal"}, {"always"}, {"never"}};
+  return {.names = {"--color"},
+          .value = "WHEN",
+          .help = "Whether to use colours",
+          .defaultValue = when,
+          .choices = choices,
+          .manual = "Whether to use colours:",
+          .store = cli::StoreChoice(when, choices)};
+}
+
+void Print(const ResultList& list, const ListOptions& options) {
+  const cli::Surface surface = cli::SurfaceOf(cli::IsStandardOutput(options.output), cli::Color::kAuto);
+  cli::WriteOutput(options.output, list.Render(options.format, surface));
+}
+
+}  // namespace store

@@ -1,0 +1,51 @@
+// Options that several subcommands share.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/option/CommandSpec.h"
+#include "store/ResultList.h"
+#include "store/TimeText.h"
+
+namespace store {
+
+/// Where the lists of a subcommand go, and in which form.
+struct ListOptions {
+  std::string format = "table";
+  std::string output;
+};
+
+/// -h, --help.
+cli::Option HelpOption(bool& isAsked);
+
+/// --db DATABASE.
+cli::Option DatabaseOption(std::string& database);
+
+/// --at TIME.
+cli::Option AtOption(std::optional<Moment>& at);
+
+/// --format FORMAT, one of `choices`; `format` holds the default.
+cli::Option FormatOption(std::string& format, const std::vector<cli::Choice>& choices);
+
+/// --output FILE; "-" and an empty name mean standard output.
+cli::Option OutputOption(std::string& path);
+
+/// --format and --output of a list.
+std::vector<cli::Option> ListOptionTable(ListOptions& options);
+
+/// --color WHEN.
+cli::Option ColorOption(std::string& when);
+
+/// Takes a value that `parse` makes of its text.
+template <typename Target, typename Parse>
+std::function<void(const std::string&)> StoreParsed(Target& target, Parse parse) {
+  return [&target, parse](const std::string& text) { target = parse(text); };
+}
+
+/// Writes the list. Throws UserError.
+void Print(const ResultList& list, const ListOptions& options);
+
+}  // namespace store

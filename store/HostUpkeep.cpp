@@ -1,0 +1,65 @@
+#include "store/HostUpkeep.h"
+
+#include <fmt/format.h>
+
+#include "cli/text/UserError.h"
+#include "store/ReportReader.h"
+#include "store/Transaction.h"
+
+namespace store {
+
+using Purpose = Transaction::Purpose;
+
+std::optional<std::uint64_t> Forget(Database& database, const std::string& host) {
+  Transaction transaction(database, Purpose::kWrite);
+  const Query select = {std::string("SELECT id FROM host WHERE name = ?") + LockClause(database.GetDialect()),
+                        1};
+  const std::optional<Row> row = FirstRow(database, select, {Text(host)});
+  if (!row) return std::nullopt;
+  const Parameters id = {row->OptionalNumber(0)};
+  const std::uint64_t reports = database.Execute("DELETE FROM report WHERE host_id = ?", id);
+  database.Execute("DELETE FROM host WHERE id = ?", id);
+  database.Execute("DELETE FROM refused WHERE host = ?", {Text(host)});
+  transaction.Commit();
+  return reports;
+}
+
+bool Rename(Database& database, const std::string& before, const std::string& after) {
+  Transaction transaction(database, Purpose::kWrite);
+  if (HasHost(database, after)) {
+    throw cli::UserError(fmt::format(
+        "the store has a host {} already; rename that one, or delete it with usbinfo-store forget", after));
+  }
+  if (database.Execute("UPDATE host SET name = ? WHERE name = ?", {Text(after), Text(before)}) == 0)
+    return false;
+  database.Execute("UPDATE refused SET host = ? WHERE host = ?", {Text(after), Text(before)});
+  transaction.Commit();
+  return true;
+}
+
+Pruned Prune(Database& database, Seconds since) {
+  Transaction transaction(database, Purpose::kWrite);
+  Pruned pruned;
+  pruned.reports = database.Execute(
+      "DELETE FROM report WHERE collected < (SELECT MAX(kept.collected) FROM report AS kept "
+      "WHERE kept.host_id = report.host_id AND kept.collected <= ?)",
+      {Integer(since)});
+  database.Execute(
+      "DELETE FROM state WHERE NOT EXISTS "
+      "(SELECT 1 FROM report WHERE report.host_id = state.host_id AND report.state = state.number)",
+      {});
+  pruned.items = database.Execute(
+      "DELETE FROM item WHERE until <= "
+      "(SELECT MIN(report.collected) FROM report WHERE report.host_id = item.host_id)",
+      {});
+  database.Execute(
+      "DELETE FROM difference WHERE collected < "
+      "(SELECT MIN(report.collected) FROM report WHERE report.host_id = difference.host_id)",
+      {});
+  pruned.late = database.Execute("DELETE FROM late WHERE collected < ?", {Integer(since)});
+  pruned.refused = database.Execute("DELETE FROM refused WHERE last_time < ?", {Integer(since)});
+  transaction.Commit();
+  return pruned;
+}
+
+}  // namespace store

@@ -1,0 +1,143 @@
+#include "store/HostsCommand.h"
+
+#include <algorithm>
+#include <map>
+
+#include "store/DatabaseLocation.h"
+#include "store/ExitStatus.h"
+#include "store/Message.h"
+#include "store/OpenStore.h"
+#include "store/Transaction.h"
+
+using cli::Importance;
+
+namespace store {
+
+namespace {
+
+struct Error {
+  Seconds time;
+  std::string reason;
+};
+
+/// A row of the query below, by the numbers of its columns.
+enum HostColumn : std::size_t {
+  kName,
+  kMachine,
+  kMask,
+  kCollected,
+  kLoaded,
+  kControllers,
+  kHubs,
+  kPorts,
+  kDevices,
+  kFindings,
+  kReports,
+  kLate,
+  kColumns
+};
+
+std::vector<Row> SelectHosts(Database& database) {
+  const Query query = {
+      "SELECT host.name, host.machine, host.mask, report.collected, report.loaded, state.controllers, "
+      "state.hubs, state.ports, state.devices, state.findings, "
+      "(SELECT COUNT(*) FROM report AS each_report WHERE each_report.host_id = host.id), "
+      "(SELECT COUNT(*) FROM late WHERE late.host_id = host.id) "
+      "FROM host "
+      "LEFT JOIN report ON report.host_id = host.id AND report.collected = "
+      "(SELECT MAX(last.collected) FROM report AS last WHERE last.host_id = host.id) "
+      "LEFT JOIN state ON state.host_id = host.id AND state.number = report.state",
+      kColumns};
+  std::vector<Row> rows = Rows(database, query, {});
+  // Databases sort texts by their own rules.
+  std::sort(rows.begin(), rows.end(),
+            [](const Row& left, const Row& right) { return left.String(kName) < right.String(kName); });
+  return rows;
+}
+
+/// The last report of each host that was refused.
+std::map<std::string, Error> SelectErrors(Database& database) {
+  std::map<std::string, Error> errors;
+  database.Select(
+      {"SELECT host, last_time, reason FROM refused WHERE host IS NOT NULL ORDER BY last_time", 3}, {},
+      [&](const Row& row) {
+        errors[row.String(0)] = {row.Number(1), row.String(2)};
+      });
+  return errors;
+}
+
+Cell TimeIn(const Row& row, std::size_t column) {
+  return row.IsNull(column) ? Cell() : Cell(Time{row.Number(column)});
+}
+
+/// What was refused since the last report was loaded.
+Cell LastError(const Row& row, const std::map<std::string, Error>& errors) {
+  const auto found = errors.find(row.String(kName));
+  const bool isOver =
+      found == errors.end() || (!row.IsNull(kLoaded) && found->second.time < row.Number(kLoaded));
+  return isOver ? Cell() : Cell(found->second.reason);
+}
+
+bool IsListed(const Row& row, const HostsOptions& options, Seconds now) {
+  return !options.silentFor || row.IsNull(kCollected) || row.Number(kCollected) < now - *options.silentFor;
+}
+
+ResultList EmptyList() {
+  return ResultList("hosts", {{.name = "host", .importance = Importance::kIdentifier},
+                              {.name = "lastReport", .importance = Importance::kMain},
+                              {.name = "reports", .isNumber = true},
+                              {.name = "controllers", .isNumber = true, .isForPrograms = true},
+                              {.name = "hubs", .importance = Importance::kMinor, .isNumber = true},
+                              {.name = "ports", .importance = Importance::kMinor, .isNumber = true},
+                              {.name = "devices", .isNumber = true},
+                              {.name = "late", .importance = Importance::kMinor, .isNumber = true},
+                              {.name = "suspect", .importance = Importance::kMinor, .isNumber = true},
+                              {.name = "mask", .isForPrograms = true},
+                              {.name = "machine", .isForPrograms = true},
+                              {.name = "lastLoaded", .isForPrograms = true},
+                              {.name = "lastError"}});
+}
+
+}  // namespace
+
+std::vector<cli::Option> HostsOptionTable(HostsOptions& options) {
+  std::vector<cli::Option> table = {
+      DatabaseOption(options.database),
+      {.names = {"--silent-for"},
+       .value = "DURATION",
+       .help = "List hosts without a report for so long, such as 2d",
+       .manual = R"(List only the hosts whose last report was collected longer ago than
+this: a number and
+.Cm s , m , h , d
+or
+.Cm w ,
+such as
+.Li 2d .)",
+       .store = StoreParsed(options.silentFor, ParseDuration)}};
+  const std::vector<cli::Option> listOptions = ListOptionTable(options.list);
+  table.insert(table.end(), listOptions.begin(), listOptions.end());
+  return table;
+}
+
+int RunHosts(const HostsOptions& options, const Clock& clock) {
+  const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
+  const Transaction transaction(*database, Transaction::Purpose::kRead);
+  const std::map<std::string, Error> errors = SelectErrors(*database);
+  ResultList list = EmptyList();
+  for (const Row& row : SelectHosts(*database)) {
+    if (!IsListed(row, options, clock.Now())) continue;
+    list.AddRow({row.String(kName), TimeIn(row, kCollected), CellOf(row.OptionalNumber(kReports)),
+                 CellOf(row.OptionalNumber(kControllers)), CellOf(row.OptionalNumber(kHubs)),
+                 CellOf(row.OptionalNumber(kPorts)), CellOf(row.OptionalNumber(kDevices)),
+                 CellOf(row.OptionalNumber(kLate)), CellOf(row.OptionalNumber(kFindings)),
+                 CellOf(row.OptionalString(kMask)), CellOf(row.OptionalString(kMachine)),
+                 TimeIn(row, kLoaded), LastError(row, errors)});
+  }
+  if (!list.IsEmpty() || options.list.format != "table") Print(list, options.list);
+  if (!list.IsEmpty()) return kDone;
+  PrintMessage(options.silentFor ? "every host has reported since then"
+                                 : "the store has no host; usbinfo-store load takes inventories into it");
+  return kNothingMatched;
+}
+
+}  // namespace store

@@ -1,0 +1,244 @@
+#include "store/SociDatabase.h"
+
+#include <fmt/format.h>
+#include <soci/soci.h>
+
+#include <algorithm>
+#include <deque>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+// The headers of the backends take those of SQLite and libpq, of which nothing is needed here.
+extern "C" {
+soci::backend_factory const* factory_sqlite3();
+soci::backend_factory const* factory_postgresql();
+}
+
+namespace store {
+
+namespace {
+
+struct Advice {
+  /// A part of the database's message.
+  std::string_view sign;
+  std::string_view advice;
+};
+
+constexpr Advice kAdvice[] = {
+    {"locked", "another program is writing to it; try again"},
+    {"lock timeout", "another program is writing to it; try again"},
+    {"readonly", "allow this user to write to the file and to its folder"},
+    {"read-only", "use a server and a role that may write"},
+    {"permission denied", "grant the role what it needs"},
+    {"is full", "make room on the disk, and try again"},
+    {"No space left", "make room on the disk, and try again"},
+    {"unable to open", "check the file and its folder"},
+    {"not a database", "name another file with --db"},
+    {"malformed", "restore it from a backup"},
+};
+
+constexpr std::string_view kOtherAdvice =
+    "check that it can be reached, and try again; nothing is half-written";
+
+std::string_view AdviceFor(const std::string& message) {
+  const auto* const found = std::find_if(std::begin(kAdvice), std::end(kAdvice), [&](const Advice& advice) {
+    return message.find(advice.sign) != std::string::npos;
+  });
+  return found == std::end(kAdvice) ? kOtherAdvice : found->advice;
+}
+
+[[noreturn]] void Throw(const std::string& name, const soci::soci_error& error) {
+  std::string message = error.get_error_message();
+  std::replace(message.begin(), message.end(), '\n', ' ');
+  message.erase(message.find_last_not_of(" .") + 1);
+  throw DatabaseError(fmt::format("the store {}: {}; {}", name, message, AdviceFor(message)));
+}
+
+/// SOCI's form of a statement: `:p1` for the first `?`, and so on.
+std::string WithNames(const std::string& sql) {
+  std::string named;
+  std::size_t number = 0;
+  for (const char c : sql) {
+    if (c == '?') {
+      named += fmt::format(":p{}", ++number);
+    } else {
+      named += c;
+    }
+  }
+  return named;
+}
+
+/// A place that a prepared statement takes a value from.
+class BoundValue {
+ public:
+  void BindTo(soci::statement& statement, const Parameter& parameter) {
+    if (std::holds_alternative<Integer>(parameter)) {
+      statement.exchange(soci::use(fInteger, fIndicator));
+    } else if (std::holds_alternative<Decimal>(parameter)) {
+      statement.exchange(soci::use(fDecimal, fIndicator));
+    } else {
+      statement.exchange(soci::use(fText, fIndicator));
+    }
+  }
+
+  void Set(const Parameter& parameter) {
+    if (const auto* const integer = std::get_if<Integer>(&parameter)) {
+      Store(*integer, fInteger);
+    } else if (const auto* const decimal = std::get_if<Decimal>(&parameter)) {
+      Store(*decimal, fDecimal);
+    } else {
+      Store(std::get<Text>(parameter), fText);
+    }
+  }
+
+ private:
+  template <typename From, typename To>
+  void Store(const std::optional<From>& from, To& to) {
+    fIndicator = from ? soci::i_ok : soci::i_null;
+    if (from) to = *from;
+  }
+
+  long long fInteger = 0;
+  double fDecimal = 0;
+  std::string fText;
+  soci::indicator fIndicator = soci::i_ok;
+};
+
+struct FetchedCell {
+  std::string text;
+  soci::indicator indicator = soci::i_ok;
+};
+
+/// A statement that the database has read once and runs as often as needed.
+class PreparedStatement {
+ public:
+  PreparedStatement(soci::session& session, const Query& query, const Parameters& parameters)
+      : fValues(parameters.size()), fCells(query.columns), fStatement(session) {
+    for (FetchedCell& cell : fCells) fStatement.exchange(soci::into(cell.text, cell.indicator));
+    for (std::size_t index = 0; index < parameters.size(); ++index) {
+      fValues[index].BindTo(fStatement, parameters[index]);
+    }
+    fStatement.alloc();
+    fStatement.prepare(WithNames(query.sql));
+    fStatement.define_and_bind();
+  }
+
+  std::uint64_t Execute(const Parameters& parameters) {
+    Set(parameters);
+    fStatement.execute(true);
+    return static_cast<std::uint64_t>(std::max(fStatement.get_affected_rows(), 0LL));
+  }
+
+  /// Fetches to the end, since SQLite keeps its lock until then.
+  void Select(const Parameters& parameters, const std::function<void(const Row&)>& take) {
+    Set(parameters);
+    for (bool isRow = fStatement.execute(true); isRow; isRow = fStatement.fetch()) take(Fetched());
+  }
+
+ private:
+  void Set(const Parameters& parameters) {
+    for (std::size_t index = 0; index < parameters.size(); ++index) fValues[index].Set(parameters[index]);
+  }
+
+  Row Fetched() const {
+    std::vector<Text> cells;
+    cells.reserve(fCells.size());
+    for (const FetchedCell& cell : fCells) {
+      cells.push_back(cell.indicator == soci::i_null ? Text() : Text(cell.text));
+    }
+    return Row(std::move(cells));
+  }
+
+  // The statement points into both.
+  std::vector<BoundValue> fValues;
+  std::vector<FetchedCell> fCells;
+  soci::statement fStatement;
+};
+
+class SociDatabase : public Database {
+ public:
+  SociDatabase(Dialect dialect, std::string name, const soci::backend_factory& backend,
+               const std::string& connection)
+      : fDialect(dialect), fName(std::move(name)) {
+    try {
+      fSession.open(backend, connection);
+    } catch (const soci::soci_error& error) {
+      Throw(fName, error);
+    }
+  }
+
+  Dialect GetDialect() const override { return fDialect; }
+  const std::string& Name() const override { return fName; }
+
+  std::uint64_t Execute(const std::string& sql, const Parameters& parameters) override {
+    std::uint64_t changed = 0;
+    Run({sql, 0}, parameters, [&](PreparedStatement& statement) { changed = statement.Execute(parameters); });
+    return changed;
+  }
+
+  void Select(const Query& query, const Parameters& parameters,
+              const std::function<void(const Row&)>& take) override {
+    Run(query, parameters, [&](PreparedStatement& statement) { statement.Select(parameters, take); });
+  }
+
+ private:
+  template <typename Action>
+  void Run(const Query& query, const Parameters& parameters, Action action) {
+    try {
+      action(Prepared(query, parameters));
+    } catch (const soci::soci_error& error) {
+      fStatements.erase(query.sql);
+      Throw(fName, error);
+    } catch (...) {
+      // It may have rows left.
+      fStatements.erase(query.sql);
+      throw;
+    }
+  }
+
+  PreparedStatement& Prepared(const Query& query, const Parameters& parameters) {
+    constexpr std::size_t kMostStatements = 64;
+    const auto found = fStatements.find(query.sql);
+    if (found != fStatements.end()) return *found->second;
+    if (fStatements.size() == kMostStatements) fStatements.clear();
+    auto statement = std::make_unique<PreparedStatement>(fSession, query, parameters);
+    return *fStatements.emplace(query.sql, std::move(statement)).first->second;
+  }
+
+  Dialect fDialect;
+  std::string fName;
+  soci::session fSession;
+  std::unordered_map<std::string, std::unique_ptr<PreparedStatement>> fStatements;
+};
+
+}  // namespace
+
+std::unique_ptr<Database> OpenSqlite(const std::string& path) {
+  if (path.find('"') != std::string::npos) {
+    throw DatabaseError(
+        fmt::format("the store {}: its path must not hold a double quote; name another file", path));
+  }
+  auto database = std::make_unique<SociDatabase>(Dialect::kSqlite, path, *factory_sqlite3(),
+                                                 fmt::format("db=\"{}\" timeout=10", path));
+  database->Execute("PRAGMA foreign_keys = ON", {});
+  // Readers do not wait for writers, and what a command has loaded outlives a power failure.
+  FirstRow(*database, {"PRAGMA journal_mode = WAL", 1}, {});
+  database->Execute("PRAGMA synchronous = FULL", {});
+  return database;
+}
+
+std::unique_ptr<Database> OpenPostgresql(const std::string& url, const std::string& name) {
+  auto database = std::make_unique<SociDatabase>(Dialect::kPostgresql, name, *factory_postgresql(), url);
+  database->Execute("SET client_encoding TO 'UTF8'", {});
+  database->Execute("SET client_min_messages TO warning", {});
+  database->Execute("SET lock_timeout TO '10s'", {});
+  const auto encoding = FirstRow(*database, {"SHOW server_encoding", 1}, {});
+  if (!encoding || encoding->String(0) != "UTF8") {
+    throw DatabaseError(fmt::format(
+        "the store {}: the database must have the encoding UTF8; make one with createdb -E UTF8", name));
+  }
+  return database;
+}
+
+}  // namespace store

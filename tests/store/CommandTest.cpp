@@ -1,0 +1,129 @@
+// The built program, as people and rsyslog run it.
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include "tests/cli/support/RunCommand.h"
+#include "tests/store/support/StoreTest.h"
+
+using ::testing::HasSubstr;
+
+namespace usbinfo_test {
+
+namespace {
+
+mode_t ModeOf(const std::string& path) {
+  struct stat status {};
+  EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+  return status.st_mode & 07777;
+}
+
+class CommandTest : public StoreTest {
+ protected:
+  Command Store(std::vector<std::string> arguments) const {
+    return Command(std::move(arguments)).Set("USBINFO_STORE_DB", Name());
+  }
+
+  CommandResult Run(std::vector<std::string> arguments) const { return Store(std::move(arguments)).Run(); }
+};
+
+const char* const kDesktop = SOURCE_DIR "/examples/desktop.json";
+
+}  // namespace
+
+TEST_P(CommandTest, AnswersWhoHasWhatWhereAndWhen) {
+  const CommandResult loaded = Run({"load", kDesktop});
+  EXPECT_EQ(loaded.errors, "");
+  EXPECT_EQ(loaded.status, 0);
+  EXPECT_EQ(loaded.output,
+            "CHANGED UNCHANGED KNOWN LATE REFUSED\n"
+            "      1         0     0    0       0\n");
+
+  EXPECT_EQ(Run({"hosts"}).output,
+            "HOST       LAST REPORT          REPORTS HUBS PORTS DEVICES LATE SUSPECT LAST ERROR\n"
+            "vm-desktop 2026-11-21T23:16:23Z       1    5    26       6    0       0\n");
+  EXPECT_EQ(Run({"hosts", "--silent-for", "100000w"}).status, 1);
+
+  EXPECT_EQ(Run({"find", "--serial", "STICK01", "--format", "csv"}).output,
+            "host,place,kinds,manufacturer,product,id,serial,speed,drivers,since,until\r\n"
+            "vm-desktop,2-1,mass storage,QEMU,QEMU USB HARDDRIVE,46f4:0001,STICK01,5000,usb-storage,"
+            "2026-11-21T23:16:23Z,\r\n");
+  EXPECT_EQ(Json::parse(Run({"find", "--kind", "Mass Storage", "--format", "json"}).output)["devices"].size(),
+            2u);
+  EXPECT_EQ(Json::parse(Run({"find", "--name", "usb m", "--format", "json"}).output)["devices"].size(), 1u);
+  EXPECT_EQ(
+      Json::parse(Run({"find", "-d", "0627:", "-d", ":0003", "--format", "json"}).output)["devices"].size(), 3u);
+  EXPECT_EQ(Json::parse(Run({"find", "--kind", "hub", "--format", "json"}).output)["devices"].size(), 1u);
+  const CommandResult before = Run({"find", "--serial", "STICK01", "--at", "2026-11-21T23:16:22Z"});
+  EXPECT_EQ(before.status, 1);
+  EXPECT_EQ(before.output, "");
+  EXPECT_THAT(before.errors, HasSubstr("usbinfo-store: no device found"));
+
+  EXPECT_EQ(Run({"show", "vm-desktop", "--format", "json"}).output, SourceFile("examples/desktop.json"));
+  EXPECT_EQ(Run({"show", "nobody"}).errors,
+            "usbinfo-store: the store has no host nobody; usbinfo-store hosts lists them\n");
+}
+
+TEST_P(CommandTest, LoadsWhatItCanAndReportsWhatItRefuses) {
+  const std::string line = Desktop(kNow - kDay).dump();
+  const CommandResult result =
+      Store({"load"}).Input("garbage\n" + line + "\n{\"cut\":\n" + line + "\n").Run();
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.output,
+            "CHANGED UNCHANGED KNOWN LATE REFUSED\n"
+            "      1         0     1    0       2\n");
+  EXPECT_EQ(
+      result.errors,
+      "usbinfo-store: refused: standard input holds no inventory: line 1, column 1: not valid JSON; save it "
+      "anew with usbinfo --format json\n"
+      "usbinfo-store: refused: standard input, document 3 holds no inventory: line 2, column 1: the document "
+      "ends too early; save it anew with usbinfo --format json\n");
+  EXPECT_EQ(Count("SELECT COUNT(*) FROM refused"), 2);
+}
+
+TEST_P(CommandTest, ConfirmsEachLineUnlessTheDatabaseFails) {
+  const std::string line = " " + Desktop(kNow - kDay).dump() + "\n";
+  const CommandResult result = Store({"load", "--confirm"}).Input(line + "\n{}\n" + line + "{\"cut").Run();
+  EXPECT_EQ(result.output, "OK\nOK\nOK\nOK\nOK\n");
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(Count("SELECT COUNT(*) FROM report"), 1);
+
+  Db().Execute("DROP VIEW change", {});
+  Db().Execute("DROP TABLE difference", {});
+  Db().Execute("ALTER TABLE report RENAME TO hidden", {});
+  const CommandResult failing = Store({"load", "--confirm"}).Input(line + line).Run();
+  EXPECT_THAT(failing.output,
+              ::testing::MatchesRegex("OK\nthe store [^\n]*report[^\n]*\nthe store [^\n]*\n"));
+  EXPECT_EQ(failing.status, 0);
+}
+
+FOR_BOTH_DATABASES(CommandTest);
+
+TEST(StoreFile, IsMadeAtFirstLoadForItsOwnerOnly) {
+  const TemporaryFolder folder;
+  const auto run = [&](std::vector<std::string> arguments) {
+    return Command(std::move(arguments)).Set("XDG_DATA_HOME", folder.File("data")).Run();
+  };
+  const CommandResult hosts = run({"hosts"});
+  EXPECT_EQ(hosts.status, 2);
+  EXPECT_THAT(hosts.errors, HasSubstr("there is no store " + folder.File("data/usbinfo/store.db")));
+  EXPECT_EQ(run({"load", kDesktop}).status, 0);
+  EXPECT_EQ(ModeOf(folder.File("data/usbinfo")), 0700u);
+  EXPECT_EQ(ModeOf(folder.File("data/usbinfo/store.db")), 0600u);
+  EXPECT_EQ(run({}).status, 0);
+}
+
+TEST(StoreFile, IsNotAFileOfAnotherKindAndAServerMustAnswer) {
+  const TemporaryFolder folder;
+  const CommandResult other =
+      Command({"load", "--db", folder.File("text", std::string(4096, 'x')), kDesktop}).Run();
+  EXPECT_EQ(other.status, 2);
+  EXPECT_THAT(other.errors, HasSubstr("file is not a database; name another file with --db\n"));
+  const std::string url = "postgresql://user:secret@/name?host=" + folder.Path().string();
+  const CommandResult gone = Command({"load", "--db", url, kDesktop}).Run();
+  EXPECT_EQ(gone.status, 2);
+  EXPECT_THAT(gone.errors, HasSubstr("usbinfo-store: the store postgresql://user@/name: "));
+  EXPECT_THAT(gone.errors, ::testing::Not(HasSubstr("secret")));
+  EXPECT_EQ(Command({"hosts", "--db", "mysql://x"}).Run().status, 2);
+}
+
+}  // namespace usbinfo_test

@@ -1,0 +1,167 @@
+// What is shown is what was loaded, at every time, to the byte.
+#include <filesystem>
+#include <map>
+#include <random>
+
+#include "store/HostUpkeep.h"
+#include "tests/store/support/StoreTest.h"
+#include "tests/store/support/WatchedDatabase.h"
+
+namespace fs = std::filesystem;
+
+namespace usbinfo_test {
+
+namespace {
+
+using HistoryTest = StoreTest;
+
+/// Changes documents as machines, programs and hostile devices do; seeded.
+class Mutation {
+ public:
+  explicit Mutation(unsigned seed) : fRandom(seed) {}
+
+  std::size_t Below(std::size_t end) {
+    return std::uniform_int_distribution<std::size_t>(0, end - 1)(fRandom);
+  }
+
+  void Apply(Json& document) {
+    switch (Below(8)) {
+      case 0:
+        return RemoveItem(Items(document));
+      case 1:
+        return RepeatItem(Items(document));
+      case 2:
+        return SwapItems(Items(document));
+      case 3:
+        return RenameItem(Items(document));
+      case 4:
+        document["origin"]["program"] = "usbinfo 1.0." + std::to_string(Below(3));
+        return;
+      case 5:
+        document["kernel"] = nullptr;
+        return;
+      case 6:
+        document = Desktop(kNow);
+        return;
+      default:
+        // What the machine reports most often: the same as before.
+        return;
+    }
+  }
+
+ private:
+  Json& Items(Json& document) {
+    const bool isKernel = !document["kernel"].is_null() && Below(3) == 0;
+    Json& lists = isKernel ? document["kernel"] : document["classes"];
+    auto list = lists.begin();
+    std::advance(list, static_cast<std::ptrdiff_t>(Below(lists.size())));
+    return *list;
+  }
+
+  void RemoveItem(Json& items) {
+    if (!items.empty()) items.erase(Below(items.size()));
+  }
+
+  void RepeatItem(Json& items) {
+    if (!items.empty()) items.push_back(Json(items[Below(items.size())]));
+  }
+
+  void SwapItems(Json& items) {
+    if (!items.empty()) std::swap(items[Below(items.size())], items[Below(items.size())]);
+  }
+
+  void RenameItem(Json& items) {
+    if (items.empty()) return;
+    Json& item = items[Below(items.size())];
+    for (const char* const name : {"Description", "SerialNumber", "product", "serial"}) {
+      if (item.contains(name)) item[name] = "name \u00fc \\ \" " + std::to_string(Below(1000));
+    }
+  }
+
+  std::mt19937 fRandom;
+};
+
+}  // namespace
+
+TEST_P(HistoryTest, EveryCapturedMachineIsShownByteForByte) {
+  std::map<store::Seconds, std::string> loaded;
+  store::Seconds collected = kNow - kDay;
+  for (const fs::directory_entry& file : fs::directory_iterator(TEST_DATA_DIR "/expected")) {
+    if (file.path().extension() != ".json") continue;
+    const std::string text = SourceFile("tests/data/expected/" + file.path().filename().string());
+    collected += kMinute;
+    EXPECT_EQ(RefusalOf(text, {.collected = collected, .permissions = {}}), "") << file.path();
+    loaded[collected] = text;
+  }
+  ASSERT_GT(loaded.size(), 10u);
+  for (const auto& [time, text] : loaded) EXPECT_EQ(Shown("testhost", time + kMinute - 1), text) << time;
+  EXPECT_EQ(Shown("testhost", loaded.begin()->first - 1), "");
+
+  const std::string desktop = SourceFile("examples/desktop.json");
+  EXPECT_EQ(RefusalOf(desktop), "");
+  EXPECT_EQ(Shown("vm-desktop", kNow), desktop);
+}
+
+TEST_P(HistoryTest, RandomHistoriesAreShownAsLoadedAtEveryTimeAndAfterPruning) {
+  const int histories = GetParam() == store::Dialect::kSqlite ? 8 : 3;
+  for (int seed = 1; seed <= histories; ++seed) {
+    SCOPED_TRACE(seed);
+    Mutation mutation(static_cast<unsigned>(seed));
+    const std::string host = "host" + std::to_string(seed);
+    std::map<store::Seconds, std::string> loaded;
+    Json document = Desktop(kNow);
+    store::Seconds time = kNow - 90 * kDay;
+    for (int report = 0; report < 40; ++report) {
+      mutation.Apply(document);
+      document["system"]["name"] = host;
+      time += 1 + static_cast<store::Seconds>(mutation.Below(2 * kDay));
+      document["origin"]["collected"] = store::FormatTime(time);
+      Load(document);
+      loaded[time] = Printed(document);
+    }
+    for (auto report = loaded.begin(); report != loaded.end(); ++report) {
+      const auto next = std::next(report);
+      ASSERT_EQ(Shown(host, report->first), report->second);
+      if (next != loaded.end()) ASSERT_EQ(Shown(host, next->first - 1), report->second);
+    }
+    const auto kept = std::next(loaded.begin(), 25);
+    store::Prune(Db(), kept->first + 1);
+    EXPECT_EQ(Shown(host, kept->first - 1), "");
+    for (auto report = kept; report != loaded.end(); ++report)
+      ASSERT_EQ(Shown(host, report->first), report->second);
+    EXPECT_EQ(Count("SELECT COUNT(*) FROM device WHERE host = '" + host + "'"),
+              static_cast<std::int64_t>(document["classes"]["KALDO_USBDevice"].size()));
+  }
+}
+
+TEST_P(HistoryTest, AnUnchangedReportWritesOneRow) {
+  Load(Desktop(kNow - kDay));
+  const std::size_t before = Content().size();
+  WatchedDatabase watched(Db());
+  store::Loader loader(fClock, {});
+  EXPECT_EQ(loader.Load(watched, {Desktop(kNow).dump()}, "test"), std::nullopt);
+  EXPECT_EQ(loader.Counts().unchanged, 1u);
+  EXPECT_EQ(Content().size(), before + 1);
+  std::vector<std::string> writing;
+  for (const std::string& statement : watched.Statements()) {
+    const std::string word = statement.substr(0, statement.find(' '));
+    if (word == "INSERT" || word == "UPDATE" || word == "DELETE") writing.push_back(statement);
+  }
+  EXPECT_EQ(writing, std::vector<std::string>{
+                         "INSERT INTO report (host_id, collected, loaded, state) VALUES (?, ?, ?, ?)"});
+}
+
+TEST_P(HistoryTest, AChangedDeviceWritesOnlyItself) {
+  Load(Desktop(kNow - kDay));
+  const std::int64_t before = Count("SELECT COUNT(*) FROM item");
+  Json document = Desktop(kNow);
+  document["classes"]["KALDO_USBDevice"][0]["SubclassCode"] = 9;
+  Load(document);
+  EXPECT_EQ(Count("SELECT COUNT(*) FROM item"), before + 1);
+  EXPECT_EQ(Select("SELECT since, until FROM item WHERE until IS NOT NULL", 2),
+            std::vector<std::string>{std::to_string(kNow - kDay) + "|" + std::to_string(kNow)});
+}
+
+FOR_BOTH_DATABASES(HistoryTest);
+
+}  // namespace usbinfo_test

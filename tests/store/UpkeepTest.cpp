@@ -1,0 +1,92 @@
+// Forgetting, renaming, and versions of the schema.
+#include <gmock/gmock.h>
+
+#include "cli/text/UserError.h"
+#include "store/HostUpkeep.h"
+#include "store/Schema.h"
+#include "tests/store/support/StoreTest.h"
+
+using ::testing::HasSubstr;
+
+namespace usbinfo_test {
+
+namespace {
+
+using UpkeepTest = StoreTest;
+
+Json OfHost(const std::string& host, store::Seconds collected) {
+  Json document = Desktop(collected);
+  document["system"]["name"] = host;
+  return document;
+}
+
+std::string UserErrorOf(const std::function<void()>& action) {
+  try {
+    action();
+    return "";
+  } catch (const cli::UserError& error) {
+    return error.what();
+  }
+}
+
+}  // namespace
+
+TEST_P(UpkeepTest, ForgettingAHostDeletesAllOfItAndNothingElse) {
+  Load(OfHost("kept", kNow - 1));
+  const auto before = Content();
+  Load(OfHost("gone", kNow - 1));
+  Load(OfHost("gone", kNow));
+  Load(OfHost("gone", kNow - 2));
+  EXPECT_NE(RefusalOf(OfHost("gone", kNow + kDay).dump()), "");
+  EXPECT_EQ(store::Forget(Db(), "gone"), 2u);
+  EXPECT_EQ(Content(), before);
+  EXPECT_EQ(store::Forget(Db(), "gone"), std::nullopt);
+}
+
+TEST_P(UpkeepTest, ARenamedHostKeepsItsHistoryAndGoesOnUnderItsNewName) {
+  Load(OfHost("old", kNow - kDay));
+  Load(OfHost("other", kNow));
+  EXPECT_THAT(UserErrorOf([&] { store::Rename(Db(), "old", "other"); }),
+              HasSubstr("has a host other already"));
+  EXPECT_TRUE(store::Rename(Db(), "old", "new"));
+  EXPECT_FALSE(store::Rename(Db(), "old", "newer"));
+  Load(OfHost("new", kNow));
+  EXPECT_EQ(Shown("new", kNow - 1), Printed(OfHost("old", kNow - kDay)));
+  EXPECT_EQ(Shown("new", kNow), Printed(OfHost("new", kNow)));
+}
+
+TEST_P(UpkeepTest, AStoreOfAnotherVersionIsNotUsed) {
+  Db().Execute("UPDATE meta SET schema_version = 2", {});
+  const std::string error = UserErrorOf([&] { Connect(); });
+  EXPECT_THAT(error, HasSubstr("has version 2 of the schema, and this program uses 1; update usbinfo-store"));
+  EXPECT_EQ(UserErrorOf([&] { store::Migrate(Db()); }), error);
+}
+
+TEST_P(UpkeepTest, TheViewsSayWhatTheLastReportsAndEarlierOnesHave) {
+  Load(Desktop(kNow - kDay));
+  Json next = Desktop(kNow);
+  next["kernel"]["devices"].erase(next["kernel"]["devices"].begin(), next["kernel"]["devices"].end());
+  next["classes"]["KALDO_USBDevice"].erase(next["classes"]["KALDO_USBDevice"].begin());
+  Load(next);
+  const std::string count = "SELECT COUNT(*) FROM ";
+  EXPECT_EQ(Count(count + "controller"), 4);
+  EXPECT_EQ(Count(count + "hub"), 5);
+  EXPECT_EQ(Count(count + "hub WHERE is_root = 1"), 4);
+  EXPECT_EQ(Count(count + "device"), 5);
+  EXPECT_EQ(
+      Count(count + "device_history WHERE since <= 1795219200 AND (until IS NULL OR until > 1795219200)"), 6);
+  EXPECT_EQ(Count(count + "port WHERE state = 'used'"), 7);
+  EXPECT_EQ(
+      Count(count +
+            "connection JOIN port ON port.identifier = connection.port AND port.host = connection.host"),
+      Count(count + "connection"));
+  EXPECT_EQ(Count(count + "change"), 0);
+  EXPECT_EQ(Select("SELECT place, kinds, vendor_id, product_id, serial, drivers FROM device_history "
+                   "WHERE serial = 'STICK01' AND place IS NOT NULL",
+                   6),
+            std::vector<std::string>{"2-1|mass storage|46f4|0001|STICK01|usb-storage"});
+}
+
+FOR_BOTH_DATABASES(UpkeepTest);
+
+}  // namespace usbinfo_test
