@@ -71,7 +71,7 @@ void DocumentSplitter::Keep(char c) {
 
 void DocumentSplitter::Emit() {
   Document document = std::exchange(fDocument, {});
-  if (document.isTooLong) document.text.resize(kHeadBytes);
+  if (document.isTooLong) document.text = document.text.substr(0, kHeadBytes);
   fDepth = 0;
   fIsInString = false;
   fIsEscaped = false;

@@ -153,16 +153,16 @@ std::string PlaceIn(const Row& row) {
 
 ResultList ListOf(const std::vector<Row>& rows) {
   ResultList list("devices", {{.name = "host", .importance = Importance::kIdentifier},
-                           {.name = "place", .importance = Importance::kMain},
-                           {.name = "kinds", .importance = Importance::kMain},
-                           {.name = "manufacturer", .importance = Importance::kMinor},
-                           {.name = "product"},
-                           {.name = "id", .importance = Importance::kMain},
-                           {.name = "serial", .importance = Importance::kMain},
-                           {.name = "speed", .isNumber = true, .isForPrograms = true},
-                           {.name = "drivers", .isForPrograms = true},
-                           {.name = "since", .importance = Importance::kMinor},
-                           {.name = "until", .isForPrograms = true}});
+                              {.name = "place", .importance = Importance::kMain},
+                              {.name = "kinds", .importance = Importance::kMain},
+                              {.name = "manufacturer", .importance = Importance::kMinor},
+                              {.name = "product"},
+                              {.name = "id", .importance = Importance::kMain},
+                              {.name = "serial", .importance = Importance::kMain},
+                              {.name = "speed", .isNumber = true, .isForPrograms = true},
+                              {.name = "drivers", .isForPrograms = true},
+                              {.name = "since", .importance = Importance::kMinor},
+                              {.name = "until", .isForPrograms = true}});
   for (const Row& row : rows) {
     list.AddRow({row.String(kHost), PlaceIn(row), ListIn(row, kKinds),
                  CellOf(row.OptionalString(kManufacturer)), CellOf(row.OptionalString(kProduct)),

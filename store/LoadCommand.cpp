@@ -100,10 +100,10 @@ void LoadFile(Loader& loader, Database& database, const std::string& path) {
 void PrintCounts(const LoadCounts& counts, const ListOptions& options) {
   const auto number = [](std::size_t count) { return Cell(static_cast<std::int64_t>(count)); };
   ResultList list("loaded", {{.name = "changed", .isNumber = true},
-                           {.name = "unchanged", .isNumber = true},
-                           {.name = "known", .isNumber = true},
-                           {.name = "late", .isNumber = true},
-                           {.name = "refused", .isNumber = true}});
+                             {.name = "unchanged", .isNumber = true},
+                             {.name = "known", .isNumber = true},
+                             {.name = "late", .isNumber = true},
+                             {.name = "refused", .isNumber = true}});
   list.AddRow({number(counts.changed), number(counts.unchanged), number(counts.known), number(counts.late),
                number(counts.refused)});
   Print(list, options);

@@ -95,9 +95,9 @@ int RunPrune(const PruneOptions& options, const Clock& clock) {
   const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
   const Pruned pruned = Prune(*database, clock.Now() - *options.keep);
   ResultList list("pruned", {{.name = "reports", .isNumber = true},
-                            {.name = "items", .isNumber = true},
-                            {.name = "late", .isNumber = true},
-                            {.name = "refused", .isNumber = true}});
+                             {.name = "items", .isNumber = true},
+                             {.name = "late", .isNumber = true},
+                             {.name = "refused", .isNumber = true}});
   list.AddRow({NumberCell(pruned.reports), NumberCell(pruned.items), NumberCell(pruned.late),
                NumberCell(pruned.refused)});
   Print(list, options.list);

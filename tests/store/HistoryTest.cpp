@@ -122,7 +122,9 @@ TEST_P(HistoryTest, RandomHistoriesAreShownAsLoadedAtEveryTimeAndAfterPruning) {
     for (auto report = loaded.begin(); report != loaded.end(); ++report) {
       const auto next = std::next(report);
       ASSERT_EQ(Shown(host, report->first), report->second);
-      if (next != loaded.end()) ASSERT_EQ(Shown(host, next->first - 1), report->second);
+      if (next != loaded.end()) {
+        ASSERT_EQ(Shown(host, next->first - 1), report->second);
+      }
     }
     const auto kept = std::next(loaded.begin(), 25);
     store::Prune(Db(), kept->first + 1);

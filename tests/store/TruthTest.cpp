@@ -104,7 +104,7 @@ TEST_P(TruthTest, WhatIsNoReportOfAWholeMachineAtATimeIsRefusedAndRecorded) {
   EXPECT_THAT(RefusalOf(impossible.dump()), HasSubstr("there is no time \"2026-02-30T00:00:00Z\""));
   EXPECT_THAT(RefusalOf(nameless.dump()), HasSubstr("does not name its system"));
   EXPECT_THAT(RefusalOf("{\"schema\": \"usb\xFF\x01"),
-              HasSubstr("test holds no inventory: line 1, column 17"));
+              HasSubstr("test holds no inventory: line 1, column 16"));
   EXPECT_THAT(RefusalOf("{\"schema\": \"usb\xFF\x01"), HasSubstr("not valid JSON"));
 
   EXPECT_EQ(Count("SELECT COUNT(*) FROM host"), 0);
