@@ -34,7 +34,7 @@ std::string Variable(const char* name) {
 
 /// The folder for the user's data. The specification of such folders has relative paths ignored.
 std::string DataFolder() {
-  const std::string named = Variable("XDG_DATA_HOME");
+  std::string named = Variable("XDG_DATA_HOME");
   if (!named.empty() && named.front() == '/') return named;
   const std::string home = Variable("HOME");
   if (home.empty()) {

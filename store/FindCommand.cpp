@@ -186,56 +186,68 @@ std::string KindOf(const std::string& text) {
   return cli::NameOf(text, cli::AllKinds());
 }
 
-}  // namespace
-
-std::vector<cli::Option> FindOptionTable(FindOptions& options) {
-  std::vector<cli::Option> table = {
-      DatabaseOption(options.database),
-      {.names = {"-d"},
-       .value = "VID:[PID]",
-       .help = "Find devices of these vendor and product numbers",
-       .isRepeatable = true,
-       .manual =
-           R"(Find devices and hubs of this vendor, and of this product if it is given, by their hexadecimal
+/// -d VID:[PID], as usbinfo has it.
+cli::Option IdOption(std::vector<cli::VendorProduct>& ids) {
+  return {
+      .names = {"-d"},
+      .value = "VID:[PID]",
+      .help = "Find devices of these vendor and product numbers",
+      .isRepeatable = true,
+      .manual =
+          R"(Find devices and hubs of this vendor, and of this product if it is given, by their hexadecimal
 numbers.)",
-       .store =
-           [&options](const std::string& text) {
-             const auto id = cli::ParseVendorProduct(text);
-             if (!id) throw cli::UsageError("needs hexadecimal numbers such as 1d6b: or 1d6b:0002");
-             options.ids.push_back(*id);
-           }},
-      {.names = {"--serial"},
-       .value = "SERIAL",
-       .help = "Find devices with this serial number",
-       .manual = "Find devices and hubs with exactly this serial number.",
-       .store = cli::StoreText(options.serial)},
-      {.names = {"--kind"},
-       .value = "KIND",
-       .help = "Find devices of this kind, such as \"mass storage\"",
-       .manual = R"(Find devices of this kind, such as
+      .store = [&ids](const std::string& text) {
+        const auto id = cli::ParseVendorProduct(text);
+        if (!id) throw cli::UsageError("needs hexadecimal numbers such as 1d6b: or 1d6b:0002");
+        ids.push_back(*id);
+      }};
+}
+
+std::vector<cli::Option> SerialOptions(FindOptions& options) {
+  return {{.names = {"--serial"},
+           .value = "SERIAL",
+           .help = "Find devices with this serial number",
+           .manual = "Find devices and hubs with exactly this serial number.",
+           .store = cli::StoreText(options.serial)},
+          {.names = {"--mask-key"},
+           .value = "FILE",
+           .help = "Find the serial number where it is masked with the key in FILE, too",
+           .requiredOption = "--serial",
+           .manual = R"(Find the serial number also where it is masked with the key in this file, the one that
+.Xr usbinfo 1
+was given.)",
+           .store = cli::StoreText(options.maskKey)}};
+}
+
+std::vector<cli::Option> DescriptionOptions(FindOptions& options) {
+  return {{.names = {"--kind"},
+           .value = "KIND",
+           .help = "Find devices of this kind, such as \"mass storage\"",
+           .manual = R"(Find devices of this kind, such as
 .Cm keyboard
 or
 .Dq mass storage .)",
-       .store = StoreParsed(options.kind, KindOf)},
-      {.names = {"--name"},
-       .value = "TEXT",
-       .help = "Find devices with this text in the names of manufacturer and product",
-       .manual = R"(Find devices and hubs that have this text in
+           .store = StoreParsed(options.kind, KindOf)},
+          {.names = {"--name"},
+           .value = "TEXT",
+           .help = "Find devices with this text in the names of manufacturer and product",
+           .manual = R"(Find devices and hubs that have this text in
 .Dq MANUFACTURER PRODUCT ,
 as they send these.
 Upper and lower case of ASCII letters do not matter.)",
-       .store = cli::StoreText(options.name)},
-      AtOption(options.at),
-      {.names = {"--mask-key"},
-       .value = "FILE",
-       .help = "Find the serial number where it is masked with the key in FILE, too",
-       .requiredOption = "--serial",
-       .manual = R"(Find the serial number also where it is masked with the key in this file, the one that
-.Xr usbinfo 1
-was given.)",
-       .store = cli::StoreText(options.maskKey)}};
-  const std::vector<cli::Option> listOptions = ListOptionTable(options.list);
-  table.insert(table.end(), listOptions.begin(), listOptions.end());
+           .store = cli::StoreText(options.name)}};
+}
+
+}  // namespace
+
+std::vector<cli::Option> FindOptionTable(FindOptions& options) {
+  std::vector<cli::Option> table = {DatabaseOption(options.database), IdOption(options.ids)};
+  for (const std::vector<cli::Option>& more : {SerialOptions(options),
+                                               DescriptionOptions(options),
+                                               {AtOption(options.at)},
+                                               ListOptionTable(options.list)}) {
+    table.insert(table.end(), more.begin(), more.end());
+  }
   return table;
 }
 

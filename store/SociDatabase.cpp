@@ -33,6 +33,7 @@ constexpr Advice kAdvice[] = {
     {"permission denied", "grant the role what it needs"},
     {"is full", "make room on the disk, and try again"},
     {"No space left", "make room on the disk, and try again"},
+    {"disk I/O error", "check the disk, and try again; what was loaded before is stored"},
     {"unable to open", "check the file and its folder"},
     {"not a database", "name another file with --db"},
     {"malformed", "restore it from a backup"},
@@ -48,8 +49,15 @@ std::string_view AdviceFor(const std::string& message) {
   return found == std::end(kAdvice) ? kOtherAdvice : found->advice;
 }
 
+/// Without the name of SOCI's function: "sqlite3_statement_backend::prepare: ".
+std::string WithoutFunction(const std::string& message) {
+  const std::size_t colons = message.find("::");
+  const std::size_t blank = message.find(' ');
+  return colons < blank && blank != std::string::npos ? message.substr(blank + 1) : message;
+}
+
 [[noreturn]] void Throw(const std::string& name, const soci::soci_error& error) {
-  std::string message = error.get_error_message();
+  std::string message = WithoutFunction(error.get_error_message());
   std::replace(message.begin(), message.end(), '\n', ' ');
   message.erase(message.find_last_not_of(" .") + 1);
   throw DatabaseError(fmt::format("the store {}: {}; {}", name, message, AdviceFor(message)));

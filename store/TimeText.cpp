@@ -102,7 +102,7 @@ Seconds ParseDuration(const std::string& text) {
   const std::optional<Seconds> duration = FindDuration(text);
   if (!duration) {
     throw cli::UsageError(fmt::format(
-        "\"{}\" is no duration: it must be a number and one of s, m, h, d, w, such as \"2d\"", text));
+        R"("{}" is no duration: it must be a number and one of s, m, h, d, w, such as "2d")", text));
   }
   return *duration;
 }
@@ -111,8 +111,8 @@ Moment Moment::Parse(const std::string& text) {
   if (const auto ago = FindDuration(text)) return {*ago, true};
   if (const auto time = FindShortTime(text)) return {*time, false};
   throw cli::UsageError(fmt::format(
-      "\"{}\" is no time: it must be one in UTC, such as \"2026-03-15\" or \"2026-03-15T12:00:00Z\", or how "
-      "long ago, such as \"2d\"",
+      R"("{}" is no time: it must be one in UTC, such as "2026-03-15" or "2026-03-15T12:00:00Z", )"
+      R"(or how long ago, such as "2d")",
       text));
 }
 

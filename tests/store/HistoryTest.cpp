@@ -103,7 +103,7 @@ TEST_P(HistoryTest, EveryCapturedMachineIsShownByteForByte) {
 }
 
 TEST_P(HistoryTest, RandomHistoriesAreShownAsLoadedAtEveryTimeAndAfterPruning) {
-  const int histories = GetParam() == store::Dialect::kSqlite ? 8 : 3;
+  const int histories = GetParam() == store::Dialect::kSqlite ? 4 : 2;
   for (int seed = 1; seed <= histories; ++seed) {
     SCOPED_TRACE(seed);
     Mutation mutation(static_cast<unsigned>(seed));
