@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include "cli/collect/SerialMask.h"
 #include "tests/cli/support/RunCommand.h"
 #include "tests/store/support/StoreTest.h"
 
@@ -62,6 +63,26 @@ TEST_P(CommandTest, AnswersWhoHasWhatWhereAndWhen) {
   EXPECT_EQ(Run({"show", "vm-desktop", "--format", "json"}).output, SourceFile("examples/desktop.json"));
   EXPECT_EQ(Run({"show", "nobody"}).errors,
             "usbinfo-store: the store has no host nobody; usbinfo-store hosts lists them\n");
+}
+
+TEST_P(CommandTest, FindsASerialNumberThatIsMaskedWithTheKey) {
+  const TemporaryFolder folder;
+  const std::string key = folder.File("key", std::string(32, 'k'));
+  ASSERT_EQ(::chmod(key.c_str(), 0600), 0);
+  const cli::SerialMask mask = cli::SerialMask::OfKeyFile(key);
+  Json document = Desktop(kNow - kDay);
+  document["origin"]["masked"] = {{"key", *mask.Fingerprint()}};
+  Json& facts = document["kernel"]["devices"].back();
+  facts["serial"] = mask.Mask("PEN-1");
+  Load(document);
+
+  const CommandResult without = Run({"find", "--serial", "PEN-1"});
+  EXPECT_EQ(without.status, 1);
+  EXPECT_THAT(without.errors,
+              HasSubstr("serial numbers of some hosts are masked: name the key with --mask-key"));
+  const CommandResult with = Run({"find", "--serial", "PEN-1", "--mask-key", key, "--format", "json"});
+  EXPECT_EQ(with.errors, "");
+  EXPECT_EQ(Json::parse(with.output)["devices"][0]["serial"], facts["serial"]);
 }
 
 TEST_P(CommandTest, LoadsWhatItCanAndReportsWhatItRefuses) {
