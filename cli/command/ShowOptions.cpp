@@ -137,6 +137,10 @@ std::vector<Option> FormatOptions(ShowOptions& options) {
 .Pa /dev
 in the tree, and every free socket in a row of its own.)",
            .store = StoreTrue(options.isVerbose)},
+          {.names = {"--compact"},
+           .help = "Print JSON on one line",
+           .manual = "Print the format json on one line, for programs that read a document per line.",
+           .store = StoreTrue(options.isCompact)},
           ColumnsOption(options.columns),
           ColorOption(options.color)};
 }
@@ -323,6 +327,9 @@ void CompleteShowOptions(ShowOptions& options) {
   if (!options.askedFormats.empty()) options.format = options.askedFormats.front();
   if (options.isVerbose && options.format != "tree") {
     throw UsageError("-v is for the tree: leave it out, or use --format tree");
+  }
+  if (options.isCompact && options.format != "json") {
+    throw UsageError("--compact is for JSON: leave it out, or use --format json");
   }
   CheckRowsOfCsv(options);
   CompleteColumns(options);
