@@ -4,6 +4,24 @@
 
 namespace cli {
 
+namespace {
+
+const std::vector<Choice>& WayNames() {
+  static const std::vector<Choice> names = {{"auto", "sysfs, where it is mounted"},
+                                            {"sysfs", "what the kernel shows to everybody"},
+                                            {"plugin", "the list that the plug-in finds"}};
+  return names;
+}
+
+Source::Way WayOf(const std::string& name) {
+  std::string known;
+  StoreChoice(known, WayNames())(name);
+  if (known == "sysfs") return Source::Way::kSysfs;
+  return known == "plugin" ? Source::Way::kPlugin : Source::Way::kAuto;
+}
+
+}  // namespace
+
 Option HelpOption(bool& isAsked) {
   return {.names = {"-h", "--help"},
           .help = "Print this help",
@@ -44,6 +62,58 @@ prints wrong are corrected, and two kinds of lines are left out: interfaces of a
 without a configuration, and lines that the plug-in would take for those of the next
 device.)",
           .store = StoreTrue(isAsIs)};
+}
+
+Option WayOption(std::optional<Source::Way>& way) {
+  return {.names = {"--source"},
+          .value = "WAY",
+          .help = "What to read this machine's devices from",
+          .defaultValue = WayNames().front().name,
+          .choices = WayNames(),
+          .manual = R"(What to read the devices of this machine from:
+.Cm sysfs
+needs neither root nor another program;
+.Cm plugin
+leaves it to the plug-in, which looks for the list in
+.Pa /proc/bus/usb/devices
+and
+.Pa /sys/kernel/debug/usb/devices ,
+may try to mount usbfs, and else runs
+.Xr usb-devices 1 ;
+.Cm auto
+is
+.Cm sysfs
+where
+.Pa /sys
+is mounted, and else
+.Cm plugin .)",
+          .store = [&way](const std::string& name) { way = WayOf(name); }};
+}
+
+std::vector<Option> MaskOptions(Source& source) {
+  return {{.names = {"--mask-serials"},
+           .help = "Print and log hashes instead of serial numbers",
+           .manual = R"(Print and log hashes instead of serial numbers.
+With the same key, equal serial numbers have equal hashes.
+Root hubs keep their serial number, which is the address of their controller.
+Hashes of version 1.0.0 do not compare with these.)",
+           .store = StoreTrue(source.maskSerials)},
+          {.names = {"--mask-key"},
+           .value = "FILE",
+           .help = "Hash with this key, so that inventories with the same key compare; - is standard input",
+           .defaultValue = "a random key for each run",
+           .requiredOption = "--mask-serials",
+           .manual = R"(Read the key for
+.Fl -mask-serials
+from this file, so that inventories with the same key can be compared.
+A single dash is standard input.
+The key must have at least 16 bytes and be hard to guess, and other users must not
+be able to read the file.
+The command
+.Ql umask 077; head -c 32 /dev/urandom > key
+makes one.
+The default is a random key for each run.)",
+           .store = StoreText(source.maskKey)}};
 }
 
 Option ColorOption(std::string& when) {

@@ -1,9 +1,11 @@
 // Options that several subcommands share.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/collect/Source.h"
 #include "cli/option/Option.h"
 
 namespace cli {
@@ -19,6 +21,12 @@ Option FormatOption(std::string& format, const std::vector<std::string>& formats
 
 /// --as-is.
 Option AsIsOption(bool& isAsIs);
+
+/// --source WAY.
+Option WayOption(std::optional<Source::Way>& way);
+
+/// --mask-serials and --mask-key FILE.
+std::vector<Option> MaskOptions(Source& source);
 
 /// --color WHEN.
 Option ColorOption(std::string& when);

@@ -39,46 +39,6 @@ void SetPlace(Selection& selection, const std::string& text) {
   throw UsageError("must be [BUS]:[DEV] or DEV, decimal numbers, or a name such as 1-3.1");
 }
 
-const std::vector<Choice>& WayNames() {
-  static const std::vector<Choice> names = {{"auto", "sysfs, where it is mounted"},
-                                            {"sysfs", "what the kernel shows to everybody"},
-                                            {"plugin", "the list that the plug-in finds"}};
-  return names;
-}
-
-Source::Way WayOf(const std::string& name) {
-  std::string known;
-  StoreChoice(known, WayNames())(name);
-  if (known == "sysfs") return Source::Way::kSysfs;
-  return known == "plugin" ? Source::Way::kPlugin : Source::Way::kAuto;
-}
-
-Option WayOption(std::optional<Source::Way>& way) {
-  return {.names = {"--source"},
-          .value = "WAY",
-          .help = "What to read this machine's devices from",
-          .defaultValue = WayNames().front().name,
-          .choices = WayNames(),
-          .manual = R"(What to read the devices of this machine from:
-.Cm sysfs
-needs neither root nor another program;
-.Cm plugin
-leaves it to the plug-in, which looks for the list in
-.Pa /proc/bus/usb/devices
-and
-.Pa /sys/kernel/debug/usb/devices ,
-may try to mount usbfs, and else runs
-.Xr usb-devices 1 ;
-.Cm auto
-is
-.Cm sysfs
-where
-.Pa /sys
-is mounted, and else
-.Cm plugin .)",
-          .store = [&way](const std::string& name) { way = WayOf(name); }};
-}
-
 std::vector<Option> SourceOptions(Source& source) {
   return {{.names = {"--devices"},
            .value = "FILE",
@@ -177,6 +137,10 @@ std::vector<Option> FormatOptions(ShowOptions& options) {
 .Pa /dev
 in the tree, and every free socket in a row of its own.)",
            .store = StoreTrue(options.isVerbose)},
+          {.names = {"--compact"},
+           .help = "Print JSON on one line",
+           .manual = "Print the format json on one line, for programs that read a document per line.",
+           .store = StoreTrue(options.isCompact)},
           ColumnsOption(options.columns),
           ColorOption(options.color)};
 }
@@ -239,32 +203,6 @@ The associations link the instances of the classes before them.
 The names are passed to the plug-in unchanged.
 Each class that it serves is one of)",
           .store = [&request](const std::string& list) { request = SplitList(list, "class names"); }};
-}
-
-std::vector<Option> MaskOptions(Source& source) {
-  return {{.names = {"--mask-serials"},
-           .help = "Print and log hashes instead of serial numbers",
-           .manual = R"(Print and log hashes instead of serial numbers.
-With the same key, equal serial numbers have equal hashes.
-Root hubs keep their serial number, which is the address of their controller.
-Hashes of version 1.0.0 do not compare with these.)",
-           .store = StoreTrue(source.maskSerials)},
-          {.names = {"--mask-key"},
-           .value = "FILE",
-           .help = "Hash with this key, so that inventories with the same key compare; - is standard input",
-           .defaultValue = "a random key for each run",
-           .requiredOption = "--mask-serials",
-           .manual = R"(Read the key for
-.Fl -mask-serials
-from this file, so that inventories with the same key can be compared.
-A single dash is standard input.
-The key must have at least 16 bytes and be hard to guess, and other users must not
-be able to read the file.
-The command
-.Ql umask 077; head -c 32 /dev/urandom > key
-makes one.
-The default is a random key for each run.)",
-           .store = StoreText(source.maskKey)}};
 }
 
 Option PluginOption(std::string& path) {
@@ -389,6 +327,9 @@ void CompleteShowOptions(ShowOptions& options) {
   if (!options.askedFormats.empty()) options.format = options.askedFormats.front();
   if (options.isVerbose && options.format != "tree") {
     throw UsageError("-v is for the tree: leave it out, or use --format tree");
+  }
+  if (options.isCompact && options.format != "json") {
+    throw UsageError("--compact is for JSON: leave it out, or use --format json");
   }
   CheckRowsOfCsv(options);
   CompleteColumns(options);

@@ -16,6 +16,7 @@ struct ShowOptions {
   /// The formats that were requested, by --format or by their short options.
   std::vector<std::string> askedFormats;
   bool isVerbose = false;
+  bool isCompact = false;
   /// Names of columns or properties to show; empty for what the format chooses.
   std::vector<std::string> columns;
   std::string color = "auto";

@@ -1,5 +1,6 @@
 #include "cli/format/JsonFormat.h"
 
+#include "cli/format/RenderOptions.h"
 #include "cli/model/Inventory.h"
 #include "cli/model/JsonValues.h"
 #include "cli/model/KernelJson.h"
@@ -29,8 +30,8 @@ void WriteClasses(JsonWriter& json, const Inventory& inventory) {
 
 }  // namespace
 
-std::string RenderJson(const Inventory& inventory, const RenderOptions&) {
-  JsonWriter json(JsonWriter::Layout::kIndented);
+std::string RenderJson(const Inventory& inventory, const RenderOptions& options) {
+  JsonWriter json(options.isCompact ? JsonWriter::Layout::kOneLine : JsonWriter::Layout::kIndented);
   json.BeginObject();
   json.Key("schema");
   json.String("usbinfo.inventory/2");

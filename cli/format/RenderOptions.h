@@ -17,6 +17,8 @@ struct RenderOptions {
   Color color = Color::kAuto;
   /// Show more about each item than fits on a line.
   bool isVerbose = false;
+  /// A document of JSON stands on one line.
+  bool isCompact = false;
   /// The columns to show: properties with `showsClasses`, else some of DeviceColumnNames; empty for what the
   /// format chooses.
   std::vector<std::string> columns = {};

@@ -26,20 +26,6 @@ std::string Hexadecimal(std::uint8_t code) {
   return fmt::format("{:02x}", code);
 }
 
-void WriteInterface(JsonWriter& json, const InterfaceFacts& interface) {
-  json.BeginObject();
-  WriteMember(json, "configuration", interface.configuration);
-  WriteMember(json, "number", interface.number);
-  WriteMember(json, "setting", interface.setting);
-  json.Key("active");
-  json.Bool(interface.isActive);
-  WriteMember(json, "class", Hexadecimal(interface.classCode));
-  WriteMember(json, "subclass", Hexadecimal(interface.subclass));
-  WriteMember(json, "protocol", Hexadecimal(interface.protocol));
-  WriteMember(json, "driver", interface.driver);
-  json.EndObject();
-}
-
 std::uint8_t ReadByte(const JsonNode& node) {
   return static_cast<std::uint8_t>(node.Number(std::numeric_limits<std::uint8_t>::max()));
 }
@@ -129,6 +115,20 @@ PortFacts ReadPort(const JsonNode& node) {
 
 }  // namespace
 
+void WriteInterfaceFacts(JsonWriter& json, const InterfaceFacts& interface) {
+  json.BeginObject();
+  WriteMember(json, "configuration", interface.configuration);
+  WriteMember(json, "number", interface.number);
+  WriteMember(json, "setting", interface.setting);
+  json.Key("active");
+  json.Bool(interface.isActive);
+  WriteMember(json, "class", Hexadecimal(interface.classCode));
+  WriteMember(json, "subclass", Hexadecimal(interface.subclass));
+  WriteMember(json, "protocol", Hexadecimal(interface.protocol));
+  WriteMember(json, "driver", interface.driver);
+  json.EndObject();
+}
+
 void WriteDeviceFacts(JsonWriter& json, const DeviceFacts& device) {
   json.BeginObject();
   WriteMember(json, "device", device.device);
@@ -140,7 +140,7 @@ void WriteDeviceFacts(JsonWriter& json, const DeviceFacts& device) {
   WriteMember(json, "serial", device.serial);
   WriteMember(json, "kinds", device.kinds);
   WriteList(json, "interfaces", device.interfaces,
-            [&](const InterfaceFacts& interface) { WriteInterface(json, interface); });
+            [&](const InterfaceFacts& interface) { WriteInterfaceFacts(json, interface); });
   WriteOptional(json, "maxPower", device.maxPower, [&](std::uint64_t power) { json.Number(power); });
   WriteMember(json, "revision", device.revision);
   WriteOptional(json, "nodes", device.nodes,

@@ -94,6 +94,7 @@ const WrongUse kWrongUses[] = {
     {"TreeAndTable",
      {"--format", "table", "-t"},
      "the formats table and tree contradict each other: ask for one of them"},
+    {"CompactTree", {"--compact"}, "--compact is for JSON: leave it out, or use --format json"},
     {"DetailsOfJson", {"-v", "-j"}, "-v is for the tree: leave it out, or use --format tree"},
     {"DetailsOfTheTable",
      {"--verbose", "--format", "table"},

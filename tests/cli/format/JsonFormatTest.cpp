@@ -45,6 +45,13 @@ TEST_F(JsonFormatTest, PrintsADocumentForAnEmptyInventory) {
 )");
 }
 
+TEST_F(JsonFormatTest, PrintsTheSameDocumentOnOneLine) {
+  AddPort("a Port 00", 480000000, "No device\nconnected");
+  const std::string line = cli::RenderJson(Collected(), {.isCompact = true});
+  EXPECT_EQ(line.find('\n'), line.size() - 1);
+  EXPECT_EQ(ordered_json::parse(line), Parse());
+}
+
 TEST_F(JsonFormatTest, PrintsPropertiesByNameWithTheirTypes) {
   AddPort("a Port 00", 480000000, "No device connected");
   EXPECT_EQ(
