@@ -18,6 +18,10 @@ mode_t ModeOf(const std::string& path) {
   return status.st_mode & 07777;
 }
 
+const char* const kDesktop = SOURCE_DIR "/examples/desktop.json";
+
+}  // namespace
+
 class CommandTest : public StoreTest {
  protected:
   Command Store(std::vector<std::string> arguments) const {
@@ -26,10 +30,6 @@ class CommandTest : public StoreTest {
 
   CommandResult Run(std::vector<std::string> arguments) const { return Store(std::move(arguments)).Run(); }
 };
-
-const char* const kDesktop = SOURCE_DIR "/examples/desktop.json";
-
-}  // namespace
 
 TEST_P(CommandTest, AnswersWhoHasWhatWhereAndWhen) {
   const CommandResult loaded = Run({"load", kDesktop});

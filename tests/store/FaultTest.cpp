@@ -10,13 +10,15 @@ namespace usbinfo_test {
 
 namespace {
 
-using Moment = WatchedDatabase::Moment;
-
 /// More than any load has.
 constexpr std::size_t kMostStatements = 100;
 
+}  // namespace
+
 class FaultTest : public StoreTest {
  protected:
+  using Moment = WatchedDatabase::Moment;
+
   /// A store with a report, and one to load that removes, adds and changes items.
   void SetUp() override {
     StoreTest::SetUp();
@@ -32,8 +34,6 @@ class FaultTest : public StoreTest {
   Json fNext;
   std::vector<std::string> fBefore;
 };
-
-}  // namespace
 
 TEST_P(FaultTest, AFailureAtAnyStatementLeavesTheStoreAsBefore) {
   std::size_t failing = 1;

@@ -6,8 +6,6 @@
 
 namespace usbinfo_test {
 
-using store::Moment;
-
 TEST(TimeText, GivesEachTimeOneTextAndTakesNoOther) {
   for (const char* const text :
        {"0000-01-01T00:00:00Z", "1970-01-01T00:00:00Z", "2024-02-29T23:59:59Z", "9999-12-31T23:59:59Z"}) {
@@ -23,15 +21,15 @@ TEST(TimeText, GivesEachTimeOneTextAndTakesNoOther) {
 }
 
 TEST(TimeText, TakesTimesAndDurationsAsPeopleTypeThem) {
-  constexpr store::Seconds kNow = 1795305600;
+  constexpr store::Seconds kToday = 1795305600;
   for (const char* const text : {"2026-11-21", "2026-11-21Z", "2026-11-21T00:00", "2026-11-21 00:00:00Z",
                                  "1d", "24h", "1440m", "86400s"}) {
-    EXPECT_EQ(Moment::Parse(text).At(kNow), kNow - 86400) << text;
+    EXPECT_EQ(store::Moment::Parse(text).At(kToday), kToday - 86400) << text;
   }
   EXPECT_EQ(store::ParseDuration("2w"), 14 * 86400);
   for (const char* const text :
        {"", "d", "-1d", "1", "1.5d", "1y", "2026-11", "2026-02-30", "9999999999d", "now"}) {
-    EXPECT_THROW(Moment::Parse(text), cli::UsageError) << text;
+    EXPECT_THROW(store::Moment::Parse(text), cli::UsageError) << text;
     EXPECT_THROW(store::ParseDuration(text), cli::UsageError) << text;
   }
 }
