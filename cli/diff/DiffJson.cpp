@@ -1,5 +1,7 @@
 #include "cli/diff/DiffJson.h"
 
+#include <fmt/format.h>
+
 #include "cli/diff/DiffText.h"
 #include "cli/diff/InventoryDiff.h"
 #include "cli/model/JsonValues.h"
@@ -9,6 +11,8 @@
 namespace cli {
 
 namespace {
+
+constexpr const char* kSchema = "usbinfo.diff/2";
 
 void WriteKernel(JsonWriter& json, const PlacedItem& placed) {
   json.Key("kernel");
@@ -67,8 +71,21 @@ void WriteChange(JsonWriter& json, const ItemChange& change) {
             [&](const PropertyChange& property) { Write(json, property); });
 }
 
-void WriteMachine(JsonWriter& json, std::string_view key, const ComparedMachine& machine) {
-  json.Key(key);
+void WriteMoved(JsonWriter& json, const ItemChange& change) {
+  json.BeginObject();
+  json.Key("certain");
+  json.Bool(change.isCertain);
+  WriteChange(json, change);
+  json.EndObject();
+}
+
+void WriteChanged(JsonWriter& json, const ItemChange& change) {
+  json.BeginObject();
+  WriteChange(json, change);
+  json.EndObject();
+}
+
+void WriteMachine(JsonWriter& json, const ComparedMachine& machine) {
   json.BeginObject();
   WriteMember(json, "system", machine.system);
   const auto member = [&](std::string_view name, const std::optional<std::string>& value) {
@@ -91,25 +108,51 @@ std::string RenderDiffJson(const InventoryDifference& difference) {
   JsonWriter json(JsonWriter::Layout::kIndented);
   json.BeginObject();
   json.Key("schema");
-  json.String("usbinfo.diff/2");
-  WriteMachine(json, "old", difference.before);
-  WriteMachine(json, "new", difference.after);
+  json.String(kSchema);
+  json.Key("old");
+  WriteMachine(json, difference.before);
+  json.Key("new");
+  WriteMachine(json, difference.after);
   WriteItems(json, "added", difference.added);
   WriteItems(json, "removed", difference.removed);
-  WriteList(json, "moved", difference.moved, [&](const ItemChange& change) {
-    json.BeginObject();
-    json.Key("certain");
-    json.Bool(change.isCertain);
-    WriteChange(json, change);
-    json.EndObject();
-  });
-  WriteList(json, "changed", difference.changed, [&](const ItemChange& change) {
-    json.BeginObject();
-    WriteChange(json, change);
-    json.EndObject();
-  });
+  WriteList(json, "moved", difference.moved, [&](const ItemChange& change) { WriteMoved(json, change); });
+  WriteList(json, "changed", difference.changed,
+            [&](const ItemChange& change) { WriteChanged(json, change); });
   json.EndObject();
   return json.Take() + "\n";
+}
+
+std::string DiffMachineJson(const ComparedMachine& machine) {
+  JsonWriter json(JsonWriter::Layout::kOneLine);
+  WriteMachine(json, machine);
+  return json.Take();
+}
+
+std::string DiffItemJson(const DiffEntry& entry) {
+  JsonWriter json(JsonWriter::Layout::kOneLine);
+  if (entry.change == nullptr) {
+    Write(json, *entry.item);
+  } else if (entry.line.kind == DifferenceKind::kMoved) {
+    WriteMoved(json, *entry.change);
+  } else {
+    WriteChanged(json, *entry.change);
+  }
+  return json.Take();
+}
+
+void DiffJsonParts::Add(DifferenceKind kind, const std::string& item) {
+  std::string& list = fLists[static_cast<std::size_t>(kind)];
+  if (!list.empty()) list += ',';
+  list += item;
+}
+
+std::string DiffJsonParts::Document() const {
+  std::string text = fmt::format(R"({{"schema":"{}","old":{},"new":{})", kSchema, fBefore, fAfter);
+  for (const DifferenceKind kind :
+       {DifferenceKind::kAdded, DifferenceKind::kRemoved, DifferenceKind::kMoved, DifferenceKind::kChanged}) {
+    text += fmt::format(R"(,"{}":[{}])", NameOf(kind), fLists[static_cast<std::size_t>(kind)]);
+  }
+  return text + "}";
 }
 
 }  // namespace cli

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "cli/model/DeviceText.h"
-#include "cli/model/OriginText.h"
 #include "cli/model/Speed.h"
 #include "cli/text/Text.h"
 
@@ -41,12 +40,12 @@ std::string DescribeModel(const PlacedItem& placed) {
   const std::string id = FormatId(*placed.item);
   const std::string product = ProductOf(*placed.item, placed.device);
   if (product.empty()) return id.empty() ? id : id + " (no name)";
-  return id + (id.empty() ? "" : " ") + QuoteForTerminal(product);
+  return id + (id.empty() ? "" : " ") + QuoteForDocument(product);
 }
 
 std::string DescribeSerial(const PlacedItem& placed) {
   const std::string serial = SerialOf(*placed.item, placed.device);
-  return serial.empty() ? serial : ", serial " + QuoteForTerminal(serial);
+  return serial.empty() ? serial : ", serial " + QuoteForDocument(serial);
 }
 
 std::string WithBlank(const std::string& text) {
@@ -82,17 +81,17 @@ struct ValueDescription {
   std::string operator()(double rate) const { return FormatRate(rate); }
   std::string operator()(const std::string& text) const {
     const std::string sent = SentString(text);
-    return sent.empty() ? kNothing : QuoteForTerminal(sent);
+    return sent.empty() ? kNothing : QuoteForDocument(sent);
   }
   std::string operator()(const std::vector<std::string>& texts) const {
     if (texts.empty()) return kNothing;
     if (!change.property) return fmt::format("{}", fmt::join(texts, ", "));
     std::vector<std::string> elements;
     elements.reserve(texts.size());
-    for (const std::string& text : texts) elements.push_back(QuoteForTerminal(text));
+    for (const std::string& text : texts) elements.push_back(QuoteForDocument(text));
     return fmt::format("{}", fmt::join(elements, ", "));
   }
-  std::string operator()(const Reference& reference) const { return QuoteForTerminal(reference.path); }
+  std::string operator()(const Reference& reference) const { return QuoteForDocument(reference.path); }
   std::string operator()(const std::vector<InterfaceFacts>& interfaces) const {
     return Count(interfaces.size(), "interface");
   }
@@ -119,111 +118,70 @@ std::string NameOf(const InterfaceFacts& interface) {
 
 /// "03/01/01, driver "usbhid"".
 std::string Describe(const InterfaceFacts& interface) {
-  const std::string driver = interface.driver ? QuoteForTerminal(*interface.driver) : kNothing;
+  const std::string driver = interface.driver ? QuoteForDocument(*interface.driver) : kNothing;
   return fmt::format("{:02x}/{:02x}/{:02x}, driver {}{}", interface.classCode, interface.subclass,
                      interface.protocol, driver, interface.isActive ? "" : ", not active");
 }
 
 /// A line for each interface that differs.
-std::string DescribeInterfaces(const std::vector<InterfaceFacts>& before,
-                               const std::vector<InterfaceFacts>& after) {
+std::vector<std::string> DescribeInterfaces(const std::vector<InterfaceFacts>& before,
+                                            const std::vector<InterfaceFacts>& after) {
   std::map<std::string, std::pair<std::string, std::string>> interfaces;
   for (const InterfaceFacts& interface : before) interfaces[NameOf(interface)].first = Describe(interface);
   for (const InterfaceFacts& interface : after) interfaces[NameOf(interface)].second = Describe(interface);
-  std::string lines;
+  std::vector<std::string> lines;
   for (const auto& [name, texts] : interfaces) {
     if (texts.first == texts.second) continue;
-    lines += fmt::format("    interface {}: {} -> {}\n", name, texts.first.empty() ? kNothing : texts.first,
-                         texts.second.empty() ? kNothing : texts.second);
+    lines.push_back(fmt::format("interface {}: {} -> {}", name, texts.first.empty() ? kNothing : texts.first,
+                                texts.second.empty() ? kNothing : texts.second));
   }
   return lines;
 }
 
-std::string DescribeProperty(ClassId classId, const PropertyChange& change) {
+std::vector<std::string> DescribeProperty(ClassId classId, const PropertyChange& change) {
   const auto* const before = std::get_if<std::vector<InterfaceFacts>>(&change.before);
   const auto* const after = std::get_if<std::vector<InterfaceFacts>>(&change.after);
   if (before != nullptr && after != nullptr) {
-    const std::string lines = DescribeInterfaces(*before, *after);
+    std::vector<std::string> lines = DescribeInterfaces(*before, *after);
     if (!lines.empty()) return lines;
   }
   if (change.property == PropertyId::kSpeed) {
     const std::string speeds = DescribeSpeeds(classId, change);
-    if (!speeds.empty()) return "    Speed: " + speeds + "\n";
+    if (!speeds.empty()) return {"Speed: " + speeds};
   }
   const ValueDescription describe{change};
-  return fmt::format("    {}: {} -> {}\n", change.name, std::visit(describe, change.before),
-                     std::visit(describe, change.after));
+  return {fmt::format("{}: {} -> {}", change.name, std::visit(describe, change.before),
+                      std::visit(describe, change.after))};
 }
 
-/// What is reported of one item, and its order in the text: of one class at one place, removed items come
-/// before added ones.
-struct Entry {
-  const Place* place;
-  ClassId classId;
-  char mark;
-  std::string line;
-  std::string properties;
-
-  bool operator<(const Entry& other) const {
-    static const std::string kMarks = "->~+";
-    const auto rank = kMarks.find(mark);
-    const auto otherRank = kMarks.find(other.mark);
-    return std::tie(*place, classId, rank) < std::tie(*other.place, other.classId, otherRank);
-  }
-};
-
-Entry EntryOf(char mark, const PlacedItem& placed) {
-  return {&placed.place, placed.item->Class(), mark, DescribePlace(placed) + ": " + DescribeItem(placed), ""};
+DiffEntry EntryOf(DifferenceKind kind, const PlacedItem& placed) {
+  return {{kind, "", DescribePlace(placed), DescribeItem(placed), {}}, &placed, nullptr};
 }
 
-Entry EntryOf(char mark, const ItemChange& change) {
-  std::string properties;
+DiffEntry EntryOf(DifferenceKind kind, const ItemChange& change) {
+  DiffEntry entry = {
+      {kind, "", DescribePlace(change.after), DescribeChanged(change), {}}, &change.after, &change};
+  if (kind == DifferenceKind::kMoved) entry.line.placeBefore = DescribePlace(change.before);
   for (const PropertyChange& property : change.properties) {
-    properties += DescribeProperty(change.after.item->Class(), property);
+    for (std::string& text : DescribeProperty(change.after.item->Class(), property)) {
+      entry.line.properties.push_back(std::move(text));
+    }
   }
-  const std::string from = mark == '>' ? DescribePlace(change.before) + " -> " : "";
-  return {&change.after.place, change.after.item->Class(), mark,
-          from + DescribePlace(change.after) + ": " + DescribeChanged(change), properties};
+  return entry;
 }
 
-std::vector<Entry> EntriesOf(const InventoryDifference& difference) {
-  std::vector<Entry> entries;
-  for (const PlacedItem& placed : difference.removed) entries.push_back(EntryOf('-', placed));
-  for (const PlacedItem& placed : difference.added) entries.push_back(EntryOf('+', placed));
-  for (const ItemChange& change : difference.moved) entries.push_back(EntryOf('>', change));
-  for (const ItemChange& change : difference.changed) entries.push_back(EntryOf('~', change));
-  std::stable_sort(entries.begin(), entries.end());
-  return entries;
-}
-
-std::string Colored(char mark, const std::string& line) {
-  const char* const color = mark == '-' ? "31" : mark == '+' ? "32" : mark == '~' ? "33" : "36";
-  return fmt::format("\x1B[{}m{}\x1B[0m", color, line);
-}
-
-std::string DescribeMachine(const ComparedMachine& machine) {
-  const std::string time = machine.origin ? TimeOf(*machine.origin) : "not known";
-  return fmt::format("{} ({})", QuoteForTerminal(machine.system),
-                     time == "not known" ? "time not known" : time);
-}
-
-/// "1 added, 2 removed"; what there is none of is left out.
-std::string DescribeCounts(const InventoryDifference& difference) {
-  std::vector<std::string> counts;
-  const std::pair<std::size_t, const char*> all[] = {{difference.added.size(), "added"},
-                                                     {difference.removed.size(), "removed"},
-                                                     {difference.moved.size(), "moved"},
-                                                     {difference.changed.size(), "changed"}};
-  for (const auto& [count, verb] : all) {
-    if (count > 0) counts.push_back(fmt::format("{} {}", count, verb));
-  }
-  return fmt::format("{}", fmt::join(counts, ", "));
+/// Of one class at one place, removed items come first, added ones last.
+bool IsBefore(const DiffEntry& left, const DiffEntry& right) {
+  const ClassId leftClass = left.item->item->Class();
+  const ClassId rightClass = right.item->item->Class();
+  return std::tie(left.item->place, leftClass, left.line.kind) <
+         std::tie(right.item->place, rightClass, right.line.kind);
 }
 
 }  // namespace
 
 std::string DescribePlace(const Place& place) {
-  std::string text = place.hasBus ? fmt::format("bus {}", place.bus) : QuoteForTerminal(place.identifier);
+  std::string text = place.hasBus ? fmt::format("bus {}", place.bus) : QuoteForDocument(place.identifier);
   if (!place.ports.empty()) text += fmt::format(", port {}", fmt::join(place.ports, "."));
   return text;
 }
@@ -232,15 +190,26 @@ std::string DescribePlace(const PlacedItem& placed) {
   return placed.name.empty() ? DescribePlace(placed.place) : placed.name;
 }
 
+std::vector<DiffEntry> EntriesOf(const InventoryDifference& difference) {
+  std::vector<DiffEntry> entries;
+  const auto add = [&](DifferenceKind kind, const auto& items) {
+    for (const auto& item : items) entries.push_back(EntryOf(kind, item));
+  };
+  add(DifferenceKind::kRemoved, difference.removed);
+  add(DifferenceKind::kAdded, difference.added);
+  add(DifferenceKind::kMoved, difference.moved);
+  add(DifferenceKind::kChanged, difference.changed);
+  std::stable_sort(entries.begin(), entries.end(), IsBefore);
+  return entries;
+}
+
 std::string RenderDiffText(const InventoryDifference& difference, bool isColored) {
   if (difference.IsEmpty()) return std::string();
-  std::string text =
-      fmt::format("{} -> {}\n", DescribeMachine(difference.before), DescribeMachine(difference.after));
-  for (const Entry& entry : EntriesOf(difference)) {
-    const std::string line = fmt::format("{} {}", entry.mark, entry.line);
-    text += (isColored ? Colored(entry.mark, line) : line) + "\n" + entry.properties;
-  }
-  return text + DescribeCounts(difference) + "\n";
+  std::string text = RenderDiffHeading(difference.before, difference.after);
+  std::vector<DiffLine> lines;
+  for (DiffEntry& entry : EntriesOf(difference)) lines.push_back(std::move(entry.line));
+  for (const DiffLine& line : lines) text += RenderDiffLine(line, isColored);
+  return text + RenderDiffCounts(lines);
 }
 
 }  // namespace cli

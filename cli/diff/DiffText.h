@@ -3,16 +3,30 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "cli/diff/DiffLine.h"
 #include "cli/diff/InventoryDiff.h"
 
 namespace cli {
 
-/// "bus 1, port 2.0", "bus 1"; for an item that is not on a known bus, its identifier in quotes instead of
-/// the bus.
+/// In UTF-8: "bus 1, port 2.0", "bus 1"; for an item that is not on a known bus, its identifier in quotes
+/// instead of the bus.
 std::string DescribePlace(const Place& place);
 /// The kernel's name, "1-3.1"; where it is not known, the place.
 std::string DescribePlace(const PlacedItem& placed);
+
+/// An item that differs: its line, and where it is in the difference, which must outlive this.
+struct DiffEntry {
+  DiffLine line;
+  /// The item; of two, the one in the new inventory.
+  const PlacedItem* item;
+  /// Null for an item that was added or removed.
+  const ItemChange* change;
+};
+
+/// In the order of the text.
+std::vector<DiffEntry> EntriesOf(const InventoryDifference& difference);
 
 /// Empty when there is no difference. Texts of devices are quoted and escaped, so that none can forge a line,
 /// a value or a command to the terminal.

@@ -16,6 +16,8 @@ namespace {
 /// The character set of the environment has been asked for and not been loaded yet.
 bool isCharacterSetDue = false;
 
+constexpr char32_t kBeyondAscii = 0x80;
+
 class TerminalPolicy {
  public:
   explicit TerminalPolicy(bool isUtf8) : fIsUtf8(isUtf8) {}
@@ -34,12 +36,28 @@ class TerminalPolicy {
 
  private:
   bool IsShown(const Character& character, bool isUnprintable) const {
-    constexpr char32_t kBeyondAscii = 0x80;
     return !isUnprintable && (fIsUtf8 || character.code < kBeyondAscii);
   }
 
   bool fIsUtf8;
 };
+
+std::string Quote(std::string_view text, bool isUtf8) {
+  const auto policy = [terminal = TerminalPolicy(isUtf8)](const Character& character, bool isUnprintable,
+                                                          std::string& out) {
+    if (character.code == U'"') {
+      out += "\\\"";
+    } else if (character.code == U'\t') {
+      out += "\\t";
+    } else {
+      terminal(character, isUnprintable, out);
+    }
+  };
+  std::string quoted = "\"";
+  AppendMapped(text, policy, quoted);
+  quoted += '"';
+  return quoted;
+}
 
 void AppendForMof(const Character& character, bool isUnprintable, std::string& out) {
   if (!character.isValid) {
@@ -85,20 +103,22 @@ std::string EscapeForDocument(std::string_view text) {
 }
 
 std::string QuoteForTerminal(std::string_view text) {
-  const auto policy = [terminal = TerminalPolicy(IsLocaleUtf8())](const Character& character,
-                                                                  bool isUnprintable, std::string& out) {
-    if (character.code == U'"') {
-      out += "\\\"";
-    } else if (character.code == U'\t') {
-      out += "\\t";
+  return Quote(text, IsLocaleUtf8());
+}
+
+std::string QuoteForDocument(std::string_view text) {
+  return Quote(text, true);
+}
+
+std::string InCharacterSetOfLocale(std::string_view text) {
+  if (IsLocaleUtf8()) return std::string(text);
+  return MapCharacters(text, [](const Character& character, bool /*isUnprintable*/, std::string& out) {
+    if (character.code < kBeyondAscii) {
+      out += character.bytes;
     } else {
-      terminal(character, isUnprintable, out);
+      AppendByteEscapes(character.bytes, out);
     }
-  };
-  std::string quoted = "\"";
-  AppendMapped(text, policy, quoted);
-  quoted += '"';
-  return quoted;
+  });
 }
 
 std::string EscapeForMof(std::string_view text) {

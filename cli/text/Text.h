@@ -32,6 +32,13 @@ std::string EscapeForDocument(std::string_view text);
 /// EscapeForTerminal makes it, tabs as `\t` and quotes as `\"`.
 std::string QuoteForTerminal(std::string_view text);
 
+/// The same in UTF-8, whatever the locale is, for a text that is kept.
+std::string QuoteForDocument(std::string_view text);
+
+/// A text that EscapeForDocument or QuoteForDocument made, for the terminal: where the locale is not one of
+/// UTF-8, the bytes of each character beyond ASCII as `\xHH`, as the functions for terminals write them.
+std::string InCharacterSetOfLocale(std::string_view text);
+
 /// `text` as the inside of a string of MOF: quotes and backslashes with a backslash before them, tabs and
 /// newlines as `\t` and `\n`, every other unprintable character as `\x` with four digits, two of these
 /// (surrogates) beyond U+FFFF; bytes that are not UTF-8 as U+FFFD.
