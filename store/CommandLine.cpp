@@ -17,7 +17,8 @@ namespace store {
 CommandLine::CommandLine(const Clock& clock) : fClock(clock) {
   fCommand.name = kProgram;
   fCommand.summary = "Keep the USB inventories of many machines, and their history";
-  fCommand.subcommands = {Hosts(), Load(), Find(), Show(), Forget(), Rename(), Prune(), Migrate(), Schema()};
+  fCommand.subcommands = {Hosts(),  Load(),   Find(),  Changes(), Show(),
+                          Forget(), Rename(), Prune(), Migrate(), Schema()};
   fCommand.subcommands.push_back(Help());
 }
 
@@ -70,6 +71,13 @@ CommandSpec CommandLine::Find() {
           .summary = "List where devices are, or were",
           .options = WithHelp(FindOptionTable(fFind)),
           .run = [this] { return RunFind(fFind, fClock); }};
+}
+
+CommandSpec CommandLine::Changes() {
+  return {.name = "changes",
+          .summary = "Print what came, went, moved and changed",
+          .options = WithHelp(ChangesOptionTable(fChanges)),
+          .run = [this] { return RunChanges(fChanges, fClock); }};
 }
 
 CommandSpec CommandLine::Show() {

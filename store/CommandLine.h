@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/option/CommandSpec.h"
+#include "store/ChangesCommand.h"
 #include "store/Clock.h"
 #include "store/FindCommand.h"
 #include "store/HostsCommand.h"
@@ -30,6 +31,7 @@ class CommandLine {
   cli::CommandSpec Hosts();
   cli::CommandSpec Load();
   cli::CommandSpec Find();
+  cli::CommandSpec Changes();
   cli::CommandSpec Show();
   cli::CommandSpec Forget();
   cli::CommandSpec Rename();
@@ -43,6 +45,7 @@ class CommandLine {
   HostsOptions fHosts;
   LoadOptions fLoad;
   FindOptions fFind;
+  ChangesOptions fChanges;
   ShowOptions fShow;
   ForgetOptions fForget;
   RenameOptions fRename;

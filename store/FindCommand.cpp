@@ -119,7 +119,7 @@ enum DeviceColumn : std::size_t {
   kDrivers,
   kSince,
   kUntil,
-  kColumns
+  kDeviceColumns
 };
 
 std::vector<Row> SelectDevices(Database& database, const Conditions& conditions) {
@@ -128,7 +128,7 @@ std::vector<Row> SelectDevices(Database& database, const Conditions& conditions)
       "speed, "
       "drivers, since, until FROM item JOIN host ON host.id = item.host_id WHERE section IN (1, 3)" +
       conditions.Sql();
-  std::vector<Row> rows = Rows(database, {sql, kColumns}, conditions.Values());
+  std::vector<Row> rows = Rows(database, {sql, kDeviceColumns}, conditions.Values());
   // Databases sort texts by their own rules.
   const auto key = [](const Row& row) {
     return std::make_tuple(row.String(kHost), row.String(kPlace), row.String(kIdentifier));
@@ -140,10 +140,6 @@ std::vector<Row> SelectDevices(Database& database, const Conditions& conditions)
 
 Cell ListIn(const Row& row, std::size_t column) {
   return cli::SplitAtCommas(row.String(column));
-}
-
-Cell TimeIn(const Row& row, std::size_t column) {
-  return row.IsNull(column) ? Cell() : Cell(Time{row.Number(column)});
 }
 
 /// The place, or the identifier where the kernel's name is not known.
@@ -167,8 +163,8 @@ ResultList ListOf(const std::vector<Row>& rows) {
     list.AddRow({row.String(kHost), PlaceIn(row), ListIn(row, kKinds),
                  CellOf(row.OptionalString(kManufacturer)), CellOf(row.OptionalString(kProduct)),
                  row.String(kVendorId) + ":" + row.String(kProductId), CellOf(row.OptionalString(kSerial)),
-                 CellOf(row.OptionalReal(kSpeed)), ListIn(row, kDrivers), TimeIn(row, kSince),
-                 TimeIn(row, kUntil)});
+                 CellOf(row.OptionalReal(kSpeed)), ListIn(row, kDrivers),
+                 TimeCell(row.OptionalNumber(kSince)), TimeCell(row.OptionalNumber(kUntil))});
   }
   return list;
 }

@@ -53,8 +53,8 @@ Pruned Prune(Database& database, Seconds since) {
       "(SELECT MIN(report.collected) FROM report WHERE report.host_id = item.host_id)",
       {});
   database.Execute(
-      "DELETE FROM difference WHERE collected < "
-      "(SELECT MIN(report.collected) FROM report WHERE report.host_id = difference.host_id)",
+      "DELETE FROM comparison WHERE collected <= "
+      "(SELECT MIN(report.collected) FROM report WHERE report.host_id = comparison.host_id)",
       {});
   pruned.late = database.Execute("DELETE FROM late WHERE collected < ?", {Integer(since)});
   pruned.refused = database.Execute("DELETE FROM refused WHERE last_time < ?", {Integer(since)});

@@ -34,7 +34,7 @@ enum HostColumn : std::size_t {
   kFindings,
   kReports,
   kLate,
-  kColumns
+  kHostColumns
 };
 
 std::vector<Row> SelectHosts(Database& database) {
@@ -47,7 +47,7 @@ std::vector<Row> SelectHosts(Database& database) {
       "LEFT JOIN report ON report.host_id = host.id AND report.collected = "
       "(SELECT MAX(last.collected) FROM report AS last WHERE last.host_id = host.id) "
       "LEFT JOIN state ON state.host_id = host.id AND state.number = report.state",
-      kColumns};
+      kHostColumns};
   std::vector<Row> rows = Rows(database, query, {});
   // Databases sort texts by their own rules.
   std::sort(rows.begin(), rows.end(),
@@ -64,10 +64,6 @@ std::map<std::string, Error> SelectErrors(Database& database) {
         errors[row.String(0)] = {row.Number(1), row.String(2)};
       });
   return errors;
-}
-
-Cell TimeIn(const Row& row, std::size_t column) {
-  return row.IsNull(column) ? Cell() : Cell(Time{row.Number(column)});
 }
 
 /// What was refused since the last report was loaded.
@@ -126,12 +122,13 @@ int RunHosts(const HostsOptions& options, const Clock& clock) {
   ResultList list = EmptyList();
   for (const Row& row : SelectHosts(*database)) {
     if (!IsListed(row, options, clock.Now())) continue;
-    list.AddRow({row.String(kName), TimeIn(row, kCollected), CellOf(row.OptionalNumber(kReports)),
-                 CellOf(row.OptionalNumber(kControllers)), CellOf(row.OptionalNumber(kHubs)),
-                 CellOf(row.OptionalNumber(kPorts)), CellOf(row.OptionalNumber(kDevices)),
-                 CellOf(row.OptionalNumber(kLate)), CellOf(row.OptionalNumber(kFindings)),
-                 CellOf(row.OptionalString(kMask)), CellOf(row.OptionalString(kMachine)),
-                 TimeIn(row, kLoaded), LastError(row, errors)});
+    list.AddRow({row.String(kName), TimeCell(row.OptionalNumber(kCollected)),
+                 CellOf(row.OptionalNumber(kReports)), CellOf(row.OptionalNumber(kControllers)),
+                 CellOf(row.OptionalNumber(kHubs)), CellOf(row.OptionalNumber(kPorts)),
+                 CellOf(row.OptionalNumber(kDevices)), CellOf(row.OptionalNumber(kLate)),
+                 CellOf(row.OptionalNumber(kFindings)), CellOf(row.OptionalString(kMask)),
+                 CellOf(row.OptionalString(kMachine)), TimeCell(row.OptionalNumber(kLoaded)),
+                 LastError(row, errors)});
   }
   if (!list.IsEmpty() || options.list.format != "table") Print(list, options.list);
   if (!list.IsEmpty()) return kDone;

@@ -14,7 +14,7 @@ namespace store {
 
 namespace {
 
-constexpr std::size_t kHeadBytes = 1000;
+constexpr std::size_t kRecordedBytes = 1000;
 
 cli::Inventory Parse(const Document& document, const std::string& source) {
   if (document.isTooLong) {
@@ -40,7 +40,7 @@ void Record(Database& database, const Document& document, const std::string& sou
       "excluded.reason",
       {Text(hash.Text()), Integer(now), Integer(now), Integer(1), OptionalColumnText(host),
        Text(cli::EscapeForDocument(source)), Text(cli::EscapeForDocument(reason)),
-       Text(cli::EscapeForDocument(document.text.substr(0, kHeadBytes)))});
+       Text(cli::EscapeForDocument(document.text.substr(0, kRecordedBytes)))});
 }
 
 }  // namespace

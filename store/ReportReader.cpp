@@ -131,6 +131,10 @@ cli::Inventory Read(const Database& database, const State& state, const Contents
 
 std::optional<cli::Inventory> ReadReport(Database& database, const std::string& host, Seconds at) {
   const Transaction transaction(database, Transaction::Purpose::kRead);
+  return ReadReportWithin(database, host, at);
+}
+
+std::optional<cli::Inventory> ReadReportWithin(Database& database, const std::string& host, Seconds at) {
   const std::optional<State> state = SelectState(database, host, at);
   if (!state) return std::nullopt;
   return Read(database, *state, Contents(database, *state));

@@ -9,6 +9,7 @@
 #include "store/ItemColumns.h"
 #include "store/NumberRanges.h"
 #include "store/Refusal.h"
+#include "store/ReportReader.h"
 #include "store/RowInsertion.h"
 #include "store/Transaction.h"
 
@@ -109,8 +110,10 @@ Outcome ReportWriter::WriteIn(const Report& report) {
     return Outcome::kUnchanged;
   }
   const std::int64_t state = last ? last->state + 1 : 1;
+  const std::optional<EarlierReport> earlier = ReadEarlier(last, report);
   WriteState(host, report, state, WriteItems(host, report));
   WriteReport(host, report, state);
+  if (earlier) WriteChanges(fDatabase, host.id, *earlier, report);
   return Outcome::kChanged;
 }
 
@@ -140,6 +143,14 @@ std::optional<ReportWriter::LastReport> ReportWriter::SelectLast(const Host& hos
   const auto row = FirstRow(fDatabase, query, {Integer(host.id)});
   if (!row) return std::nullopt;
   return LastReport{row->Number(0), row->Number(1), row->String(2)};
+}
+
+std::optional<EarlierReport> ReportWriter::ReadEarlier(const std::optional<LastReport>& last,
+                                                       const Report& report) {
+  if (!last) return std::nullopt;
+  std::optional<cli::Inventory> inventory = ReadReportWithin(fDatabase, report.HostName(), last->collected);
+  if (!inventory) return std::nullopt;
+  return EarlierReport{last->collected, *std::move(inventory)};
 }
 
 bool ReportWriter::IsKnown(const Host& host, const Report& report) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "store/ChangeWriter.h"
 #include "store/Database.h"
 #include "store/Report.h"
 #include "store/TimeText.h"
@@ -56,6 +57,7 @@ class ReportWriter {
   std::optional<Host> SelectHost(const std::string& name);
   Host LockHost(const std::string& name);
   std::optional<LastReport> SelectLast(const Host& host);
+  std::optional<EarlierReport> ReadEarlier(const std::optional<LastReport>& last, const Report& report);
   bool IsKnown(const Host& host, const Report& report);
   Outcome PutAside(const Host& host, const Report& report);
   void CheckMachine(const Host& host, const Report& report) const;

@@ -26,6 +26,10 @@ Cell CellOf(const std::optional<Value>& value) {
   return value ? Cell(*value) : Cell();
 }
 
+inline Cell TimeCell(const std::optional<Seconds>& time) {
+  return time ? Cell(Time{*time}) : Cell();
+}
+
 struct ResultColumn {
   /// In JSON and as the heading of CSV; in capitals, the heading of the table.
   std::string name;

@@ -88,19 +88,37 @@ CREATE INDEX item_model ON item (vendor_id, product_id) WHERE vendor_id IS NOT N
 CREATE INDEX item_kinds ON item (kinds) WHERE kinds IS NOT NULL;
 CREATE INDEX item_words ON item (words) WHERE words IS NOT NULL;
 
--- What differs between a report and the one before it.
-CREATE TABLE difference (
+-- A report that differs from the one before it, which was collected at "previous"; or that cannot be compared with
+-- it, and then "is_compared" is 0. "remarks" are lines for people. "old" and "new" are those members of usbinfo.diff/2.
+CREATE TABLE comparison (
   host_id BIGINT NOT NULL REFERENCES host (id) ON DELETE CASCADE,
+  collected BIGINT NOT NULL,
+  previous BIGINT NOT NULL,
+  is_compared INTEGER NOT NULL,
+  remarks TEXT,
+  old TEXT NOT NULL,
+  new TEXT NOT NULL,
+  PRIMARY KEY (host_id, collected)
+);
+CREATE INDEX comparison_collected ON comparison (collected);
+
+-- What differs between these reports, a row for each item, numbered in the order in which usbinfo diff prints them.
+-- "kind" is 'removed', 'moved', 'changed' or 'added'. "place", "description" and the lines of "properties" are texts as
+-- usbinfo diff prints them, escaped and whole; "content" is the element of usbinfo.diff/2.
+CREATE TABLE difference (
+  host_id BIGINT NOT NULL,
   collected BIGINT NOT NULL,
   number INTEGER NOT NULL,
   kind TEXT NOT NULL,
   class TEXT NOT NULL,
-  place TEXT,
-  summary TEXT NOT NULL,
+  place TEXT NOT NULL,
+  place_before TEXT,
+  description TEXT NOT NULL,
+  properties TEXT,
   content TEXT NOT NULL,
-  PRIMARY KEY (host_id, collected, number)
+  PRIMARY KEY (host_id, collected, number),
+  FOREIGN KEY (host_id, collected) REFERENCES comparison (host_id, collected) ON DELETE CASCADE
 );
-CREATE INDEX difference_collected ON difference (collected);
 
 -- Reports that came after a later one of the same machine. They are kept and counted, and change nothing.
 CREATE TABLE late (
@@ -158,9 +176,19 @@ CREATE VIEW device AS
   FROM device_history WHERE until IS NULL;
 CREATE VIEW connection AS
   SELECT host, port, device, since FROM connection_history WHERE until IS NULL;
+-- What changed between reports that follow each other: all that ever did, and what the last report of each machine
+-- changed. What changed from the time A to the time B has collected > A AND collected <= B.
+CREATE VIEW change_history AS
+  SELECT host.name AS host, previous, comparison.collected, difference.number, kind, class, place, place_before,
+    description, properties, content
+  FROM difference JOIN comparison ON comparison.host_id = difference.host_id
+      AND comparison.collected = difference.collected
+    JOIN host ON host.id = difference.host_id;
 CREATE VIEW change AS
-  SELECT host.name AS host, collected, difference.number, kind, class, place, summary, content
-  FROM difference JOIN host ON host.id = difference.host_id;
+  SELECT host, previous, collected, number, kind, class, place, place_before, description, properties, content
+  FROM change_history WHERE collected = (
+    SELECT MAX(report.collected) FROM report JOIN host ON host.id = report.host_id
+    WHERE host.name = change_history.host);
 )sql";
 
 }  // namespace store

@@ -110,7 +110,6 @@ TEST_P(CommandTest, ConfirmsEachLineUnlessTheDatabaseFails) {
   EXPECT_EQ(Count("SELECT COUNT(*) FROM report"), 1);
 
   Db().Execute("DROP VIEW change", {});
-  Db().Execute("DROP TABLE difference", {});
   Db().Execute("ALTER TABLE report RENAME TO hidden", {});
   const CommandResult failing = Store({"load", "--confirm"}).Input(line + line).Run();
   EXPECT_THAT(failing.output,

@@ -1,4 +1,5 @@
 // Every text of a document is data, whatever it holds.
+#include "tests/store/support/Diffs.h"
 #include "tests/store/support/StoreTest.h"
 
 namespace usbinfo_test {
@@ -46,6 +47,7 @@ void Attack(Json& value, const std::string& text) {
 
 TEST_P(HostileTextTest, AttacksInEveryTextAreStoredAndFoundAsTheyAre) {
   store::Seconds time = kNow - kDay;
+  std::vector<std::string> documents;
   for (const std::string& attack : Attacks()) {
     SCOPED_TRACE(attack.substr(0, 40));
     Json document = Desktop(++time);
@@ -54,10 +56,13 @@ TEST_P(HostileTextTest, AttacksInEveryTextAreStoredAndFoundAsTheyAre) {
     document["origin"]["findings"] = {{{"code", attack}, {"lines", {1}}, {"device", attack}}};
     EXPECT_EQ(Load(document), store::Outcome::kChanged);
     EXPECT_EQ(Shown("vm-desktop", time), Printed(document));
+    documents.push_back(document.dump());
     EXPECT_EQ(Count("SELECT COUNT(*) FROM item WHERE until IS NULL AND section IN (1, 3) AND serial IS NULL"),
               0);
   }
   EXPECT_EQ(Count("SELECT COUNT(*) FROM report"), static_cast<std::int64_t>(Attacks().size()));
+  // The findings of these reports make them suspect, which the text says, too.
+  EXPECT_EQ(StoredDiffs(Db(), "vm-desktop").documents, DiffsOf(documents).documents);
 }
 
 TEST_P(HostileTextTest, AttacksInNamesOfHostsAndMachinesAndInGarbageAreData) {
