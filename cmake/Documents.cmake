@@ -1,56 +1,67 @@
-# The manual page, with the version, the folders and the options filled in, compressed as Debian wants it; the
-# completions, each in the place where its shell looks; the schemas of the JSON documents. The options and the
+# Of each command, the manual page, with the version, the folders and the options filled in, compressed as Debian wants it;
+# the completions, each in the place where its shell looks. Then the schemas of the JSON documents. The options and the
 # completions come from the command as it is built. A cross build runs it in the emulator, or takes them from a command
 # of the same version for this machine.
 find_program(GZIP gzip REQUIRED)
 set(USBINFO_NATIVE_COMMAND "" CACHE FILEPATH "The usbinfo command that a cross build takes its documents from")
+set(USBINFO_NATIVE_STORE_COMMAND "" CACHE FILEPATH "The same for usbinfo-store")
 set(USBINFO_ZSH_FUNCTIONS "${CMAKE_INSTALL_DATADIR}/zsh/site-functions"
     CACHE STRING "Where zsh's completion goes, relative to the prefix")
-if(USBINFO_NATIVE_COMMAND)
-  set(DOCUMENTED_COMMAND "${USBINFO_NATIVE_COMMAND}")
-elseif(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
-  message(FATAL_ERROR "A cross build needs a usbinfo command that runs here: set USBINFO_NATIVE_COMMAND to its path")
-else()
-  set(DOCUMENTED_COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} "$<TARGET_FILE:usbinfo>")
-endif()
+set(DOCUMENTS "${PROJECT_BINARY_DIR}/documents")
 
-configure_file(docs/usbinfo.1.in "${PROJECT_BINARY_DIR}/documents/usbinfo.1.in" @ONLY)
-
-# generated_document(FILE WHAT): adds the rule for a file of the folder documents/ that the command generates. A build
-# for packages has no search path for the library beside the command.
-function(generated_document file what)
+# generated_document(COMMAND FILE WHAT PROGRAM...): adds the rule for a file of the folder documents/ that the command
+# generates; PROGRAM runs it. A build for packages has no search path for the library beside the command.
+function(generated_document command file what)
   add_custom_command(
     OUTPUT "documents/${file}"
-    COMMAND "${CMAKE_COMMAND}" -E env "LD_LIBRARY_PATH=${PROJECT_BINARY_DIR}" ${DOCUMENTED_COMMAND} --generate ${what} >
+    COMMAND "${CMAKE_COMMAND}" -E env "LD_LIBRARY_PATH=${PROJECT_BINARY_DIR}" ${ARGN} --generate ${what} >
             "documents/${file}"
-    DEPENDS usbinfo
+    DEPENDS ${command}
     WORKING_DIRECTORY "${PROJECT_BINARY_DIR}"
     COMMENT "Generating documents/${file}"
     VERBATIM)
 endfunction()
-generated_document(options.mdoc man)
-generated_document(usbinfo.bash bash)
-generated_document(_usbinfo zsh)
-generated_document(usbinfo.fish fish)
 
-# The same text gives the same bytes, which takes gzip's -n.
-add_custom_command(
-  OUTPUT documents/usbinfo.1 documents/usbinfo.1.gz
-  COMMAND sed -e "/^%OPTIONS%/r options.mdoc" -e "/^%OPTIONS%/d" usbinfo.1.in > usbinfo.1
-  COMMAND "${GZIP}" -9nc usbinfo.1 > usbinfo.1.gz
-  DEPENDS "${PROJECT_BINARY_DIR}/documents/usbinfo.1.in" documents/options.mdoc
-  WORKING_DIRECTORY "${PROJECT_BINARY_DIR}/documents"
-  COMMENT "Generating documents/usbinfo.1"
-  VERBATIM)
-add_custom_target(usbinfo-documents ALL DEPENDS documents/usbinfo.1.gz documents/usbinfo.bash documents/_usbinfo
-                                                documents/usbinfo.fish)
+# document_command(COMMAND NATIVE): makes and installs the documents of the command, which is a target and the component
+# that they belong to. Its manual page begins as docs/COMMAND.1.in. NATIVE is empty or a command to take them from.
+function(document_command command native)
+  if(native)
+    set(program "${native}")
+  elseif(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
+    message(FATAL_ERROR "A cross build needs a ${command} command that runs here: set USBINFO_NATIVE_COMMAND, and "
+                        "USBINFO_NATIVE_STORE_COMMAND where the store is built, to their paths")
+  else()
+    set(program ${CMAKE_CROSSCOMPILING_EMULATOR} "$<TARGET_FILE:${command}>")
+  endif()
+  configure_file("docs/${command}.1.in" "${DOCUMENTS}/${command}.1.in" @ONLY)
+  generated_document(${command} ${command}.options.mdoc man ${program})
+  generated_document(${command} ${command}.bash bash ${program})
+  generated_document(${command} _${command} zsh ${program})
+  generated_document(${command} ${command}.fish fish ${program})
+  # The same text gives the same bytes, which takes gzip's -n.
+  add_custom_command(
+    OUTPUT documents/${command}.1 documents/${command}.1.gz
+    COMMAND sed -e "/^%OPTIONS%/r ${command}.options.mdoc" -e "/^%OPTIONS%/d" ${command}.1.in > ${command}.1
+    COMMAND "${GZIP}" -9nc ${command}.1 > ${command}.1.gz
+    DEPENDS "${DOCUMENTS}/${command}.1.in" documents/${command}.options.mdoc
+    WORKING_DIRECTORY "${DOCUMENTS}"
+    COMMENT "Generating documents/${command}.1"
+    VERBATIM)
+  add_custom_target(${command}-documents ALL
+                    DEPENDS documents/${command}.1.gz documents/${command}.bash documents/_${command}
+                            documents/${command}.fish)
+  install(FILES "${DOCUMENTS}/${command}.1.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${command})
+  install(FILES "${DOCUMENTS}/${command}.bash" DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
+          RENAME ${command} COMPONENT ${command})
+  install(FILES "${DOCUMENTS}/_${command}" DESTINATION "${USBINFO_ZSH_FUNCTIONS}" COMPONENT ${command})
+  install(FILES "${DOCUMENTS}/${command}.fish" DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d"
+          COMPONENT ${command})
+endfunction()
 
-set(DOCUMENTS "${PROJECT_BINARY_DIR}/documents")
-install(FILES "${DOCUMENTS}/usbinfo.1.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT usbinfo)
-install(FILES "${DOCUMENTS}/usbinfo.bash" DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
-        RENAME usbinfo COMPONENT usbinfo)
-install(FILES "${DOCUMENTS}/_usbinfo" DESTINATION "${USBINFO_ZSH_FUNCTIONS}" COMPONENT usbinfo)
-install(FILES "${DOCUMENTS}/usbinfo.fish" DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d"
-        COMPONENT usbinfo)
+document_command(usbinfo "${USBINFO_NATIVE_COMMAND}")
+if(TARGET usbinfo-store)
+  document_command(usbinfo-store "${USBINFO_NATIVE_STORE_COMMAND}")
+endif()
+
 install(FILES docs/usbinfo.schema.json docs/usbinfo-diff.schema.json docs/usbinfo-classes.schema.json
         DESTINATION "${CMAKE_INSTALL_DATADIR}/usbinfo" COMPONENT usbinfo)

@@ -35,7 +35,10 @@ int ReportNoHost(const std::string& host) {
 }  // namespace
 
 std::vector<cli::Operand> ForgetOperands(ForgetOptions& options) {
-  return {{.name = "HOST", .help = "The name of the host", .store = cli::StoreText(options.host)}};
+  return {{.name = "HOST",
+           .help = "The name of the host",
+           .isText = true,
+           .store = cli::StoreText(options.host)}};
 }
 
 std::vector<cli::Option> ForgetOptionTable(ForgetOptions& options) {
@@ -53,11 +56,15 @@ int RunForget(const ForgetOptions& options) {
 }
 
 std::vector<cli::Operand> RenameOperands(RenameOptions& options) {
-  return {{.name = "OLD", .help = "The name of the host", .store = cli::StoreText(options.before)},
-          {.name = "NEW", .help = "Its new name", .store = [&options](const std::string& name) {
-             if (!IsHostName(name)) throw cli::UsageError("is no name of a host");
-             options.after = name;
-           }}};
+  return {
+      {.name = "OLD",
+       .help = "The name of the host",
+       .isText = true,
+       .store = cli::StoreText(options.before)},
+      {.name = "NEW", .help = "Its new name", .isText = true, .store = [&options](const std::string& name) {
+         if (!IsHostName(name)) throw cli::UsageError("is no name of a host");
+         options.after = name;
+       }}};
 }
 
 std::vector<cli::Option> RenameOptionTable(RenameOptions& options) {

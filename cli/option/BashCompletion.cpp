@@ -92,6 +92,7 @@ std::string KindOf(const Option& option) {
 }
 
 std::string KindOf(const Operand& operand) {
+  if (operand.isText) return "TEXT";
   return operand.choices.empty() ? "FILE" : "ONE " + Joined(operand.choices, " ");
 }
 

@@ -35,9 +35,7 @@ class DeclaredCommand {
     app.set_help_flag();
     app.allow_extras();
     for (const Option& option : command.options) fOptions.emplace_back(&option, Declare(option, app));
-    for (const Operand& operand : command.operands) {
-      fOperands.emplace_back(&operand, app.add_option(operand.name)->expected(operand.isRepeatable ? -1 : 1));
-    }
+    for (const Operand& operand : command.operands) fOperands.emplace_back(&operand, Declare(operand, app));
   }
 
   bool IsOf(const CLI::App* app) const { return fApp == app; }
@@ -91,6 +89,13 @@ class DeclaredCommand {
         ->expected(1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->allow_extra_args(false);
+  }
+
+  static CLI::Option* Declare(const Operand& operand, CLI::App& app) {
+    return app.add_option(operand.name)
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->allow_extra_args(operand.isRepeatable);
   }
 
   void CheckUse(const Option& option, std::size_t count) const {

@@ -14,8 +14,10 @@ struct Operand {
   std::string name;
   /// One sentence of plain text without its period.
   std::string help = {};
-  /// The words that shells complete it with; none for file names.
+  /// The words that shells complete it with; where there are none, they complete file names.
   std::vector<Choice> choices = {};
+  /// It is a text that shells cannot know.
+  bool isText = false;
   bool isOptional = false;
   /// It takes all arguments that are left; only the last operand may.
   bool isRepeatable = false;

@@ -73,6 +73,7 @@ std::string LinesOf(const CommandSpec& command, const CommandSpec& part) {
   }
   if (part.operands.empty()) return lines;
   const Operand& operand = part.operands.front();
+  if (operand.isText) return lines;
   return lines + beginning + (operand.choices.empty() ? " -F" : " -a " + Words(operand.choices)) + "\n";
 }
 

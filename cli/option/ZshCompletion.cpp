@@ -56,6 +56,7 @@ std::string ActionOf(const Option& option) {
 }
 
 std::string ActionOf(const Operand& operand) {
+  if (operand.isText) return " ";
   return operand.choices.empty() ? "_files" : "(" + Joined(operand.choices, " ") + ")";
 }
 

@@ -1,7 +1,7 @@
 """The completions in their shells: subcommands, options and values.
 
-Each shell is asked what it offers on a command line.  Takes the command from
-USBINFO and the folder of the built completions from DOCUMENTS.
+Each shell is asked what it offers on a command line.  Takes the folder of the
+programs from PROGRAMS and that of the built completions from DOCUMENTS.
 """
 
 import os
@@ -13,28 +13,29 @@ import subprocess
 import tempfile
 import unittest
 
-USBINFO = pathlib.Path(os.environ["USBINFO"])
+PROGRAMS = pathlib.Path(os.environ["PROGRAMS"])
 HERE = pathlib.Path(__file__).resolve().parent
 COMPLETIONS = pathlib.Path(os.environ["DOCUMENTS"])
 
 
-def run_usbinfo(*arguments):
+def run(command, *arguments):
     """Return what the command printed."""
-    return subprocess.run([USBINFO, *arguments], check=True, text=True,
-                          stdout=subprocess.PIPE).stdout
+    return subprocess.run([PROGRAMS / command, *arguments], check=True,
+                          text=True, stdout=subprocess.PIPE).stdout
 
 
 class Bash:
     """Asks bash; a list per command line."""
 
     @staticmethod
-    def offers(folder, *words):
+    def offers(command, folder, *words):
         """List what is offered for the last word."""
         # Bash takes an equals sign for a word of its own.
         split = [part for word in words
                  for part in word.replace("=", "\n=\n").split("\n")]
         return subprocess.run(
-            [HERE / "complete.bash", COMPLETIONS / "usbinfo.bash", *split],
+            [HERE / "complete.bash", COMPLETIONS / f"{command}.bash",
+             command, *split],
             check=True, cwd=folder, text=True,
             stdout=subprocess.PIPE).stdout.splitlines()
 
@@ -43,7 +44,7 @@ class Zsh:
     """Asks zsh, which completes on a terminal only."""
 
     @staticmethod
-    def offers(folder, *words):
+    def offers(command, folder, *words):
         """List what is offered for the last word."""
         file = folder.parent / "offers"
         file.touch()
@@ -53,7 +54,7 @@ class Zsh:
             os.environ.update({
                 "ZDOTDIR": str(HERE / "zsh"), "TERM": "dumb",
                 "COMPLETE_OFFERS": str(file),
-                "COMPLETE_LINE": " ".join(("usbinfo", *words)),
+                "COMPLETE_LINE": " ".join((command, *words)),
                 "COMPLETE_FOLDER": str(COMPLETIONS)})
             # A shell that waits for somebody would wait for ever.
             os.execvp("timeout", ["timeout", "--foreground",
@@ -75,11 +76,12 @@ class Fish:
     """Asks fish; what an option and its value are in one word is left out."""
 
     @staticmethod
-    def offers(folder, *words):
+    def offers(command, folder, *words):
         """List what is offered for the last word."""
-        script = f'source {COMPLETIONS}/usbinfo.fish; complete -C "$argv"'
+        script = f'source {COMPLETIONS}/{command}.fish; complete -C "$argv"'
         lines = subprocess.run(
-            ["fish", "--no-config", "-c", script, "usbinfo " + " ".join(words)],
+            ["fish", "--no-config", "-c", script,
+             f"{command} " + " ".join(words)],
             check=True, cwd=folder, text=True, stdout=subprocess.PIPE,
             env={**os.environ, "HOME": str(folder.parent)}).stdout.splitlines()
         offered = [line.split("\t")[0].rstrip("/") for line in lines]
@@ -87,20 +89,19 @@ class Fish:
                 for word in offered]
 
 
-def options_of_help(*command):
+def options_of_help(command, *words):
     """List the names of the options that a subcommand's help lists."""
     entries = re.findall(r"^  (-.*?)(?:  |$)",
-                         run_usbinfo(*command, "--help"), re.MULTILINE)
+                         run(command, *words, "--help"), re.MULTILINE)
     return [name.split()[0] for entry in entries for name in entry.split(", ")]
 
 
 class CompletionTest:
-    """What every shell has to offer; SHELL is the one that is asked."""
+    """What every shell has to offer for COMMAND; SHELL is asked."""
 
     SHELL = None
-    FORMATS = ["tree", "table", "json", "jsonl", "csv", "cimxml", "mof", "dot", "html",
-               "list"]
-    SUBCOMMANDS = ["show", "diff", "schema", "help"]
+    COMMAND = None
+    SUBCOMMANDS = []
 
     def setUp(self):
         parent = tempfile.TemporaryDirectory()
@@ -110,21 +111,36 @@ class CompletionTest:
         (self.folder / "afile").touch()
         (self.folder / "afolder").mkdir()
 
+    def offers(self, *words):
+        """List what is offered for the last word."""
+        return self.SHELL.offers(self.COMMAND, self.folder, *words)
+
     def assert_offers(self, words, expected):
         """Hold what is offered for the last of the words to the expected."""
-        self.assertCountEqual(self.SHELL.offers(self.folder, *words), expected,
+        self.assertCountEqual(self.offers(*words), expected,
                               words)
 
     def test_every_option_of_the_help_and_no_other(self):
-        for command in [[], *([name] for name in self.SUBCOMMANDS)]:
-            with self.subTest(command):
-                names = options_of_help(*command)
+        for words in [[], *([name] for name in self.SUBCOMMANDS)]:
+            with self.subTest(words):
+                names = options_of_help(self.COMMAND, *words)
                 self.assertIn("--help", names)
-                self.assert_offers((*command, "-"), names)
+                self.assert_offers((*words, "-"), names)
 
     def test_subcommands(self):
         self.assert_offers(("",), self.SUBCOMMANDS)
         self.assert_offers(("--format", "json", ""), self.SUBCOMMANDS)
+
+
+class UsbinfoTest(CompletionTest):
+    """What belongs to usbinfo alone."""
+
+    COMMAND = "usbinfo"
+    FORMATS = ["tree", "table", "json", "jsonl", "csv", "cimxml", "mof", "dot", "html",
+               "list"]
+    SUBCOMMANDS = ["show", "diff", "schema", "help"]
+
+    def test_beginning_of_a_subcommand(self):
         self.assert_offers(("d",), ["diff"])
 
     def test_option_value_is_not_taken_for_a_subcommand(self):
@@ -157,7 +173,7 @@ class CompletionTest:
 
     def assert_last_parts(self, words, expected):
         """Hold the last part of each list; some shells offer it alone."""
-        offers = self.SHELL.offers(self.folder, *words)
+        offers = self.offers(*words)
         self.assertCountEqual([offer.split(",")[-1] for offer in offers],
                               expected)
 
@@ -168,16 +184,50 @@ class CompletionTest:
         self.assert_offers(("schema", "a"), [])
 
 
-class BashTest(CompletionTest, unittest.TestCase):
+class StoreTest(CompletionTest):
+    """What belongs to usbinfo-store alone."""
+
+    COMMAND = "usbinfo-store"
+    SUBCOMMANDS = ["hosts", "load", "find", "changes", "show", "forget",
+                   "rename", "prune", "migrate", "schema", "help"]
+
+    def test_operands(self):
+        self.assert_offers(("load", "a"), ["afile", "afolder"])
+        self.assert_offers(("load", "afile", "a"), ["afile", "afolder"])
+        self.assert_offers(("help", "f"), ["find", "forget"])
+        for name in ("show", "forget", "rename", "hosts"):
+            self.assert_offers((name, "a"), [])
+
+    def test_choices(self):
+        self.assert_offers(("changes", "--format", ""),
+                           ["text", "json", "csv"])
+        self.assert_offers(("schema", "--dialect", ""),
+                           ["sqlite", "postgresql"])
+
+
+class BashTest(UsbinfoTest, unittest.TestCase):
     SHELL = Bash
 
 
-class ZshTest(CompletionTest, unittest.TestCase):
+class ZshTest(UsbinfoTest, unittest.TestCase):
     SHELL = Zsh
 
 
 @unittest.skipUnless(shutil.which("fish"), "fish is not installed")
-class FishTest(CompletionTest, unittest.TestCase):
+class FishTest(UsbinfoTest, unittest.TestCase):
+    SHELL = Fish
+
+
+class StoreBashTest(StoreTest, unittest.TestCase):
+    SHELL = Bash
+
+
+class StoreZshTest(StoreTest, unittest.TestCase):
+    SHELL = Zsh
+
+
+@unittest.skipUnless(shutil.which("fish"), "fish is not installed")
+class StoreFishTest(StoreTest, unittest.TestCase):
     SHELL = Fish
 
 

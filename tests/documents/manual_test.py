@@ -1,42 +1,51 @@
-"""The manual page as it is built: its form, its subcommands, its examples.
+"""The manual pages as they are built: their form, subcommands, examples.
 
-Takes the command from USBINFO, the project's folder from SOURCE and that of the
-built documents from DOCUMENTS.
+Takes the folder of the programs from PROGRAMS, the project's folder from SOURCE
+and that of the built documents from DOCUMENTS.
 """
 
+import json
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import tempfile
 import unittest
 
-USBINFO = pathlib.Path(os.environ["USBINFO"])
+PROGRAMS = pathlib.Path(os.environ["PROGRAMS"])
 SOURCE = pathlib.Path(os.environ["SOURCE"])
-PAGE = pathlib.Path(os.environ["DOCUMENTS"]) / "usbinfo.1"
+DOCUMENTS = pathlib.Path(os.environ["DOCUMENTS"])
 CAPTURE = SOURCE / "tests" / "data" / "captures" / "vm-desktop-debugfs.txt"
 
-def run_usbinfo(*arguments):
-    """Return what the command printed."""
-    return subprocess.run([USBINFO, *arguments], check=True, text=True,
-                          stdout=subprocess.PIPE).stdout
+
+def page_of(command):
+    """Return the path of the command's page."""
+    return DOCUMENTS / f"{command}.1"
 
 
 class FormTest(unittest.TestCase):
-    """The page is sound and names what it should."""
+    """The page of COMMAND is sound and names what it should."""
+
+    COMMAND = "usbinfo"
+
+    def text(self):
+        """Return the source of the page."""
+        return page_of(self.COMMAND).read_text(encoding="utf-8")
 
     def test_sections_are_those_that_a_reader_looks_for(self):
-        sections = re.findall(r"^\.Sh (.*)", PAGE.read_text(encoding="utf-8"),
-                              re.MULTILINE)
+        sections = re.findall(r"^\.Sh (.*)", self.text(), re.MULTILINE)
         self.assertEqual(sections, [
             "NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "ENVIRONMENT",
             "FILES", "EXIT STATUS", "EXAMPLES", "SEE ALSO", "CAVEATS"])
 
     def test_every_subcommand_is_named_and_has_its_options(self):
-        page = PAGE.read_text(encoding="utf-8")
-        _, _, listed = run_usbinfo("--help").partition("\nSubcommands:\n")
+        page = self.text()
+        listed = subprocess.run(
+            [PROGRAMS / self.COMMAND, "--help"], check=True, text=True,
+            stdout=subprocess.PIPE).stdout.partition("\nSubcommands:\n")[2]
         names = re.findall(r"^  (\S+)", listed, re.MULTILINE)
-        self.assertIn("diff", names)
+        self.assertIn("help", names)
         for name in names:
             self.assertIn(f"\n.It Cm {name}\n", page)
         self.assertEqual(
@@ -46,7 +55,7 @@ class FormTest(unittest.TestCase):
     def check(self, *command):
         # Whether the pages referred to are installed is another matter.
         done = subprocess.run(
-            [*command, PAGE], check=False, text=True,
+            [*command, page_of(self.COMMAND)], check=False, text=True,
             stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
 
@@ -57,9 +66,15 @@ class FormTest(unittest.TestCase):
         self.check("groff", "-mandoc", "-ww", "-T", "utf8")
 
 
-def examples():
-    """List the commands of the page's examples."""
-    page = PAGE.read_text(encoding="utf-8")
+class StoreFormTest(FormTest):
+    """The same of usbinfo-store."""
+
+    COMMAND = "usbinfo-store"
+
+
+def examples(command):
+    """List the commands of the examples in the command's page."""
+    page = page_of(command).read_text(encoding="utf-8")
     section = re.split(r"^\.Sh ", page.partition("\n.Sh EXAMPLES\n")[2],
                        flags=re.MULTILINE)[0]
     blocks = re.findall(r"^\.Bd -literal.*\n((?:[^.].*\n)+)", section,
@@ -69,7 +84,10 @@ def examples():
 
 
 class ExamplesTest(unittest.TestCase):
-    """The examples run as they are written."""
+    """The examples in the page of COMMAND run as they are written."""
+
+    COMMAND = "usbinfo"
+    COUNT = 8
 
     # What takes root's rights, or looks at another machine.
     ELSEWHERE = ("sudo ", "ssh ")
@@ -78,13 +96,13 @@ class ExamplesTest(unittest.TestCase):
 
     def test_examples_run_in_their_order(self):
         folder = pathlib.Path(self.enter(tempfile.TemporaryDirectory()))
-        (folder / "devices.txt").write_bytes(CAPTURE.read_bytes())
+        self.prepare(folder)
         tools = folder / "tools"
         tools.mkdir()
-        (tools / "usbinfo").symlink_to(USBINFO)
+        (tools / self.COMMAND).symlink_to(PROGRAMS / self.COMMAND)
         path = f"{tools}:{os.environ['PATH']}"
         count = 0
-        for command in examples():
+        for command in examples(self.COMMAND):
             if command.startswith(self.ELSEWHERE):
                 continue
             count += 1
@@ -93,17 +111,39 @@ class ExamplesTest(unittest.TestCase):
                     ["bash", "-o", "pipefail", "-c", command], cwd=folder,
                     check=False, text=True, stdin=subprocess.DEVNULL,
                     stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                    env={**os.environ, "PATH": path})
+                    env={**os.environ, "PATH": path,
+                         "XDG_DATA_HOME": str(folder)})
                 if command in self.HERE and done.returncode == 1:
                     self.assertIn("no USB device found", done.stderr)
                     continue
                 self.assertEqual(done.returncode, 0, done.stderr)
-        self.assertGreaterEqual(count, 8)
+        self.assertGreaterEqual(count, self.COUNT)
+
+    def prepare(self, folder):
+        """Put into the folder what the examples read."""
+        (folder / "devices.txt").write_bytes(CAPTURE.read_bytes())
 
     def enter(self, manager):
         """Enter a context until the test ends."""
         self.addCleanup(manager.__exit__, None, None, None)
         return manager.__enter__()
+
+
+class StoreExamplesTest(ExamplesTest):
+    """The same of usbinfo-store."""
+
+    COMMAND = "usbinfo-store"
+
+    def prepare(self, folder):
+        """The same machine twice: with all devices, and with one less."""
+        (folder / "inventories").mkdir()
+        machine = SOURCE / "examples" / "desktop.json"
+        shutil.copy(machine, folder / "inventories" / "first.json")
+        document = json.loads(machine.read_text(encoding="utf-8"))
+        document["origin"]["collected"] = "2026-11-21T23:30:00Z"
+        del document["classes"]["KALDO_USBDevice"][-1]
+        (folder / "inventories" / "second.json").write_text(
+            json.dumps(document), encoding="utf-8")
 
 
 if __name__ == "__main__":

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include "cli/collect/SerialMask.h"
+#include "store/HostUpkeep.h"
 #include "tests/cli/support/RunCommand.h"
 #include "tests/store/support/StoreTest.h"
 
@@ -87,6 +88,10 @@ TEST_P(CommandTest, FindsASerialNumberThatIsMaskedWithTheKey) {
 
 TEST_P(CommandTest, LoadsWhatItCanAndReportsWhatItRefuses) {
   const std::string line = Desktop(kNow - kDay).dump();
+  EXPECT_EQ(Run({"load", kDesktop, kDesktop, "/nowhere"}).errors,
+            "usbinfo-store: cannot read /nowhere: No such file or directory; check the name\n");
+  EXPECT_EQ(Count("SELECT COUNT(*) FROM report"), 1);
+  store::Forget(Db(), "vm-desktop");
   const CommandResult result =
       Store({"load"}).Input("garbage\n" + line + "\n{\"cut\":\n" + line + "\n").Run();
   EXPECT_EQ(result.status, 1);
