@@ -1,11 +1,15 @@
-# The Debian packages, built by scripts/package: usbinfo contains the command and all that it needs to run, usbinfo-dev the
-# files for developers of hosts. This file adds the packages' documents to the installed files.
+# The Debian packages, built by scripts/package: usbinfo contains the command and all that it needs to run, usbinfo-store
+# the store, which works without the other packages, usbinfo-dev the files for developers of hosts. This file adds the
+# packages' documents to the installed files.
 if(NOT USBINFO_COMMAND)
   message(FATAL_ERROR "USBINFO_PACKAGE needs USBINFO_COMMAND: the packages contain the command")
 endif()
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL usbinfo usbinfo-dev)
+if(TARGET usbinfo-store)
+  list(APPEND CPACK_COMPONENTS_ALL usbinfo-store)
+endif()
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
@@ -36,6 +40,17 @@ for programs, and compares inventories.
 The package contains the plug-in module that reads the list, which a
 system inventory host can load as well, and the small host in which the
 command runs it, as a library for other programs.")
+
+set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_NAME usbinfo-store)
+set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_RECOMMENDS usbinfo)
+set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_SUGGESTS "libudev1, postgresql, sqlite3, usb.ids")
+set(CPACK_COMPONENT_USBINFO-STORE_DESCRIPTION
+    "usbinfo-store keeps the inventories that usbinfo prints, of any number of
+machines, in an SQLite file or a PostgreSQL database. It answers which
+machine has a device, which machines have not reported, what changed, and
+what a machine looked like at any time.")
 
 set(CPACK_DEBIAN_USBINFO-DEV_PACKAGE_NAME usbinfo-dev)
 set(CPACK_DEBIAN_USBINFO-DEV_PACKAGE_SECTION libdevel)
@@ -74,6 +89,10 @@ foreach(package ${CPACK_COMPONENTS_ALL})
 endforeach()
 install(FILES README.md DESTINATION share/doc/usbinfo COMPONENT usbinfo)
 install(FILES docs/writing-a-host.md DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev)
-install(DIRECTORY examples DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev)
+install(DIRECTORY examples DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev PATTERN machines.jsonl EXCLUDE)
+if(TARGET usbinfo-store)
+  install(FILES docs/store.md DESTINATION share/doc/usbinfo-store COMPONENT usbinfo-store)
+  install(FILES examples/machines.jsonl DESTINATION share/doc/usbinfo-store/examples COMPONENT usbinfo-store)
+endif()
 install(FILES cmake/debian/lintian-overrides DESTINATION share/lintian/overrides RENAME usbinfo COMPONENT usbinfo)
 include(CPack)

@@ -13,14 +13,14 @@ debian_clang() {
 
 # The libraries of the product and its tests, which a cross build needs for the other architecture.
 LIBRARY_PACKAGES=(
-  libboost-dev libboost-thread-dev libfmt-dev libgmock-dev libgtest-dev libsodium-dev libxml2-dev
+  libboost-dev libboost-thread-dev libfmt-dev libgmock-dev libgtest-dev libsoci-dev libsodium-dev libxml2-dev
 )
 # What a build takes besides, the same on every architecture.
 TOOL_PACKAGES=(cmake g++ libcli11-dev locales ninja-build nlohmann-json3-dev pkgconf python3)
 # What building the product and its tests takes on Debian 12 and 13.
 BUILD_PACKAGES=("${LIBRARY_PACKAGES[@]}" "${TOOL_PACKAGES[@]}")
 # What running the tests takes on top: the programs that read what the command writes.
-TEST_PACKAGES=(fish graphviz groff-base jq libxml2-utils mandoc python3-jsonschema zsh)
+TEST_PACKAGES=(fish graphviz groff-base jq libxml2-utils mandoc postgresql python3-jsonschema zsh)
 # What the tests with the label "page" take on top of those: a browser.
 PAGE_PACKAGES=(chromium chromium-driver python3-selenium)
 # What the slower checks take on top.
