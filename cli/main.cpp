@@ -1,51 +1,11 @@
-// The usbinfo command: runs the command line, and turns errors into one line on standard error and an exit
-// status.
-#include <csignal>
-#include <exception>
-#include <new>
-#include <string>
-#include <vector>
-
+// The usbinfo command.
 #include "cli/collect/Hardening.h"
 #include "cli/command/CommandLine.h"
-#include "cli/command/ExitStatus.h"
-#include "cli/command/Message.h"
-#include "cli/text/Output.h"
-#include "cli/text/Text.h"
-#include "system/SignalGuard.h"
-#include "system/StandardStreams.h"
-
-namespace {
-
-int Fail(const std::string& message) {
-  cli::PrintMessage(message);
-  return cli::kFailure;
-}
-
-/// Process-wide settings, made before anything is read or written.
-void PrepareProcess() {
-  sys::OccupyStandardStreams();
-  cli::UseCharacterSetOfEnvironment();
-  // A closed pipe or a limit on the size of files shows in the write that fails, so that nothing half-written
-  // is left behind.
-  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
-  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
-}
-
-}  // namespace
+#include "cli/text/Program.h"
 
 int main(int argc, char** argv) {
-  PrepareProcess();
-  try {
+  return cli::RunProgram("usbinfo", [&] {
     cli::ProtectSearchPath();
     return cli::CommandLine().Run({argv + (argc > 0 ? 1 : 0), argv + argc});
-  } catch (const cli::ClosedPipe&) {
-    sys::EndBySignal(SIGPIPE);
-  } catch (const std::bad_alloc&) {
-    return Fail("out of memory");
-  } catch (const std::exception& error) {
-    return Fail(error.what());
-  } catch (...) {
-    return Fail("unexpected failure");
-  }
+  });
 }

@@ -4,12 +4,13 @@
 
 #include <limits>
 
+#include "cli/option/CommonOptions.h"
 #include "cli/option/Values.h"
 #include "cli/text/Color.h"
+#include "cli/text/ExitStatus.h"
 #include "cli/text/Output.h"
 #include "store/ChangeList.h"
 #include "store/DatabaseLocation.h"
-#include "store/ExitStatus.h"
 #include "store/Message.h"
 #include "store/OpenStore.h"
 #include "store/ReportReader.h"
@@ -43,11 +44,11 @@ Without this option, all that are in the store are printed.)",
            .help = "Print the changes of this host",
            .manual = "Print only the changes of this host.",
            .store = cli::StoreText(options.host)},
-          FormatOption(options.format, {{"text", "as usbinfo diff prints it"},
-                                        {"json", "a list of usbinfo.diff/2"},
-                                        {"csv", "a line for each item"}}),
-          ColorOption(options.color),
-          OutputOption(options.output)};
+          cli::FormatOption(options.format, {{"text", "as usbinfo diff prints it"},
+                                             {"json", "a list of usbinfo.diff/2"},
+                                             {"csv", "a line for each item"}}),
+          cli::ColorOption(options.color),
+          cli::OutputOption(options.output)};
 }
 
 int RunChanges(const ChangesOptions& options, const Clock& clock) {
@@ -55,12 +56,12 @@ int RunChanges(const ChangesOptions& options, const Clock& clock) {
   const Transaction transaction(*database, Transaction::Purpose::kRead);
   if (!options.host.empty() && !HasHost(*database, options.host)) {
     PrintMessage(fmt::format("the store has no host {}; usbinfo-store hosts lists them", options.host));
-    return kNothingMatched;
+    return cli::kNothingFound;
   }
   const Seconds since = options.since ? options.since->At(clock.Now()) : std::numeric_limits<Seconds>::min();
   const std::vector<StoredComparison> comparisons = ReadChanges(*database, options.host, since);
   cli::WriteOutput(options.output, Render(comparisons, options));
-  return comparisons.empty() ? kNothingMatched : kDone;
+  return comparisons.empty() ? cli::kNothingFound : cli::kPrinted;
 }
 
 }  // namespace store

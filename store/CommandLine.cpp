@@ -1,13 +1,5 @@
 #include "store/CommandLine.h"
 
-#include <utility>
-
-#include "cli/option/CommandParser.h"
-#include "cli/option/Generators.h"
-#include "cli/option/HelpText.h"
-#include "cli/option/Values.h"
-#include "cli/text/Output.h"
-#include "store/ExitStatus.h"
 #include "store/Message.h"
 
 using cli::CommandSpec;
@@ -19,40 +11,17 @@ CommandLine::CommandLine(const Clock& clock) : fClock(clock) {
   fCommand.summary = "Keep the USB inventories of many machines, and their history";
   fCommand.subcommands = {Hosts(),  Load(),   Find(),  Changes(), Show(),
                           Forget(), Rename(), Prune(), Migrate(), Schema()};
-  fCommand.subcommands.push_back(Help());
+  fCommand.subcommands.push_back(fStandard.Help());
 }
 
 int CommandLine::Run(const std::vector<std::string>& arguments) {
-  const CommandSpec& chosen = cli::ParseCommand(fCommand, arguments);
-  if (fAsksForHelp) {
-    cli::WriteStandardOutput(cli::HelpText(fCommand, chosen));
-  } else if (fAsksForVersion) {
-    cli::WriteStandardOutput("usbinfo-store " USBINFO_VERSION "\n");
-  } else if (!fGenerated.empty()) {
-    cli::WriteStandardOutput(cli::Generate(fGenerated, fCommand));
-  } else {
-    return chosen.run();
-  }
-  return kDone;
+  return fStandard.Run(arguments);
 }
 
 CommandSpec CommandLine::Hosts() {
-  std::vector<cli::Option> options = WithHelp(HostsOptionTable(fHosts));
-  options.insert(options.begin() + 1, {.names = {"-V", "--version"},
-                                       .help = "Print the version",
-                                       .isExclusive = true,
-                                       .manual = "Print the version and exit.",
-                                       .store = cli::StoreTrue(fAsksForVersion)});
-  const std::vector<cli::Choice> generators = cli::ChoicesOf(cli::GeneratorNames());
-  options.push_back({.names = {"--generate"},
-                     .value = "WHAT",
-                     .choices = generators,
-                     .isExclusive = true,
-                     .isHidden = true,
-                     .store = cli::StoreChoice(fGenerated, generators)});
   return {.name = "hosts",
           .summary = "List the machines of the store",
-          .options = std::move(options),
+          .options = fStandard.WithVersion(HostsOptionTable(fHosts)),
           .isDefault = true,
           .run = [this] { return RunHosts(fHosts, fClock); }};
 }
@@ -61,7 +30,7 @@ CommandSpec CommandLine::Load() {
   return {.name = "load",
           .summary = "Take inventories into the store",
           .operands = LoadOperands(fLoad),
-          .options = WithHelp(LoadOptionTable(fLoad)),
+          .options = fStandard.WithHelp(LoadOptionTable(fLoad)),
           .check = [this] { CheckLoad(fLoad); },
           .run = [this] { return RunLoad(fLoad, fClock); }};
 }
@@ -69,14 +38,14 @@ CommandSpec CommandLine::Load() {
 CommandSpec CommandLine::Find() {
   return {.name = "find",
           .summary = "List where devices are, or were",
-          .options = WithHelp(FindOptionTable(fFind)),
+          .options = fStandard.WithHelp(FindOptionTable(fFind)),
           .run = [this] { return RunFind(fFind, fClock); }};
 }
 
 CommandSpec CommandLine::Changes() {
   return {.name = "changes",
           .summary = "Print what came, went, moved and changed",
-          .options = WithHelp(ChangesOptionTable(fChanges)),
+          .options = fStandard.WithHelp(ChangesOptionTable(fChanges)),
           .run = [this] { return RunChanges(fChanges, fClock); }};
 }
 
@@ -84,7 +53,7 @@ CommandSpec CommandLine::Show() {
   return {.name = "show",
           .summary = "Print what a machine reported",
           .operands = ShowOperands(fShow),
-          .options = WithHelp(ShowOptionTable(fShow)),
+          .options = fStandard.WithHelp(ShowOptionTable(fShow)),
           .check = [this] { CheckShow(fShow); },
           .run = [this] { return RunShow(fShow, fClock); }};
 }
@@ -93,7 +62,7 @@ CommandSpec CommandLine::Forget() {
   return {.name = "forget",
           .summary = "Delete all that is known of a machine",
           .operands = ForgetOperands(fForget),
-          .options = WithHelp(ForgetOptionTable(fForget)),
+          .options = fStandard.WithHelp(ForgetOptionTable(fForget)),
           .run = [this] { return RunForget(fForget); }};
 }
 
@@ -101,14 +70,14 @@ CommandSpec CommandLine::Rename() {
   return {.name = "rename",
           .summary = "Give a machine that has another name now this name in the store",
           .operands = RenameOperands(fRename),
-          .options = WithHelp(RenameOptionTable(fRename)),
+          .options = fStandard.WithHelp(RenameOptionTable(fRename)),
           .run = [this] { return RunRename(fRename); }};
 }
 
 CommandSpec CommandLine::Prune() {
   return {.name = "prune",
           .summary = "Delete old history",
-          .options = WithHelp(PruneOptionTable(fPrune)),
+          .options = fStandard.WithHelp(PruneOptionTable(fPrune)),
           .check = [this] { CheckPrune(fPrune); },
           .run = [this] { return RunPrune(fPrune, fClock); }};
 }
@@ -116,39 +85,15 @@ CommandSpec CommandLine::Prune() {
 CommandSpec CommandLine::Migrate() {
   return {.name = "migrate",
           .summary = "Bring the store to the schema of this version",
-          .options = WithHelp(MigrateOptionTable(fMigrate)),
+          .options = fStandard.WithHelp(MigrateOptionTable(fMigrate)),
           .run = [this] { return RunMigrate(fMigrate); }};
 }
 
 CommandSpec CommandLine::Schema() {
   return {.name = "schema",
           .summary = "Print the SQL of the tables and views",
-          .options = WithHelp(SchemaOptionTable(fSchema)),
+          .options = fStandard.WithHelp(SchemaOptionTable(fSchema)),
           .run = [this] { return RunSchema(fSchema); }};
-}
-
-CommandSpec CommandLine::Help() {
-  std::vector<cli::Choice> topics;
-  for (const CommandSpec& subcommand : fCommand.subcommands) topics.push_back({subcommand.name});
-  topics.push_back({"help"});
-  return {.name = "help",
-          .summary = "Print the help of a subcommand",
-          .operands = {{.name = "SUBCOMMAND",
-                        .help = "The subcommand; without it, the help of the whole command is printed",
-                        .choices = topics,
-                        .isOptional = true,
-                        .store = cli::StoreChoice(fTopic, topics)}},
-          .options = WithHelp({}),
-          .run = [this] {
-            const CommandSpec* const topic = fCommand.FindSubcommand(fTopic);
-            cli::WriteStandardOutput(cli::HelpText(fCommand, topic == nullptr ? fCommand.Default() : *topic));
-            return kDone;
-          }};
-}
-
-std::vector<cli::Option> CommandLine::WithHelp(std::vector<cli::Option> options) {
-  options.insert(options.begin(), HelpOption(fAsksForHelp));
-  return options;
 }
 
 }  // namespace store

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/option/CommandSpec.h"
+#include "cli/option/StandardOptions.h"
 #include "store/ChangesCommand.h"
 #include "store/Clock.h"
 #include "store/FindCommand.h"
@@ -38,8 +39,6 @@ class CommandLine {
   cli::CommandSpec Prune();
   cli::CommandSpec Migrate();
   cli::CommandSpec Schema();
-  cli::CommandSpec Help();
-  std::vector<cli::Option> WithHelp(std::vector<cli::Option> options);
 
   const Clock& fClock;
   HostsOptions fHosts;
@@ -52,13 +51,8 @@ class CommandLine {
   PruneOptions fPrune;
   MigrateOptions fMigrate;
   SchemaOptions fSchema;
-  bool fAsksForHelp = false;
-  bool fAsksForVersion = false;
-  /// What to generate from the table of options; empty for nothing.
-  std::string fGenerated;
-  /// The subcommand whose help was requested; empty for that of the whole command.
-  std::string fTopic;
   cli::CommandSpec fCommand;
+  cli::StandardOptions fStandard{fCommand, USBINFO_VERSION};
 };
 
 }  // namespace store

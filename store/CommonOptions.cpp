@@ -1,5 +1,6 @@
 #include "store/CommonOptions.h"
 
+#include "cli/option/CommonOptions.h"
 #include "cli/option/Values.h"
 #include "cli/text/Color.h"
 #include "cli/text/Output.h"
@@ -8,14 +9,6 @@
 using cli::Option;
 
 namespace store {
-
-Option HelpOption(bool& isAsked) {
-  return {.names = {"-h", "--help"},
-          .help = "Print this help",
-          .isExclusive = true,
-          .manual = "Print the options and exit.",
-          .store = cli::StoreTrue(isAsked)};
-}
 
 Option DatabaseOption(std::string& database) {
   return {.names = {"--db"},
@@ -53,40 +46,9 @@ or
           .store = StoreParsed(at, Moment::Parse)};
 }
 
-Option FormatOption(std::string& format, const std::vector<cli::Choice>& choices) {
-  return {.names = {"--format"},
-          .value = "FORMAT",
-          .help = "How to print",
-          .defaultValue = format,
-          .choices = choices,
-          .manual = "How to print:",
-          .store = cli::StoreChoice(format, choices)};
-}
-
-Option OutputOption(std::string& path) {
-  return {.names = {"--output"},
-          .value = "FILE",
-          .help = "Write to FILE, whole or not at all",
-          .defaultValue = "standard output",
-          .manual = R"(Write to this file instead of standard output.
-The file is written whole or not at all.
-A single dash is standard output.)",
-          .store = cli::StoreText(path)};
-}
-
 std::vector<Option> ListOptionTable(ListOptions& options) {
-  return {FormatOption(options.format, cli::ChoicesOf(ResultList::Formats())), OutputOption(options.output)};
-}
-
-Option ColorOption(std::string& when) {
-  const std::vector<cli::Choice> choices = {{"auto", "on a terminal"}, {"always"}, {"never"}};
-  return {.names = {"--color"},
-          .value = "WHEN",
-          .help = "Whether to use colours",
-          .defaultValue = when,
-          .choices = choices,
-          .manual = "Whether to use colours:",
-          .store = cli::StoreChoice(when, choices)};
+  return {cli::FormatOption(options.format, cli::ChoicesOf(ResultList::Formats())),
+          cli::OutputOption(options.output)};
 }
 
 void Print(const ResultList& list, const ListOptions& options) {

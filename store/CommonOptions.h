@@ -18,26 +18,14 @@ struct ListOptions {
   std::string output;
 };
 
-/// -h, --help.
-cli::Option HelpOption(bool& isAsked);
-
 /// --db DATABASE.
 cli::Option DatabaseOption(std::string& database);
 
 /// --at TIME.
 cli::Option AtOption(std::optional<Moment>& at);
 
-/// --format FORMAT, one of `choices`; `format` holds the default.
-cli::Option FormatOption(std::string& format, const std::vector<cli::Choice>& choices);
-
-/// --output FILE; "-" and an empty name mean standard output.
-cli::Option OutputOption(std::string& path);
-
 /// --format and --output of a list.
 std::vector<cli::Option> ListOptionTable(ListOptions& options);
-
-/// --color WHEN.
-cli::Option ColorOption(std::string& when);
 
 /// Takes a value that `parse` makes of its text.
 template <typename Target, typename Parse>

@@ -8,10 +8,11 @@
 #include "cli/collect/SerialMask.h"
 #include "cli/model/Kinds.h"
 #include "cli/option/Values.h"
+#include "cli/text/ExitStatus.h"
+#include "cli/text/Output.h"
 #include "cli/text/Text.h"
 #include "store/ColumnText.h"
 #include "store/DatabaseLocation.h"
-#include "store/ExitStatus.h"
 #include "store/Message.h"
 #include "store/OpenStore.h"
 #include "store/Transaction.h"
@@ -248,14 +249,15 @@ std::vector<cli::Option> FindOptionTable(FindOptions& options) {
 }
 
 int RunFind(const FindOptions& options, const Clock& clock) {
+  cli::RequireDistinctFiles({"--output", options.list.output}, {{"--mask-key", options.maskKey}});
   const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
   const Conditions conditions = ConditionsOf(options, clock.Now());
   const Transaction transaction(*database, Transaction::Purpose::kRead);
   const ResultList list = ListOf(SelectDevices(*database, conditions));
   if (!list.IsEmpty() || options.list.format != "table") Print(list, options.list);
-  if (!list.IsEmpty()) return kDone;
+  if (!list.IsEmpty()) return cli::kPrinted;
   PrintMessage(AdviseOnNothing(*database, options));
-  return kNothingMatched;
+  return cli::kNothingFound;
 }
 
 }  // namespace store

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <map>
 
+#include "cli/text/ExitStatus.h"
 #include "store/DatabaseLocation.h"
-#include "store/ExitStatus.h"
 #include "store/Message.h"
 #include "store/OpenStore.h"
 #include "store/Transaction.h"
@@ -131,10 +131,10 @@ int RunHosts(const HostsOptions& options, const Clock& clock) {
                  LastError(row, errors)});
   }
   if (!list.IsEmpty() || options.list.format != "table") Print(list, options.list);
-  if (!list.IsEmpty()) return kDone;
+  if (!list.IsEmpty()) return cli::kPrinted;
   PrintMessage(options.silentFor ? "every host has reported since then"
                                  : "the store has no host; usbinfo-store load takes inventories into it");
-  return kNothingMatched;
+  return cli::kNothingFound;
 }
 
 }  // namespace store

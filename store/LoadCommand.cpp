@@ -11,11 +11,11 @@
 
 #include "cli/option/UsageError.h"
 #include "cli/option/Values.h"
+#include "cli/text/ExitStatus.h"
 #include "cli/text/Output.h"
 #include "cli/text/UserError.h"
 #include "store/DatabaseLocation.h"
 #include "store/DocumentSplitter.h"
-#include "store/ExitStatus.h"
 #include "store/Loader.h"
 #include "store/Message.h"
 #include "store/OpenStore.h"
@@ -116,7 +116,7 @@ int LoadFiles(const LoadOptions& options, Session& session, Loader& loader) {
   }
   PrintCounts(loader.Counts(), options.list);
   if (loader.Counts().Total() == 0) PrintMessage("there was no document; usbinfo --format json makes one");
-  return loader.Counts().Total() == 0 || loader.Counts().refused > 0 ? kRefused : kDone;
+  return loader.Counts().Total() == 0 || loader.Counts().refused > 0 ? cli::kRefused : cli::kPrinted;
 }
 
 /// Anything but "OK" has the line sent again.
@@ -146,7 +146,7 @@ int LoadConfirming(Session& session, Loader& loader) {
   DocumentSplitter splitter(Framing::kLines,
                             [&](const Document& document) { LoadAndAnswer(session, loader, document); });
   ReadParts("-", [&](std::string_view part) { splitter.Take(part); });
-  return loader.Counts().refused > 0 ? kRefused : kDone;
+  return loader.Counts().refused > 0 ? cli::kRefused : cli::kPrinted;
 }
 
 }  // namespace
@@ -210,6 +210,9 @@ void CheckLoad(const LoadOptions& options) {
 }
 
 int RunLoad(const LoadOptions& options, const Clock& clock) {
+  std::vector<cli::NamedFile> inputs;
+  for (const std::string& file : options.files) inputs.push_back({"FILE", file});
+  cli::RequireDistinctFiles({"--output", options.list.output}, inputs);
   Session session(FindDatabase(options.database));
   Loader loader(clock, SettingsOf(options, clock));
   return options.confirms ? LoadConfirming(session, loader) : LoadFiles(options, session, loader);

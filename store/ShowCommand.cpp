@@ -9,10 +9,11 @@
 #include "cli/format/RenderOptions.h"
 #include "cli/model/Inventory.h"
 #include "cli/model/UsbIds.h"
+#include "cli/option/CommonOptions.h"
 #include "cli/option/Values.h"
+#include "cli/text/ExitStatus.h"
 #include "cli/text/Output.h"
 #include "store/DatabaseLocation.h"
-#include "store/ExitStatus.h"
 #include "store/Message.h"
 #include "store/OpenStore.h"
 #include "store/ReportReader.h"
@@ -74,13 +75,13 @@ std::vector<cli::Option> ShowOptionTable(ShowOptions& options) {
   options.format = formats.front().name;
   return {DatabaseOption(options.database),
           AtOption(options.at),
-          FormatOption(options.format, formats),
+          cli::FormatOption(options.format, formats),
           {.names = {"-v", "--verbose"},
            .help = "Show all that is known of each item in the tree",
            .manual = "Show all that is known of each hub and device in the tree.",
            .store = cli::StoreTrue(options.isVerbose)},
-          ColorOption(options.color),
-          OutputOption(options.output)};
+          cli::ColorOption(options.color),
+          cli::OutputOption(options.output)};
 }
 
 void CheckShow(const ShowOptions& options) {
@@ -95,11 +96,11 @@ int RunShow(const ShowOptions& options, const Clock& clock) {
   const std::optional<cli::Inventory> inventory = ReadReport(*database, options.host, at);
   if (!inventory) {
     PrintMessage(DescribeNothing(*database, options));
-    return kNothingMatched;
+    return cli::kNothingFound;
   }
   const cli::OutputFormat& format = cli::FindOutputFormat(options.format);
   cli::WriteOutput(options.output, Render(*inventory, format, options));
-  return kDone;
+  return cli::kPrinted;
 }
 
 }  // namespace store

@@ -2,11 +2,12 @@
 
 #include <fmt/format.h>
 
+#include "cli/option/CommonOptions.h"
 #include "cli/option/UsageError.h"
 #include "cli/option/Values.h"
+#include "cli/text/ExitStatus.h"
 #include "cli/text/Output.h"
 #include "store/DatabaseLocation.h"
-#include "store/ExitStatus.h"
 #include "store/HostName.h"
 #include "store/HostUpkeep.h"
 #include "store/Message.h"
@@ -29,7 +30,7 @@ Cell NumberCell(std::uint64_t number) {
 
 int ReportNoHost(const std::string& host) {
   PrintMessage(fmt::format("the store has no host {}; usbinfo-store hosts lists them", host));
-  return kNothingMatched;
+  return cli::kNothingFound;
 }
 
 }  // namespace
@@ -52,7 +53,7 @@ int RunForget(const ForgetOptions& options) {
   ResultList list("forgotten", {{.name = "host"}, {.name = "reports", .isNumber = true}});
   list.AddRow({options.host, NumberCell(*reports)});
   Print(list, options.list);
-  return kDone;
+  return cli::kPrinted;
 }
 
 std::vector<cli::Operand> RenameOperands(RenameOptions& options) {
@@ -77,7 +78,7 @@ int RunRename(const RenameOptions& options) {
   ResultList list("renamed", {{.name = "host"}, {.name = "before"}});
   list.AddRow({options.after, options.before});
   Print(list, options.list);
-  return kDone;
+  return cli::kPrinted;
 }
 
 std::vector<cli::Option> PruneOptionTable(PruneOptions& options) {
@@ -108,7 +109,7 @@ int RunPrune(const PruneOptions& options, const Clock& clock) {
   list.AddRow({NumberCell(pruned.reports), NumberCell(pruned.items), NumberCell(pruned.late),
                NumberCell(pruned.refused)});
   Print(list, options.list);
-  return kDone;
+  return cli::kPrinted;
 }
 
 std::vector<cli::Option> MigrateOptionTable(MigrateOptions& options) {
@@ -122,7 +123,7 @@ int RunMigrate(const MigrateOptions& options) {
   ResultList list("migrated", {{.name = "version", .isNumber = true}, {.name = "before", .isNumber = true}});
   list.AddRow({NumberCell(kSchemaVersion), before ? Cell(std::int64_t{*before}) : Cell()});
   Print(list, options.list);
-  return kDone;
+  return cli::kPrinted;
 }
 
 std::vector<cli::Option> SchemaOptionTable(SchemaOptions& options) {
@@ -134,13 +135,13 @@ std::vector<cli::Option> SchemaOptionTable(SchemaOptions& options) {
            .choices = dialects,
            .manual = "For which database:",
            .store = cli::StoreChoice(options.dialect, dialects)},
-          OutputOption(options.output)};
+          cli::OutputOption(options.output)};
 }
 
 int RunSchema(const SchemaOptions& options) {
   cli::WriteOutput(options.output,
                    SchemaSql(options.dialect == "sqlite" ? Dialect::kSqlite : Dialect::kPostgresql));
-  return kDone;
+  return cli::kPrinted;
 }
 
 }  // namespace store

@@ -8,6 +8,7 @@
 #include "cli/command/SchemaOptions.h"
 #include "cli/command/ShowOptions.h"
 #include "cli/option/CommandSpec.h"
+#include "cli/option/StandardOptions.h"
 
 namespace cli {
 
@@ -26,19 +27,12 @@ class CommandLine {
   CommandSpec Show();
   CommandSpec Diff();
   CommandSpec Schema();
-  CommandSpec Help();
-  std::vector<Option> WithHelp(std::vector<Option> options);
 
   ShowOptions fShow;
   DiffOptions fDiff;
   SchemaOptions fSchema;
-  bool fAsksForHelp = false;
-  bool fAsksForVersion = false;
-  /// What to generate from the table of options; empty for nothing.
-  std::string fGenerated;
-  /// The subcommand whose help was requested; empty for that of the whole command.
-  std::string fTopic;
   CommandSpec fCommand;
+  StandardOptions fStandard{fCommand, USBINFO_VERSION};
 };
 
 }  // namespace cli

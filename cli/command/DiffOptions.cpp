@@ -4,8 +4,9 @@
 
 #include <utility>
 
-#include "cli/command/CommonOptions.h"
+#include "cli/command/SourceOptions.h"
 #include "cli/diff/PropertyComparison.h"
+#include "cli/option/CommonOptions.h"
 #include "cli/option/UsageError.h"
 #include "cli/option/Values.h"
 
@@ -41,7 +42,7 @@ std::vector<Operand> DiffOperands(DiffOptions& options) {
 
 std::vector<Option> DiffOptionTable(DiffOptions& options) {
   std::vector<Option> table = {
-      FormatOption(options.format, {"text", "json"}),
+      FormatOption(options.format, {{"text"}, {"json"}}),
       ColorOption(options.color),
       OutputOption(options.output),
       IgnoreOption(options.ignored),

@@ -1,9 +1,9 @@
 #include "cli/command/SchemaCommand.h"
 
-#include "cli/command/ExitStatus.h"
 #include "cli/format/MofFormat.h"
 #include "cli/model/JsonValues.h"
 #include "cli/model/Kinds.h"
+#include "cli/text/ExitStatus.h"
 #include "cli/text/JsonWriter.h"
 #include "cli/text/Output.h"
 #include "schema/CimTypes.h"

@@ -8,10 +8,11 @@
 #include <utility>
 
 #include "cli/command/ClassNames.h"
-#include "cli/command/CommonOptions.h"
+#include "cli/command/SourceOptions.h"
 #include "cli/format/DeviceColumns.h"
 #include "cli/format/OutputFormat.h"
 #include "cli/format/TableFormat.h"
+#include "cli/option/CommonOptions.h"
 #include "cli/option/UsageError.h"
 #include "cli/option/Values.h"
 #include "cli/text/LogWriter.h"

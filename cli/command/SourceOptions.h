@@ -1,0 +1,22 @@
+// The options that say how device lists and this machine are read.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/collect/Source.h"
+#include "cli/option/Option.h"
+
+namespace cli {
+
+/// --as-is.
+Option AsIsOption(bool& isAsIs);
+
+/// --source WAY.
+Option WayOption(std::optional<Source::Way>& way);
+
+/// --mask-serials and --mask-key FILE.
+std::vector<Option> MaskOptions(Source& source);
+
+}  // namespace cli

@@ -1,0 +1,51 @@
+#include "cli/text/Program.h"
+
+#include <csignal>
+#include <exception>
+#include <new>
+#include <string>
+
+#include "cli/text/ExitStatus.h"
+#include "cli/text/Message.h"
+#include "cli/text/Output.h"
+#include "cli/text/Text.h"
+#include "system/SignalGuard.h"
+#include "system/StandardStreams.h"
+
+namespace cli {
+
+namespace {
+
+/// Process-wide settings, made before anything is read or written.
+void PrepareProcess() {
+  sys::OccupyStandardStreams();
+  UseCharacterSetOfEnvironment();
+  // A closed pipe or a limit on the size of files shows in the write that fails, so that nothing half-written
+  // is left behind.
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+}
+
+int Fail(std::string_view program, const std::string& message) {
+  PrintMessageOf(program, message);
+  return kFailure;
+}
+
+}  // namespace
+
+int RunProgram(std::string_view program, const std::function<int()>& run) {
+  PrepareProcess();
+  try {
+    return run();
+  } catch (const ClosedPipe&) {
+    sys::EndBySignal(SIGPIPE);
+  } catch (const std::bad_alloc&) {
+    return Fail(program, "out of memory");
+  } catch (const std::exception& error) {
+    return Fail(program, error.what());
+  } catch (...) {
+    return Fail(program, "unexpected failure");
+  }
+}
+
+}  // namespace cli
