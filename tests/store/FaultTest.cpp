@@ -2,6 +2,8 @@
 #include <csignal>
 
 #include "store/Loader.h"
+#include "store/OpenStore.h"
+#include "tests/store/support/PostgresServer.h"
 #include "tests/store/support/StoreTest.h"
 #include "tests/store/support/WatchedDatabase.h"
 #include "tests/support/ForkedChild.h"
@@ -103,6 +105,20 @@ TEST_P(FaultTest, TwoLoadersWithTheSameHostStoreEachReportOnce) {
             kReports);
   const store::Seconds last = Count("SELECT MAX(collected) FROM report");
   EXPECT_EQ(last, kNow - kHour + kReports - 1);
+}
+
+TEST_P(FaultTest, TwoProgramsThatMakeTheSameStoreTakeTurns) {
+  const TemporaryFolder folder;
+  const bool isSqlite = GetParam() == store::Dialect::kSqlite;
+  const std::string name = isSqlite ? folder.File("new.db") : PostgresServer::Shared()->NewUrl();
+  std::vector<pid_t> children;
+  for (int child = 0; child < 4; ++child) {
+    children.push_back(StartChild([&] {
+      store::OpenStore(store::FindDatabase(name), store::Access::kCreating);
+      return 0;
+    }));
+  }
+  for (const pid_t child : children) EXPECT_EQ(EndOfChild(child), 0);
 }
 
 FOR_BOTH_DATABASES(FaultTest);

@@ -5,6 +5,7 @@
 #include "store/HostUpkeep.h"
 #include "store/Schema.h"
 #include "tests/store/support/StoreTest.h"
+#include "tests/store/support/WatchedDatabase.h"
 
 using ::testing::HasSubstr;
 
@@ -27,6 +28,18 @@ std::string UserErrorOf(const std::function<void()>& action) {
   } catch (const cli::UserError& error) {
     return error.what();
   }
+}
+
+/// A later version of the program, which keeps a note of each host.
+const store::SchemaDefinition& LaterSchema() {
+  static const store::SchemaDefinition schema = {
+      3,
+      "CREATE TABLE never (made INTEGER);\n",
+      {{2, "ALTER TABLE host ADD COLUMN hint TEXT;\nUPDATE host SET hint = note || ', too';\n"},
+       {1,
+        "-- A comment.\nALTER TABLE host ADD COLUMN note TEXT;\nUPDATE host SET note = 'from {version}';\n"
+        "CREATE TABLE noted (\n  id {identity}\n);\n"}}};
+  return schema;
 }
 
 }  // namespace
@@ -53,6 +66,51 @@ TEST_P(UpkeepTest, ARenamedHostKeepsItsHistoryAndGoesOnUnderItsNewName) {
   Load(OfHost("new", kNow));
   EXPECT_EQ(Shown("new", kNow - 1), Printed(OfHost("old", kNow - kDay)));
   EXPECT_EQ(Shown("new", kNow), Printed(OfHost("new", kNow)));
+}
+
+TEST_P(UpkeepTest, MigratingBringsAStoreWithDataFromVersionToVersion) {
+  Load(OfHost("a", kNow - kDay));
+  Load(OfHost("a", kNow));
+  Load(OfHost("b", kNow));
+  store::Migrate(Db(), LaterSchema());
+  EXPECT_EQ(store::FindVersion(Db()), 3);
+  EXPECT_EQ(Select("SELECT name, note, hint FROM host ORDER BY name", 3),
+            (std::vector<std::string>{"a|from 2|from 2, too", "b|from 2|from 2, too"}));
+  EXPECT_EQ(Count("SELECT COUNT(*) FROM noted"), 0);
+  EXPECT_EQ(Shown("a", kNow), Printed(OfHost("a", kNow)));
+  EXPECT_THAT(UserErrorOf([&] { Connect(); }),
+              HasSubstr("has version 3 of the schema, and this program uses 1"));
+  EXPECT_THAT(UserErrorOf([&] { store::Migrate(Db()); }), HasSubstr("update usbinfo-store on this machine"));
+}
+
+TEST_P(UpkeepTest, AMigrationThatFailsAtAnyStatementLeavesTheStoreAsItWas) {
+  Load(OfHost("a", kNow));
+  const std::vector<std::string> before = Content();
+  std::size_t failing = 1;
+  for (bool hasFailed = true; hasFailed; ++failing) {
+    ASSERT_LT(failing, 50u);
+    WatchedDatabase watched(Db(), [&](std::size_t number, WatchedDatabase::Moment moment) {
+      if (number == failing && moment == WatchedDatabase::Moment::kBefore)
+        throw store::DatabaseError("the test's failure");
+    });
+    try {
+      store::Migrate(watched, LaterSchema());
+      hasFailed = false;
+    } catch (const store::DatabaseError&) {
+      ASSERT_EQ(Content(), before) << failing;
+      ASSERT_EQ(store::FindVersion(Db()), 1);
+    }
+  }
+  EXPECT_GT(failing, 8u);
+  EXPECT_EQ(store::FindVersion(Db()), 3);
+}
+
+TEST_P(UpkeepTest, AStoreFromWhichThereIsNoWayIsRefusedByASentence) {
+  Db().Execute("UPDATE meta SET schema_version = 0", {});
+  EXPECT_THAT(UserErrorOf([&] { Connect(); }), HasSubstr("this program uses 1; run usbinfo-store migrate"));
+  EXPECT_THAT(UserErrorOf([&] { store::Migrate(Db()); }),
+              HasSubstr("has version 0 of the schema, which this program cannot bring to version 1"));
+  EXPECT_EQ(store::FindVersion(Db()), 0);
 }
 
 TEST_P(UpkeepTest, AStoreOfAnotherVersionIsNotUsed) {
