@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Holds the documents to what the command does: every command line of theirs that calls it is run, as written but for
-the build that is tested. Where a line begins with "$ ", what stands below it is what it must print, "..." for any lines.
+"""Holds the documents to what the commands do: every command line of theirs that calls one is run, as written but for
+the build that is tested. Each document has a store of its own; without usbinfo-store, which takes libraries that not
+every machine has, its lines are left out. Where a line begins with "$ ", what stands below it is what it must print, "..." for any lines.
 
 Usage: check_documents.py COMMAND SOURCE
 """
@@ -12,7 +13,7 @@ import sys
 import tempfile
 
 # As the documents call it, built or installed.
-CALL = re.compile(r"(build/release/)?usbinfo ")
+CALL = re.compile(r"(build/release/)?usbinfo(-store)? ")
 # Not the tests' machine but the one in the document is shown, whatever it has; the names file is none.
 ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8", "USBINFO_IDS": "", "COLUMNS": "80"}
 
@@ -43,12 +44,12 @@ def matches(expected, printed):
     return re.fullmatch(pattern, printed) is not None
 
 
-def run(line, expected, folder):
-    """Runs the line by a shell; gives what went wrong."""
-    environment = {**ENVIRONMENT, "PATH": f"{folder}/build/release:{os.environ['PATH']}"}
+def run(line, expected, folder, data):
+    """Runs the line by a shell, with `data` as the folder of the store; gives what went wrong."""
+    environment = {**ENVIRONMENT, "PATH": f"{folder}/build/release:{os.environ['PATH']}", "XDG_DATA_HOME": f"{folder}/{data}"}
     result = subprocess.run(["bash", "-o", "pipefail", "-c", line], cwd=folder, env=environment,
                             capture_output=True, text=True, timeout=60, check=False)
-    # On a machine without USB there is nothing to show; two inventories may differ.
+    # On a machine without USB there is nothing to show; two inventories may differ; nothing may be found.
     if result.returncode > 1:
         return f"exit status {result.returncode}: {result.stderr}"
     if expected is not None and not matches(expected, result.stdout + result.stderr):
@@ -56,10 +57,16 @@ def run(line, expected, folder):
     return None
 
 
+def programs(command):
+    """The commands that are built."""
+    return [path for path in (pathlib.Path(command), pathlib.Path(f"{command}-store")) if path.exists()]
+
+
 def mirror(command, source, folder):
     """Makes the folder look like the top of the sources after a build, without what the commands may write to."""
     (folder / "build/release").mkdir(parents=True)
-    (folder / "build/release/usbinfo").symlink_to(command)
+    for program in programs(command):
+        (folder / "build/release" / program.name).symlink_to(program)
     for entry in source.iterdir():
         if entry.name != "build":
             (folder / entry.name).symlink_to(entry)
@@ -73,8 +80,10 @@ def main():
         for document in [source / "README.md", *sorted(source.glob("docs/*.md"))]:
             for block in blocks(document.read_text(encoding="utf-8")):
                 for line, expected in calls(block):
+                    if "usbinfo-store" in line and len(programs(command)) == 1:
+                        continue
                     count += 1
-                    failure = run(line, expected, folder)
+                    failure = run(line, expected, folder, f"build/{document.stem}")
                     if failure:
                         failures.append(f"{document.name}: {line}\n{failure}")
     print("\n".join(failures) or f"{count} commands run")
