@@ -160,7 +160,7 @@ std::string RenderChangesText(const std::vector<StoredComparison>& comparisons, 
 }
 
 std::string RenderChangesJson(const std::vector<StoredComparison>& comparisons) {
-  std::string text = "{\"schema\":\"usbinfo.changes/1\",\"changes\":[";
+  std::string text = R"({"schema":"usbinfo.changes/1","changes":[)";
   const char* separator = "\n";
   for (const StoredComparison& comparison : comparisons) {
     text += fmt::format("{}{},\"difference\":{}}}", std::exchange(separator, ",\n"), Beginning(comparison),
