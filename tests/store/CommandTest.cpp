@@ -1,4 +1,5 @@
 // The built program, as people and rsyslog run it.
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -63,6 +64,30 @@ TEST_P(CommandTest, AnswersWhoHasWhatWhereAndWhen) {
 
   EXPECT_EQ(Run({"show", "vm-desktop", "--format", "json"}).output, SourceFile("examples/desktop.json"));
   EXPECT_EQ(Run({"show", "nobody"}).errors,
+            "usbinfo-store: the store has no host nobody; usbinfo-store hosts lists them\n");
+}
+
+TEST_P(CommandTest, PrintsChangesInTheCharacterSetOfItsOwnLocaleAndExitsWithOneWithoutAny) {
+  Json document = Desktop(kNow - kDay);
+  const std::string first = document.dump() + "\n";
+  document["origin"]["collected"] = store::FormatTime(kNow - kHour);
+  document["kernel"]["devices"].back()["product"] = "Gr\u00fc\u00dfe";
+  EXPECT_EQ(Store({"load"}).Set("LC_ALL", "C").Input(first + document.dump()).Run().status, 0);
+
+  const std::string heading =
+      "\"vm-desktop\" (2026-11-21 00:00:00 UTC) -> \"vm-desktop\" (2026-11-21 23:00:00 UTC)\n";
+  const std::string line =
+      "~ 4-1: mouse 056a:0000 \"Wacom PenPartner\" -> 056a:0000 \"{}\", serial \"PEN-1\"\n";
+  const CommandResult utf8 = Store({"changes"}).Set("LC_ALL", "C.UTF-8").Run();
+  EXPECT_THAT(utf8.output, HasSubstr(heading + fmt::format(fmt::runtime(line), "Gr\u00fc\u00dfe")));
+  EXPECT_EQ(utf8.status, 0);
+  EXPECT_THAT(Store({"changes"}).Set("LC_ALL", "C").Run().output,
+              HasSubstr(heading + fmt::format(fmt::runtime(line), R"(Gr\xc3\xbc\xc3\x9fe)")));
+
+  const CommandResult none = Run({"changes", "--since", "2026-11-22"});
+  EXPECT_EQ(none.output + none.errors, "");
+  EXPECT_EQ(none.status, 1);
+  EXPECT_EQ(Run({"changes", "--host", "nobody"}).errors,
             "usbinfo-store: the store has no host nobody; usbinfo-store hosts lists them\n");
 }
 
