@@ -36,10 +36,9 @@ cli::DifferenceKind KindOfName(const std::string& name) {
       fmt::format("the store is damaged: there is no change \"{}\"; restore it from a backup", name));
 }
 
-/// "WHERE" and so on, for both queries.
-std::string Condition(const std::string& table, const std::string& host) {
-  const std::string condition =
-      fmt::format(" JOIN host ON host.id = {0}.host_id WHERE {0}.collected >= ?", table);
+/// The end of both queries; the index of comparison finds the rows.
+std::string Condition(const std::string& host) {
+  const std::string condition = " JOIN host ON host.id = comparison.host_id WHERE comparison.collected >= ?";
   return host.empty() ? condition : condition + " AND host.name = ?";
 }
 
@@ -52,7 +51,7 @@ Parameters ValuesOf(const std::string& host, Seconds since) {
 std::map<Key, StoredComparison> ReadComparisons(Database& database, const std::string& host, Seconds since) {
   const Query query = {
       "SELECT host_id, collected, host.name, previous, is_compared, remarks, old, new FROM comparison" +
-          Condition("comparison", host),
+          Condition(host),
       8};
   std::map<Key, StoredComparison> comparisons;
   database.Select(query, ValuesOf(host, since), [&](const Row& row) {
@@ -81,9 +80,10 @@ StoredChange ChangeIn(const Row& row) {
 void ReadItems(Database& database, const std::string& host, Seconds since,
                std::map<Key, StoredComparison>& comparisons) {
   const Query query = {
-      "SELECT host_id, collected, kind, class, place, place_before, description, properties, content "
-      "FROM difference" +
-          Condition("difference", host) + " ORDER BY host_id, collected, number",
+      "SELECT difference.host_id, difference.collected, kind, class, place, place_before, description, "
+      "properties, content FROM comparison JOIN difference ON difference.host_id = comparison.host_id "
+      "AND difference.collected = comparison.collected" +
+          Condition(host) + " ORDER BY comparison.collected, difference.number",
       9};
   database.Select(query, ValuesOf(host, since), [&](const Row& row) {
     comparisons.at({row.Number(0), row.Number(1)}).changes.push_back(ChangeIn(row));

@@ -185,10 +185,12 @@ CREATE VIEW change_history AS
       AND comparison.collected = difference.collected
     JOIN host ON host.id = difference.host_id;
 CREATE VIEW change AS
-  SELECT host, previous, collected, number, kind, class, place, place_before, description, properties, content
-  FROM change_history WHERE collected = (
-    SELECT MAX(report.collected) FROM report JOIN host ON host.id = report.host_id
-    WHERE host.name = change_history.host);
+  SELECT host.name AS host, previous, comparison.collected, difference.number, kind, class, place, place_before,
+    description, properties, content
+  FROM difference JOIN comparison ON comparison.host_id = difference.host_id
+      AND comparison.collected = difference.collected
+    JOIN host ON host.id = difference.host_id
+  WHERE comparison.collected = (SELECT MAX(report.collected) FROM report WHERE report.host_id = comparison.host_id);
 )sql";
 
 }  // namespace store
