@@ -8,7 +8,7 @@ enum ExitStatus {
   kNothingFound = 1,  // no USB device, or nothing matched
   kDifferent = 1,     // the inventories compared differ
   kRefused = 1,       // some documents were refused
-  kFailure = 2,       // wrong usage, unreadable input, no plug-in or store, a database that fails, failed output
+  kFailure = 2,  // wrong usage, unreadable input, no plug-in or store, a database that fails, failed output
 };
 
 }  // namespace cli
