@@ -14,6 +14,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import unittest
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 EXAMPLES = SOURCE / "examples" / "fleet"
@@ -21,6 +22,14 @@ SECONDS_TO_WAIT = 120
 # Marks all processes of a test, also those that its services start.
 MARK = "USBINFO_FLEET_TEST"
 PR_SET_PDEATHSIG = 1
+
+
+def require(*programs):
+    """Skips the tests of this file where one of the programs is not installed; where CI is set, that is a failure."""
+    missing = [program for program in programs if not shutil.which(program)]
+    if missing:
+        message = f"not installed: {', '.join(missing)}"
+        raise AssertionError(message) if "CI" in os.environ else unittest.SkipTest(message)
 
 
 def find_user():
@@ -74,14 +83,14 @@ def run(arguments, **options):
                           timeout=SECONDS_TO_WAIT, check=False, **options)
 
 
-def wait_until(condition, what):
+def wait_until(condition, what, seconds=SECONDS_TO_WAIT):
     """Returns the first result of `condition` that is true. Nothing else says when another program is so far."""
-    deadline = time.monotonic() + SECONDS_TO_WAIT
+    deadline = time.monotonic() + seconds
     while time.monotonic() < deadline:
         result = condition()
         if result:
             return result
-        time.sleep(0.02)
+        time.sleep(0.05)
     raise AssertionError(f"waited in vain for {what}")
 
 
@@ -179,7 +188,7 @@ def report(host, number=0, document=None):
 def small_report(host, number):
     """A report of one machine with one device, whose serial number differs from report to report."""
     inventory = desktop()
-    inventory.pop("kernel")
+    inventory["kernel"] = {"devices": [], "ports": []}
     for name, items in inventory["classes"].items():
         inventory["classes"][name] = [item for item in items[:1] if name == "KALDO_USBDevice"]
     inventory["classes"]["KALDO_USBDevice"][0]["SerialNumber"] = f"{host}-{number}"

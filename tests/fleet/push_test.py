@@ -86,6 +86,7 @@ class PushTest(unittest.TestCase):
     machine_name = "web1.example.org"
 
     def setUp(self):
+        machine.require("rsyslogd", "psql", "openssl")
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
@@ -124,6 +125,17 @@ class PushTest(unittest.TestCase):
         """How many reports the store has; -1 where nobody can say."""
         return self.database.number("SELECT count(*) FROM report")
 
+    def wait_until(self, condition, what):
+        """As machine.wait_until, with what the programs have said where it fails."""
+        try:
+            return machine.wait_until(condition, what, machine.SECONDS_TO_WAIT + REPORTS / 20)
+        except AssertionError as error:
+            log = self.folder / "usbinfo-store.log"
+            said = log.read_text(encoding="utf-8", errors="replace") if log.exists() else ""
+            raise AssertionError(f"{error}; {self.stored()} reports are stored\n--- sender\n"
+                                 f"{self.sender.messages()[-3000:]}\n--- collector\n"
+                                 f"{self.collector.messages()[-3000:]}\n--- store\n{said[-3000:]}") from None
+
     def hand_over(self, *lines):
         """Leaves the lines for the sender, as the service of the machine leaves a file."""
         with open(self.spool / "report.json", "a", encoding="utf-8") as file:
@@ -141,7 +153,7 @@ class StreamTest(PushTest):
 
     def kill_store(self):
         """The program that the collector's rsyslogd feeds."""
-        os.kill(machine.wait_until(self.collector.store_process, "usbinfo-store"), signal.SIGKILL)
+        os.kill(self.wait_until(self.collector.store_process, "usbinfo-store"), signal.SIGKILL)
 
     def restart_database(self):
         """Connections are cut."""
@@ -161,11 +173,11 @@ class StreamTest(PushTest):
         for index, trouble in enumerate(troubles):
             begin = index * share
             self.hand_over(*lines[begin:begin + share])
-            machine.wait_until(lambda begin=begin: self.stored() > begin, "the first report of this part")
+            self.wait_until(lambda begin=begin: self.stored() > begin, "the first report of this part")
             trouble()
             stored = self.stored()
             self.assertLess(stored, begin + share, f"{trouble.__name__} came after the last report")
-        machine.wait_until(lambda: self.stored() >= total, "the last report")
+        self.wait_until(lambda: self.stored() >= total, "the last report")
         machine.stop(self.sender.process)
         machine.stop(self.collector.process)
         self.assertEqual(self.stored(), total)
@@ -181,19 +193,19 @@ class StreamTest(PushTest):
         inventory = machine.desktop()
         ports = inventory["classes"]["KALDO_USBPort"]
         example = ports[0]
-        for number in range(2500):
+        for number in range(3500):
             # Bytes that programs for log lines are known to change.
             name = f"Port {number:04} \u007f\u00e9\u20ac #011 \\n %msg% \t"
             ports.append({**example, "DeviceID": name, "Name": name})
         line = machine.report("big", 0, inventory)
         self.assertGreater(len(line), 1 << 20)
         self.hand_over(line)
-        machine.wait_until(lambda: self.stored() == 1, "the report")
+        self.wait_until(lambda: self.stored() == 1, "the report")
         self.assertEqual(json.loads(self.show("big")), json.loads(line))
 
     def test_what_is_no_report_does_not_hold_up_the_next(self):
         self.hand_over("no report", '{"schema": "usbinfo.inventory/2"', machine.report("web1"))
-        machine.wait_until(lambda: self.stored() == 1, "the report")
+        self.wait_until(lambda: self.stored() == 1, "the report")
         self.assertEqual(self.database.number("SELECT count(*) FROM refused"), 2)
 
 
@@ -204,7 +216,7 @@ class WrongCollectorTest(PushTest):
 
     def test_a_collector_with_another_name_gets_no_report(self):
         self.hand_over(machine.report("web1"))
-        machine.wait_until(lambda: "authentication error" in self.sender.messages(), "the refusal")
+        self.wait_until(lambda: "authentication error" in self.sender.messages(), "the refusal")
         self.assertIn("web2.example.org", self.sender.messages())
         self.assertLessEqual(self.stored(), 0)
 
@@ -216,7 +228,7 @@ class WrongMachineTest(PushTest):
 
     def test_a_machine_with_another_name_cannot_report(self):
         self.hand_over(machine.report("web1"))
-        machine.wait_until(lambda: "authentication error" in self.collector.messages(), "the refusal")
+        self.wait_until(lambda: "authentication error" in self.collector.messages(), "the refusal")
         self.assertIn("web1.example.net", self.collector.messages())
         self.assertLessEqual(self.stored(), 0)
 
