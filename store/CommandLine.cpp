@@ -17,7 +17,8 @@ namespace store {
 CommandLine::CommandLine(const Clock& clock) : fClock(clock) {
   fCommand.name = kProgram;
   fCommand.summary = "Keep the USB inventories of many machines, and their history";
-  fCommand.subcommands = {Hosts(), Load(), Find(), Show(), Forget(), Rename(), Prune(), Migrate(), Schema()};
+  fCommand.subcommands = {Hosts(),  Load(),   Collect(), Find(),    Show(),
+                          Forget(), Rename(), Prune(),   Migrate(), Schema()};
   fCommand.subcommands.push_back(Help());
 }
 
@@ -63,6 +64,14 @@ CommandSpec CommandLine::Load() {
           .options = WithHelp(LoadOptionTable(fLoad)),
           .check = [this] { CheckLoad(fLoad); },
           .run = [this] { return RunLoad(fLoad, fClock); }};
+}
+
+CommandSpec CommandLine::Collect() {
+  return {.name = "collect",
+          .summary = "Fetch the inventories of other machines into the store",
+          .options = WithHelp(CollectOptionTable(fCollect)),
+          .check = [this] { CheckCollect(fCollect); },
+          .run = [this] { return RunCollect(fCollect, fClock); }};
 }
 
 CommandSpec CommandLine::Find() {

@@ -6,6 +6,7 @@
 
 #include "cli/option/CommandSpec.h"
 #include "store/Clock.h"
+#include "store/CollectCommand.h"
 #include "store/FindCommand.h"
 #include "store/HostsCommand.h"
 #include "store/LoadCommand.h"
@@ -29,6 +30,7 @@ class CommandLine {
  private:
   cli::CommandSpec Hosts();
   cli::CommandSpec Load();
+  cli::CommandSpec Collect();
   cli::CommandSpec Find();
   cli::CommandSpec Show();
   cli::CommandSpec Forget();
@@ -42,6 +44,7 @@ class CommandLine {
   const Clock& fClock;
   HostsOptions fHosts;
   LoadOptions fLoad;
+  CollectOptions fCollect;
   FindOptions fFind;
   ShowOptions fShow;
   ForgetOptions fForget;

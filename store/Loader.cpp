@@ -14,7 +14,7 @@ namespace store {
 
 namespace {
 
-constexpr std::size_t kHeadBytes = 1000;
+constexpr std::size_t kShownBytes = 1000;
 
 cli::Inventory Parse(const Document& document, const std::string& source) {
   if (document.isTooLong) {
@@ -40,29 +40,27 @@ void Record(Database& database, const Document& document, const std::string& sou
       "excluded.reason",
       {Text(hash.Text()), Integer(now), Integer(now), Integer(1), OptionalColumnText(host),
        Text(cli::EscapeForDocument(source)), Text(cli::EscapeForDocument(reason)),
-       Text(cli::EscapeForDocument(document.text.substr(0, kHeadBytes)))});
+       Text(cli::EscapeForDocument(document.text.substr(0, kShownBytes)))});
 }
 
 }  // namespace
 
 std::optional<std::string> Loader::Load(Database& database, const Document& document,
                                         const std::string& source) {
-  std::string host;
+  fLastHost.clear();
   try {
-    Count(Write(database, document, source, host));
+    Count(Write(database, document, source));
     return std::nullopt;
   } catch (const Refusal& refusal) {
-    Record(database, document, source, host, refusal.what(), fClock.Now());
+    Record(database, document, source, fLastHost, refusal.what(), fClock.Now());
     ++fCounts.refused;
     return refusal.what();
   }
 }
 
-/// Sets `host` as soon as the document has named it.
-Outcome Loader::Write(Database& database, const Document& document, const std::string& source,
-                      std::string& host) const {
+Outcome Loader::Write(Database& database, const Document& document, const std::string& source) {
   const Report report(Parse(document, source), fSettings.collected);
-  host = report.HostName();
+  fLastHost = report.HostName();
   return ReportWriter(database, fSettings.permissions, fClock.Now()).Write(report);
 }
 
