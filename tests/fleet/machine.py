@@ -22,6 +22,8 @@ SECONDS_TO_WAIT = 120
 # Marks all processes of a test, also those that its services start.
 MARK = "USBINFO_FLEET_TEST"
 PR_SET_PDEATHSIG = 1
+# The environment variables that name the programs to test, of which only the first is always needed.
+PROGRAMS = ("USBINFO_STORE", "USBINFO", "USBINFO_PLUGIN")
 
 
 def require(*programs):
@@ -47,10 +49,10 @@ def leave_root():
     with tempfile.TemporaryDirectory() as folder:
         for name in ("tests/fleet", "tests/data/expected", "examples"):
             shutil.copytree(SOURCE / name, pathlib.Path(folder, name))
-        program = shutil.copy(os.environ["USBINFO_STORE"], folder)
+        programs = {name: shutil.copy(os.environ[name], folder) for name in PROGRAMS if name in os.environ}
         os.chmod(folder, 0o755)
         test = pathlib.Path(folder, "tests/fleet", os.path.basename(sys.argv[0]))
-        environment = {**os.environ, "USBINFO_STORE": program, "HOME": folder, "USER": user.pw_name,
+        environment = {**os.environ, **programs, "HOME": folder, "USER": user.pw_name,
                        "LOGNAME": user.pw_name}
         sys.exit(subprocess.run(["/usr/bin/python3", "-B", test, *sys.argv[1:]], cwd=folder, env=environment, check=False,
                                 user=user.pw_uid, group=user.pw_gid, extra_groups=[]).returncode)
@@ -159,6 +161,14 @@ class Postgres:
     def url(self, user="owner"):
         """As --db takes it."""
         return f"postgresql:///postgres?host={self.folder}&user={user}"
+
+    def make_store(self, program):
+        """An empty store, where there is none, with the roles of the example."""
+        for command in ([program, "migrate", "--db", self.url()],
+                        ["psql", "-X", "-q", "-d", self.url(), "-f", EXAMPLES / "roles.sql"]):
+            result = run(command)
+            if result.returncode != 0:
+                raise AssertionError(result.stderr)
 
     def psql(self, sql, user="owner"):
         """Runs the SQL as that user."""
