@@ -124,6 +124,16 @@ def children_of(pid):
             for child in pathlib.Path(path).read_text(encoding="ascii").split()]
 
 
+def do_nothing(pids):
+    """Whether these processes neither read nor write for a moment."""
+    def counters():
+        return [pathlib.Path(f"/proc/{pid}/io").read_text(encoding="utf-8") for pid in pids]
+
+    before = counters()
+    time.sleep(0.5)
+    return counters() == before
+
+
 def fill_in(name, replacements, target):
     """Writes the example file with other ports and paths to `target`. Each text must be there to be replaced."""
     text = (EXAMPLES / name).read_text(encoding="utf-8")

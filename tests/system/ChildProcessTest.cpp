@@ -51,6 +51,31 @@ TEST_F(ChildProcessTest, WaitsForACommandThatHasClosedItsOutput) {
   EXPECT_EQ(standin::Machine().CaptureFile(trace), standin::Machine().CaptureFile("/proc/filesystems"));
 }
 
+TEST_F(ChildProcessTest, FollowsBothStreamsOfAProgramToItsEnd) {
+  std::string output;
+  std::string errors;
+  ChildProcess program({"sh", "-c", "echo \"$1\"; echo two >&2; exit 3", "sh", "one; $HOME"});
+  const int status = program.Follow([&](ChildProcess::Stream stream, std::string_view part) {
+    (stream == ChildProcess::Stream::kOutput ? output : errors) += part;
+  });
+  EXPECT_EQ(status, 3);
+  EXPECT_EQ(output, "one; $HOME\n");
+  EXPECT_EQ(errors, "two\n");
+}
+
+TEST_F(ChildProcessTest, TellsWhichSignalEndedAProgram) {
+  EXPECT_EQ(ChildProcess({"sh", "-c", "kill -9 $$"}).Follow([](auto, auto) {}), 128 + SIGKILL);
+}
+
+TEST_F(ChildProcessTest, SaysThatThereIsNoSuchProgram) {
+  try {
+    ChildProcess program({"no-such-program"});
+    FAIL() << "it has started";
+  } catch (const std::system_error& error) {
+    EXPECT_EQ(error.code().value(), ENOENT);
+  }
+}
+
 TEST_F(ChildProcessTest, TakesAsManyBytesAsItMayAndNoMore) {
   EXPECT_EQ(ChildProcess("printf 12345").Collect(kAmple, 5), "12345");
   EXPECT_EQ(ErrorOfCollect("printf 12345", kAmple, 4), EFBIG);
