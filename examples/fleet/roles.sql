@@ -1,7 +1,7 @@
--- Two roles for the store in PostgreSQL, one that can only load and one that can only read. For psql, run by the owner of
--- the tables once the store exists, and again after usbinfo-store migrate has changed its schema:
+-- Two roles for the store in PostgreSQL, one that can only load and one that can only read. For psql, run by one
+-- who may make roles, once the store exists, and again after usbinfo-store migrate has changed its schema:
 --   usbinfo-store migrate --db postgresql:///usbinfo
---   psql --dbname usbinfo --file roles.sql
+--   sudo -u postgres psql --dbname usbinfo < roles.sql
 
 \set ON_ERROR_STOP on
 SELECT format('CREATE ROLE %I LOGIN', name)

@@ -5,7 +5,11 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
 
 #include "standin/Machine.h"
 #include "system/ChildProcess.h"
@@ -63,13 +67,13 @@ TEST_F(ChildProcessTest, FollowsBothStreamsOfAProgramToItsEnd) {
   EXPECT_EQ(errors, "two\n");
 }
 
-TEST_F(ChildProcessTest, TellsWhichSignalEndedAProgram) {
+TEST_F(ChildProcessTest, ReportsTheSignalThatEndedAProgram) {
   EXPECT_EQ(ChildProcess({"sh", "-c", "kill -9 $$"}).Follow([](auto, auto) {}), 128 + SIGKILL);
 }
 
-TEST_F(ChildProcessTest, SaysThatThereIsNoSuchProgram) {
+TEST_F(ChildProcessTest, RefusesAProgramThatIsNotInstalled) {
   try {
-    ChildProcess program({"no-such-program"});
+    ChildProcess program(std::vector<std::string>{"no-such-program"});
     FAIL() << "it has started";
   } catch (const std::system_error& error) {
     EXPECT_EQ(error.code().value(), ENOENT);
