@@ -20,7 +20,8 @@ TOOL_PACKAGES=(cmake g++ libcli11-dev locales ninja-build nlohmann-json3-dev pkg
 # What building the product and its tests takes on Debian 12 and 13.
 BUILD_PACKAGES=("${LIBRARY_PACKAGES[@]}" "${TOOL_PACKAGES[@]}")
 # What running the tests takes on top: the programs that read what the command writes.
-TEST_PACKAGES=(fish graphviz groff-base jq libxml2-utils mandoc postgresql python3-jsonschema zsh)
+TEST_PACKAGES=(ansible-core clustershell fish graphviz groff-base jq libxml2-utils mandoc openssh-client openssh-server openssl
+  postgresql python3-jsonschema rsyslog rsyslog-relp systemd zsh)
 # What the tests with the label "page" take on top of those: a browser.
 PAGE_PACKAGES=(chromium chromium-driver python3-selenium)
 # What the slower checks take on top.

@@ -9,8 +9,8 @@ namespace store {
 CommandLine::CommandLine(const Clock& clock) : fClock(clock) {
   fCommand.name = kProgram;
   fCommand.summary = "Keep the USB inventories of many machines, and their history";
-  fCommand.subcommands = {Hosts(),  Load(),   Find(),  Changes(), Show(),
-                          Forget(), Rename(), Prune(), Migrate(), Schema()};
+  fCommand.subcommands = {Hosts(),  Load(),   Collect(), Find(),    Changes(), Show(),
+                          Forget(), Rename(), Prune(),   Migrate(), Schema()};
   fCommand.subcommands.push_back(fStandard.Help());
 }
 
@@ -33,6 +33,14 @@ CommandSpec CommandLine::Load() {
           .options = fStandard.WithHelp(LoadOptionTable(fLoad)),
           .check = [this] { CheckLoad(fLoad); },
           .run = [this] { return RunLoad(fLoad, fClock); }};
+}
+
+CommandSpec CommandLine::Collect() {
+  return {.name = "collect",
+          .summary = "Fetch the inventories of other machines into the store",
+          .options = fStandard.WithHelp(CollectOptionTable(fCollect)),
+          .check = [this] { CheckCollect(fCollect); },
+          .run = [this] { return RunCollect(fCollect, fClock); }};
 }
 
 CommandSpec CommandLine::Find() {

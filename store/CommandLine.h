@@ -8,6 +8,7 @@
 #include "cli/option/StandardOptions.h"
 #include "store/ChangesCommand.h"
 #include "store/Clock.h"
+#include "store/CollectCommand.h"
 #include "store/FindCommand.h"
 #include "store/HostsCommand.h"
 #include "store/LoadCommand.h"
@@ -31,6 +32,7 @@ class CommandLine {
  private:
   cli::CommandSpec Hosts();
   cli::CommandSpec Load();
+  cli::CommandSpec Collect();
   cli::CommandSpec Find();
   cli::CommandSpec Changes();
   cli::CommandSpec Show();
@@ -43,6 +45,7 @@ class CommandLine {
   const Clock& fClock;
   HostsOptions fHosts;
   LoadOptions fLoad;
+  CollectOptions fCollect;
   FindOptions fFind;
   ChangesOptions fChanges;
   ShowOptions fShow;

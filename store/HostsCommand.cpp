@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
+#include <utility>
 
 #include "cli/text/ExitStatus.h"
 #include "store/DatabaseLocation.h"
@@ -37,7 +39,15 @@ enum HostColumn : std::size_t {
   kHostColumns
 };
 
-std::vector<Row> SelectHosts(Database& database) {
+/// A row for what never gave a report.
+Row EmptyRow(const std::string& name) {
+  std::vector<Text> cells(kHostColumns);
+  cells[kName] = name;
+  return Row(std::move(cells));
+}
+
+/// The hosts of the store, and the nodes with failures that are none of them.
+std::vector<Row> SelectHosts(Database& database, const std::map<std::string, Error>& failures) {
   const Query query = {
       "SELECT host.name, host.machine, host.mask, report.collected, report.loaded, state.controllers, "
       "state.hubs, state.ports, state.devices, state.findings, "
@@ -49,19 +59,38 @@ std::vector<Row> SelectHosts(Database& database) {
       "LEFT JOIN state ON state.host_id = host.id AND state.number = report.state",
       kHostColumns};
   std::vector<Row> rows = Rows(database, query, {});
+  std::set<std::string> names;
+  for (const Row& row : rows) names.insert(row.String(kName));
+  for (const auto& [name, failure] : failures) {
+    if (names.count(name) == 0) rows.push_back(EmptyRow(name));
+  }
   // Databases sort texts by their own rules.
   std::sort(rows.begin(), rows.end(),
             [](const Row& left, const Row& right) { return left.String(kName) < right.String(kName); });
   return rows;
 }
 
-/// The last report of each host that was refused.
-std::map<std::string, Error> SelectErrors(Database& database) {
-  std::map<std::string, Error> errors;
+/// Why a node gave no report when it was asked last, by the host that it is, or was named for.
+std::map<std::string, Error> SelectFailures(Database& database) {
+  std::map<std::string, Error> failures;
+  database.Select({"SELECT COALESCE(host.name, node.name), tried, reason FROM node "
+                   "LEFT JOIN host ON host.id = node.host_id WHERE reason IS NOT NULL ORDER BY tried",
+                   3},
+                  {}, [&](const Row& row) {
+                    failures[row.String(0)] = {row.Number(1), row.String(2)};
+                  });
+  return failures;
+}
+
+/// The last report of each host that was refused, or could not be had.
+std::map<std::string, Error> SelectErrors(Database& database, const std::map<std::string, Error>& failures) {
+  std::map<std::string, Error> errors = failures;
   database.Select(
       {"SELECT host, last_time, reason FROM refused WHERE host IS NOT NULL ORDER BY last_time", 3}, {},
       [&](const Row& row) {
-        errors[row.String(0)] = {row.Number(1), row.String(2)};
+        const Error refusal = {row.Number(1), row.String(2)};
+        Error& last = errors.try_emplace(row.String(0), refusal).first->second;
+        if (last.time < refusal.time) last = refusal;
       });
   return errors;
 }
@@ -76,6 +105,22 @@ Cell LastError(const Row& row, const std::map<std::string, Error>& errors) {
 
 bool IsListed(const Row& row, const HostsOptions& options, Seconds now) {
   return !options.silentFor || row.IsNull(kCollected) || row.Number(kCollected) < now - *options.silentFor;
+}
+
+std::vector<Cell> CellsOf(const Row& row, const std::map<std::string, Error>& errors) {
+  return {row.String(kName),
+          TimeCell(row.OptionalNumber(kCollected)),
+          CellOf(row.OptionalNumber(kReports)),
+          CellOf(row.OptionalNumber(kControllers)),
+          CellOf(row.OptionalNumber(kHubs)),
+          CellOf(row.OptionalNumber(kPorts)),
+          CellOf(row.OptionalNumber(kDevices)),
+          CellOf(row.OptionalNumber(kLate)),
+          CellOf(row.OptionalNumber(kFindings)),
+          CellOf(row.OptionalString(kMask)),
+          CellOf(row.OptionalString(kMachine)),
+          TimeCell(row.OptionalNumber(kLoaded)),
+          LastError(row, errors)};
 }
 
 ResultList EmptyList() {
@@ -118,17 +163,12 @@ such as
 int RunHosts(const HostsOptions& options, const Clock& clock) {
   const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
   const Transaction transaction(*database, Transaction::Purpose::kRead);
-  const std::map<std::string, Error> errors = SelectErrors(*database);
+  const std::map<std::string, Error> failures = SelectFailures(*database);
+  const std::map<std::string, Error> errors = SelectErrors(*database, failures);
   ResultList list = EmptyList();
-  for (const Row& row : SelectHosts(*database)) {
+  for (const Row& row : SelectHosts(*database, failures)) {
     if (!IsListed(row, options, clock.Now())) continue;
-    list.AddRow({row.String(kName), TimeCell(row.OptionalNumber(kCollected)),
-                 CellOf(row.OptionalNumber(kReports)), CellOf(row.OptionalNumber(kControllers)),
-                 CellOf(row.OptionalNumber(kHubs)), CellOf(row.OptionalNumber(kPorts)),
-                 CellOf(row.OptionalNumber(kDevices)), CellOf(row.OptionalNumber(kLate)),
-                 CellOf(row.OptionalNumber(kFindings)), CellOf(row.OptionalString(kMask)),
-                 CellOf(row.OptionalString(kMachine)), TimeCell(row.OptionalNumber(kLoaded)),
-                 LastError(row, errors)});
+    list.AddRow(CellsOf(row, errors));
   }
   if (!list.IsEmpty() || options.list.format != "table") Print(list, options.list);
   if (!list.IsEmpty()) return cli::kPrinted;

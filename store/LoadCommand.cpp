@@ -119,9 +119,11 @@ int LoadFiles(const LoadOptions& options, Session& session, Loader& loader) {
   return loader.Counts().Total() == 0 || loader.Counts().refused > 0 ? cli::kRefused : cli::kPrinted;
 }
 
-/// Anything but "OK" has the line sent again.
+/// Anything but "OK" has the line sent again. omprog ends a program whose answer has more than 4095 bytes,
+/// and a database may repeat a whole statement in its message.
 void Answer(const std::string& answer) {
-  std::string line = answer;
+  constexpr std::size_t kLongestAnswer = 500;
+  std::string line = answer.substr(0, kLongestAnswer);
   std::replace(line.begin(), line.end(), '\n', ' ');
   cli::WriteStandardOutput(line + "\n");
 }

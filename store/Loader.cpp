@@ -47,22 +47,20 @@ void Record(Database& database, const Document& document, const std::string& sou
 
 std::optional<std::string> Loader::Load(Database& database, const Document& document,
                                         const std::string& source) {
-  std::string host;
+  fLastHost.clear();
   try {
-    Count(Write(database, document, source, host));
+    Count(Write(database, document, source));
     return std::nullopt;
   } catch (const Refusal& refusal) {
-    Record(database, document, source, host, refusal.what(), fClock.Now());
+    Record(database, document, source, fLastHost, refusal.what(), fClock.Now());
     ++fCounts.refused;
     return refusal.what();
   }
 }
 
-/// Sets `host` as soon as the document has named it.
-Outcome Loader::Write(Database& database, const Document& document, const std::string& source,
-                      std::string& host) const {
+Outcome Loader::Write(Database& database, const Document& document, const std::string& source) {
   const Report report(Parse(document, source), fSettings.collected);
-  host = report.HostName();
+  fLastHost = report.HostName();
   return ReportWriter(database, fSettings.permissions, fClock.Now()).Write(report);
 }
 

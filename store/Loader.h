@@ -39,15 +39,17 @@ class Loader {
   std::optional<std::string> Load(Database& database, const Document& document, const std::string& source);
 
   const LoadCounts& Counts() const { return fCounts; }
+  /// The host of the last document; empty when the document did not name it.
+  const std::string& LastHost() const { return fLastHost; }
 
  private:
-  Outcome Write(Database& database, const Document& document, const std::string& source,
-                std::string& host) const;
+  Outcome Write(Database& database, const Document& document, const std::string& source);
   void Count(Outcome outcome);
 
   const Clock& fClock;
   LoadSettings fSettings;
   LoadCounts fCounts;
+  std::string fLastHost;
 };
 
 }  // namespace store

@@ -22,6 +22,15 @@ CREATE TABLE host (
   mask TEXT
 );
 
+-- A machine as it is named to collect it, and the host that it was last time. "reason" is why no report could be had
+-- at the time "tried"; NULL when there was one.
+CREATE TABLE node (
+  name TEXT PRIMARY KEY,
+  host_id BIGINT REFERENCES host (id) ON DELETE CASCADE,
+  tried BIGINT NOT NULL,
+  reason TEXT
+);
+
 -- What a report says, once for all reports in a row that say the same. "items" lists the numbers of its items in their
 -- order, such as '1-17,25,19-24'.
 CREATE TABLE state (

@@ -12,6 +12,7 @@
 #include <csignal>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 extern "C" {
 #include <sys/pidfd.h>  // up to glibc 2.36 without a C++ linkage of its own
@@ -27,7 +28,8 @@ void Check(int error) {
   if (error != 0) ThrowSystemError(error);
 }
 
-/// The child's descriptors: empty input, output to `output`, errors dropped.
+/// The child's descriptors: empty input, output to `output`, errors to `errors` or, where that is negative,
+/// dropped.
 class SpawnActions {
  public:
   SpawnActions() { Check(posix_spawn_file_actions_init(&fActions)); }
@@ -35,11 +37,15 @@ class SpawnActions {
   SpawnActions& operator=(const SpawnActions&) = delete;
   ~SpawnActions() { posix_spawn_file_actions_destroy(&fActions); }
 
-  void Redirect(int output) {
+  void Redirect(int output, int errors) {
     // The output first: where this process lacks a standard stream, `output` may have its number.
     Check(posix_spawn_file_actions_adddup2(&fActions, output, STDOUT_FILENO));
     Check(posix_spawn_file_actions_addopen(&fActions, STDIN_FILENO, "/dev/null", O_RDONLY, 0));
-    Check(posix_spawn_file_actions_addopen(&fActions, STDERR_FILENO, "/dev/null", O_WRONLY, 0));
+    if (errors < 0) {
+      Check(posix_spawn_file_actions_addopen(&fActions, STDERR_FILENO, "/dev/null", O_WRONLY, 0));
+    } else {
+      Check(posix_spawn_file_actions_adddup2(&fActions, errors, STDERR_FILENO));
+    }
   }
   const posix_spawn_file_actions_t* Get() const { return &fActions; }
 
@@ -85,22 +91,56 @@ void AwaitReadable(int fd, Clock::time_point deadline) {
   }
 }
 
+struct Pipe {
+  FileDescriptor reading;
+  FileDescriptor writing;
+};
+
+Pipe MakePipe() {
+  std::array<int, 2> ends{};
+  if (::pipe2(ends.data(), O_CLOEXEC) != 0) ThrowSystemError(errno);
+  return {FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+}
+
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+/// Waits for one of both, of which closed ones are -1.
+void AwaitOneReadable(std::array<pollfd, 2>& watched) {
+  while (::poll(watched.data(), watched.size(), -1) < 0) {
+    if (errno != EINTR) ThrowSystemError(errno);
+  }
+}
+
 }  // namespace
 
 ChildProcess::ChildProcess(const std::string& command) {
-  std::array<int, 2> ends{};
-  if (::pipe2(ends.data(), O_CLOEXEC) != 0) ThrowSystemError(errno);
-  fOutput = FileDescriptor(ends[0]);
-  const FileDescriptor input(ends[1]);
+  Pipe output = MakePipe();
+  fOutput = std::move(output.reading);
+  std::vector<std::string> arguments = {"sh", "-c", command};
+  Start("/bin/sh", arguments, output.writing.Get(), -1);
+}
+
+ChildProcess::ChildProcess(std::vector<std::string> arguments) {
+  Pipe output = MakePipe();
+  Pipe errors = MakePipe();
+  fOutput = std::move(output.reading);
+  fErrors = std::move(errors.reading);
+  const std::string program = arguments.front();
+  Start(program.c_str(), arguments, output.writing.Get(), errors.writing.Get());
+}
+
+void ChildProcess::Start(const char* program, std::vector<std::string>& arguments, int output, int errors) {
   SpawnActions actions;
-  actions.Redirect(input.Get());
+  actions.Redirect(output, errors);
   SpawnAttributes attributes;
   attributes.SetGroupAndSignals();
-  std::string shell = "sh";
-  std::string option = "-c";
-  std::string line = command;
-  const std::array<char*, 4> arguments = {shell.data(), option.data(), line.data(), nullptr};
-  Check(posix_spawn(&fPid, "/bin/sh", actions.Get(), attributes.Get(), arguments.data(), environ));
+  Check(posix_spawnp(&fPid, program, actions.Get(), attributes.Get(), Pointers(arguments).data(), environ));
   fGuard.Watch(fPid);
 }
 
@@ -132,6 +172,27 @@ std::string ChildProcess::Collect(std::chrono::milliseconds limit, std::size_t m
   return text;
 }
 
+int ChildProcess::Follow(const std::function<void(Stream, std::string_view)>& take) {
+  constexpr std::size_t kChunk = 65536;
+  std::array<char, kChunk> chunk;
+  std::array<pollfd, 2> watched = {{{fOutput.Get(), POLLIN, 0}, {fErrors.Get(), POLLIN, 0}}};
+  while (watched[0].fd >= 0 || watched[1].fd >= 0) {
+    AwaitOneReadable(watched);
+    for (pollfd& each : watched) {
+      if (each.fd < 0 || each.revents == 0) continue;
+      const ssize_t got = ::read(each.fd, chunk.data(), chunk.size());
+      if (got < 0 && errno != EINTR) ThrowSystemError(errno);
+      if (got > 0) {
+        take(each.fd == fOutput.Get() ? Stream::kOutput : Stream::kErrors,
+             {chunk.data(), static_cast<std::size_t>(got)});
+      }
+      if (got == 0) each.fd = -1;
+    }
+  }
+  AwaitEnd(Clock::time_point::max());
+  return fExitStatus;
+}
+
 void ChildProcess::AwaitEnd(Clock::time_point deadline) {
   const FileDescriptor process(::pidfd_open(fPid, 0));
   if (process.IsOpen()) {
@@ -140,9 +201,14 @@ void ChildProcess::AwaitEnd(Clock::time_point deadline) {
     ThrowSystemError(errno);
   }
   // Where this process ignores SIGCHLD, the system has reaped the child already.
+  constexpr int kSignalled = 128;
   siginfo_t end;
   fGone = ::waitid(P_PID, static_cast<id_t>(fPid), &end, WEXITED | WNOHANG | WNOWAIT) != 0;
-  if (fGone) fGuard.Forget();
+  if (fGone) {
+    fGuard.Forget();
+  } else {
+    fExitStatus = end.si_code == CLD_EXITED ? end.si_status : kSignalled + end.si_status;
+  }
 }
 
 }  // namespace sys

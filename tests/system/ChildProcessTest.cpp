@@ -5,7 +5,11 @@
 
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
 
 #include "standin/Machine.h"
 #include "system/ChildProcess.h"
@@ -49,6 +53,31 @@ TEST_F(ChildProcessTest, WaitsForACommandThatHasClosedItsOutput) {
   const std::string trace = directory.File("trace");
   EXPECT_EQ(ChildProcess("exec >&-; cat /proc/filesystems > " + trace).Collect(kAmple, kEnough), "");
   EXPECT_EQ(standin::Machine().CaptureFile(trace), standin::Machine().CaptureFile("/proc/filesystems"));
+}
+
+TEST_F(ChildProcessTest, FollowsBothStreamsOfAProgramToItsEnd) {
+  std::string output;
+  std::string errors;
+  ChildProcess program({"sh", "-c", "echo \"$1\"; echo two >&2; exit 3", "sh", "one; $HOME"});
+  const int status = program.Follow([&](ChildProcess::Stream stream, std::string_view part) {
+    (stream == ChildProcess::Stream::kOutput ? output : errors) += part;
+  });
+  EXPECT_EQ(status, 3);
+  EXPECT_EQ(output, "one; $HOME\n");
+  EXPECT_EQ(errors, "two\n");
+}
+
+TEST_F(ChildProcessTest, ReportsTheSignalThatEndedAProgram) {
+  EXPECT_EQ(ChildProcess({"sh", "-c", "kill -9 $$"}).Follow([](auto, auto) {}), 128 + SIGKILL);
+}
+
+TEST_F(ChildProcessTest, RefusesAProgramThatIsNotInstalled) {
+  try {
+    ChildProcess program(std::vector<std::string>{"no-such-program"});
+    FAIL() << "it has started";
+  } catch (const std::system_error& error) {
+    EXPECT_EQ(error.code().value(), ENOENT);
+  }
 }
 
 TEST_F(ChildProcessTest, TakesAsManyBytesAsItMayAndNoMore) {
