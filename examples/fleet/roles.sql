@@ -19,7 +19,7 @@ GRANT SELECT ON ALL TABLES IN SCHEMA public TO usbinfo_read;
 -- is until when an item was there, which machine and mask a host has, what a node said last, and how often a
 -- text was refused.
 GRANT SELECT ON meta, host, state, report, item TO usbinfo_load;
-GRANT INSERT ON host, state, report, item, difference, late, refused, node TO usbinfo_load;
+GRANT INSERT ON host, state, report, item, comparison, difference, late, refused, node TO usbinfo_load;
 GRANT UPDATE (machine, mask) ON host TO usbinfo_load;
 GRANT UPDATE (until) ON item TO usbinfo_load;
 -- What finds a row that is there already, and what is updated then. The texts themselves it cannot read again.

@@ -8,7 +8,7 @@ import unittest
 import machine
 
 STORE = None
-TABLES = ("meta", "host", "node", "state", "report", "item", "difference", "late", "refused")
+TABLES = ("meta", "host", "node", "state", "report", "item", "comparison", "difference", "late", "refused")
 # What roles can be granted on a table or, the first four, on columns of it.
 PRIVILEGES = ("SELECT", "INSERT", "UPDATE", "REFERENCES", "DELETE", "TRUNCATE", "TRIGGER")
 # All that usbinfo_load may change, in PostgreSQL's words.
