@@ -45,6 +45,8 @@ SENT = ("Description", "Manufacturer", "SerialNumber")
 # What "usbinfo diff" reports otherwise than as a changed property.
 COMPARED_ELSEWHERE = ("DeviceID", "Name", "HubName", "PortNumber", "SystemName", "SystemCreationClassName",
                       "CreationClassName")
+# What it compares of the kernel's facts.
+COMPARED_FACTS = ("kinds", "interfaces", "speed", "maxPower", "revision", "connect", "peer")
 
 
 def an_object(properties, **more):
@@ -194,10 +196,19 @@ def kernel_port():
     }, description="A port of a hub; what is not known is null")
 
 
+def values_of_properties():
+    text = {"description": 'As the device sends it; "Not Available" when it sends none', "type": "string"}
+    return {**{name: {"type": "integer", "minimum": 0, "maximum": largest} for name, largest in NUMBERS.items()},
+            "deviceString": text}
+
+
+def facts_of(tables):
+    return {"kind": {"enum": tables["kinds"]}, "interface": interface(), "kernelDevice": kernel_device(),
+            "kernelPort": kernel_port()}
+
+
 def inventory(tables):
     table = tables["classes"]
-    numbers = {name: {"type": "integer", "minimum": 0, "maximum": largest} for name, largest in NUMBERS.items()}
-    text = {"description": 'As the device sends it; "Not Available" when it sends none', "type": "string"}
     classes = an_object({name: a_list(ref(CLASSES[name][0])) for name in table},
                         description="Instances in the order of the device list")
     system = an_open_object({"name": TEXT, "creationClassName": {"const": "KALDO_ComputerSystem"}})
@@ -205,87 +216,67 @@ def inventory(tables):
                             description="What the kernel knows besides the properties of the classes; "
                                         "null where it was not asked")
     instances = {CLASSES[name][0]: instance_of(table, name) for name in table}
-    facts = {"kind": {"enum": tables["kinds"]}, "interface": interface(), "kernelDevice": kernel_device(),
-             "kernelPort": kernel_port()}
     return a_document("inventory", "USB inventory, as usbinfo --format json prints it",
                       {"system": system, "origin": or_null(origin()), "classes": classes,
                        "kernel": or_null(kernel)},
-                      {**numbers, "deviceString": text, **instances, **facts}, version=2, make=an_open_object)
+                      {**values_of_properties(), **instances, **facts_of(tables)}, version=2, make=an_open_object)
 
 
-def placed_item(table):
-    items = entities(table)
-    plugged_in = [name for name in items if "VendorID" in table[name]["properties"]]
-    hubs = [name for name in items if "NumberOfPorts" in table[name]["properties"]]
-
-    def where(classes, then):
-        return {"if": {"properties": {"class": {"enum": classes}}}, "then": {"properties": then}}
-
-    def others(classes):
-        return [name for name in items if name not in classes]
-
-    text = {"type": ["string", "null"], "minLength": 1}
-    item = an_object({
-        "class": {"enum": items},
-        "id": {"description": "Vendor and product number in hexadecimal; null for a controller or port",
-               "type": ["string", "null"], "pattern": "^[0-9a-f]{4}:[0-9a-f]{4}$"},
-        "name": described("The product string; null when there is none", text),
-        "serial": described("Null when there is none", text),
-        "place": ref("place"),
-        "deviceId": {"description": "The DeviceID of the instance, which holds the kernel's number of that day",
-                     "type": "string"},
-        "ports": {"description": "Of a hub, how many ports it has in the inventory, which came or went with it; "
-                                 "null for the rest",
-                  "type": ["integer", "null"], "minimum": 0, "maximum": 2**32 - 1},
-    }, description="A controller, hub, port or device")
-    item["allOf"] = [
-        where(others(plugged_in), {"id": {"type": "null"}, "serial": {"type": "null"}}),
-        where(plugged_in, {"id": {"type": "string"}}),
-        where(hubs, {"ports": {"type": "integer"}}),
-        where(others(hubs), {"ports": {"type": "null"}}),
-    ]
-    return item
+def closed(schema):
+    """The same schema, in which objects have no other members than those that it names."""
+    if isinstance(schema, list):
+        return [closed(part) for part in schema]
+    if not isinstance(schema, dict):
+        return schema
+    parts = {name: closed(part) for name, part in schema.items()}
+    return {**parts, "additionalProperties": False} if "required" in schema else parts
 
 
-def place():
-    number = {"minimum": 0, "maximum": 999999999}
-    schema = an_object({
-        "text": {"description": "As the text for people shows it", "type": "string", "minLength": 1},
-        "bus": {"description": "Null for what no controller of a known bus leads to",
-                "type": ["integer", "null"], **number},
-        "identifier": {"description": "Where the place begins instead of at a bus; null where there is one",
-                       "type": ["string", "null"]},
-        "ports": {"description": "Port numbers from there on down, counted from 0", "type": "array",
-                  "maxItems": 32, "items": {"type": "integer", **number}},
-    }, description="Where an item is plugged in")
-    schema["oneOf"] = [{"properties": {"bus": {"type": bus}, "identifier": {"type": identifier}}}
-                       for bus, identifier in (("integer", "null"), ("null", "string"))]
-    return schema
+def placed_item(table, class_name):
+    properties = table[class_name]["properties"]
+    is_port = class_name == "KALDO_USBPort"
+    has_facts = is_port or "VendorID" in properties
+    facts = {"anyOf": [ref("kernelPort" if is_port else "kernelDevice"), {"type": "null"}]}
+    return an_object({
+        "class": {"const": class_name},
+        "path": described("Its object path", {"type": "string", "pattern": f"^{class_name}\\."}),
+        "place": described("As the text for people shows it", {"type": "string", "minLength": 1}),
+        "properties": ref(CLASSES[class_name][0]),
+        "kernel": described("What the kernel knows of it", facts if has_facts else {"type": "null"}),
+    })
 
 
-def difference(table):
-    compared = sorted({name for entity in entities(table) for name in table[entity]["properties"]}
-                      - set(COMPARED_ELSEWHERE))
+def difference(tables):
+    table = tables["classes"]
+    compared = {name for entity in entities(table) for name in table[entity]["properties"]} - set(COMPARED_ELSEWHERE)
 
-    def change(text, fewest):
-        properties = a_list(ref("property"), description="Ascending by name", minItems=fewest)
-        return an_object({"old": ref("item"), "new": ref("item"), "properties": properties}, description=text)
+    def change(text, fewest, **more):
+        properties = a_list(ref("property"), minItems=fewest,
+                            description="Those of the class, ascending by name, then what the kernel knows")
+        return an_object({**more, "old": ref("item"), "new": ref("item"), "properties": properties}, description=text)
 
+    certain = described("Whether the serial number says that it is the same, not only that it is the only item of "
+                        "its model", {"type": "boolean"})
+    values = [{"type": ["string", "null"]}, {"type": "integer", "minimum": 0, "maximum": 2**64 - 1}, {"const": 1.5},
+              a_list(TEXT), a_list(ref("interface"))]
     definitions = {
-        "item": placed_item(table),
-        "place": place(),
-        "moved": change("The same item at two places, with what else changed about it", 0),
+        "item": {"description": "A controller, hub, port or device",
+                 "oneOf": [placed_item(table, name) for name in entities(table)]},
+        "moved": change("The same item at two places, with what else changed about it", 0, certain=certain),
         "changed": change("The same item, with at least one property that differs", 1),
-        "property": an_object({"name": {"enum": compared}, "from": ref("value"), "to": ref("value")}),
-        "value": {"description": "Null where the item lacks the property",
-                  "type": ["string", "integer", "array", "null"], "minimum": 0, "maximum": 2**64 - 1,
-                  "items": {"type": "string"}},
+        "property": an_object({"name": {"enum": sorted(compared) + list(COMPARED_FACTS)}, "from": ref("value"),
+                               "to": ref("value")}),
+        "value": {"description": "Null where the item lacks the property", "anyOf": values},
+        **{CLASSES[name][0]: instance_of(table, name) for name in entities(table)},
+        **values_of_properties(), **closed(facts_of(tables)),
     }
-    system = an_object({"system": {"type": "string"}})
+    source = origin()["properties"]
+    machine = an_object({"system": TEXT, "source": {"enum": [*source["source"]["enum"], None]},
+                         "collected": source["collected"], "machine": source["machine"]})
     lists = {"added": "item", "removed": "item", "moved": "moved", "changed": "changed"}
     return a_document("diff", "Difference of two USB inventories, as usbinfo diff --format json prints it",
-                      {"old": system, "new": system,
-                       **{name: a_list(ref(entry)) for name, entry in lists.items()}}, definitions)
+                      {"old": machine, "new": machine,
+                       **{name: a_list(ref(entry)) for name, entry in lists.items()}}, definitions, version=2)
 
 
 def classes_document(table):
@@ -309,7 +300,7 @@ def main(arguments):
     tables = json.loads(printed)
     table = tables["classes"]
     status = 0
-    for name, schema in (("usbinfo", inventory(tables)), ("usbinfo-diff", difference(table)),
+    for name, schema in (("usbinfo", inventory(tables)), ("usbinfo-diff", difference(tables)),
                          ("usbinfo-classes", classes_document(table))):
         path = FOLDER / f"{name}.schema.json"
         text = json.dumps(schema, indent=2) + "\n"

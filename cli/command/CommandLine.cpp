@@ -78,9 +78,13 @@ and
 are JSON inventories or device lists, the same files that
 .Fl -devices
 takes.
-One of them may be a single dash, which is standard input.)",
+One of them may be a single dash, which is standard input.
+Without
+.Ar NEW ,
+the new inventory is that of this machine.)",
           .operands = DiffOperands(fDiff),
           .options = WithHelp(DiffOptionTable(fDiff)),
+          .check = [this] { CheckDiffOptions(fDiff); },
           .run = [this] { return RunDiff(fDiff); }};
 }
 

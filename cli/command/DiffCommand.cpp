@@ -9,10 +9,13 @@
 #include "cli/collect/Input.h"
 #include "cli/command/ExitStatus.h"
 #include "cli/command/Findings.h"
+#include "cli/command/Message.h"
+#include "cli/diff/Comparability.h"
 #include "cli/diff/DiffJson.h"
 #include "cli/diff/DiffText.h"
 #include "cli/diff/InventoryDiff.h"
 #include "cli/model/FromJson.h"
+#include "cli/model/Selection.h"
 #include "cli/option/UsageError.h"
 #include "cli/text/Color.h"
 #include "cli/text/LogWriter.h"
@@ -23,6 +26,14 @@ namespace cli {
 
 namespace {
 
+constexpr const char* kThisMachine = "this machine";
+
+Inventory Checked(Inventory inventory, const std::string& name, const DiffOptions& options) {
+  if (!options.allowsSuspect) RefuseFindings(inventory, name);
+  WarnOfFindings(inventory);
+  return inventory;
+}
+
 Inventory ReadInventory(const std::string& path, const DiffOptions& options, LogWriter& log) {
   const std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
   const std::string name = NameOfList(path);
@@ -32,26 +43,62 @@ Inventory ReadInventory(const std::string& path, const DiffOptions& options, Log
   }
   Source source;
   source.devices = path;
-  source.plugin = options.plugin;
-  source.systemName = options.systemName;
-  source.isAsIs = options.isAsIs;
-  Inventory inventory = CollectFrom(text, source, AllClasses(), log);
-  if (!options.allowsSuspect) RefuseFindings(inventory, name);
-  WarnOfFindings(inventory);
-  return inventory;
+  source.plugin = options.source.plugin;
+  source.systemName = options.source.systemName;
+  source.isAsIs = options.source.isAsIs;
+  return Checked(CollectFrom(text, source, AllClasses(), log), name, options);
+}
+
+Inventory ReadNew(const DiffOptions& options, LogWriter& log) {
+  if (!options.after.empty()) return ReadInventory(options.after, options, log);
+  return Checked(Collect(options.source, AllClasses(), log), kThisMachine, options);
+}
+
+std::string NameOfNew(const DiffOptions& options) {
+  return options.after.empty() ? kThisMachine : NameOfList(options.after);
 }
 
 /// Saved inventories are not collected again, so options of collecting have no effect on them.
 void CheckOptionsForLists(const DiffOptions& options, const Inventory& before, const Inventory& after) {
   if (before.DeviceList() || after.DeviceList()) return;
-  const std::pair<const char*, bool> given[] = {{"--as-is", options.isAsIs},
-                                                {"--plugin", !options.plugin.empty()},
-                                                {"--system-name", !options.systemName.empty()}};
+  const std::pair<const char*, bool> given[] = {{"--as-is", options.source.isAsIs},
+                                                {"--plugin", !options.source.plugin.empty()},
+                                                {"--system-name", !options.source.systemName.empty()}};
   for (const auto& [name, isGiven] : given) {
     if (isGiven) {
       throw UsageError(
           fmt::format("{} is for device lists, and both files hold saved inventories: leave it out", name));
     }
+  }
+}
+
+void CheckMasks(const DiffOptions& options, const Inventory& before, const Inventory& after) {
+  const std::string old = NameOfList(options.before);
+  const std::string now = NameOfNew(options);
+  if (const auto difference = DifferenceOfMasks(before, after)) {
+    throw UserError(fmt::format("{} and {} cannot be compared: {}", old, now, *difference));
+  }
+  if (!IsMaskingUnknown(before, after)) return;
+  PrintMessage(fmt::format("{} does not say whether its serial numbers are masked; save it anew to be sure",
+                           before.GetOrigin() ? now : old));
+}
+
+/// Where a part was selected of one inventory, the same part is taken of the other.
+void Align(const DiffOptions& options, Inventory& before, Inventory& after) {
+  switch (CompareSelections(before, after)) {
+    case SelectionToApply::kNone:
+      return;
+    case SelectionToApply::kToOld:
+      before = Select(before, SelectionOf(after).value(), false);
+      return;
+    case SelectionToApply::kToNew:
+      after = Select(after, SelectionOf(before).value(), false);
+      return;
+    case SelectionToApply::kImpossible:
+      throw UserError(
+          fmt::format("{} and {} cannot be compared: they were saved with different selections; save both "
+                      "with the same options -d, -s and --class",
+                      NameOfList(options.before), NameOfNew(options)));
   }
 }
 
@@ -66,13 +113,17 @@ int RunDiff(const DiffOptions& options) {
   if (options.before == "-" && options.after == "-") {
     throw UserError("standard input holds one inventory; give a file for OLD or for NEW");
   }
-  RequireDistinctFiles({"--output", options.output},
-                       {{"OLD", options.before}, {"NEW", options.after}, {"--plugin", options.plugin}});
+  RequireDistinctFiles({"--output", options.output}, {{"OLD", options.before},
+                                                      {"NEW", options.after},
+                                                      {"--mask-key", options.source.maskKey},
+                                                      {"--plugin", options.source.plugin}});
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
-  const Inventory before = ReadInventory(options.before, options, log);
-  const Inventory after = ReadInventory(options.after, options, log);
+  Inventory before = ReadInventory(options.before, options, log);
+  Inventory after = ReadNew(options, log);
   CheckOptionsForLists(options, before, after);
-  const InventoryDifference difference = Compare(before, after);
+  CheckMasks(options, before, after);
+  Align(options, before, after);
+  const InventoryDifference difference = Compare(before, after, options.ignored);
   WriteOutput(options.output, Render(options, difference));
   log.Finish();
   return difference.IsEmpty() ? kPrinted : kDifferent;

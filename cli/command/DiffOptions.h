@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/collect/Source.h"
 #include "cli/option/CommandSpec.h"
 
 namespace cli {
@@ -11,19 +12,18 @@ namespace cli {
 struct DiffOptions {
   /// Compare inventories that a device may have forged, too.
   bool allowsSuspect = false;
-  /// Give the plug-in device lists as they are.
-  bool isAsIs = false;
-  /// Files that hold a JSON inventory or a device list, "-" for standard input.
+  /// A file that holds a JSON inventory or a device list, "-" for standard input.
   std::string before;
+  /// The same; empty for this machine.
   std::string after;
+  /// How device lists and this machine are read; `devices` does not count.
+  Source source;
+  /// Names of properties that are not compared.
+  std::vector<std::string> ignored;
   std::string format = "text";
   std::string color = "auto";
   /// Empty for standard output.
   std::string output;
-  /// The system name of device lists; empty for the host name.
-  std::string systemName;
-  /// Empty for the installed one.
-  std::string plugin;
 };
 
 /// OLD and NEW, stored in `options`.
@@ -31,5 +31,8 @@ std::vector<Operand> DiffOperands(DiffOptions& options);
 
 /// The table of options, which store their values in `options`. That must outlive them.
 std::vector<Option> DiffOptionTable(DiffOptions& options);
+
+/// Checks what depends on several options. Throws UsageError.
+void CheckDiffOptions(const DiffOptions& options);
 
 }  // namespace cli

@@ -2,106 +2,87 @@
 
 #include "cli/diff/DiffText.h"
 #include "cli/diff/InventoryDiff.h"
-#include "cli/model/DeviceText.h"
 #include "cli/model/JsonValues.h"
+#include "cli/model/KernelJson.h"
 #include "cli/text/JsonWriter.h"
 
 namespace cli {
 
 namespace {
 
-/// A member that is null when the text is empty.
-void WriteTextOrNull(JsonWriter& json, const char* key, const std::string& text) {
-  json.Key(key);
-  if (text.empty()) {
-    json.Null();
-  } else {
-    json.String(text);
-  }
-}
-
-void WritePlace(JsonWriter& json, const Place& place) {
-  json.BeginObject();
-  json.Key("text");
-  json.String(DescribePlace(place));
-  json.Key("bus");
-  if (place.hasBus) {
-    json.Number(place.bus);
+void WriteKernel(JsonWriter& json, const PlacedItem& placed) {
+  json.Key("kernel");
+  if (placed.device != nullptr) {
+    WriteDeviceFacts(json, *placed.device);
+  } else if (placed.port != nullptr) {
+    WritePortFacts(json, *placed.port);
   } else {
     json.Null();
   }
-  json.Key("identifier");
-  if (place.hasBus) {
-    json.Null();
-  } else {
-    json.String(place.identifier);
-  }
-  json.Key("ports");
-  json.BeginArray();
-  for (const std::uint32_t port : place.ports) json.Number(port);
-  json.EndArray();
-  json.EndObject();
 }
 
 void Write(JsonWriter& json, const PlacedItem& placed) {
-  const Item& item = *placed.item;
   json.BeginObject();
-  json.Key("class");
-  json.String(item.Schema().name);
-  WriteTextOrNull(json, "id", FormatId(item));
-  WriteTextOrNull(json, "name", ProductOf(item, placed.facts));
-  WriteTextOrNull(json, "serial", SerialOf(item, placed.facts));
-  json.Key("place");
-  WritePlace(json, placed.place);
-  json.Key("deviceId");
-  json.String(item.String(PropertyId::kDeviceID));
-  json.Key("ports");
-  if (item.Class() == ClassId::kHub) {
-    json.Number(placed.ports);
-  } else {
-    json.Null();
-  }
+  WriteMember(json, "class", placed.item->Schema().name);
+  WriteMember(json, "path", placed.item->Path());
+  WriteMember(json, "place", DescribePlace(placed));
+  json.Key("properties");
+  WriteProperties(json, *placed.item);
+  WriteKernel(json, placed);
   json.EndObject();
 }
+
+struct ValueWriter {
+  JsonWriter& json;
+
+  void operator()(std::monostate) const { json.Null(); }
+  void operator()(std::uint64_t number) const { json.Number(number); }
+  void operator()(double number) const { json.Decimal(number); }
+  void operator()(const std::string& text) const { json.String(text); }
+  void operator()(const std::vector<std::string>& texts) const { WriteTexts(json, texts); }
+  void operator()(const Reference& reference) const { json.String(reference.path); }
+  void operator()(const std::vector<InterfaceFacts>& interfaces) const {
+    json.BeginArray();
+    for (const InterfaceFacts& interface : interfaces) WriteInterfaceFacts(json, interface);
+    json.EndArray();
+  }
+};
 
 void Write(JsonWriter& json, const PropertyChange& change) {
   json.BeginObject();
-  json.Key("name");
-  json.String(schema::NameOf(change.property));
+  WriteMember(json, "name", std::string(change.name));
   json.Key("from");
-  WriteValue(json, change.before);
+  std::visit(ValueWriter{json}, change.before);
   json.Key("to");
-  WriteValue(json, change.after);
+  std::visit(ValueWriter{json}, change.after);
   json.EndObject();
 }
 
-void Write(JsonWriter& json, const ItemChange& change) {
-  json.BeginObject();
+void WriteChange(JsonWriter& json, const ItemChange& change) {
   json.Key("old");
   Write(json, change.before);
   json.Key("new");
   Write(json, change.after);
-  json.Key("properties");
-  json.BeginArray();
-  for (const PropertyChange& property : change.properties) Write(json, property);
-  json.EndArray();
-  json.EndObject();
+  WriteList(json, "properties", change.properties,
+            [&](const PropertyChange& property) { Write(json, property); });
 }
 
-void WriteSystem(JsonWriter& json, const char* key, const std::string& name) {
+void WriteMachine(JsonWriter& json, std::string_view key, const ComparedMachine& machine) {
   json.Key(key);
   json.BeginObject();
-  json.Key("system");
-  json.String(name);
+  WriteMember(json, "system", machine.system);
+  const auto member = [&](std::string_view name, const std::optional<std::string>& value) {
+    WriteMember(json, name, value);
+  };
+  const std::optional<Origin>& origin = machine.origin;
+  member("source", origin ? std::optional(origin->source) : std::nullopt);
+  member("collected", origin ? origin->collected : std::nullopt);
+  member("machine", origin ? origin->machine : std::nullopt);
   json.EndObject();
 }
 
-template <typename Entry>
-void WriteList(JsonWriter& json, const char* key, const std::vector<Entry>& entries) {
-  json.Key(key);
-  json.BeginArray();
-  for (const Entry& entry : entries) Write(json, entry);
-  json.EndArray();
+void WriteItems(JsonWriter& json, std::string_view key, const std::vector<PlacedItem>& items) {
+  WriteList(json, key, items, [&](const PlacedItem& placed) { Write(json, placed); });
 }
 
 }  // namespace
@@ -110,13 +91,23 @@ std::string RenderDiffJson(const InventoryDifference& difference) {
   JsonWriter json(JsonWriter::Layout::kIndented);
   json.BeginObject();
   json.Key("schema");
-  json.String("usbinfo.diff/1");
-  WriteSystem(json, "old", difference.oldSystem);
-  WriteSystem(json, "new", difference.newSystem);
-  WriteList(json, "added", difference.added);
-  WriteList(json, "removed", difference.removed);
-  WriteList(json, "moved", difference.moved);
-  WriteList(json, "changed", difference.changed);
+  json.String("usbinfo.diff/2");
+  WriteMachine(json, "old", difference.before);
+  WriteMachine(json, "new", difference.after);
+  WriteItems(json, "added", difference.added);
+  WriteItems(json, "removed", difference.removed);
+  WriteList(json, "moved", difference.moved, [&](const ItemChange& change) {
+    json.BeginObject();
+    json.Key("certain");
+    json.Bool(change.isCertain);
+    WriteChange(json, change);
+    json.EndObject();
+  });
+  WriteList(json, "changed", difference.changed, [&](const ItemChange& change) {
+    json.BeginObject();
+    WriteChange(json, change);
+    json.EndObject();
+  });
   json.EndObject();
   return json.Take() + "\n";
 }

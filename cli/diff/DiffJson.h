@@ -1,4 +1,4 @@
-// The difference of two inventories for programs, schema "usbinfo.diff/1"; docs/usbinfo-diff.schema.json
+// The difference of two inventories for programs, schema "usbinfo.diff/2"; docs/usbinfo-diff.schema.json
 // describes its form.
 #pragma once
 

@@ -1,12 +1,13 @@
-// What differs between two inventories: items added, removed, moved to another port and changed. An item is
+// What differs between two inventories: items added, removed, moved to another place and changed. An item is
 // recognised by its vendor, product and serial number if it has one, else by its place; docs/comparing.md
 // gives the rules.
 #pragma once
 
-#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "cli/diff/PropertyChange.h"
 #include "cli/model/Inventory.h"
 #include "cli/model/Place.h"
 
@@ -15,45 +16,50 @@ namespace cli {
 struct PlacedItem {
   /// Owned by its inventory.
   const Item* item;
-  /// What the kernel knows of it, owned by its inventory; null where either inventory has nothing from the
-  /// kernel.
-  const DeviceFacts* facts;
+  /// What the kernel knows of a hub or device, and of a port, owned by the inventory; null for nothing.
+  const DeviceFacts* device;
+  const PortFacts* port;
   Place place;
+  /// The kernel's name, such as "1-3.1", that of its root hub for a controller; empty where it is not known.
+  std::string name;
+  bool isRootHub;
   /// Of a hub: how many ports it has in the inventory.
   std::size_t ports;
-};
-
-/// A property with two values; std::monostate where the item lacks it. The strings of a device are those that
-/// it sends, where both inventories have them from the kernel.
-struct PropertyChange {
-  PropertyId property;
-  Value before;
-  Value after;
 };
 
 /// The same item in both inventories.
 struct ItemChange {
   PlacedItem before;
   PlacedItem after;
-  /// Ascending by name.
+  /// What the class has, ascending by name, then what the kernel knows.
   std::vector<PropertyChange> properties;
+  /// False for an item that moved and has no serial number, so that only its model says that it is the same.
+  bool isCertain = true;
+};
+
+/// Which machine an inventory is of, and when it was made.
+struct ComparedMachine {
+  std::string system;
+  std::optional<Origin> origin;
 };
 
 /// Every list is in the order of the places; where an item has two, that in `after` counts.
 struct InventoryDifference {
-  std::string oldSystem;
-  std::string newSystem;
+  ComparedMachine before;
+  ComparedMachine after;
   std::vector<PlacedItem> added;
   std::vector<PlacedItem> removed;
   /// With their changed properties, too.
   std::vector<ItemChange> moved;
   std::vector<ItemChange> changed;
 
-  /// True when nothing differs except perhaps the systems' names.
+  /// True when nothing differs except perhaps the machines' names and times.
   bool IsEmpty() const { return added.empty() && removed.empty() && moved.empty() && changed.empty(); }
 };
 
-/// Both inventories must outlive the difference. Takes about as long as sorting their items.
-InventoryDifference Compare(const Inventory& before, const Inventory& after);
+/// Both inventories must outlive the difference. `ignored` are names of ComparedProperties, which are not
+/// compared. Takes about as long as sorting the items.
+InventoryDifference Compare(const Inventory& before, const Inventory& after,
+                            const std::vector<std::string>& ignored = {});
 
 }  // namespace cli

@@ -19,7 +19,7 @@ constexpr const char* kQualifiers =
     "Qualifier Association : boolean = false, Scope(association), Flavor(DisableOverride);\n"
     "Qualifier Key : boolean = false, Scope(property, reference), Flavor(DisableOverride);\n";
 
-std::string Quoted(const std::string& text) {
+std::string MofString(const std::string& text) {
   return '"' + EscapeForMof(text) + '"';
 }
 
@@ -55,12 +55,14 @@ std::string Declaration(const ClassSchema& schema) {
 struct ValueText {
   std::string operator()(std::monostate) const { return "NULL"; }
   std::string operator()(std::uint64_t number) const { return std::to_string(number); }
-  std::string operator()(const std::string& text) const { return Quoted(text); }
-  std::string operator()(const Reference& reference) const { return Quoted("/root/cimv2:" + reference.path); }
+  std::string operator()(const std::string& text) const { return MofString(text); }
+  std::string operator()(const Reference& reference) const {
+    return MofString("/root/cimv2:" + reference.path);
+  }
   std::string operator()(const std::vector<std::string>& texts) const {
     std::vector<std::string> elements;
     elements.reserve(texts.size());
-    for (const std::string& text : texts) elements.push_back(Quoted(text));
+    for (const std::string& text : texts) elements.push_back(MofString(text));
     return fmt::format("{{{}}}", fmt::join(elements, ", "));
   }
 };

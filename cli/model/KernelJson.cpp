@@ -26,49 +26,6 @@ std::string Hexadecimal(std::uint8_t code) {
   return fmt::format("{:02x}", code);
 }
 
-void WriteInterface(JsonWriter& json, const InterfaceFacts& interface) {
-  json.BeginObject();
-  WriteMember(json, "configuration", interface.configuration);
-  WriteMember(json, "number", interface.number);
-  WriteMember(json, "setting", interface.setting);
-  json.Key("active");
-  json.Bool(interface.isActive);
-  WriteMember(json, "class", Hexadecimal(interface.classCode));
-  WriteMember(json, "subclass", Hexadecimal(interface.subclass));
-  WriteMember(json, "protocol", Hexadecimal(interface.protocol));
-  WriteMember(json, "driver", interface.driver);
-  json.EndObject();
-}
-
-void WriteDevice(JsonWriter& json, const DeviceFacts& device) {
-  json.BeginObject();
-  WriteMember(json, "device", device.device);
-  WriteMember(json, "name", device.name);
-  WriteMember(json, "number", device.number);
-  WriteOptional(json, "speed", device.speed, [&](double speed) { json.Decimal(speed); });
-  WriteMember(json, "manufacturer", device.manufacturer);
-  WriteMember(json, "product", device.product);
-  WriteMember(json, "serial", device.serial);
-  WriteMember(json, "kinds", device.kinds);
-  WriteList(json, "interfaces", device.interfaces,
-            [&](const InterfaceFacts& interface) { WriteInterface(json, interface); });
-  WriteOptional(json, "maxPower", device.maxPower, [&](std::uint64_t power) { json.Number(power); });
-  WriteMember(json, "revision", device.revision);
-  WriteOptional(json, "nodes", device.nodes,
-                [&](const std::vector<std::string>& nodes) { WriteTexts(json, nodes); });
-  json.EndObject();
-}
-
-void WritePort(JsonWriter& json, const PortFacts& port) {
-  json.BeginObject();
-  WriteMember(json, "port", port.port);
-  WriteMember(json, "name", port.name);
-  WriteMember(json, "peer", port.peer);
-  WriteMember(json, "connect", port.connect);
-  WriteOptional(json, "state", port.isUsed, [&](bool isUsed) { json.String(isUsed ? kUsed : kFree); });
-  json.EndObject();
-}
-
 std::uint8_t ReadByte(const JsonNode& node) {
   return static_cast<std::uint8_t>(node.Number(std::numeric_limits<std::uint8_t>::max()));
 }
@@ -158,10 +115,54 @@ PortFacts ReadPort(const JsonNode& node) {
 
 }  // namespace
 
+void WriteInterfaceFacts(JsonWriter& json, const InterfaceFacts& interface) {
+  json.BeginObject();
+  WriteMember(json, "configuration", interface.configuration);
+  WriteMember(json, "number", interface.number);
+  WriteMember(json, "setting", interface.setting);
+  json.Key("active");
+  json.Bool(interface.isActive);
+  WriteMember(json, "class", Hexadecimal(interface.classCode));
+  WriteMember(json, "subclass", Hexadecimal(interface.subclass));
+  WriteMember(json, "protocol", Hexadecimal(interface.protocol));
+  WriteMember(json, "driver", interface.driver);
+  json.EndObject();
+}
+
+void WriteDeviceFacts(JsonWriter& json, const DeviceFacts& device) {
+  json.BeginObject();
+  WriteMember(json, "device", device.device);
+  WriteMember(json, "name", device.name);
+  WriteMember(json, "number", device.number);
+  WriteOptional(json, "speed", device.speed, [&](double speed) { json.Decimal(speed); });
+  WriteMember(json, "manufacturer", device.manufacturer);
+  WriteMember(json, "product", device.product);
+  WriteMember(json, "serial", device.serial);
+  WriteMember(json, "kinds", device.kinds);
+  WriteList(json, "interfaces", device.interfaces,
+            [&](const InterfaceFacts& interface) { WriteInterfaceFacts(json, interface); });
+  WriteOptional(json, "maxPower", device.maxPower, [&](std::uint64_t power) { json.Number(power); });
+  WriteMember(json, "revision", device.revision);
+  WriteOptional(json, "nodes", device.nodes,
+                [&](const std::vector<std::string>& nodes) { WriteTexts(json, nodes); });
+  json.EndObject();
+}
+
+void WritePortFacts(JsonWriter& json, const PortFacts& port) {
+  json.BeginObject();
+  WriteMember(json, "port", port.port);
+  WriteMember(json, "name", port.name);
+  WriteMember(json, "peer", port.peer);
+  WriteMember(json, "connect", port.connect);
+  WriteOptional(json, "state", port.isUsed, [&](bool isUsed) { json.String(isUsed ? kUsed : kFree); });
+  json.EndObject();
+}
+
 void WriteKernelFacts(JsonWriter& json, const KernelFacts& facts) {
   json.BeginObject();
-  WriteList(json, "devices", facts.devices, [&](const DeviceFacts& device) { WriteDevice(json, device); });
-  WriteList(json, "ports", facts.ports, [&](const PortFacts& port) { WritePort(json, port); });
+  WriteList(json, "devices", facts.devices,
+            [&](const DeviceFacts& device) { WriteDeviceFacts(json, device); });
+  WriteList(json, "ports", facts.ports, [&](const PortFacts& port) { WritePortFacts(json, port); });
   json.EndObject();
 }
 

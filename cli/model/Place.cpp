@@ -7,6 +7,7 @@
 
 #include "cli/model/Identifier.h"
 #include "cli/model/Item.h"
+#include "kernel/DeviceName.h"
 
 namespace cli {
 
@@ -37,6 +38,16 @@ Place Place::OfTop(const Item& item) {
   const bool isPort = item.Class() == ClassId::kPort;
   const std::string& port = item.String(PropertyId::kPortNumber);
   place.identifier = isPort || port.empty() ? own : port;
+  return place;
+}
+
+std::optional<Place> Place::OfName(std::string_view name) {
+  const std::optional<kernel::DeviceName> parsed = kernel::ParseDeviceName(name);
+  if (!parsed) return std::nullopt;
+  Place place;
+  place.hasBus = true;
+  place.bus = parsed->bus;
+  for (const unsigned port : parsed->ports) place.ports.push_back(port - 1);
   return place;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -27,6 +28,8 @@ struct Place {
   /// properties name, which stays the same when it is plugged in again, or else its identifier. `item` must
   /// outlive the place.
   static Place OfTop(const Item& item);
+  /// The place that a name of the kernel's stands for, such as "1-3.1"; nothing for other texts.
+  static std::optional<Place> OfName(std::string_view name);
 
   /// Becomes the place of `item` right below `above`; gives false, and does not change, when the item is a
   /// port without a number or the chain is too long.

@@ -28,14 +28,16 @@ std::optional<Inventory> ReadInventory(const std::string& text) {
   }
 }
 
-/// Lines that begin as they must, without a command to the terminal.
+/// Lines that begin as they must, without a command to the terminal: first the machines, then the items and
+/// their properties, last the counts.
 void CheckDiffText(const InventoryDifference& difference) {
   const std::string text = cli::RenderDiffText(difference, false);
   Require(text.empty() == difference.IsEmpty(), "a text where there is a difference");
   Require(text.empty() || text.back() == '\n', "a last line with an end");
   bool isLineStart = true;
   for (const char c : text) {
-    if (isLineStart) Require(std::string("+->~ s").find(c) != std::string::npos, "how a line begins");
+    if (isLineStart)
+      Require(std::string("\"+->~ 0123456789").find(c) != std::string::npos, "how a line begins");
     isLineStart = c == '\n';
     Require(isLineStart || (static_cast<unsigned char>(c) >= 0x20 && c != 0x7F), "no control characters");
   }

@@ -8,6 +8,7 @@ import sys
 
 import comparison
 import device_list
+import differing
 import expectation
 import forgery
 import gadgets
@@ -107,6 +108,7 @@ def run_all(guest, release, report, records):
     plug_gadgets(collector, changed)
     check_gadgets(found, proof, changed)
     forgery.Forgery(guest, collector, found, report, proof).check_all(changed, release)
+    differing.Differing(guest, collector, report).check_all(changed, release)
     states.come_and_go(collector, proof, changed, ROUNDS, "all the time")
     states.check_all(guest, collector, found, proof, release, changed)
 

@@ -5,7 +5,7 @@ as it has to look in configfs, and described as the bus that the kernel must fin
 """
 
 import pathlib
-from dataclasses import dataclass
+from dataclasses import dataclass, field
 
 import models
 import topology
@@ -22,6 +22,8 @@ class Gadget:
     device_class: tuple = (0, 0, 0)
     ids: tuple = (0x1d6b, 0x0104)
     max_speed: str = ""
+    # Of the functions, by path.
+    attributes: dict = field(default_factory=dict)
 
 
 GADGETS = (
@@ -70,6 +72,15 @@ FORGERS = (
     Gadget(topology.strings("Evil Product=Approved Mouse")),
 )
 
+# A stick, and the same with a keyboard, whose reports have eight bytes: the boot protocol of the HID specification.
+STICK = Gadget(topology.strings("Makers", "Stick", "ST-1"), (("mass_storage.0",),), ids=(0x0525, 0xa4a5),
+               attributes={"mass_storage.0/lun.0/removable": b"1"})
+KEYS = bytes.fromhex("05010906a101050719e029e715002501750195088102950175088101950675081500256505071900296581"
+                     "00c0")
+ROGUE_STICK = Gadget(STICK.strings, (("mass_storage.0", "hid.0"),), ids=STICK.ids,
+                     attributes={**STICK.attributes, "hid.0/protocol": b"1", "hid.0/subclass": b"1",
+                                 "hid.0/report_length": b"8", "hid.0/report_desc": KEYS})
+
 # The controller of the one with two configurations.
 TWO_WAYS = "dummy_hcd.1"
 
@@ -117,6 +128,8 @@ def write_folders(target):
     for number, gadget in enumerate(SUPER_GADGETS):
         _write_folder(pathlib.Path(target, f"super-{number}"), gadget)
     _write_folder(pathlib.Path(target, "approved-0"), APPROVED)
+    _write_folder(pathlib.Path(target, "stick-0"), STICK)
+    _write_folder(pathlib.Path(target, "rogue-0"), ROGUE_STICK)
     for number, gadget in enumerate(FORGERS):
         _write_folder(pathlib.Path(target, f"forger-{number}"), gadget)
 
@@ -134,6 +147,10 @@ def _write_folder(folder, gadget):
         for function in functions:
             (folder / "functions" / function).mkdir(parents=True, exist_ok=True)
             (config / function).symlink_to(f"../../functions/{function}")
+    for path, value in gadget.attributes.items():
+        file = folder / "functions" / path
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_bytes(value)
 
 
 def _write(folder, files):

@@ -16,7 +16,8 @@ import gadgets
 HERE = pathlib.Path(__file__).resolve().parent
 MODULE_LISTS = {
     "usb": ("xhci-pci", "ehci-pci", "ohci-pci", "uhci-hcd", "usbhid", "usb-storage"),
-    "gadget": ("configfs", "libcomposite", "usb_f_acm", "usb_f_ecm", "dummy_hcd"),
+    "gadget": ("configfs", "libcomposite", "usb_f_acm", "usb_f_ecm", "usb_f_hid", "usb_f_mass_storage",
+               "dummy_hcd"),
     "super_gadget": ("usb_f_ss_lb", "gadgetfs"),
     "virtual": ("vhci-hcd",),
     "drivers": ("cdc-acm", "cdc_ether", "evdev", "hid-generic", "sd_mod", "uas"),

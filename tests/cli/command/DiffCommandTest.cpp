@@ -1,7 +1,9 @@
 // `usbinfo diff` as people run it: both kinds of input, both forms, exit statuses, and a message of one line
 // for every failure that says what, where and what to do.
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
+#include <algorithm>
 #include <csignal>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -64,7 +66,7 @@ TEST_P(DiffOfCaptures, WorksWithEveryOtherCapture) {
     EXPECT_EQ(text.errors, "");
     const CommandResult document = Diff({ExpectedPath(GetParam()), CapturePath(other), "--format", "json"});
     EXPECT_EQ(document.status, text.status);
-    EXPECT_EQ(json::parse(document.output)["schema"], "usbinfo.diff/1");
+    EXPECT_EQ(json::parse(document.output)["schema"], "usbinfo.diff/2");
   }
 }
 
@@ -76,13 +78,14 @@ TEST(Diff, ReportsDifferencesWithStatusOne) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.errors, "");
   EXPECT_EQ(result.output,
-            "system \"vm-desktop-debugfs\" -> \"vm-desktop-usb-devices\"\n"
-            "> bus 1, port 2.1 -> \"Bus 01  Device   4 Port 01\": device 0627:0001 \"QEMU USB Mouse\", "
+            "\"vm-desktop-debugfs\" (time not known) -> \"vm-desktop-usb-devices\" (time not known)\n"
+            "> 1-3.2 -> \"Bus 01  Device   4 Port 01\": mouse 0627:0001 \"QEMU USB Mouse\", "
             "serial \"89126-0000:00:01.0-3.2\"\n"
-            "> bus 1, port 3 -> \"Bus 01  Device   5 Port 03\": device 46f4:0002 \"QEMU USB Audio\", "
+            "> 1-4 -> \"Bus 01  Device   5 Port 03\": audio 46f4:0002 \"QEMU USB Audio\", "
             "serial \"1-0000:00:01.0-4\"\n"
-            "> bus 2, port 1 -> \"Bus 02  Device   2 Port 01\": device 46f4:0003 \"USB Attached SCSI HBA\", "
-            "serial \"27842-0000:00:01.0-2\"\n");
+            "> 2-2 -> \"Bus 02  Device   2 Port 01\": mass storage 46f4:0003 \"USB Attached SCSI HBA\", "
+            "serial \"27842-0000:00:01.0-2\"\n"
+            "3 moved\n");
 }
 
 TEST(Diff, ReadsEitherInventoryFromStandardInput) {
@@ -119,7 +122,7 @@ TEST(Diff, WritesAFileInstead) {
 TEST(Diff, ColoursAFileOnlyWhereThatIsSaid) {
   const TemporaryFolder folder;
   Diff({Capture(), OtherCapture(), "--output", folder.File("diff"), "--color", "always"});
-  EXPECT_THAT(ReadFile(folder.File("diff")), HasSubstr("\n\x1B[36m> bus 1"));
+  EXPECT_THAT(ReadFile(folder.File("diff")), HasSubstr("\n\x1B[36m> 1-3.2"));
 }
 
 TEST(Diff, UsesThePluginThatIsNamedForListsAlone) {
@@ -142,6 +145,86 @@ TEST(Diff, RefusesOptionsOfListsForSavedInventories) {
     EXPECT_THAT(result.errors,
                 StartsWith("usbinfo: " + options.front() + " is for device lists, and both files"));
   }
+}
+
+/// Inventories of one list that are saved with different options.
+class DiffOfSaved : public testing::Test {
+ protected:
+  std::string Save(const std::string& name, std::vector<std::string> options) {
+    options.insert(options.begin(), {"--devices", Capture(), "--format", "json"});
+    return fFolder.File(name, RunUsbinfo(options).output);
+  }
+  std::string SaveMasked(const std::string& name, const std::string& key) {
+    const std::string path = fFolder.File("key " + name, key);
+    EXPECT_EQ(::chmod(path.c_str(), S_IRUSR | S_IWUSR), 0);
+    return Save(name, {"--mask-serials", "--mask-key", path});
+  }
+  static std::string Refusal(const std::string& before, const std::string& after) {
+    const CommandResult result = RunUsbinfo({"diff", before, after});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "");
+    const std::string begin = "usbinfo: " + before + " and " + after + " cannot be compared: ";
+    EXPECT_THAT(result.errors, StartsWith(begin));
+    return result.errors.substr(std::min(begin.size(), result.errors.size()));
+  }
+
+  const TemporaryFolder fFolder;
+};
+
+TEST_F(DiffOfSaved, RefusesSerialNumbersThatAreMaskedInOtherWays) {
+  const std::string open = Save("open", {});
+  const std::string one = SaveMasked("one", "a key of at least 16 bytes");
+  const std::string two = SaveMasked("two", "another key of 16 bytes");
+  const std::string random = Save("random", {"--mask-serials"});
+  const std::string otherRandom = Save("other", {"--mask-serials"});
+  const std::string keyOfOne = json::parse(ReadFile(one))["origin"]["masked"]["key"];
+  const std::string keyOfTwo = json::parse(ReadFile(two))["origin"]["masked"]["key"];
+  EXPECT_EQ(Refusal(one, two),
+            "the serial numbers are masked with two keys, " + keyOfOne + " and " + keyOfTwo + "\n");
+  EXPECT_EQ(Refusal(open, one), "the serial numbers are masked in only one of them\n");
+  EXPECT_EQ(Refusal(one, Capture()), "the serial numbers are masked in only one of them\n");
+  EXPECT_EQ(Refusal(random, otherRandom),
+            "the serial numbers are masked with a random key; mask them with --mask-key FILE\n");
+  EXPECT_EQ(RunUsbinfo({"diff", one, SaveMasked("same", "a key of at least 16 bytes")}).status, 0);
+}
+
+TEST_F(DiffOfSaved, WarnsOfAnInventoryThatDoesNotSayWhetherItIsMasked) {
+  json document = json::parse(ReadFile(Save("new", {})));
+  document["schema"] = "usbinfo.inventory/1";
+  document.erase("origin");
+  document.erase("kernel");
+  const std::string old = fFolder.File("old", document.dump());
+  for (const auto& [before, after] : {std::pair(old, Capture()), std::pair(Capture(), old)}) {
+    const CommandResult result = RunUsbinfo({"diff", before, after});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(
+        result.errors,
+        "usbinfo: " + old + " does not say whether its serial numbers are masked; save it anew to be sure\n");
+  }
+}
+
+TEST_F(DiffOfSaved, AppliesASelectionToTheOther) {
+  const std::string mice = Save("mice", {"-d", "0627:0001"});
+  const std::string hubs = Save("hubs", {"--class", "hub"});
+  const std::string bus = Save("bus", {"-s", "1:"});
+  for (const std::string& part : {mice, hubs, bus}) {
+    EXPECT_EQ(RunUsbinfo({"diff", part, Capture()}).status, 0) << part;
+    EXPECT_EQ(RunUsbinfo({"diff", Capture(), part}).status, 0) << part;
+    EXPECT_EQ(RunUsbinfo({"diff", part, part}).status, 0) << part;
+    EXPECT_THAT(RunUsbinfo({"diff", part, CapturePath("usbdevices-4.2-nonascii")}).output, HasSubstr("\n- "));
+  }
+  EXPECT_EQ(
+      Refusal(mice, bus),
+      "they were saved with different selections; save both with the same options -d, -s and --class\n");
+}
+
+TEST_F(DiffOfSaved, LeavesOutWhatIsToBeIgnored) {
+  json document = json::parse(ReadFile(Save("before", {})));
+  const std::string before = fFolder.File("before", document.dump());
+  for (json& hub : document["classes"]["KALDO_USBHub"]) hub["USBVersion"] = 999;
+  const std::string after = fFolder.File("after", document.dump());
+  EXPECT_EQ(RunUsbinfo({"diff", before, after}).status, 1);
+  EXPECT_EQ(RunUsbinfo({"diff", before, after, "--ignore", "usbversion"}).status, 0);
 }
 
 TEST(Diff, HasHelpOfItsOwnWithinEightyColumns) {
@@ -171,7 +254,20 @@ const std::string kHelp = "; see usbinfo diff --help";
 
 const Refused kRefused[] = {
     {"NoOperand", {"diff"}, "OLD is missing" + kHelp},
-    {"OneOperand", {"diff", Capture()}, "NEW is missing" + kHelp},
+    {"SourceOfTwoFiles",
+     {"diff", "a", "b", "--source", "sysfs"},
+     "--source is for this machine: leave it or NEW out" + kHelp},
+    {"MasksOfTwoFiles",
+     {"diff", "a", "b", "--mask-serials"},
+     "--mask-serials is for this machine: leave it or NEW out" + kHelp},
+    {"UnknownProperty",
+     {"diff", "a", "b", "--ignore", "DeviceID"},
+     "--ignore: \"DeviceID\" is not one of ClassCode, connect, CreationClassName, Description, HubDepth, "
+     "interfaces, InterfaceType, kinds, Manufacturer, maxPower, NumberOfConfigs, NumberOfPorts, peer, "
+     "ProtocolCode, revision, SerialNumber, speed, StatusDescriptions, SubclassCode, USBDeviceID, "
+     "USBVersion, "
+     "VendorID" +
+         kHelp},
     {"ThreeOperands", {"diff", "a", "b", "c"}, "unexpected argument c" + kHelp},
     {"EmptyOperand", {"diff", "", Capture()}, "OLD: must not be empty" + kHelp},
     {"EmptyOutput", {"diff", "a", "b", "--output", ""}, "--output: must not be empty" + kHelp},
@@ -311,8 +407,11 @@ TEST(Diff, SendsNothingOfAHostileListToATerminal) {
     const CommandResult result = Diff({before, after});
     EXPECT_EQ(result.status, 1);
     EXPECT_FALSE(ActsOnTerminal(result.output) || HasDirectionMark(result.output));
-    for (const std::string& line : Lines(result.output)) {
-      EXPECT_THAT(line, testing::MatchesRegex("[-+~] bus 1, port [0-9]+: device 0627:0001 \".*|    [A-Z].*"));
+    const std::vector<std::string> lines = Lines(result.output);
+    EXPECT_EQ(lines.front(), "\"list\" (time not known) -> \"list\" (time not known)");
+    EXPECT_THAT(lines.back(), testing::MatchesRegex("[0-9]+ added, [0-9]+ removed(, [0-9]+ changed)?"));
+    for (std::size_t line = 1; line + 1 < lines.size(); ++line) {
+      EXPECT_THAT(lines[line], testing::MatchesRegex("[-+~] 1-[0-9]+: device 0627:0001 \".*|    [A-Z].*"));
     }
   }
 }

@@ -48,13 +48,14 @@ struct Pair {
 
 TEST(DiffText, ListsOneItemALineAndItsPropertiesBelow) {
   EXPECT_THAT(Lines(Pair("x").Text(false)),
-              ElementsAre("system \"old x\" -> \"new x\"",
+              ElementsAre("\"old x\" (time not known) -> \"new x\" (time not known)",
                           "- bus 1, port 0: device 1234:5678 \"gone x\", serial \"1x\"",
                           "+ bus 1, port 1: device 1234:5678 \"come x\", serial \"2x\"",
                           "> bus 1, port 2 -> bus 1, port 3: device 1234:5678 \"moved x\", serial \"3x\"",
                           "~ bus 1, port 4: device 1234:5678 \"before x\" -> 1234:5678 \"after x\"",
                           "    Description: \"before x\" -> \"after x\"", "~ bus 1, port 8: port",
-                          "    StatusDescriptions: \"x\", \"a\" -> \"No device connected\""));
+                          "    StatusDescriptions: \"x\", \"a\" -> \"No device connected\"",
+                          "1 added, 1 removed, 1 moved, 2 changed"));
 }
 
 TEST(DiffText, ColoursTheLinesByWhatHappened) {
@@ -76,7 +77,8 @@ TEST(DiffText, ShowsSpeedsAsNumbersWhereWordsWouldBeTheSame) {
   const Inventory old = before.Read();
   const Inventory now = after.Read();
   EXPECT_THAT(Lines(cli::RenderDiffText(cli::Compare(old, now), false)),
-              ElementsAre("~ bus 1, port 0: port", "    Speed: 12000000 -> 12000001"));
+              ElementsAre("\"testhost\" (time not known) -> \"testhost\" (time not known)",
+                          "~ bus 1, port 0: port", "    Speed: 12000000 -> 12000001", "1 changed"));
 }
 
 /// The text without the parts in quotes, that is, without texts of devices.
@@ -122,57 +124,69 @@ TEST(HostileDiffs, AreReadBackFromJson) {
   for (const HostileString& hostile : HostileStrings()) {
     const json document = Pair(hostile.bytes).Json();
     EXPECT_EQ(document["old"]["system"], "old " + hostile.asUtf8) << hostile.name;
-    EXPECT_EQ(document["removed"][0]["name"], "gone " + hostile.asUtf8) << hostile.name;
-    EXPECT_EQ(document["added"][0]["serial"], "2" + hostile.asUtf8) << hostile.name;
-    EXPECT_EQ(document["moved"][0]["new"]["serial"], "3" + hostile.asUtf8) << hostile.name;
+    EXPECT_EQ(document["removed"][0]["properties"]["Description"], "gone " + hostile.asUtf8) << hostile.name;
+    EXPECT_EQ(document["added"][0]["properties"]["SerialNumber"], "2" + hostile.asUtf8) << hostile.name;
+    EXPECT_EQ(document["moved"][0]["new"]["properties"]["SerialNumber"], "3" + hostile.asUtf8)
+        << hostile.name;
     EXPECT_EQ(document["changed"][0]["properties"][0]["from"], "before " + hostile.asUtf8) << hostile.name;
   }
+}
+
+std::vector<std::string> KeysOf(const nlohmann::ordered_json& object) {
+  std::vector<std::string> names;
+  for (const auto& entry : object.items()) names.push_back(entry.key());
+  return names;
 }
 
 TEST(DiffJson, HoldsAllDifferencesInAFixedOrder) {
   Pair pair("x");
   const auto document = nlohmann::ordered_json::parse(cli::RenderDiffJson(cli::Compare(pair.old, pair.now)));
-  std::vector<std::string> names;
-  for (const auto& entry : document.items()) names.push_back(entry.key());
-  EXPECT_THAT(names, ElementsAre("schema", "old", "new", "added", "removed", "moved", "changed"));
-  EXPECT_EQ(document["schema"], "usbinfo.diff/1");
-  EXPECT_EQ(document["added"].dump(),
-            R"([{"class":"KALDO_USBDevice","id":"1234:5678","name":"come x","serial":"2x",)"
-            R"("place":{"text":"bus 1, port 1","bus":1,"identifier":null,"ports":[1]},)"
-            R"("deviceId":"Bus 01  Device   2","ports":null}])");
-  EXPECT_EQ(document["moved"][0]["old"]["place"]["text"], "bus 1, port 2");
-  EXPECT_EQ(document["moved"][0]["new"]["place"]["text"], "bus 1, port 3");
+  EXPECT_THAT(KeysOf(document), ElementsAre("schema", "old", "new", "added", "removed", "moved", "changed"));
+  EXPECT_EQ(document["schema"], "usbinfo.diff/2");
+  EXPECT_EQ(document["old"].dump(), R"({"system":"old x","source":null,"collected":null,"machine":null})");
+  EXPECT_THAT(KeysOf(document["moved"][0]), ElementsAre("certain", "old", "new", "properties"));
+  EXPECT_EQ(document["moved"][0]["certain"], true);
+  EXPECT_EQ(document["moved"][0]["old"]["place"], "bus 1, port 2");
+  EXPECT_EQ(document["moved"][0]["new"]["place"], "bus 1, port 3");
   EXPECT_EQ(document["moved"][0]["properties"].dump(), "[]");
   EXPECT_EQ(document["changed"][0]["properties"].dump(),
             R"([{"name":"Description","from":"before x","to":"after x"}])");
 }
 
-TEST(DiffJson, ShowsWhatIsAbsentAsNull) {
+TEST(DiffJson, HoldsAnItemWhole) {
   InventoryBuilder before;
   InventoryBuilder after;
-  after.AddBus(7, 3);
-  after.AddDevice("Bus 07  Device   1", 0, 2, {"Not Available"});
-  after.Document()["classes"]["KALDO_USBConnection"].clear();
+  after.AddDevice(after.AddBus(1, 2), 0, 2, {"Stick", "S1"});
+  after.Document()["origin"] = OriginExample();
+  after.Document()["kernel"] = KernelExample();
   const Inventory old = before.Read();
   const Inventory now = after.Read();
-  const auto added = nlohmann::ordered_json::parse(cli::RenderDiffJson(cli::Compare(old, now)))["added"];
-  ASSERT_EQ(added.size(), 3U);
-  EXPECT_EQ(added[0].dump(), R"({"class":"KALDO_USBController","id":null,"name":"Controller","serial":null,)"
-                             R"("place":{"text":"bus 7","bus":7,"identifier":null,"ports":[]},)"
-                             R"("deviceId":"Bus 07  Device   1","ports":null})");
-  EXPECT_EQ(added[1]["ports"], 3);
-  EXPECT_EQ(added[2].dump(), R"({"class":"KALDO_USBDevice","id":"1234:5678","name":null,"serial":null,)"
-                             R"("place":{"text":"\"Bus 07  Device   1 Port 00\"","bus":null,)"
-                             R"("identifier":"Bus 07  Device   1 Port 00","ports":[]},)"
-                             R"("deviceId":"Bus 07  Device   2","ports":null})");
+  const json document = json::parse(cli::RenderDiffJson(cli::Compare(old, now)));
+  EXPECT_EQ(document["new"], (json{{"system", "testhost"},
+                                   {"source", "sysfs"},
+                                   {"collected", "2026-11-21T12:00:00Z"},
+                                   {"machine", "c0ffee"}}));
+  ASSERT_EQ(document["added"].size(), 3U);
+  const json classes = after.Document()["classes"];
+  EXPECT_EQ(document["added"][0]["properties"], classes["KALDO_USBController"][0]);
+  EXPECT_EQ(document["added"][0]["kernel"], nullptr);
+  EXPECT_EQ(document["added"][1]["properties"], classes["KALDO_USBHub"][0]);
+  const json& device = document["added"][2];
+  EXPECT_EQ(device["class"], "KALDO_USBDevice");
+  EXPECT_EQ(device["path"], now.Devices().front().Path());
+  EXPECT_EQ(device["place"], "1-1");
+  EXPECT_EQ(device["properties"], classes["KALDO_USBDevice"][0]);
+  EXPECT_EQ(device["kernel"], KernelExample()["devices"][0]);
 }
 
 TEST(DiffJson, IsADocumentOfEmptyListsWhereNothingDiffers) {
   const Inventory machine = InventoryBuilder("one").Read();
   const Inventory other = InventoryBuilder("two").Read();
   EXPECT_EQ(json::parse(cli::RenderDiffJson(cli::Compare(machine, other))).dump(),
-            R"({"added":[],"changed":[],"moved":[],"new":{"system":"two"},"old":{"system":"one"},)"
-            R"("removed":[],"schema":"usbinfo.diff/1"})");
+            R"({"added":[],"changed":[],"moved":[],)"
+            R"("new":{"collected":null,"machine":null,"source":null,"system":"two"},)"
+            R"("old":{"collected":null,"machine":null,"source":null,"system":"one"},)"
+            R"("removed":[],"schema":"usbinfo.diff/2"})");
   EXPECT_EQ(cli::RenderDiffText(cli::Compare(machine, other), false), "");
 }
 

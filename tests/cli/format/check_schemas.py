@@ -89,15 +89,25 @@ ALLOWED = {
     ),
     "usbinfo-classes": (),
     "usbinfo-diff": (
-        r"(old|new): system = '\?'",
+        r"(old|new): (system|machine) = '\?'",
+        r"(old|new): (source|collected|machine) = None",
         r": (added|removed|moved|changed) = \[\]",
-        r"(added|removed|moved|changed)/0(/old|/new)?: "
-        r"((name|deviceId) = '\?'|name = None)",
-        r"(added|removed|moved)/0(/old|/new)?: serial = ('\?'|None)",
-        r"\w+/0(/old|/new)?/place: (text = '\?'|ports = \[1?\])",
-        r"moved/0/new/place: identifier = '\?'",
-        r"moved/0: properties = \[\]",
-        r"changed/0/properties/0: (from|to) = (None|'\?'|\[\])",
+        r"(added|removed|moved|changed)/0(/old|/new)?: (place = '\?'|kernel = None)",
+        r"\w+/0(/old|/new)?/properties: without (Description|HubName|Manufacturer|PortNumber|SerialNumber|Speed)",
+        r"\w+/0(/old|/new)?/properties: (Description|DeviceID|HubName|Manufacturer|Name"
+        r"|PortNumber|SerialNumber|SystemCreationClassName|SystemName) = '\?'",
+        r"\w+/0(/old|/new)?/properties: StatusDescriptions = \[\]",
+        r"\w+/0(/old|/new)?/properties/StatusDescriptions: 0 = '\?'",
+        r"\w+/0(/old|/new)?/kernel: (name|speed|manufacturer|product|serial|maxPower"
+        r"|revision|nodes|peer|connect|state) = None",
+        r"\w+/0(/old|/new)?/kernel: (device|port|manufacturer|product|serial|connect) = '\?'",
+        r"\w+/0(/old|/new)?/kernel: speed = 1\.5",
+        r"\w+/0(/old|/new)?/kernel: (kinds|interfaces|nodes) = \[\]",
+        r"\w+/0(/old|/new)?/kernel/interfaces/0: (driver = (None|'\?')|active = True)",
+        r"\w+/0(/old|/new)?/kernel/nodes: 0 = '\?'",
+        r"moved/0: (properties = \[\]|certain = True)",
+        r"(moved|changed)/0/properties/0: (from|to) = (None|'\?'|\[\]|1\.5)",
+        r"(moved|changed)/0/properties/0/(from|to): 0 = '\?'",
     ),
 }
 
