@@ -48,7 +48,7 @@ constexpr unsigned kHighSpeed = 3;
 constexpr unsigned kConnectionReset = 104;
 constexpr unsigned kBrokenPipe = 32;
 
-// Requests as type and request, from chapters 9 and 11 of the specification of USB 2.0.
+// Requests as type and request, from chapters 9 and 11 of USB 2.0.
 constexpr unsigned kGetDescriptor = 0x8006;
 constexpr unsigned kGetHubDescriptor = 0xA006;
 constexpr unsigned kGetDeviceStatus = 0x8000;
