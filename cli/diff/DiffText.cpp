@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "cli/model/DeviceText.h"
-#include "cli/model/OriginText.h"
 #include "cli/model/Speed.h"
 #include "cli/text/Text.h"
 
@@ -177,25 +176,6 @@ bool IsBefore(const DiffEntry& left, const DiffEntry& right) {
   const ClassId rightClass = right.item->item->Class();
   return std::tie(left.item->place, leftClass, left.line.kind) <
          std::tie(right.item->place, rightClass, right.line.kind);
-}
-
-std::string DescribeMachine(const ComparedMachine& machine) {
-  const std::string time = machine.origin ? TimeOf(*machine.origin) : "not known";
-  return fmt::format("{} ({})", QuoteForTerminal(machine.system),
-                     time == "not known" ? "time not known" : time);
-}
-
-/// "1 added, 2 removed"; what there is none of is left out.
-std::string DescribeCounts(const InventoryDifference& difference) {
-  std::vector<std::string> counts;
-  const std::pair<std::size_t, const char*> all[] = {{difference.added.size(), "added"},
-                                                     {difference.removed.size(), "removed"},
-                                                     {difference.moved.size(), "moved"},
-                                                     {difference.changed.size(), "changed"}};
-  for (const auto& [count, verb] : all) {
-    if (count > 0) counts.push_back(fmt::format("{} {}", count, verb));
-  }
-  return fmt::format("{}", fmt::join(counts, ", "));
 }
 
 }  // namespace

@@ -95,8 +95,8 @@ void ItemMatcher::MatchBuses(const ControllerGroup& old, const ControllerGroup& 
     MatchNodes(old.nodes[bus], now.nodes[bus]);
     const std::size_t oldRootHub = fOld.RootHubOf(old.nodes[bus]);
     const std::size_t newRootHub = fNew.RootHubOf(now.nodes[bus]);
-    if (oldRootHub != ComparedInventory::kNone && newRootHub != ComparedInventory::kNone)
-      MatchNodes(oldRootHub, newRootHub);
+    const bool areKnown = oldRootHub != ComparedInventory::kNone && newRootHub != ComparedInventory::kNone;
+    if (areKnown) MatchNodes(oldRootHub, newRootHub);
   }
 }
 
@@ -119,10 +119,9 @@ void ItemMatcher::MatchUnique(ClassId classId) {
   const Models news = OnlyOnesOf(fNew, classId);
   for (const auto& [model, old] : olds) {
     const auto found = news.find(model);
-    if (found == news.end() || old == ComparedInventory::kNone || found->second == ComparedInventory::kNone ||
-        model.empty())
-      continue;
-    const std::size_t now = found->second;
+    const std::size_t now = found == news.end() ? ComparedInventory::kNone : found->second;
+    const bool areSingle = old != ComparedInventory::kNone && now != ComparedInventory::kNone;
+    if (!areSingle || model.empty()) continue;
     if (!Concerns(fOld, old, classId, false) || !Concerns(fNew, now, classId, false)) continue;
     MatchNodes(old, now);
     fIsCertain[old] = false;

@@ -72,7 +72,7 @@ FORGERS = (
     Gadget(topology.strings("Evil Product=Approved Mouse")),
 )
 
-# A stick, and the same with a keyboard, whose reports have eight bytes: the boot protocol of the HID specification.
+# A stick, and the same with a keyboard, whose reports have eight bytes: the boot protocol of HID 1.11.
 STICK = Gadget(topology.strings("Makers", "Stick", "ST-1"), (("mass_storage.0",),), ids=(0x0525, 0xa4a5),
                attributes={"mass_storage.0/lun.0/removable": b"1"})
 KEYS = bytes.fromhex("05010906a101050719e029e715002501750195088102950175088101950675081500256505071900296581"
