@@ -202,9 +202,9 @@ std::string Colored(char mark, const std::string& line) {
 }
 
 std::string DescribeMachine(const ComparedMachine& machine) {
-  const std::string time = machine.origin ? TimeOf(*machine.origin) : "not known";
+  const bool isKnown = machine.origin && machine.origin->collected;
   return fmt::format("{} ({})", QuoteForTerminal(machine.system),
-                     time == "not known" ? "time not known" : time);
+                     isKnown ? TimeOf(*machine.origin) : "time not known");
 }
 
 /// "1 added, 2 removed"; what there is none of is left out.
