@@ -5,19 +5,12 @@
 #include <algorithm>
 #include <charconv>
 
+#include "cli/text/Text.h"
 #include "cli/text/UserError.h"
 
 namespace cli {
 
 namespace {
-
-std::string ToLower(std::string_view text) {
-  std::string lower(text);
-  for (char& letter : lower) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return lower;
-}
 
 /// The text between `key` and `terminator`; empty when either is missing.
 std::string_view FieldOf(std::string_view line, std::string_view key, std::string_view terminator) {

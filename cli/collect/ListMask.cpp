@@ -4,17 +4,11 @@
 #include <string_view>
 
 #include "cli/collect/RootHubStrings.h"
+#include "cli/text/Text.h"
 
 namespace cli {
 
 namespace {
-
-/// Compares letters as the plug-in does, whatever the locale.
-std::string ToLower(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return text;
-}
 
 /// The serial number on a line and its position; empty where there is none.
 struct SerialField {
@@ -24,7 +18,7 @@ struct SerialField {
 
 SerialField FindSerial(std::string_view line) {
   const std::string_view key = "serialnumber=";
-  const std::size_t at = ToLower(std::string(line)).find(key);
+  const std::size_t at = ToLower(line).find(key);
   if (at == std::string::npos) return {};
   const std::size_t begin = at + key.size();
   const std::string_view value = line.substr(begin);

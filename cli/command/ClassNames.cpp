@@ -1,6 +1,7 @@
 #include "cli/command/ClassNames.h"
 
 #include "cli/option/Values.h"
+#include "cli/text/Text.h"
 
 namespace cli {
 

@@ -37,9 +37,9 @@ std::string Colored(const char* color, const std::string& line) {
 }
 
 std::string DescribeMachine(const ComparedMachine& machine) {
-  const std::string time = machine.origin ? TimeOf(*machine.origin) : "not known";
+  const bool isKnown = machine.origin && machine.origin->collected;
   return fmt::format("{} ({})", QuoteForTerminal(machine.system),
-                     time == "not known" ? "time not known" : time);
+                     isKnown ? TimeOf(*machine.origin) : "time not known");
 }
 
 }  // namespace

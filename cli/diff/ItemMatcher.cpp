@@ -15,8 +15,7 @@ namespace {
 bool KnowsPeers(const Inventory& inventory) {
   if (!inventory.Kernel()) return false;
   const std::vector<PortFacts>& ports = inventory.Kernel()->ports;
-  return std::any_of(ports.begin(), ports.end(),
-                     [](const PortFacts& port) { return port.peer || port.connect; });
+  return std::any_of(ports.begin(), ports.end(), [](const PortFacts& port) { return port.KnowsSocket(); });
 }
 
 /// The only items of their model; null for models that have several.
@@ -53,8 +52,9 @@ struct ItemMatcher::Likeness {
 /// Hubs come before what is connected to them, since that has moved with a hub that moved.
 ItemMatcher::ItemMatcher(const Inventory& before, const Inventory& after)
     : fUsesKernel(before.Kernel() && after.Kernel()),
-      fOld(before, fUsesKernel, KnowsPeers(before) && KnowsPeers(after)),
-      fNew(after, fUsesKernel, KnowsPeers(before) && KnowsPeers(after)),
+      fUsesPeers(KnowsPeers(before) && KnowsPeers(after)),
+      fOld(before, fUsesKernel, fUsesPeers),
+      fNew(after, fUsesKernel, fUsesPeers),
       fOldAnchors(fOld.Count(), ComparedInventory::kNone),
       fNewAnchors(fNew.Count(), ComparedInventory::kNone),
       fIsCertain(fOld.Count(), true) {

@@ -49,6 +49,7 @@ class ItemMatcher {
   static Groups GroupsOf(const ComparedInventory& side, const Pass& pass, ClassId classId, bool hasSerial);
 
   bool fUsesKernel;
+  bool fUsesPeers;
   ComparedInventory fOld;
   ComparedInventory fNew;
   /// The numbers that positions count from.

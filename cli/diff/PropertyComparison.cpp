@@ -6,6 +6,7 @@
 
 #include "cli/diff/InventoryDiff.h"
 #include "cli/model/DeviceText.h"
+#include "cli/text/Text.h"
 
 namespace cli {
 
@@ -14,17 +15,8 @@ namespace {
 constexpr std::array<std::string_view, 7> kFacts = {"kinds",    "interfaces", "speed", "maxPower",
                                                     "revision", "connect",    "peer"};
 
-char LowerCase(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool IsLessWithoutCase(std::string_view left, std::string_view right) {
-  return std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(),
-                                      [](char one, char other) { return LowerCase(one) < LowerCase(other); });
-}
-
 bool AreEqualWithoutCase(std::string_view left, std::string_view right) {
-  return !IsLessWithoutCase(left, right) && !IsLessWithoutCase(right, left);
+  return ToLower(left) == ToLower(right);
 }
 
 /// Properties that depend on the place, on the kernel's number for the device or on the system; those
@@ -74,7 +66,9 @@ std::vector<std::string> ComparedProperties() {
       if (!IsReportedSeparately(property.id)) names.emplace_back(property.name);
     }
   }
-  std::stable_sort(names.begin(), names.end(), IsLessWithoutCase);
+  std::stable_sort(names.begin(), names.end(), [](const std::string& left, const std::string& right) {
+    return ToLower(left) < ToLower(right);
+  });
   names.erase(std::unique(names.begin(), names.end(), AreEqualWithoutCase), names.end());
   return names;
 }

@@ -66,6 +66,9 @@ struct PortFacts {
   /// Nothing where it is not known.
   std::optional<bool> isUsed;
 
+  /// Whether the kernel says how it is connected, so that a port without a peer has none.
+  bool KnowsSocket() const { return peer || connect; }
+
   bool operator==(const PortFacts&) const = default;
 };
 

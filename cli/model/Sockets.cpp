@@ -142,7 +142,7 @@ void Sockets::FindFacts() {
     fDeviceFacts[index] = facts.OfDevice(item);
     const PortFacts* const port = facts.OfPort(item);
     fPortFacts[index] = port;
-    fKnowsPeers = fKnowsPeers || (port != nullptr && (port->peer || port->connect));
+    fKnowsPeers = fKnowsPeers || (port != nullptr && port->KnowsSocket());
   }
 }
 

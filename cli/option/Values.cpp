@@ -59,11 +59,4 @@ std::string NameOf(const std::string& word, const std::vector<std::string>& name
   return *found;
 }
 
-std::string ToLower(std::string text) {
-  for (char& letter : text) {
-    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-  }
-  return text;
-}
-
 }  // namespace cli

@@ -37,7 +37,4 @@ UsageError NotAmong(const std::string& word, const std::vector<std::string>& nam
 /// The one of `names` that equals `word` in upper or lower case. Throws UsageError when none does.
 std::string NameOf(const std::string& word, const std::vector<std::string>& names);
 
-/// `text` with ASCII letters in lower case.
-std::string ToLower(std::string text);
-
 }  // namespace cli

@@ -87,6 +87,14 @@ bool IsLocaleUtf8() {
   return std::string_view(::nl_langinfo(CODESET)) == "UTF-8";
 }
 
+std::string ToLower(std::string_view text) {
+  std::string lower(text);
+  for (char& letter : lower) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  return lower;
+}
+
 std::string EscapeForTerminal(std::string_view text) {
   return MapCharacters(text, TerminalPolicy(IsLocaleUtf8()));
 }

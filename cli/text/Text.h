@@ -19,6 +19,9 @@ bool IsLocaleUtf8();
 /// for, since that takes time, and formats for programs do without.
 void UseCharacterSetOfEnvironment();
 
+/// `text` with ASCII letters in lower case, whatever the locale is.
+std::string ToLower(std::string_view text);
+
 /// `text` on one line for people: backslashes doubled, newlines as `\n`, and the bytes of every other
 /// unprintable character as `\xHH`. Tabs and letters stay; where the locale is not one of UTF-8, only those
 /// of ASCII do.
