@@ -59,9 +59,15 @@ std::optional<std::string> Loader::Load(Database& database, const Document& docu
 }
 
 Outcome Loader::Write(Database& database, const Document& document, const std::string& source) {
-  const Report report(Parse(document, source), fSettings.collected);
+  ReportWriter writer(database, fSettings.permissions, fClock.Now());
+  const std::optional<TimelessText> text = WithoutTime(document.text);
+  if (const Text host = text ? writer.WriteRepeated(*text) : std::nullopt) {
+    fLastHost = *host;
+    return Outcome::kUnchanged;
+  }
+  const Report report(Parse(document, source), fSettings.collected, text);
   fLastHost = report.HostName();
-  return ReportWriter(database, fSettings.permissions, fClock.Now()).Write(report);
+  return writer.Write(report);
 }
 
 void Loader::Count(Outcome outcome) {

@@ -22,6 +22,9 @@ namespace store {
 
 namespace {
 
+/// No two reports with such masks can be compared.
+const std::string kRandomMask = "random";
+
 template <typename Write>
 std::string OneLine(Write write) {
   JsonWriter json(JsonWriter::Layout::kOneLine);
@@ -70,7 +73,8 @@ std::string HashOf(const StoredItem& item) {
 
 }  // namespace
 
-Report::Report(cli::Inventory inventory, std::optional<Seconds> collected)
+Report::Report(cli::Inventory inventory, std::optional<Seconds> collected,
+               const std::optional<TimelessText>& text)
     : fInventory(std::move(inventory)), fOrigin(OriginWithoutTime(fInventory.GetOrigin())) {
   CheckHostName(HostName());
   CheckIsWhole(fInventory);
@@ -82,6 +86,7 @@ Report::Report(cli::Inventory inventory, std::optional<Seconds> collected)
   fCollected = fSaysCollected ? ReadTime(*origin->collected) : *collected;
   AddContents();
   fHash = HashOfAll();
+  if (text && fSaysCollected && text->time == fCollected && Mask() != kRandomMask) fTextHash = text->hash;
 }
 
 Text Report::Machine() const {
@@ -93,7 +98,7 @@ Text Report::Mask() const {
   const std::optional<cli::Origin>& origin = fInventory.GetOrigin();
   if (!origin) return std::nullopt;
   if (!origin->masked) return "none";
-  return origin->masked->key ? "key:" + ColumnText(*origin->masked->key) : "random";
+  return origin->masked->key ? "key:" + ColumnText(*origin->masked->key) : kRandomMask;
 }
 
 std::size_t Report::Findings() const {

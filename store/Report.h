@@ -9,6 +9,7 @@
 #include "store/Database.h"
 #include "store/Section.h"
 #include "store/TimeText.h"
+#include "store/TimelessText.h"
 
 namespace store {
 
@@ -25,9 +26,10 @@ struct StoredItem {
 
 class Report {
  public:
-  /// `collected` is the time of an inventory that does not say it. Throws Refusal where there is neither, or
-  /// where the inventory is not that of a whole machine with a name.
-  Report(cli::Inventory inventory, std::optional<Seconds> collected);
+  /// `collected` is the time of an inventory that does not say it; `text` is what the inventory was read
+  /// from. Throws Refusal where there is no time, or where the inventory is not that of a whole machine with
+  /// a name.
+  Report(cli::Inventory inventory, std::optional<Seconds> collected, const std::optional<TimelessText>& text);
   // Its contents point into its inventory.
   Report(const Report&) = delete;
   Report& operator=(const Report&) = delete;
@@ -46,6 +48,9 @@ class Report {
   const Text& OriginText() const { return fOrigin; }
   /// Of all that it says, but for the time.
   const std::string& Hash() const { return fHash; }
+  /// Any other text with this hash is the same report at another time; nothing where that is not sure, or
+  /// where the same report may be refused at another time.
+  const Text& TextHash() const { return fTextHash; }
 
   /// In the order of the document.
   std::vector<StoredItem> Items() const;
@@ -70,6 +75,7 @@ class Report {
   /// Points into the inventory.
   std::vector<Content> fContents;
   std::string fHash;
+  Text fTextHash;
 };
 
 }  // namespace store

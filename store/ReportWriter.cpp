@@ -96,6 +96,29 @@ Outcome ReportWriter::Write(const Report& report) {
   return outcome;
 }
 
+Text ReportWriter::WriteRepeated(const TimelessText& text) {
+  if (text.time > fNow + kMostAhead) return std::nullopt;
+  const Text name = FindReporting(text.hash);
+  if (!name) return std::nullopt;
+  Transaction transaction(fDatabase, Transaction::Purpose::kWrite);
+  const std::optional<Host> host = SelectHost(*name);
+  const std::optional<LastReport> last = host ? SelectLast(*host) : std::nullopt;
+  if (!last || last->textHash != text.hash || last->collected >= text.time) return std::nullopt;
+  WriteReport(*host, text.time, last->state);
+  transaction.Commit();
+  return name;
+}
+
+Text ReportWriter::FindReporting(const std::string& textHash) {
+  // A host that was renamed no longer has the name that the text says.
+  const auto row = FirstRow(fDatabase,
+                            {"SELECT host.name FROM state JOIN host ON host.id = state.host_id AND "
+                             "host.name = state.system_name WHERE state.text_hash = ? LIMIT 1",
+                             1},
+                            {Text(textHash)});
+  return row ? row->OptionalString(0) : std::nullopt;
+}
+
 Outcome ReportWriter::WriteIn(const Report& report) {
   const Host host = LockHost(report.HostName());
   const std::optional<LastReport> last = SelectLast(host);
@@ -106,13 +129,13 @@ Outcome ReportWriter::WriteIn(const Report& report) {
   CheckMask(host, report);
   UpdateHost(host, report);
   if (last && last->stateHash == report.Hash()) {
-    WriteReport(host, report, last->state);
+    WriteReport(host, report.Collected(), last->state);
     return Outcome::kUnchanged;
   }
   const std::int64_t state = last ? last->state + 1 : 1;
   const std::optional<EarlierReport> earlier = ReadEarlier(last, report);
   WriteState(host, report, state, WriteItems(host, report));
-  WriteReport(host, report, state);
+  WriteReport(host, report.Collected(), state);
   if (earlier) WriteChanges(fDatabase, host.id, *earlier, report);
   return Outcome::kChanged;
 }
@@ -136,13 +159,13 @@ ReportWriter::Host ReportWriter::LockHost(const std::string& name) {
 
 std::optional<ReportWriter::LastReport> ReportWriter::SelectLast(const Host& host) {
   const Query query = {
-      "SELECT report.collected, report.state, state.hash FROM report "
+      "SELECT report.collected, report.state, state.hash, state.text_hash FROM report "
       "JOIN state ON state.host_id = report.host_id AND state.number = report.state "
       "WHERE report.host_id = ? ORDER BY report.collected DESC LIMIT 1",
-      3};
+      4};
   const auto row = FirstRow(fDatabase, query, {Integer(host.id)});
   if (!row) return std::nullopt;
-  return LastReport{row->Number(0), row->Number(1), row->String(2)};
+  return LastReport{row->Number(0), row->Number(1), row->String(2), row->OptionalString(3)};
 }
 
 std::optional<EarlierReport> ReportWriter::ReadEarlier(const std::optional<LastReport>& last,
@@ -229,19 +252,19 @@ void ReportWriter::WriteState(const Host& host, const Report& report, std::int64
                               const std::string& items) {
   const cli::Inventory& inventory = report.GetInventory();
   const std::vector<std::string> columns = {
-      "host_id", "number",      "hash", "system_name", "origin",  "says_collected", "has_kernel",
-      "items",   "controllers", "hubs", "ports",       "devices", "findings"};
+      "host_id",    "number", "hash",        "text_hash", "system_name", "origin",  "says_collected",
+      "has_kernel", "items",  "controllers", "hubs",      "ports",       "devices", "findings"};
   InsertRows(
       fDatabase, "state", columns,
-      {{Integer(host.id), Integer(number), Text(report.Hash()), Text(report.HostName()), report.OriginText(),
-        Integer(report.SaysCollected() ? 1 : 0), Integer(inventory.Kernel() ? 1 : 0), Text(items),
-        Count(inventory.Controllers().size()), Count(inventory.Hubs().size()),
+      {{Integer(host.id), Integer(number), Text(report.Hash()), report.TextHash(), Text(report.HostName()),
+        report.OriginText(), Integer(report.SaysCollected() ? 1 : 0), Integer(inventory.Kernel() ? 1 : 0),
+        Text(items), Count(inventory.Controllers().size()), Count(inventory.Hubs().size()),
         Count(inventory.Ports().size()), Count(inventory.Devices().size()), Count(report.Findings())}});
 }
 
-void ReportWriter::WriteReport(const Host& host, const Report& report, std::int64_t state) {
+void ReportWriter::WriteReport(const Host& host, Seconds collected, std::int64_t state) {
   fDatabase.Execute("INSERT INTO report (host_id, collected, loaded, state) VALUES (?, ?, ?, ?)",
-                    {Integer(host.id), Integer(report.Collected()), Integer(fNow), Integer(state)});
+                    {Integer(host.id), Integer(collected), Integer(fNow), Integer(state)});
 }
 
 }  // namespace store

@@ -40,6 +40,10 @@ class ReportWriter {
   /// Throws Refusal where the report contradicts what the store knows of its host, and DatabaseError; the
   /// store is then as before.
   Outcome Write(const Report& report);
+  /// Writes the report with this text where it repeats its host's last one, at a later time. Gives the host
+  /// then; otherwise writes nothing, and the report is to be read as a whole. Throws DatabaseError; the store
+  /// is then as before.
+  Text WriteRepeated(const TimelessText& text);
 
  private:
   struct Host {
@@ -51,9 +55,12 @@ class ReportWriter {
     Seconds collected;
     std::int64_t state;
     std::string stateHash;
+    Text textHash;
   };
 
   Outcome WriteIn(const Report& report);
+  /// The name of the host that has a state with this hash.
+  Text FindReporting(const std::string& textHash);
   std::optional<Host> SelectHost(const std::string& name);
   Host LockHost(const std::string& name);
   std::optional<LastReport> SelectLast(const Host& host);
@@ -66,7 +73,7 @@ class ReportWriter {
   std::string WriteItems(const Host& host, const Report& report);
   void CloseItems(const Host& host, const std::vector<std::int64_t>& numbers, Seconds until);
   void WriteState(const Host& host, const Report& report, std::int64_t number, const std::string& items);
-  void WriteReport(const Host& host, const Report& report, std::int64_t state);
+  void WriteReport(const Host& host, Seconds collected, std::int64_t state);
 
   Database& fDatabase;
   Permissions fPermissions;

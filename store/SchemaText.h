@@ -32,11 +32,13 @@ CREATE TABLE node (
 );
 
 -- What a report says, once for all reports in a row that say the same. "items" lists the numbers of its items in their
--- order, such as '1-17,25,19-24'.
+-- order, such as '1-17,25,19-24'. "text_hash" is the hash of the text that the first of these reports came as, but for
+-- its time; NULL where a report with that text has to be read as a whole.
 CREATE TABLE state (
   host_id BIGINT NOT NULL REFERENCES host (id) ON DELETE CASCADE,
   number BIGINT NOT NULL,
   hash TEXT NOT NULL,
+  text_hash TEXT,
   system_name TEXT NOT NULL,
   origin TEXT,
   says_collected INTEGER NOT NULL,
@@ -49,6 +51,7 @@ CREATE TABLE state (
   findings INTEGER NOT NULL,
   PRIMARY KEY (host_id, number)
 );
+CREATE INDEX state_text ON state (text_hash) WHERE text_hash IS NOT NULL;
 
 -- A report, by the time when it was collected.
 CREATE TABLE report (

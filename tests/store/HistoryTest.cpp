@@ -1,4 +1,7 @@
 // What is shown is what was loaded, at every time, to the byte.
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
 #include <filesystem>
 #include <map>
 
@@ -9,13 +12,49 @@
 
 namespace fs = std::filesystem;
 
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::IsSupersetOf;
+using ::testing::StartsWith;
+
 namespace usbinfo_test {
 
-namespace {
+class HistoryTest : public StoreTest {
+ protected:
+  /// Loads texts that repeat each other, also earlier and later ones, masked ones, those of two machines of
+  /// one name and of a renamed host. Gives what came of each, and all that is stored then. Where
+  /// `forgetsTexts`, no text is known again.
+  std::vector<std::string> LoadRepeatedTexts(bool forgetsTexts) {
+    Mutation mutation(7);
+    std::vector<std::string> results;
+    for (int report = 0; report < 100; ++report) {
+      store::Loader loader(fClock, {});
+      const auto refusal = loader.Load(Db(), {RandomText(mutation, kNow - (100 - report) * kMinute)}, "test");
+      const store::LoadCounts& counts = loader.Counts();
+      results.push_back(fmt::format("{} {} {} {} {}: {}", counts.changed, counts.unchanged, counts.known,
+                                    counts.late, loader.LastHost(), refusal.value_or("taken")));
+      if (report == 70) store::Rename(Db(), "a", "b");
+      if (forgetsTexts) Db().Execute("UPDATE state SET text_hash = NULL", {});
+    }
+    Db().Execute("UPDATE state SET text_hash = NULL", {});
+    const std::vector<std::string> content = Content();
+    results.insert(results.end(), content.begin(), content.end());
+    for (const char* const host : {"a", "b"}) store::Forget(Db(), host);
+    return results;
+  }
 
-using HistoryTest = StoreTest;
-
-}  // namespace
+ private:
+  static std::string RandomText(Mutation& mutation, store::Seconds about) {
+    const store::Seconds ahead = mutation.Below(20) == 0 ? 4 * kHour : 0;
+    Json document = Desktop(about + ahead + static_cast<store::Seconds>(mutation.Below(3)) * kMinute);
+    document["system"]["name"] = "a";
+    if (mutation.Below(4) == 0) document["origin"]["program"] = "usbinfo 1.0.1";
+    document["origin"]["machine"] = mutation.Below(10) == 0 ? "another one" : "this one";
+    if (mutation.Below(10) == 0) document["origin"]["masked"] = {{"key", nullptr}};
+    if (mutation.Below(10) == 0) document["collected"] = document["origin"]["collected"];
+    return document.dump();
+  }
+};
 
 TEST_P(HistoryTest, EveryCapturedMachineIsShownByteForByte) {
   std::map<store::Seconds, std::string> loaded;
@@ -70,6 +109,23 @@ TEST_P(HistoryTest, RandomHistoriesAreShownAsLoadedAtEveryTimeAndAfterPruning) {
   }
 }
 
+TEST(TimelessTextTest, TextsThatDifferInTheirTimeAloneHaveOneHash) {
+  const auto first = store::WithoutTime(Desktop(kNow).dump());
+  const auto second = store::WithoutTime(Desktop(kNow + 1).dump());
+  ASSERT_TRUE(first && second);
+  EXPECT_EQ(first->time, kNow);
+  EXPECT_EQ(second->time, kNow + 1);
+  EXPECT_EQ(first->hash, second->hash);
+  const std::string time = R"("collected":"2026-11-22T00:00:00Z")";
+  EXPECT_NE(store::WithoutTime("{" + time + "}")->hash, store::WithoutTime("{" + time + " }")->hash);
+  EXPECT_NE(store::WithoutTime("{ " + time + "}")->hash, store::WithoutTime("{" + time + " }")->hash);
+  for (const std::string& text :
+       {std::string("{}"), "{" + time + "," + time + "}",
+        std::string(R"({"collected":"2026-11-31T00:00:00Z"})"), std::string(R"({"collected":"2026-11-2)")}) {
+    EXPECT_FALSE(store::WithoutTime(text)) << text;
+  }
+}
+
 TEST_P(HistoryTest, AnUnchangedReportWritesOneRow) {
   Load(Desktop(kNow - kDay));
   const std::size_t before = Content().size();
@@ -85,6 +141,16 @@ TEST_P(HistoryTest, AnUnchangedReportWritesOneRow) {
   }
   EXPECT_EQ(writing, std::vector<std::string>{
                          "INSERT INTO report (host_id, collected, loaded, state) VALUES (?, ?, ?, ?)"});
+}
+
+TEST_P(HistoryTest, ATextThatIsRepeatedIsStoredAsIfItWereReadAsAWhole) {
+  const std::vector<std::string> results = LoadRepeatedTexts(false);
+  EXPECT_EQ(results, LoadRepeatedTexts(true));
+  EXPECT_THAT(results, IsSupersetOf({StartsWith("1 0 0 0 a: taken"), StartsWith("0 1 0 0 a: taken"),
+                                     StartsWith("0 0 1 0 a: taken"), StartsWith("0 0 0 1 a: taken")}));
+  for (const char* const reason : {"another machine", "random key", "an hour after now"}) {
+    EXPECT_THAT(results, Contains(HasSubstr(reason)));
+  }
 }
 
 TEST_P(HistoryTest, AChangedDeviceWritesOnlyItself) {
