@@ -39,7 +39,7 @@ class HistoryTest : public StoreTest {
     Db().Execute("UPDATE state SET text_hash = NULL", {});
     const std::vector<std::string> content = Content();
     results.insert(results.end(), content.begin(), content.end());
-    for (const char* const host : {"a", "b"}) store::Forget(Db(), host);
+    for (const char* const host : {"a", "b", "masked"}) store::Forget(Db(), host);
     return results;
   }
 
@@ -47,10 +47,11 @@ class HistoryTest : public StoreTest {
   static std::string RandomText(Mutation& mutation, store::Seconds about) {
     const store::Seconds ahead = mutation.Below(20) == 0 ? 4 * kHour : 0;
     Json document = Desktop(about + ahead + static_cast<store::Seconds>(mutation.Below(3)) * kMinute);
-    document["system"]["name"] = "a";
+    const bool isMasked = mutation.Below(5) == 0;
+    document["system"]["name"] = isMasked && mutation.Below(2) == 0 ? "masked" : "a";
     if (mutation.Below(4) == 0) document["origin"]["program"] = "usbinfo 1.0.1";
     document["origin"]["machine"] = mutation.Below(10) == 0 ? "another one" : "this one";
-    if (mutation.Below(10) == 0) document["origin"]["masked"] = {{"key", nullptr}};
+    if (isMasked) document["origin"]["masked"] = {{"key", nullptr}};
     if (mutation.Below(10) == 0) document["collected"] = document["origin"]["collected"];
     return document.dump();
   }
