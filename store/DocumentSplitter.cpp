@@ -1,5 +1,6 @@
 #include "store/DocumentSplitter.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace store {
@@ -13,15 +14,40 @@ bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
+bool MattersInString(char c) {
+  return c == '"' || c == '\\' || c == '\n';
+}
+
+bool MattersOutsideStrings(char c) {
+  return c == '"' || c == '{' || c == '}' || c == '\n';
+}
+
 }  // namespace
 
 void DocumentSplitter::Take(std::string_view bytes) {
-  for (const char c : bytes) {
-    if (fFraming == Framing::kLines) {
-      TakeInLine(c);
-    } else {
-      TakeInBraces(c);
-    }
+  while (!bytes.empty()) {
+    const std::size_t plain = PlainBytes(bytes);
+    fDocument.text += bytes.substr(0, plain);
+    if (plain < bytes.size()) TakeOne(bytes[plain]);
+    bytes.remove_prefix(std::min(plain + 1, bytes.size()));
+  }
+}
+
+std::size_t DocumentSplitter::PlainBytes(std::string_view bytes) const {
+  const std::string& text = fDocument.text;
+  if (text.empty() || text.front() != '{' || text.size() + bytes.size() > fLongest) return 0;
+  if (fFraming == Framing::kLines) return std::min(bytes.find('\n'), bytes.size());
+  if (fIsAtLineStart || fIsEscaped) return 0;
+  const auto* const end = fIsInString ? std::find_if(bytes.begin(), bytes.end(), MattersInString)
+                                      : std::find_if(bytes.begin(), bytes.end(), MattersOutsideStrings);
+  return static_cast<std::size_t>(end - bytes.begin());
+}
+
+void DocumentSplitter::TakeOne(char c) {
+  if (fFraming == Framing::kLines) {
+    TakeInLine(c);
+  } else {
+    TakeInBraces(c);
   }
 }
 

@@ -24,8 +24,7 @@ class DocumentSplitter {
     /// A document is a line, also an empty one.
     kLines,
     /// A document begins with a brace and ends with the one that belongs to it, on whichever line. One that
-    /// is
-    /// cut off ends before the next line that begins with a brace, as does anything else.
+    /// is cut off ends before the next line that begins with a brace, as does anything else.
     kBraces
   };
 
@@ -40,6 +39,9 @@ class DocumentSplitter {
   void Finish();
 
  private:
+  /// How many bytes at the beginning of `bytes` only make the document longer.
+  std::size_t PlainBytes(std::string_view bytes) const;
+  void TakeOne(char c);
   void TakeInLine(char c);
   void TakeInBraces(char c);
   void Follow(char c);
