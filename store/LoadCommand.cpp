@@ -215,7 +215,7 @@ int RunLoad(const LoadOptions& options, const Clock& clock) {
   std::vector<cli::NamedFile> inputs;
   for (const std::string& file : options.files) inputs.push_back({"FILE", file});
   cli::RequireDistinctFiles({"--output", options.list.output}, inputs);
-  Session session(FindDatabase(options.database));
+  Session session(FindDatabase(options.database, options.list.output));
   Loader loader(clock, SettingsOf(options, clock));
   return options.confirms ? LoadConfirming(session, loader) : LoadFiles(options, session, loader);
 }
