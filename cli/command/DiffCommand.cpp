@@ -8,7 +8,6 @@
 #include "cli/collect/DeviceListText.h"
 #include "cli/collect/Input.h"
 #include "cli/command/Findings.h"
-#include "cli/command/Message.h"
 #include "cli/diff/Comparability.h"
 #include "cli/diff/DiffJson.h"
 #include "cli/diff/DiffText.h"
@@ -19,6 +18,7 @@
 #include "cli/text/Color.h"
 #include "cli/text/ExitStatus.h"
 #include "cli/text/LogWriter.h"
+#include "cli/text/Message.h"
 #include "cli/text/Output.h"
 #include "cli/text/UserError.h"
 

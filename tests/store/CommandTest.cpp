@@ -117,6 +117,10 @@ TEST_P(CommandTest, FindsASerialNumberThatIsMaskedWithTheKey) {
   const CommandResult with = Run({"find", "--serial", "PEN-1", "--mask-key", key, "--format", "json"});
   EXPECT_EQ(with.errors, "");
   EXPECT_EQ(Json::parse(with.output)["devices"][0]["serial"], facts["serial"]);
+
+  ASSERT_EQ(::chmod(key.c_str(), 0640), 0);
+  EXPECT_EQ(Run({"find", "--serial", "PEN-1", "--mask-key", key}).errors,
+            "usbinfo-store: other users can read or write the key in " + key + "; run \"chmod 600\" on it\n");
 }
 
 TEST_P(CommandTest, LoadsWhatItCanAndReportsWhatItRefuses) {
