@@ -45,7 +45,7 @@ set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_NAME usbinfo-store)
 set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_RECOMMENDS usbinfo)
-set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_SUGGESTS "libudev1, postgresql, sqlite3, usb.ids")
+set(CPACK_DEBIAN_USBINFO-STORE_PACKAGE_SUGGESTS "clustershell, libudev1, postgresql, rsyslog-relp, sqlite3, usb.ids")
 set(CPACK_COMPONENT_USBINFO-STORE_DESCRIPTION
     "usbinfo-store keeps the inventories that usbinfo prints, of any number of
 machines, in an SQLite file or a PostgreSQL database. It answers which
@@ -89,9 +89,18 @@ foreach(package ${CPACK_COMPONENTS_ALL})
 endforeach()
 install(FILES README.md DESTINATION share/doc/usbinfo COMPONENT usbinfo)
 install(FILES docs/writing-a-host.md DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev)
-install(DIRECTORY examples DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev PATTERN machines.jsonl EXCLUDE)
+install(DIRECTORY examples DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev
+        PATTERN machines.jsonl EXCLUDE PATTERN fleet EXCLUDE)
+# What docs/fleet.md has administrators put in place: each package brings the files of the machines that it is for. No
+# service is installed, let alone enabled.
+set(PROGRAM_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+install(DIRECTORY examples/fleet DESTINATION share/doc/usbinfo/examples COMPONENT usbinfo
+        PATTERN usbinfo.fact PERMISSIONS ${PROGRAM_PERMISSIONS}
+        PATTERN roles.sql EXCLUDE PATTERN rsyslog-collector.conf EXCLUDE)
 if(TARGET usbinfo-store)
-  install(FILES docs/store.md DESTINATION share/doc/usbinfo-store COMPONENT usbinfo-store)
+  install(FILES docs/store.md docs/fleet.md DESTINATION share/doc/usbinfo-store COMPONENT usbinfo-store)
+  install(DIRECTORY examples/fleet DESTINATION share/doc/usbinfo-store/examples COMPONENT usbinfo-store
+          PATTERN usbinfo.fact PERMISSIONS ${PROGRAM_PERMISSIONS})
   install(FILES examples/machines.jsonl DESTINATION share/doc/usbinfo-store/examples COMPONENT usbinfo-store)
 endif()
 install(FILES cmake/debian/lintian-overrides DESTINATION share/lintian/overrides RENAME usbinfo COMPONENT usbinfo)

@@ -61,6 +61,8 @@ endfunction()
 document_command(usbinfo "${USBINFO_NATIVE_COMMAND}")
 if(TARGET usbinfo-store)
   document_command(usbinfo-store "${USBINFO_NATIVE_STORE_COMMAND}")
+  install(FILES docs/usbinfo-changes.schema.json docs/usbinfo-lists.schema.json
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/usbinfo" COMPONENT usbinfo-store)
 endif()
 
 install(FILES docs/usbinfo.schema.json docs/usbinfo-diff.schema.json docs/usbinfo-classes.schema.json

@@ -121,6 +121,8 @@ def instance_of(table, class_name):
 
 TEXT = {"type": "string"}
 TEXTS = a_list(TEXT)
+TIME = {"type": "string", "pattern": "^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z$"}
+SPEED = {"anyOf": [{"const": 1.5}, {"type": ["integer", "null"], "minimum": 1, "maximum": 1000000}]}
 
 
 def origin():
@@ -137,11 +139,10 @@ def origin():
                             description="Serial numbers are masked; null where they are not")
     selection = an_open_object({"classes": TEXTS, "ids": TEXTS, "places": TEXTS},
                                description="The options that left items out; null where all are there")
-    time = {"type": "string", "pattern": "^[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}Z$"}
     return an_open_object({
         "source": described("What the plug-in read: a list made from sysfs, what it acquired itself, or a file",
                             {"enum": ["sysfs", "plugin", "list"]}),
-        "collected": described("In UTC; null for a list from a file", or_null(time)),
+        "collected": described("In UTC; null for a list from a file", or_null(TIME)),
         "program": described("Name and version", TEXT),
         "machine": described("A hash of the machine's id that nothing else uses; null where it is not known",
                              or_null(TEXT)),
@@ -168,13 +169,12 @@ def kernel_name():
 
 
 def kernel_device():
-    speed = {"anyOf": [{"const": 1.5}, {"type": ["integer", "null"], "minimum": 1, "maximum": 1000000}]}
     revision = {"type": "string", "pattern": "^[0-9a-f]{1,2}\\.[0-9a-f]{2}$"}
     return an_open_object({
         "device": described("The DeviceID of its instance", TEXT),
         "name": or_null(described("The kernel's name, such as usb1 or 1-3.1", kernel_name())),
         "number": described("The device number on its bus", ref("uint16")),
-        "speed": described("In Mbit/s, 1.5 for low speed", speed),
+        "speed": described("In Mbit/s, 1.5 for low speed", SPEED),
         "manufacturer": or_null(TEXT), "product": or_null(TEXT), "serial": or_null(TEXT),
         "kinds": a_list(ref("kind"), description="What the class codes of its interfaces say"),
         "interfaces": a_list(ref("interface"), description="Every setting of every configuration"),
@@ -279,6 +279,81 @@ def difference(tables):
                        **{name: a_list(ref(entry)) for name, entry in lists.items()}}, definitions, version=2)
 
 
+def changes(tables):
+    diff = difference(tables)
+    document = {name: diff[name] for name in ("type", "additionalProperties", "required", "properties")}
+    comparison = an_object({
+        "host": TEXT,
+        "previous": described("When the earlier report was collected, in UTC", TIME),
+        "collected": described("When the later report was collected, in UTC", TIME),
+        "remarks": described("What is to be known of the comparison, such as why there is none", TEXTS),
+        "difference": described("Null where the reports were not compared",
+                                {"anyOf": [ref("difference"), {"type": "null"}]}),
+    }, description="Two reports in a row of a host that differ")
+    return a_document("changes", "Changes between reports, as usbinfo-store changes --format json prints them",
+                      {"changes": a_list(ref("comparison"))},
+                      {"comparison": comparison, "difference": {"description": diff["title"], **document},
+                       **diff["$defs"]})
+
+
+def columns_of_devices():
+    return {
+        "host": TEXT,
+        "place": described("The kernel's name, or the DeviceID where that is not known", TEXT),
+        "kinds": a_list(ref("kind")),
+        "manufacturer": or_null(TEXT), "product": or_null(TEXT),
+        "id": described("Vendor and product", {"type": "string", "pattern": "^[0-9a-f]{4}:[0-9a-f]{4}$"}),
+        "serial": or_null(TEXT),
+        "speed": described("In Mbit/s, 1.5 for low speed", SPEED),
+        "drivers": TEXTS,
+        "since": described("When the first report that has it was collected", TIME),
+        "until": described("When the first report that lacks it was collected; null where the last one has it",
+                           or_null(TIME)),
+    }
+
+
+def columns_of_hosts():
+    def count(text):
+        return or_null(described(text, {"type": "integer", "minimum": 0, "maximum": NUMBERS["uint64"]}))
+
+    return {
+        "host": described("Its name, or that of a node that never gave a report, of which all else is null", TEXT),
+        "lastReport": described("When it was collected", or_null(TIME)),
+        "reports": count("The number of reports"),
+        **{name: count("The number in the last report") for name in ("controllers", "hubs", "ports", "devices")},
+        "late": count("The number of reports that came after a later one"),
+        "suspect": count("The number of findings in the last report"),
+        "mask": described("The fingerprint of the key that serial numbers are masked with, or none", or_null(TEXT)),
+        "machine": described("The hash of the machine's id", or_null(TEXT)),
+        "lastLoaded": described("When a report was loaded last", or_null(TIME)),
+        "lastError": described("Why a report was refused or could not be collected since then", or_null(TEXT)),
+    }
+
+
+def lists(tables):
+    def counts(*names):
+        return {name: ref("uint64") for name in names}
+
+    def a_printed_list(name, columns, **length):
+        return an_object({"schema": {"const": f"usbinfo.{name}/1"}, name: a_list(an_object(columns), **length)})
+
+    one = {"minItems": 1, "maxItems": 1}
+    number_of_schema = {"type": "integer", "minimum": 1, "maximum": NUMBERS["uint16"]}
+    return {"$schema": "https://json-schema.org/draft/2020-12/schema", "$id": "urn:usbinfo:lists:1",
+            "title": "The lists that the subcommands of usbinfo-store print with --format json",
+            "oneOf": [
+                a_printed_list("hosts", columns_of_hosts()),
+                a_printed_list("devices", columns_of_devices()),
+                a_printed_list("loaded", counts("changed", "unchanged", "known", "late", "refused"), **one),
+                a_printed_list("collected", counts("changed", "unchanged", "known", "late", "failed"), **one),
+                a_printed_list("forgotten", {"host": TEXT, **counts("reports")}, **one),
+                a_printed_list("renamed", {"host": TEXT, "before": TEXT}, **one),
+                a_printed_list("pruned", counts("reports", "items", "late", "refused"), **one),
+                a_printed_list("migrated", {"version": number_of_schema, "before": or_null(number_of_schema)}, **one),
+            ],
+            "$defs": {"kind": {"enum": tables["kinds"]}, "uint64": values_of_properties()["uint64"]}}
+
+
 def classes_document(table):
     def definition(entry):
         return {name: entry[name] for name in ("type", "isArray", "isKey", "class") if name in entry}
@@ -301,7 +376,8 @@ def main(arguments):
     table = tables["classes"]
     status = 0
     for name, schema in (("usbinfo", inventory(tables)), ("usbinfo-diff", difference(tables)),
-                         ("usbinfo-classes", classes_document(table))):
+                         ("usbinfo-classes", classes_document(table)), ("usbinfo-changes", changes(tables)),
+                         ("usbinfo-lists", lists(tables))):
         path = FOLDER / f"{name}.schema.json"
         text = json.dumps(schema, indent=2) + "\n"
         if not is_check:

@@ -52,7 +52,7 @@ Without this option, all that are in the store are printed.)",
 }
 
 int RunChanges(const ChangesOptions& options, const Clock& clock) {
-  const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
+  const auto database = OpenStore(FindDatabase(options.database, options.output), Access::kExisting);
   const Transaction transaction(*database, Transaction::Purpose::kRead);
   if (!options.host.empty() && !HasHost(*database, options.host)) {
     PrintMessage(fmt::format("the store has no host {}; usbinfo-store hosts lists them", options.host));

@@ -186,8 +186,9 @@ void CheckCollect(const CollectOptions& options) {
 }
 
 int RunCollect(const CollectOptions& options, const Clock& clock) {
+  const DatabaseLocation location = FindDatabase(options.database, options.list.output);
   const std::set<std::string> nodes = ExpandNodes(options.clush.selection);
-  const auto database = OpenStore(FindDatabase(options.database), Access::kCreating);
+  const auto database = OpenStore(location, Access::kCreating);
   std::map<std::string, std::string> failures;
   LoadCounts counts;
   {

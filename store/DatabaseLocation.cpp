@@ -7,9 +7,12 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
+#include "cli/text/Output.h"
 #include "cli/text/UserError.h"
 #include "system/FileDescriptor.h"
 
@@ -85,6 +88,23 @@ DatabaseLocation FindDatabase(const std::string& option) {
   const std::string variable = Variable("USBINFO_STORE_DB");
   if (!variable.empty()) return Read(variable);
   return {.target = DataFolder() + "/usbinfo/store.db", .isDefault = true};
+}
+
+void RequireDistinctOutput(const DatabaseLocation& location, const std::string& output) {
+  if (location.dialect != Dialect::kSqlite) return;
+  constexpr const char* kStore = "the store";
+  std::vector<cli::NamedFile> files = {{kStore, location.target}};
+  // SQLite puts them beside the file that a link leads to.
+  std::error_code error;
+  const std::string target = std::filesystem::weakly_canonical(location.target, error).string();
+  for (const char* const end : {"-wal", "-shm", "-journal"}) files.push_back({kStore, target + end});
+  cli::RequireDistinctFiles({"--output", output}, files);
+}
+
+DatabaseLocation FindDatabase(const std::string& option, const std::string& output) {
+  DatabaseLocation location = FindDatabase(option);
+  RequireDistinctOutput(location, output);
+  return location;
 }
 
 void CreateFile(const DatabaseLocation& location) {

@@ -23,6 +23,13 @@ struct DatabaseLocation {
 /// XDG_DATA_HOME or ~/.local/share. Throws UserError where there is none.
 DatabaseLocation FindDatabase(const std::string& option);
 
+/// Throws UserError when `output`, as --output has it, names a file of the SQLite database, by any spelling
+/// or link.
+void RequireDistinctOutput(const DatabaseLocation& location, const std::string& output);
+
+/// Both, for a command that uses the database and writes to `output`.
+DatabaseLocation FindDatabase(const std::string& option, const std::string& output);
+
 /// Makes sure that there is a file for the SQLite database, which only its owner can read. The default folder
 /// is made as well, with the same rights. Throws UserError.
 void CreateFile(const DatabaseLocation& location);

@@ -250,7 +250,7 @@ std::vector<cli::Option> FindOptionTable(FindOptions& options) {
 
 int RunFind(const FindOptions& options, const Clock& clock) {
   cli::RequireDistinctFiles({"--output", options.list.output}, {{"--mask-key", options.maskKey}});
-  const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
+  const auto database = OpenStore(FindDatabase(options.database, options.list.output), Access::kExisting);
   const Conditions conditions = ConditionsOf(options, clock.Now());
   const Transaction transaction(*database, Transaction::Purpose::kRead);
   const ResultList list = ListOf(SelectDevices(*database, conditions));

@@ -161,7 +161,7 @@ such as
 }
 
 int RunHosts(const HostsOptions& options, const Clock& clock) {
-  const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
+  const auto database = OpenStore(FindDatabase(options.database, options.list.output), Access::kExisting);
   const Transaction transaction(*database, Transaction::Purpose::kRead);
   const std::map<std::string, Error> failures = SelectFailures(*database);
   const std::map<std::string, Error> errors = SelectErrors(*database, failures);

@@ -119,8 +119,8 @@ int LoadFiles(const LoadOptions& options, Session& session, Loader& loader) {
   return loader.Counts().Total() == 0 || loader.Counts().refused > 0 ? cli::kRefused : cli::kPrinted;
 }
 
-/// Anything but "OK" has the line sent again. omprog ends a program whose answer has more than 4095 bytes,
-/// and a database may repeat a whole statement in its message.
+/// Anything but "OK" has the line sent again. A database may repeat a whole statement in its message, and
+/// omprog does not take long answers: 1,000 bytes work, 5,000 do not.
 void Answer(const std::string& answer) {
   constexpr std::size_t kLongestAnswer = 500;
   std::string line = answer.substr(0, kLongestAnswer);
@@ -215,7 +215,7 @@ int RunLoad(const LoadOptions& options, const Clock& clock) {
   std::vector<cli::NamedFile> inputs;
   for (const std::string& file : options.files) inputs.push_back({"FILE", file});
   cli::RequireDistinctFiles({"--output", options.list.output}, inputs);
-  Session session(FindDatabase(options.database));
+  Session session(FindDatabase(options.database, options.list.output));
   Loader loader(clock, SettingsOf(options, clock));
   return options.confirms ? LoadConfirming(session, loader) : LoadFiles(options, session, loader);
 }

@@ -91,7 +91,7 @@ void CheckShow(const ShowOptions& options) {
 }
 
 int RunShow(const ShowOptions& options, const Clock& clock) {
-  const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
+  const auto database = OpenStore(FindDatabase(options.database, options.output), Access::kExisting);
   const Seconds at = options.at ? options.at->At(clock.Now()) : std::numeric_limits<Seconds>::max();
   const std::optional<cli::Inventory> inventory = ReadReport(*database, options.host, at);
   if (!inventory) {

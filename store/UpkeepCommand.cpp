@@ -2,11 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <optional>
+
 #include "cli/option/CommonOptions.h"
 #include "cli/option/UsageError.h"
 #include "cli/option/Values.h"
 #include "cli/text/ExitStatus.h"
 #include "cli/text/Output.h"
+#include "cli/text/UserError.h"
 #include "store/DatabaseLocation.h"
 #include "store/HostName.h"
 #include "store/HostUpkeep.h"
@@ -28,6 +31,17 @@ Cell NumberCell(std::uint64_t number) {
   return static_cast<std::int64_t>(number);
 }
 
+/// For a command that needs no store, so that none can be found is no error.
+void SpareStore(const std::string& output) {
+  std::optional<DatabaseLocation> location;
+  try {
+    location = FindDatabase("");
+  } catch (const cli::UserError&) {
+    return;
+  }
+  RequireDistinctOutput(*location, output);
+}
+
 int ReportNoHost(const std::string& host) {
   PrintMessage(fmt::format("the store has no host {}; usbinfo-store hosts lists them", host));
   return cli::kNothingFound;
@@ -47,7 +61,7 @@ std::vector<cli::Option> ForgetOptionTable(ForgetOptions& options) {
 }
 
 int RunForget(const ForgetOptions& options) {
-  const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
+  const auto database = OpenStore(FindDatabase(options.database, options.list.output), Access::kExisting);
   const std::optional<std::uint64_t> reports = Forget(*database, options.host);
   if (!reports) return ReportNoHost(options.host);
   ResultList list("forgotten", {{.name = "host"}, {.name = "reports", .isNumber = true}});
@@ -73,7 +87,7 @@ std::vector<cli::Option> RenameOptionTable(RenameOptions& options) {
 }
 
 int RunRename(const RenameOptions& options) {
-  const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
+  const auto database = OpenStore(FindDatabase(options.database, options.list.output), Access::kExisting);
   if (!Rename(*database, options.before, options.after)) return ReportNoHost(options.before);
   ResultList list("renamed", {{.name = "host"}, {.name = "before"}});
   list.AddRow({options.after, options.before});
@@ -100,7 +114,7 @@ void CheckPrune(const PruneOptions& options) {
 }
 
 int RunPrune(const PruneOptions& options, const Clock& clock) {
-  const auto database = OpenStore(FindDatabase(options.database), Access::kExisting);
+  const auto database = OpenStore(FindDatabase(options.database, options.list.output), Access::kExisting);
   const Pruned pruned = Prune(*database, clock.Now() - *options.keep);
   ResultList list("pruned", {{.name = "reports", .isNumber = true},
                              {.name = "items", .isNumber = true},
@@ -117,7 +131,7 @@ std::vector<cli::Option> MigrateOptionTable(MigrateOptions& options) {
 }
 
 int RunMigrate(const MigrateOptions& options) {
-  const auto database = OpenStore(FindDatabase(options.database), Access::kAny);
+  const auto database = OpenStore(FindDatabase(options.database, options.list.output), Access::kAny);
   const std::optional<int> before = FindVersion(*database);
   Migrate(*database);
   ResultList list("migrated", {{.name = "version", .isNumber = true}, {.name = "before", .isNumber = true}});
@@ -139,6 +153,7 @@ std::vector<cli::Option> SchemaOptionTable(SchemaOptions& options) {
 }
 
 int RunSchema(const SchemaOptions& options) {
+  SpareStore(options.output);
   cli::WriteOutput(options.output,
                    SchemaSql(options.dialect == "sqlite" ? Dialect::kSqlite : Dialect::kPostgresql));
   return cli::kPrinted;

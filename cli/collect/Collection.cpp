@@ -21,9 +21,9 @@
 #include "cli/collect/PreparingSystem.h"
 #include "cli/collect/SystemName.h"
 #include "cli/collect/WaitingNotice.h"
-#include "cli/collect/Warning.h"
 #include "cli/model/FromJson.h"
 #include "cli/model/FromKernel.h"
+#include "cli/text/Message.h"
 #include "cli/text/UserError.h"
 #include "kernel/DeviceListReader.h"
 #include "kernel/DeviceListWriter.h"
@@ -81,7 +81,7 @@ std::string SystemNameOf(const Source& source, bool isEmpty) {
   if (name) return *name;
   constexpr const char* kUnknown = "unknown";
   if (!isEmpty) {
-    Warn(fmt::format(
+    PrintMessage(fmt::format(
         "nothing says which system the list from {} is of, so its name is \"{}\"; give its name with "
         "--system-name NAME",
         NameOfList(source.devices), kUnknown));

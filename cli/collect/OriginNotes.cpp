@@ -6,8 +6,8 @@
 #include <ctime>
 
 #include "cli/collect/MachineId.h"
-#include "cli/collect/Warning.h"
 #include "cli/model/DeviceText.h"
+#include "cli/text/Message.h"
 
 namespace cli {
 
@@ -57,11 +57,12 @@ Origin NoteOrigin(const std::string& source, const PreparedList& list, const Lis
 
 void WarnOfRepairs(const kernel::ListRepairs& repairs) {
   if (repairs.parents > 0) {
-    Warn(fmt::format("the device list has wrong parents for {}; they were corrected (--as-is keeps them)",
-                     Count(repairs.parents, "device")));
+    PrintMessage(
+        fmt::format("the device list has wrong parents for {}; they were corrected (--as-is keeps them)",
+                    Count(repairs.parents, "device")));
   }
   if (repairs.staleInterfaces > 0) {
-    Warn(
+    PrintMessage(
         fmt::format("the device list has interfaces for {} without a configuration; they were left out "
                     "(--as-is keeps them)",
                     Count(repairs.staleInterfaces, "device")));

@@ -10,7 +10,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "cli/collect/Warning.h"
+#include "cli/text/Message.h"
 #include "cli/text/UserError.h"
 #include "system/FileDescriptor.h"
 
@@ -40,7 +40,7 @@ void WarnOfSharedFile(int fd, const std::string& path) {
   struct stat status;
   if (::fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) return;
   if ((status.st_mode & (S_IRWXG | S_IRWXO)) == 0) return;
-  Warn(fmt::format("other users can read or write the key in {}; run \"chmod 600\" on it", path));
+  PrintMessage(fmt::format("other users can read or write the key in {}; run \"chmod 600\" on it", path));
 }
 
 std::size_t ReadKey(Secret& buffer, const std::string& path) {

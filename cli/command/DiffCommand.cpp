@@ -2,13 +2,10 @@
 
 #include <fmt/format.h>
 
-#include <utility>
-
 #include "cli/collect/Collection.h"
 #include "cli/collect/DeviceListText.h"
 #include "cli/collect/Input.h"
 #include "cli/command/Findings.h"
-#include "cli/command/Message.h"
 #include "cli/diff/Comparability.h"
 #include "cli/diff/DiffJson.h"
 #include "cli/diff/DiffText.h"
@@ -19,6 +16,7 @@
 #include "cli/text/Color.h"
 #include "cli/text/ExitStatus.h"
 #include "cli/text/LogWriter.h"
+#include "cli/text/Message.h"
 #include "cli/text/Output.h"
 #include "cli/text/UserError.h"
 
@@ -61,15 +59,10 @@ std::string NameOfNew(const DiffOptions& options) {
 /// Saved inventories are not collected again, so options of collecting have no effect on them.
 void CheckOptionsForLists(const DiffOptions& options, const Inventory& before, const Inventory& after) {
   if (before.DeviceList() || after.DeviceList()) return;
-  const std::pair<const char*, bool> given[] = {{"--as-is", options.source.isAsIs},
-                                                {"--plugin", !options.source.plugin.empty()},
-                                                {"--system-name", !options.source.systemName.empty()}};
-  for (const auto& [name, isGiven] : given) {
-    if (isGiven) {
-      throw UsageError(
-          fmt::format("{} is for device lists, and both files hold saved inventories: leave it out", name));
-    }
-  }
+  RefuseOptions({{"--as-is", options.source.isAsIs},
+                 {"--plugin", !options.source.plugin.empty()},
+                 {"--system-name", !options.source.systemName.empty()}},
+                "is for device lists, and both files hold saved inventories: leave it out");
 }
 
 void CheckMasks(const DiffOptions& options, const Inventory& before, const Inventory& after) {

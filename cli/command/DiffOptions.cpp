@@ -1,7 +1,5 @@
 #include "cli/command/DiffOptions.h"
 
-#include <fmt/format.h>
-
 #include <utility>
 
 #include "cli/command/SourceOptions.h"
@@ -74,12 +72,10 @@ JSON inventories keep their own names.)",
 
 void CheckDiffOptions(const DiffOptions& options) {
   if (options.after.empty()) return;
-  const std::pair<const char*, bool> given[] = {{"--source", options.source.way.has_value()},
-                                                {"--mask-serials", options.source.maskSerials},
-                                                {"--mask-key", !options.source.maskKey.empty()}};
-  for (const auto& [name, isGiven] : given) {
-    if (isGiven) throw UsageError(fmt::format("{} is for this machine: leave it or NEW out", name));
-  }
+  RefuseOptions({{"--source", options.source.way.has_value()},
+                 {"--mask-serials", options.source.maskSerials},
+                 {"--mask-key", !options.source.maskKey.empty()}},
+                "is for this machine: leave it or NEW out");
 }
 
 }  // namespace cli

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-#include "cli/command/Message.h"
 #include "cli/model/Inventory.h"
 #include "cli/model/OriginText.h"
+#include "cli/text/Message.h"
 #include "cli/text/UserError.h"
 
 namespace cli {

@@ -11,13 +11,13 @@
 #include "cli/collect/EmptyAdvice.h"
 #include "cli/collect/Input.h"
 #include "cli/command/Findings.h"
-#include "cli/command/Message.h"
 #include "cli/format/OutputFormat.h"
 #include "cli/format/RenderOptions.h"
 #include "cli/model/UsbIds.h"
 #include "cli/option/UsageError.h"
 #include "cli/text/ExitStatus.h"
 #include "cli/text/LogWriter.h"
+#include "cli/text/Message.h"
 #include "cli/text/Output.h"
 #include "schema/ClassSchema.h"
 
@@ -128,15 +128,12 @@ bool KeepsPath(const Selection& selection, const OutputFormat& format) {
 
 /// A saved inventory is not collected again, so options of collecting it have no effect.
 void RefuseOptionsOfCollecting(const ShowOptions& options) {
-  const std::pair<const char*, bool> given[] = {{"--request", !options.request.empty()},
-                                                {"--as-is", options.source.isAsIs},
-                                                {"--plugin", !options.source.plugin.empty()},
-                                                {"--system-name", !options.source.systemName.empty()}};
-  for (const auto& [name, isGiven] : given) {
-    if (!isGiven) continue;
-    throw UsageError(fmt::format("{} is for device lists, and {} holds a saved inventory: leave it out", name,
-                                 NameOfList(options.source.devices)));
-  }
+  RefuseOptions({{"--request", !options.request.empty()},
+                 {"--as-is", options.source.isAsIs},
+                 {"--plugin", !options.source.plugin.empty()},
+                 {"--system-name", !options.source.systemName.empty()}},
+                fmt::format("is for device lists, and {} holds a saved inventory: leave it out",
+                            NameOfList(options.source.devices)));
 }
 
 /// Reads from this machine only what the format shows.

@@ -23,10 +23,19 @@ std::string Shortened(const std::string& message) {
          message.substr(CharacterFrom(message, message.size() - kBytesOfEnd));
 }
 
+std::string& ProgramName() {
+  static std::string name = "usbinfo";
+  return name;
+}
+
 }  // namespace
 
-void PrintMessageOf(std::string_view program, const std::string& message) {
-  std::cerr << program << ": " << EscapeForTerminal(Shortened(message)) << "\n";
+void NameProgram(const std::string& name) {
+  ProgramName() = name;
+}
+
+void PrintMessage(const std::string& message) {
+  std::cerr << ProgramName() << ": " << EscapeForTerminal(Shortened(message)) << "\n";
 }
 
 }  // namespace cli

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 
 namespace cli {
 
+/// The name that this process prints before its messages from now on; "usbinfo" until then.
+void NameProgram(const std::string& name);
+
 /// Prints the program's name and `message` on one line of standard error. A very long message loses its
 /// middle, since its end says what to do.
-void PrintMessageOf(std::string_view program, const std::string& message);
+void PrintMessage(const std::string& message);
 
 }  // namespace cli

@@ -69,6 +69,8 @@ UserError WriteError(const std::string& what, const std::string& reason, const s
 bool AreOneFile(const std::string& left, const std::string& right) {
   namespace fs = std::filesystem;
   std::error_code error;
+  // The folder may be one that is still to be made.
+  if (left == right) return true;
   if (fs::exists(left, error)) return fs::equivalent(left, right, error);
   try {
     return OutputLocation(left).IsSameAs(OutputLocation(right));

@@ -26,25 +26,26 @@ void PrepareProcess() {
   static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
 }
 
-int Fail(std::string_view program, const std::string& message) {
-  PrintMessageOf(program, message);
+int Fail(const std::string& message) {
+  PrintMessage(message);
   return kFailure;
 }
 
 }  // namespace
 
-int RunProgram(std::string_view program, const std::function<int()>& run) {
+int RunProgram(const std::string& program, const std::function<int()>& run) {
   PrepareProcess();
+  NameProgram(program);
   try {
     return run();
   } catch (const ClosedPipe&) {
     sys::EndBySignal(SIGPIPE);
   } catch (const std::bad_alloc&) {
-    return Fail(program, "out of memory");
+    return Fail("out of memory");
   } catch (const std::exception& error) {
-    return Fail(program, error.what());
+    return Fail(error.what());
   } catch (...) {
-    return Fail(program, "unexpected failure");
+    return Fail("unexpected failure");
   }
 }
 

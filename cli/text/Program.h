@@ -2,13 +2,13 @@
 #pragma once
 
 #include <functional>
-#include <string_view>
+#include <string>
 
 namespace cli {
 
-/// Prepares the process and calls `run`, which gives the exit status. An exception becomes a message of
-/// `program` on one line of standard error, and the status kFailure; a closed pipe ends the process as
-/// SIGPIPE does.
-int RunProgram(std::string_view program, const std::function<int()>& run);
+/// Prepares the process, whose messages are those of `program`, and calls `run`, which gives the exit status.
+/// An exception becomes a message on one line of standard error, and the status kFailure; a closed pipe ends
+/// the process as SIGPIPE does.
+int RunProgram(const std::string& program, const std::function<int()>& run);
 
 }  // namespace cli

@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 """Holds the documents to what the commands do: every command line of theirs that calls one is run, as written but for
 the build that is tested. Each document has a store of its own; without usbinfo-store, which takes libraries that not
-every machine has, its lines are left out. Where a line begins with "$ ", what stands below it is what it must print, "..." for any lines.
+every machine has, its lines are left out, as are those that name a PostgreSQL server. Machines to collect from are
+played by a program in the place of ssh. Where a line begins with "$ ", what stands below it is what it must print, "..."
+for any lines.
 
 Usage: check_documents.py COMMAND SOURCE
 """
@@ -13,7 +15,9 @@ import sys
 import tempfile
 
 # As the documents call it, built or installed.
-CALL = re.compile(r"(build/release/)?usbinfo(-store)? ")
+CALL = re.compile(r"(build/release/)?usbinfo(-store)? \S")
+# ClusterShell's group @racks:3.
+GROUPS = "[Main]\ndefault: racks\n[racks]\nmap: echo rack$GROUP-[1-4]\nall: echo rack[1-3]-[1-4]\n"
 # Not the tests' machine but the one in the document is shown, whatever it has; the names file is none.
 ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8", "USBINFO_IDS": "", "COLUMNS": "80"}
 
@@ -46,7 +50,8 @@ def matches(expected, printed):
 
 def run(line, expected, folder, data):
     """Runs the line by a shell, with `data` as the folder of the store; gives what went wrong."""
-    environment = {**ENVIRONMENT, "PATH": f"{folder}/build/release:{os.environ['PATH']}", "XDG_DATA_HOME": f"{folder}/{data}"}
+    environment = {**ENVIRONMENT, "PATH": f"{folder}/build/release:{os.environ['PATH']}",
+                   "XDG_DATA_HOME": f"{folder}/{data}", "CLUSTERSHELL_CFGDIR": f"{folder}/build"}
     result = subprocess.run(["bash", "-o", "pipefail", "-c", line], cwd=folder, env=environment,
                             capture_output=True, text=True, timeout=60, check=False)
     # On a machine without USB there is nothing to show; two inventories may differ; nothing may be found.
@@ -72,15 +77,29 @@ def mirror(command, source, folder):
             (folder / entry.name).symlink_to(entry)
 
 
+def play_machines(folder):
+    """Makes every machine that ssh could connect to print the same inventory."""
+    (folder / "build/groups.conf").write_text(GROUPS, encoding="utf-8")
+    ssh = folder / "build/release/ssh"
+    ssh.write_text(f"#!/bin/sh\nexec head -n 1 {folder}/examples/machines.jsonl\n", encoding="utf-8")
+    ssh.chmod(0o755)
+
+
+def can_run(command, line):
+    """Whether the line can be tried with what is there."""
+    return "postgresql:" not in line and ("usbinfo-store" not in line or len(programs(command)) == 2)
+
+
 def main():
     command, source = os.path.abspath(sys.argv[1]), pathlib.Path(sys.argv[2]).resolve()
     count, failures = 0, []
     with tempfile.TemporaryDirectory() as folder:
         mirror(command, source, pathlib.Path(folder))
+        play_machines(pathlib.Path(folder))
         for document in [source / "README.md", *sorted(source.glob("docs/*.md"))]:
             for block in blocks(document.read_text(encoding="utf-8")):
                 for line, expected in calls(block):
-                    if "usbinfo-store" in line and len(programs(command)) == 1:
+                    if not can_run(command, line):
                         continue
                     count += 1
                     failure = run(line, expected, folder, f"build/{document.stem}")

@@ -188,8 +188,8 @@ class StoreTest(CompletionTest):
     """What belongs to usbinfo-store alone."""
 
     COMMAND = "usbinfo-store"
-    SUBCOMMANDS = ["hosts", "load", "find", "changes", "show", "forget",
-                   "rename", "prune", "migrate", "schema", "help"]
+    SUBCOMMANDS = ["hosts", "load", "collect", "find", "changes", "show",
+                   "forget", "rename", "prune", "migrate", "schema", "help"]
 
     def test_operands(self):
         self.assert_offers(("load", "a"), ["afile", "afolder"])

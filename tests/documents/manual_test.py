@@ -132,6 +132,7 @@ class StoreExamplesTest(ExamplesTest):
     """The same of usbinfo-store."""
 
     COMMAND = "usbinfo-store"
+    ELSEWHERE = (*ExamplesTest.ELSEWHERE, "usbinfo-store collect ")
 
     def prepare(self, folder):
         (folder / "inventories").mkdir()

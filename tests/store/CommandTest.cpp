@@ -3,6 +3,9 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "cli/collect/SerialMask.h"
 #include "store/HostUpkeep.h"
 #include "tests/cli/support/RunCommand.h"
@@ -18,6 +21,11 @@ mode_t ModeOf(const std::string& path) {
   struct stat status {};
   EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
   return status.st_mode & 07777;
+}
+
+std::string ContentOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 const char* const kDesktop = SOURCE_DIR "/examples/desktop.json";
@@ -109,6 +117,10 @@ TEST_P(CommandTest, FindsASerialNumberThatIsMaskedWithTheKey) {
   const CommandResult with = Run({"find", "--serial", "PEN-1", "--mask-key", key, "--format", "json"});
   EXPECT_EQ(with.errors, "");
   EXPECT_EQ(Json::parse(with.output)["devices"][0]["serial"], facts["serial"]);
+
+  ASSERT_EQ(::chmod(key.c_str(), 0640), 0);
+  EXPECT_EQ(Run({"find", "--serial", "PEN-1", "--mask-key", key}).errors,
+            "usbinfo-store: other users can read or write the key in " + key + "; run \"chmod 600\" on it\n");
 }
 
 TEST_P(CommandTest, LoadsWhatItCanAndReportsWhatItRefuses) {
@@ -145,6 +157,62 @@ TEST_P(CommandTest, ConfirmsEachLineUnlessTheDatabaseFails) {
   EXPECT_THAT(failing.output,
               ::testing::MatchesRegex("OK\nthe store [^\n]*report[^\n]*\nthe store [^\n]*\n"));
   EXPECT_EQ(failing.status, 0);
+}
+
+TEST(OutputOfTheStore, IsNeverAFileOfTheStore) {
+  const TemporaryFolder folder;
+  const std::string store = folder.File("store.db");
+  const std::string link = folder.File("link.db");
+  const auto run = [&](const std::string& database, std::vector<std::string> arguments) {
+    return Command(std::move(arguments)).Set("USBINFO_STORE_DB", database).Set("HOME", folder.Path()).Run();
+  };
+  ASSERT_EQ(run(store, {"load", kDesktop}).status, 0);
+  std::filesystem::create_symlink("store.db", link);
+  const std::string content = ContentOf(store);
+
+  const std::vector<std::vector<std::string>> commands = {{"hosts"},
+                                                          {"load", kDesktop},
+                                                          {"collect", "-w", "web1"},
+                                                          {"find"},
+                                                          {"changes"},
+                                                          {"show", "vm-desktop"},
+                                                          {"forget", "vm-desktop"},
+                                                          {"rename", "vm-desktop", "other"},
+                                                          {"prune", "--keep", "1s"},
+                                                          {"migrate"},
+                                                          {"schema"}};
+  for (std::vector<std::string> command : commands) {
+    command.emplace_back("--output");
+    command.emplace_back();
+    for (const std::string& database : {store, link}) {
+      for (const std::string& output : {store, link, store + "-wal", store + "-shm", store + "-journal"}) {
+        command.back() = output;
+        const CommandResult result = run(database, command);
+        EXPECT_EQ(result.errors, "usbinfo-store: --output and the store name one file, " + output +
+                                     "; name another one for --output\n")
+            << command.front();
+        EXPECT_EQ(result.status, 2);
+      }
+    }
+  }
+  EXPECT_EQ(ContentOf(store), content);
+  EXPECT_EQ(run(store, {"hosts", "--output", folder.File("hosts")}).status, 0);
+}
+
+TEST(OutputOfTheStore, IsNotTheStoreThatIsStillToBeMade) {
+  const TemporaryFolder folder;
+  const std::string store = folder.File("data/usbinfo/store.db");
+  const CommandResult result =
+      Command({"load", kDesktop, "--output", store}).Set("XDG_DATA_HOME", folder.File("data")).Run();
+  EXPECT_THAT(result.errors, HasSubstr("--output and the store name one file"));
+  EXPECT_EQ(result.status, 2);
+  EXPECT_FALSE(std::filesystem::exists(folder.File("data")));
+}
+
+TEST(OutputOfTheStore, IsAnyOtherFileWhereTheSchemaIsWrittenWithoutAStore) {
+  const TemporaryFolder folder;
+  EXPECT_EQ(Command({"schema", "--output", folder.File("schema.sql")}).Run().errors, "");
+  EXPECT_THAT(ContentOf(folder.File("schema.sql")), HasSubstr("CREATE TABLE host"));
 }
 
 FOR_BOTH_DATABASES(CommandTest);

@@ -8,8 +8,12 @@ small damages to a valid document must be refused, damaged inventories by
 ``usbinfo diff`` too.  And the schema's properties must be those of ``usbinfo
 schema``.
 
+Of the store, all that its subcommands print as JSON must be valid, for a machine
+that has each captured list in turn.
+
 Usage:
-    check_schemas.py USBINFO       the command to try
+    check_schemas.py USBINFO                  what usbinfo prints
+    check_schemas.py USBINFO USBINFO-STORE    what usbinfo-store prints
 
 Prints a line per failure; exits 1 if there is any.
 """
@@ -17,6 +21,7 @@ Prints a line per failure; exits 1 if there is any.
 import copy
 import itertools
 import json
+import os
 import pathlib
 import re
 import subprocess
@@ -109,7 +114,26 @@ ALLOWED = {
         r"(moved|changed)/0/properties/0: (from|to) = (None|'\?'|\[\]|1\.5)",
         r"(moved|changed)/0/properties/0/(from|to): 0 = '\?'",
     ),
+    "usbinfo-lists": (
+        r": (hosts|devices) = \[\]",
+        r"hosts/0: (?!host)\w+ = None",
+        r"hosts/0: (host|mask|machine|lastError) = '\?'",
+        r"devices/0: (manufacturer|product|serial|speed|until) = None",
+        r"devices/0: (host|place|manufacturer|product|serial) = '\?'",
+        r"devices/0: speed = 1\.5",
+        r"devices/0: (kinds|drivers) = \[\]",
+        r"devices/0/drivers: 0 = '\?'",
+        r"(forgotten|renamed)/0: (host|before) = '\?'",
+        r"migrated/0: before = None",
+    ),
 }
+ALLOWED["usbinfo-changes"] = (
+    r": changes = \[\]",
+    r"changes/0: (host = '\?'|remarks = \[\]|difference = None)",
+    r"changes/0/remarks: 0 = '\?'",
+    *(rf"changes/0/difference/?{pattern}"
+      for pattern in ALLOWED["usbinfo-diff"]),
+)
 
 
 class Failures:
@@ -124,24 +148,36 @@ class Failures:
         print(what)
 
 
-class Usbinfo:
-    """The command, run on files of a folder of its own."""
+class Program:
+    """A command, run on files of a folder of its own."""
 
     def __init__(self, path, folder):
         self.path = path
         self.folder = pathlib.Path(folder)
+        self.environment = dict(os.environ)
 
     def run(self, *arguments):
         """Run it; return the exit status and the output."""
         done = subprocess.run(
             [self.path, *map(str, arguments)], stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False,
+            env=self.environment)
         return done.returncode, done.stdout
 
     def document(self, *arguments):
         """Run it; return the JSON document it prints, None without one."""
         status, output = self.run(*arguments)
         return json.loads(output) if status in (0, 1) else None
+
+    def file(self, name, content):
+        """Write a file; return its path."""
+        path = self.folder / name
+        path.write_bytes(content)
+        return path
+
+
+class Usbinfo(Program):
+    """The command that makes inventories."""
 
     def inventory(self, devices, *options):
         """Return the inventory of a device list."""
@@ -152,11 +188,31 @@ class Usbinfo:
         """Return the difference of two inventories."""
         return self.document("diff", "--allow-suspect", "--format", "json", old, new)
 
-    def file(self, name, content):
-        """Write a file; return its path."""
-        path = self.folder / name
-        path.write_bytes(content)
-        return path
+
+class Store(Program):
+    """The command that keeps inventories, with a store in its folder.
+
+    The programs of ClusterShell are played: a node prints an inventory, another
+    one nothing.
+    """
+
+    def __init__(self, path, folder, inventory):
+        super().__init__(path, folder)
+        line = self.file("line", f"good: {json.dumps(inventory)}\n".encode())
+        self.play("nodeset", "echo good bad")
+        self.play("clush", f"cat {line}")
+        self.environment.update(USBINFO_STORE_DB=f"{folder}/store.db",
+                                PATH=f"{folder}:{os.environ['PATH']}")
+
+    def play(self, name, command):
+        """Put a program in the place of another."""
+        self.file(name, f"#!/bin/sh\n{command}\n".encode()).chmod(0o755)
+
+    def load(self, inventory, number, *options):
+        """Load an inventory as of a second; return what the command lists."""
+        file = self.file("inventory.json", json.dumps(inventory).encode())
+        return self.document("load", "--format", "json", "--collected",
+                             f"2026-03-15T00:00:{number:02}Z", *options, file)
 
 
 def schema(name):
@@ -318,6 +374,49 @@ KERNEL = {
 }
 
 
+def loaded_store(usbinfo, path, folder):
+    """Return a store of a machine that had each list, and what loading printed."""
+    lists = [OLD, NEW, *CAPTURES, *(usbinfo.file(f"hostile-{number}", hostile_list(text))
+                                    for number, text in enumerate(HOSTILE))]
+    store = Store(path, folder, usbinfo.inventory(MOVED))
+    printed = [store.load(usbinfo.inventory(devices, "--system-name", "machine"), number)
+               for number, devices in enumerate(lists)]
+    masked = usbinfo.inventory(OLD, "--system-name", "machine", "--mask-serials")
+    printed.append(store.load(masked, len(lists)))
+    printed.append(store.load(masked, len(lists), "--new-mask"))
+    return store, printed
+
+
+def check_changes(failures, usbinfo, changes):
+    """Hold the changes to their schema, and this to be strict."""
+    require_valid(failures, schema("usbinfo-changes"), changes, "changes")
+    compared = [it["difference"] is not None for it in changes["changes"]]
+    if sum(compared) < len(CAPTURES) or compared[-1]:
+        failures.report(f"all reports but the masked ones are to be compared: {compared}")
+    check_strict(failures, usbinfo, "usbinfo-changes",
+                 {**changes, "changes": changes["changes"][:1]})
+
+
+def check_store(failures, usbinfo, path):
+    """Hold all that the store prints to its schemas, and these to be strict."""
+    store, printed = loaded_store(usbinfo, path, usbinfo.folder)
+    check_changes(failures, usbinfo, store.document("changes", "--format", "json"))
+    validator = schema("usbinfo-lists")
+    for document in printed:
+        require_valid(failures, validator, document, "load")
+    names = {printed[0]["schema"]}
+    # The time is that of the first list.
+    for words in (("collect", "-w", "all"), ("hosts",), ("find",), ("find", "--at", "2026-03-15"),
+                  ("rename", "machine", "another"), ("prune", "--keep", "1s"),
+                  ("forget", "another"), ("migrate",)):
+        document = store.document(*words, "--format", "json")
+        check_strict(failures, usbinfo, "usbinfo-lists", document)
+        names.add(document["schema"])
+    described = {it["properties"]["schema"]["const"] for it in validator.schema["oneOf"]}
+    if names != described:
+        failures.report(f"described are {described}, printed {names}")
+
+
 def small_inventory(usbinfo):
     """Return an inventory with one of each list's elements and all names."""
     document = {**usbinfo.inventory(OLD), "origin": ORIGIN, "kernel": KERNEL}
@@ -328,23 +427,31 @@ def small_inventory(usbinfo):
     return document
 
 
-def main(command):
-    """Run all checks; return the exit status."""
+def check_usbinfo(failures, usbinfo):
+    """Hold all that the command prints to its schemas, and these to be strict."""
+    check_valid_documents(failures, usbinfo)
+    check_names(failures, usbinfo)
+    check_strict(failures, usbinfo, "usbinfo", small_inventory(usbinfo))
+    check_strict(failures, usbinfo, "usbinfo-classes",
+                 usbinfo.document("schema", "--format", "json"))
+    for new in (NEW, MOVED):
+        check_strict(failures, usbinfo, "usbinfo-diff",
+                     usbinfo.difference(OLD, new))
+
+
+def main(command, store=None):
+    """Run the checks of a command; return the exit status."""
     failures = Failures()
     with tempfile.TemporaryDirectory() as folder:
         usbinfo = Usbinfo(command, folder)
-        check_valid_documents(failures, usbinfo)
-        check_names(failures, usbinfo)
-        check_strict(failures, usbinfo, "usbinfo", small_inventory(usbinfo))
-        check_strict(failures, usbinfo, "usbinfo-classes",
-                     usbinfo.document("schema", "--format", "json"))
-        for new in (NEW, MOVED):
-            check_strict(failures, usbinfo, "usbinfo-diff",
-                         usbinfo.difference(OLD, new))
+        if store:
+            check_store(failures, usbinfo, store)
+        else:
+            check_usbinfo(failures, usbinfo)
     return 1 if failures.count else 0
 
 
 if __name__ == "__main__":
-    if len(sys.argv) != 2:
+    if len(sys.argv) not in (2, 3):
         sys.exit(__doc__)
-    sys.exit(main(sys.argv[1]))
+    sys.exit(main(*sys.argv[1:]))

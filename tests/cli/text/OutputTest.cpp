@@ -435,6 +435,8 @@ TEST(RequireDistinctFiles, FindsAFileUnderAnyOtherName) {
               "--output and --devices name one file, " + path + "; name another one for --output");
   }
   EXPECT_NE(errorOf(folder.File("dangling"), folder.File("sub/../missing")), "");
+  // In a folder that is still to be made.
+  EXPECT_NE(errorOf(folder.File("new/file"), folder.File("new/file")), "");
   EXPECT_EQ(errorOf(path, folder.File("missing")), "");
   EXPECT_EQ(errorOf(folder.File("new"), path), "");
   EXPECT_EQ(errorOf("-", path), "");
