@@ -9,6 +9,7 @@
 #include "cli/model/Identifier.h"
 #include "cli/model/ObjectPath.h"
 #include "cli/option/Values.h"
+#include "cli/text/Text.h"
 #include "store/ColumnText.h"
 
 using schema::ClassId;
