@@ -65,9 +65,9 @@ std::string WithoutFunction(const std::string& message) {
 std::string MessageOf(const soci::soci_error& error) {
   std::string message = WithoutFunction(error.get_error_message());
   for (const std::string_view beginning :
-       {"Cannot establish connection to the database. ", "Cannot prepare statement. ",
-        "Cannot execute query. ", "Fatal error. ", "Connection failed. "}) {
-    if (message.starts_with(beginning)) message.erase(0, beginning.size());
+       {"Cannot establish connection to the database.", "Cannot prepare statement.", "Cannot execute query.",
+        "Fatal error.", "Connection failed."}) {
+    if (message.starts_with(beginning)) message.erase(0, message.find_first_not_of(" \n", beginning.size()));
   }
   for (const std::string_view severity : {"ERROR:  ", "FATAL:  "}) {
     if (!message.starts_with(severity)) continue;
@@ -300,6 +300,8 @@ std::unique_ptr<Database> OpenPostgresql(const std::string& url, const std::stri
   database->Execute("SET client_encoding TO 'UTF8'", {});
   database->Execute("SET client_min_messages TO warning", {});
   database->Execute("SET lock_timeout TO '10s'", {});
+  // Transactions that wait for each other go on, whatever the server is set to.
+  database->Execute("SET default_transaction_isolation TO 'read committed'", {});
   const auto encoding = FirstRow(*database, {"SHOW server_encoding", 1}, {});
   if (!encoding || encoding->String(0) != "UTF8") {
     throw DatabaseError(fmt::format(

@@ -67,8 +67,10 @@ PostgresServer::PostgresServer(std::string programs) : fPrograms(std::move(progr
                        "--wal-segsize=1"}),
       &status, 0);
   if (status != 0) throw std::runtime_error("initdb failed");
-  fProcess = Start("postgres",
-                   {"-D", data, "-k", fFolder.Path().string(), "-c", "listen_addresses=", "-c", "fsync=off"});
+  fProcess = Start("postgres", {"-D", data, "-k", fFolder.Path().string(), "-c", "listen_addresses=", "-c",
+                                "fsync=off", "-c",
+                                // A server may be set up like this, which makes no difference.
+                                "default_transaction_isolation=serializable"});
   for (int attempt = 0; attempt < 600; ++attempt) {
     try {
       store::OpenPostgresql(Url(), "the test's server");
