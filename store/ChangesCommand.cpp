@@ -5,7 +5,6 @@
 #include <limits>
 
 #include "cli/option/CommonOptions.h"
-#include "cli/option/Values.h"
 #include "cli/text/Color.h"
 #include "cli/text/ExitStatus.h"
 #include "cli/text/Output.h"
@@ -43,7 +42,7 @@ Without this option, all that are in the store are printed.)",
            .value = "HOST",
            .help = "Print the changes of this host",
            .manual = "Print only the changes of this host.",
-           .store = cli::StoreText(options.host)},
+           .store = StoreHostName(options.host)},
           cli::FormatOption(options.format, {{"text", "as usbinfo diff prints it"},
                                              {"json", "a list of usbinfo.diff/2"},
                                              {"csv", "a line for each item"}}),

@@ -1,10 +1,12 @@
 #include "store/CommonOptions.h"
 
 #include "cli/option/CommonOptions.h"
+#include "cli/option/UsageError.h"
 #include "cli/option/Values.h"
 #include "cli/text/Color.h"
 #include "cli/text/Output.h"
 #include "cli/text/Surface.h"
+#include "store/HostName.h"
 
 using cli::Option;
 
@@ -44,6 +46,13 @@ both in UTC, or how long ago, such as
 or
 .Li 8w .)",
           .store = StoreParsed(at, Moment::Parse)};
+}
+
+std::function<void(const std::string&)> StoreHostName(std::string& target) {
+  return [&target](const std::string& name) {
+    if (!IsHostName(name)) throw cli::UsageError("is no name of a host");
+    target = name;
+  };
 }
 
 std::vector<Option> ListOptionTable(ListOptions& options) {

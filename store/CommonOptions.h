@@ -27,6 +27,9 @@ cli::Option AtOption(std::optional<Moment>& at);
 /// --format and --output of a list.
 std::vector<cli::Option> ListOptionTable(ListOptions& options);
 
+/// Takes the name of a host. Throws UsageError for a text that can be none.
+std::function<void(const std::string&)> StoreHostName(std::string& target);
+
 /// Takes a value that `parse` makes of its text.
 template <typename Target, typename Parse>
 std::function<void(const std::string&)> StoreParsed(Target& target, Parse parse) {

@@ -98,7 +98,7 @@ Conditions ConditionsOf(const FindOptions& options, Seconds now) {
   }
   if (!options.name.empty()) {
     conditions.Add("words IS NOT NULL AND words LIKE ? ESCAPE '!'",
-                   {Text(Pattern(cli::ToLower(options.name)))});
+                   {Text(Pattern(ColumnText(cli::ToLower(options.name))))});
   }
   // As in other lists, root hubs are shown only when they are named.
   if (options.ids.empty() && options.serial.empty()) conditions.Add("is_root IS NULL OR is_root = 0");

@@ -15,15 +15,15 @@ std::optional<std::uint64_t> Forget(Database& database, const std::string& host)
   const Query select = {std::string("SELECT id FROM host WHERE name = ?") + LockClause(database.GetDialect()),
                         1};
   const std::optional<Row> row = FirstRow(database, select, {Text(host)});
-  // A node that never gave a report is listed among the hosts, and is forgotten like one.
-  const bool isNode =
-      database.Execute("DELETE FROM node WHERE name = ? AND host_id IS NULL", {Text(host)}) > 0;
-  if (!row && isNode) transaction.Commit();
-  if (!row) return isNode ? std::optional<std::uint64_t>(0) : std::nullopt;
+  // One that gave nothing but errors is listed among the hosts, and is forgotten like one.
+  const std::uint64_t errors =
+      database.Execute("DELETE FROM node WHERE name = ? AND host_id IS NULL", {Text(host)}) +
+      database.Execute("DELETE FROM refused WHERE host = ?", {Text(host)});
+  if (!row && errors > 0) transaction.Commit();
+  if (!row) return errors > 0 ? std::optional<std::uint64_t>(0) : std::nullopt;
   const Parameters id = {row->OptionalNumber(0)};
   const std::uint64_t reports = database.Execute("DELETE FROM report WHERE host_id = ?", id);
   database.Execute("DELETE FROM host WHERE id = ?", id);
-  database.Execute("DELETE FROM refused WHERE host = ?", {Text(host)});
   transaction.Commit();
   return reports;
 }

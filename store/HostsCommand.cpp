@@ -46,8 +46,8 @@ Row EmptyRow(const std::string& name) {
   return Row(std::move(cells));
 }
 
-/// The hosts of the store, and the nodes with failures that are none of them.
-std::vector<Row> SelectHosts(Database& database, const std::map<std::string, Error>& failures) {
+/// The hosts of the store, and those that gave nothing but errors.
+std::vector<Row> SelectHosts(Database& database, const std::map<std::string, Error>& errors) {
   const Query query = {
       "SELECT host.name, host.machine, host.mask, report.collected, report.loaded, state.controllers, "
       "state.hubs, state.ports, state.devices, state.findings, "
@@ -61,7 +61,7 @@ std::vector<Row> SelectHosts(Database& database, const std::map<std::string, Err
   std::vector<Row> rows = Rows(database, query, {});
   std::set<std::string> names;
   for (const Row& row : rows) names.insert(row.String(kName));
-  for (const auto& [name, failure] : failures) {
+  for (const auto& [name, error] : errors) {
     if (names.count(name) == 0) rows.push_back(EmptyRow(name));
   }
   // Databases sort texts by their own rules.
@@ -83,8 +83,8 @@ std::map<std::string, Error> SelectFailures(Database& database) {
 }
 
 /// The last report of each host that was refused, or could not be had.
-std::map<std::string, Error> SelectErrors(Database& database, const std::map<std::string, Error>& failures) {
-  std::map<std::string, Error> errors = failures;
+std::map<std::string, Error> SelectErrors(Database& database) {
+  std::map<std::string, Error> errors = SelectFailures(database);
   database.Select(
       {"SELECT host, last_time, reason FROM refused WHERE host IS NOT NULL ORDER BY last_time", 3}, {},
       [&](const Row& row) {
@@ -163,10 +163,9 @@ such as
 int RunHosts(const HostsOptions& options, const Clock& clock) {
   const auto database = OpenStore(FindDatabase(options.database, options.list.output), Access::kExisting);
   const Transaction transaction(*database, Transaction::Purpose::kRead);
-  const std::map<std::string, Error> failures = SelectFailures(*database);
-  const std::map<std::string, Error> errors = SelectErrors(*database, failures);
+  const std::map<std::string, Error> errors = SelectErrors(*database);
   ResultList list = EmptyList();
-  for (const Row& row : SelectHosts(*database, failures)) {
+  for (const Row& row : SelectHosts(*database, errors)) {
     if (!IsListed(row, options, clock.Now())) continue;
     list.AddRow(CellsOf(row, errors));
   }

@@ -15,7 +15,7 @@ namespace {
 constexpr std::chrono::milliseconds kPause{100};
 constexpr const char* kClearLine = "\r\x1b[K";
 
-std::size_t Columns() {
+std::size_t TerminalColumns() {
   constexpr std::size_t kUsual = 80;
   winsize size{};
   return ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
@@ -58,7 +58,7 @@ void ProgressBar::Show(std::size_t done, std::size_t failed) {
   if (!fIsOnTerminal || now < fNext) return;
   fNext = now + kPause;
   const double seconds = std::chrono::duration<double>(now - fBegin).count();
-  sys::TryWriteAll(STDERR_FILENO, kClearLine + ProgressLine(fTotal, done, failed, seconds, Columns()));
+  sys::TryWriteAll(STDERR_FILENO, kClearLine + ProgressLine(fTotal, done, failed, seconds, TerminalColumns()));
 }
 
 }  // namespace store

@@ -64,10 +64,8 @@ std::string DescribeNothing(Database& database, const ShowOptions& options) {
 }  // namespace
 
 std::vector<cli::Operand> ShowOperands(ShowOptions& options) {
-  return {{.name = "HOST",
-           .help = "The name of the host",
-           .isText = true,
-           .store = cli::StoreText(options.host)}};
+  return {
+      {.name = "HOST", .help = "The name of the host", .isText = true, .store = StoreHostName(options.host)}};
 }
 
 std::vector<cli::Option> ShowOptionTable(ShowOptions& options) {

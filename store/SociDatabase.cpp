@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <soci/soci.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <deque>
@@ -26,6 +27,8 @@ struct Advice {
 };
 
 constexpr Advice kAdvice[] = {
+    {"schema_version", "it belongs to another program; name another database with --db"},
+    {"already exists", "it has tables of another program; name another database with --db"},
     {"locked", "another program is writing to it; try again"},
     {"lock timeout", "another program is writing to it; try again"},
     {"readonly", "allow this user to write to the file and to its folder"},
@@ -33,6 +36,7 @@ constexpr Advice kAdvice[] = {
     {"permission denied", "grant the role what it needs"},
     {"is full", "make room on the disk, and try again"},
     {"No space left", "make room on the disk, and try again"},
+    {"could not extend file", "make room on the disk, and try again"},
     {"disk I/O error", "check the disk, and try again; what was loaded before is stored"},
     {"unable to open", "check the file and its folder"},
     {"not a database", "name another file with --db"},
@@ -56,10 +60,29 @@ std::string WithoutFunction(const std::string& message) {
   return colons < blank && blank != std::string::npos ? message.substr(blank + 1) : message;
 }
 
-[[noreturn]] void Throw(const std::string& name, const soci::soci_error& error) {
+/// What the database says, on one line: without what SOCI puts before it, the lines in which a server repeats
+/// the statement, and the indented ones in which libpq guesses at reasons.
+std::string MessageOf(const soci::soci_error& error) {
   std::string message = WithoutFunction(error.get_error_message());
+  for (const std::string_view beginning :
+       {"Cannot establish connection to the database.", "Cannot prepare statement.", "Cannot execute query.",
+        "Fatal error.", "Connection failed."}) {
+    if (message.starts_with(beginning)) message.erase(0, message.find_first_not_of(" \n", beginning.size()));
+  }
+  for (const std::string_view severity : {"ERROR:  ", "FATAL:  "}) {
+    if (!message.starts_with(severity)) continue;
+    message = message.substr(0, message.find('\n')).substr(severity.size());
+  }
+  for (std::size_t at = message.find("\n\t"); at != std::string::npos; at = message.find("\n\t")) {
+    message.erase(at, message.find('\n', at + 1) - at);
+  }
   std::replace(message.begin(), message.end(), '\n', ' ');
   message.erase(message.find_last_not_of(" .") + 1);
+  return message;
+}
+
+[[noreturn]] void Throw(const std::string& name, const soci::soci_error& error) {
+  const std::string message = MessageOf(error);
   throw DatabaseError(fmt::format("the store {}: {}; {}", name, message, AdviceFor(message)));
 }
 
@@ -220,6 +243,43 @@ class SociDatabase : public Database {
   std::unordered_map<std::string, std::unique_ptr<PreparedStatement>> fStatements;
 };
 
+/// A file, whatever its name.
+struct FileIdentity {
+  dev_t device = 0;
+  ino_t inode = 0;
+
+  bool operator==(const FileIdentity&) const = default;
+};
+
+FileIdentity IdentityOf(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 ? FileIdentity{status.st_dev, status.st_ino} : FileIdentity{};
+}
+
+/// SQLite goes on in a file that was deleted or replaced; what it commits there would be lost.
+class SqliteDatabase : public SociDatabase {
+ public:
+  explicit SqliteDatabase(const std::string& path)
+      : SociDatabase(Dialect::kSqlite, path, *factory_sqlite3(),
+                     fmt::format("db=\"{}\" timeout=10", PathOf(path))),
+        fFile(IdentityOf(path)) {}
+
+  std::uint64_t Execute(const std::string& sql, const Parameters& parameters) override {
+    const std::uint64_t changed = SociDatabase::Execute(sql, parameters);
+    if (sql == "COMMIT" && IdentityOf(Name()) != fFile) {
+      throw DatabaseError(fmt::format(
+          "the store {}: its file was deleted or replaced meanwhile; run the command again", Name()));
+    }
+    return changed;
+  }
+
+ private:
+  /// Names such as ":memory:" mean something else to SQLite.
+  static std::string PathOf(const std::string& path) { return path.starts_with('/') ? path : "./" + path; }
+
+  FileIdentity fFile;
+};
+
 }  // namespace
 
 std::unique_ptr<Database> OpenSqlite(const std::string& path) {
@@ -227,8 +287,7 @@ std::unique_ptr<Database> OpenSqlite(const std::string& path) {
     throw DatabaseError(
         fmt::format("the store {}: its path must not hold a double quote; name another file", path));
   }
-  auto database = std::make_unique<SociDatabase>(Dialect::kSqlite, path, *factory_sqlite3(),
-                                                 fmt::format("db=\"{}\" timeout=10", path));
+  auto database = std::make_unique<SqliteDatabase>(path);
   database->Execute("PRAGMA foreign_keys = ON", {});
   // Readers do not wait for writers, and what a command has loaded outlives a power failure.
   FirstRow(*database, {"PRAGMA journal_mode = WAL", 1}, {});
@@ -241,6 +300,8 @@ std::unique_ptr<Database> OpenPostgresql(const std::string& url, const std::stri
   database->Execute("SET client_encoding TO 'UTF8'", {});
   database->Execute("SET client_min_messages TO warning", {});
   database->Execute("SET lock_timeout TO '10s'", {});
+  // Transactions that wait for each other go on, whatever the server is set to.
+  database->Execute("SET default_transaction_isolation TO 'read committed'", {});
   const auto encoding = FirstRow(*database, {"SHOW server_encoding", 1}, {});
   if (!encoding || encoding->String(0) != "UTF8") {
     throw DatabaseError(fmt::format(

@@ -11,7 +11,6 @@
 #include "cli/text/Output.h"
 #include "cli/text/UserError.h"
 #include "store/DatabaseLocation.h"
-#include "store/HostName.h"
 #include "store/HostUpkeep.h"
 #include "store/Message.h"
 #include "store/OpenStore.h"
@@ -50,10 +49,8 @@ int ReportNoHost(const std::string& host) {
 }  // namespace
 
 std::vector<cli::Operand> ForgetOperands(ForgetOptions& options) {
-  return {{.name = "HOST",
-           .help = "The name of the host",
-           .isText = true,
-           .store = cli::StoreText(options.host)}};
+  return {
+      {.name = "HOST", .help = "The name of the host", .isText = true, .store = StoreHostName(options.host)}};
 }
 
 std::vector<cli::Option> ForgetOptionTable(ForgetOptions& options) {
@@ -72,14 +69,8 @@ int RunForget(const ForgetOptions& options) {
 
 std::vector<cli::Operand> RenameOperands(RenameOptions& options) {
   return {
-      {.name = "OLD",
-       .help = "The name of the host",
-       .isText = true,
-       .store = cli::StoreText(options.before)},
-      {.name = "NEW", .help = "Its new name", .isText = true, .store = [&options](const std::string& name) {
-         if (!IsHostName(name)) throw cli::UsageError("is no name of a host");
-         options.after = name;
-       }}};
+      {.name = "OLD", .help = "The name of the host", .isText = true, .store = StoreHostName(options.before)},
+      {.name = "NEW", .help = "Its new name", .isText = true, .store = StoreHostName(options.after)}};
 }
 
 std::vector<cli::Option> RenameOptionTable(RenameOptions& options) {

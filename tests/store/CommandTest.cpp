@@ -240,7 +240,8 @@ TEST(StoreFile, IsNotAFileOfAnotherKindAndAServerMustAnswer) {
   const std::string url = "postgresql://user:secret@/name?host=" + folder.Path().string();
   const CommandResult gone = Command({"load", "--db", url, kDesktop}).Run();
   EXPECT_EQ(gone.status, 2);
-  EXPECT_THAT(gone.errors, HasSubstr("usbinfo-store: the store postgresql://user@/name: "));
+  EXPECT_THAT(gone.errors,
+              HasSubstr("usbinfo-store: the store postgresql://user@/name: connection to server"));
   EXPECT_THAT(gone.errors, ::testing::Not(HasSubstr("secret")));
   EXPECT_EQ(Command({"hosts", "--db", "mysql://x"}).Run().status, 2);
 }

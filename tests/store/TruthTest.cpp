@@ -1,6 +1,8 @@
 // Which reports are taken, put aside and refused.
 #include <gmock/gmock.h>
 
+#include "store/HostUpkeep.h"
+#include "tests/cli/support/RunCommand.h"
 #include "tests/store/support/StoreTest.h"
 
 using store::Outcome;
@@ -9,8 +11,6 @@ using ::testing::HasSubstr;
 namespace usbinfo_test {
 
 namespace {
-
-using TruthTest = StoreTest;
 
 Json Masked(store::Seconds collected, const Json& key) {
   Json document = Desktop(collected);
@@ -30,6 +30,17 @@ Json Renamed(Json document) {
 }
 
 }  // namespace
+
+class TruthTest : public StoreTest {
+ protected:
+  /// The rows of a list that the program prints.
+  Json Listed(std::vector<std::string> arguments, const char* list) const {
+    arguments.insert(arguments.end(), {"--format", "json"});
+    return Json::parse(Command(std::move(arguments)).Set("USBINFO_STORE_DB", Name()).Run().output)[list];
+  }
+
+  Json Hosts() const { return Listed({"hosts"}, "hosts"); }
+};
 
 TEST_P(TruthTest, TheSameReportTwiceChangesNothing) {
   EXPECT_EQ(Load(Desktop(kNow - kDay)), Outcome::kChanged);
@@ -117,10 +128,78 @@ TEST_P(TruthTest, WhatIsNoReportOfAWholeMachineAtATimeIsRefusedAndRecorded) {
 
 TEST_P(TruthTest, ASuspectInventoryIsStoredAndFlagged) {
   Json suspect = Desktop(kNow);
+  suspect["kernel"]["devices"].back()["product"] = "Another Stick";
   suspect["origin"]["findings"] = {
       {{"code", "two-t-lines"}, {"lines", {17}}, {"device", "Bus 01  Device   9"}}};
-  Load(suspect);
-  EXPECT_EQ(Count("SELECT findings FROM state"), 1);
+  Load(Desktop(kNow - 1));
+  EXPECT_EQ(Load(suspect), Outcome::kChanged);
+  EXPECT_EQ(Shown("vm-desktop", kNow), Printed(suspect));
+  EXPECT_EQ(Hosts()[0]["suspect"], 1);
+  EXPECT_EQ(Listed({"changes"}, "changes")[0]["remarks"],
+            Json::array({"suspect: a device may have forged a part of a report"}));
+}
+
+TEST_P(TruthTest, WhatWasNotTakenIsCountedAndSaidInTheListOfHosts) {
+  Load(OfMachine(kNow - kHour, "aa"));
+  Load(Renamed(Desktop(kNow - 2 * kHour)));
+  Load(Renamed(Desktop(kNow - 3 * kHour)));
+  EXPECT_EQ(Hosts()[0]["late"], 2);
+  EXPECT_EQ(Hosts()[0]["lastError"], nullptr);
+
+  fClock.Set(kNow + 1);
+  const std::string mixed = RefusalOf(OfMachine(kNow, "bb").dump());
+  EXPECT_EQ(mixed,
+            "another machine reports as vm-desktop: its id is bb, and that of vm-desktop in the store is aa; "
+            "give one "
+            "of them another name, or, if vm-desktop was replaced, load this once with --new-machine");
+  EXPECT_EQ(Hosts()[0]["lastError"], mixed);
+  fClock.Set(kNow + 2);
+  const std::string ahead = RefusalOf(OfMachine(kNow + kDay, "aa").dump());
+  EXPECT_EQ(Hosts()[0]["lastError"], ahead);
+  EXPECT_EQ(Hosts()[0]["reports"], 1);
+  EXPECT_EQ(Shown("vm-desktop", kNow), Printed(OfMachine(kNow - kHour, "aa")));
+
+  fClock.Set(kNow + 3);
+  Load(OfMachine(kNow + 3, "aa"));
+  EXPECT_EQ(Hosts()[0]["lastError"], nullptr);
+}
+
+TEST_P(TruthTest, AHostThatIsKnownOnlyByRefusedReportsIsListedAndCanBeForgotten) {
+  const std::string ahead = RefusalOf(Desktop(kNow + kDay).dump());
+  RefusalOf("no report");
+  const Json hosts = Hosts();
+  ASSERT_EQ(hosts.size(), 1u);
+  EXPECT_EQ(hosts[0]["host"], "vm-desktop");
+  EXPECT_EQ(hosts[0]["lastReport"], nullptr);
+  EXPECT_EQ(hosts[0]["lastError"], ahead);
+  EXPECT_EQ(store::Forget(Db(), "vm-desktop"), 0u);
+  EXPECT_EQ(Listed({"hosts"}, "hosts").size(), 0u);
+  EXPECT_EQ(store::Forget(Db(), "vm-desktop"), std::nullopt);
+}
+
+TEST_P(TruthTest, OneMaskIsNotTakenForAnother) {
+  const std::vector<Json> origins = {Desktop(0), Masked(0, "0123"), Masked(0, "4567"), Masked(0, nullptr)};
+  for (std::size_t first = 0; first < origins.size(); ++first) {
+    for (std::size_t next = 0; next < origins.size(); ++next) {
+      SCOPED_TRACE(std::to_string(first) + std::to_string(next));
+      const auto at = [](Json document, store::Seconds collected) {
+        for (Json& list : document["classes"]) list = Json::array();
+        document["kernel"] = nullptr;
+        document["origin"]["collected"] = store::FormatTime(collected);
+        return document;
+      };
+      // Random keys differ each time.
+      const bool isSame = first == next && next != 3;
+      Load(at(origins[first], kNow - 2));
+      EXPECT_EQ(RefusalOf(at(origins[next], kNow - 1).dump()).empty(), isSame);
+      EXPECT_EQ(Count("SELECT COUNT(*) FROM report"), isSame ? 2 : 1);
+      EXPECT_EQ(
+          RefusalOf(at(origins[next], kNow).dump(), {.collected = {}, .permissions = {.newMask = true}}), "");
+      // The new one is the host's from then on, and after it is forgotten, any can be.
+      EXPECT_EQ(RefusalOf(at(origins[next], kNow + 1).dump()).empty(), next != 3);
+      store::Forget(Db(), "vm-desktop");
+    }
+  }
 }
 
 FOR_BOTH_DATABASES(TruthTest);

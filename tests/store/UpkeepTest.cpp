@@ -1,11 +1,18 @@
 // Forgetting, renaming, and versions of the schema.
 #include <gmock/gmock.h>
 
+#include <csignal>
+#include <map>
+
 #include "cli/text/UserError.h"
 #include "store/HostUpkeep.h"
 #include "store/Schema.h"
+#include "tests/cli/support/RunCommand.h"
+#include "tests/store/support/Diffs.h"
+#include "tests/store/support/Mutation.h"
 #include "tests/store/support/StoreTest.h"
 #include "tests/store/support/WatchedDatabase.h"
+#include "tests/support/ForkedChild.h"
 
 using ::testing::HasSubstr;
 
@@ -69,18 +76,51 @@ TEST_P(UpkeepTest, ARenamedHostKeepsItsHistoryAndGoesOnUnderItsNewName) {
 }
 
 TEST_P(UpkeepTest, MigratingBringsAStoreWithDataFromVersionToVersion) {
+  Mutation mutation(5);
+  Json document = Desktop(kNow);
+  std::map<store::Seconds, std::string> shown;
+  for (store::Seconds time = kNow - 20; time < kNow; ++time) {
+    mutation.Apply(document);
+    document["system"]["name"] = "a";
+    document["origin"]["collected"] = store::FormatTime(time);
+    Load(document);
+    shown[time] = Printed(document);
+  }
   Load(OfHost("a", kNow - kDay));
-  Load(OfHost("a", kNow));
   Load(OfHost("b", kNow));
+  const Diffs changes = StoredDiffs(Db(), "a");
   store::Migrate(Db(), LaterSchema());
   EXPECT_EQ(store::FindVersion(Db()), 3);
   EXPECT_EQ(Select("SELECT name, note, hint FROM host ORDER BY name", 3),
             (std::vector<std::string>{"a|from 2|from 2, too", "b|from 2|from 2, too"}));
   EXPECT_EQ(Count("SELECT COUNT(*) FROM noted"), 0);
-  EXPECT_EQ(Shown("a", kNow), Printed(OfHost("a", kNow)));
+  for (const auto& [time, text] : shown) EXPECT_EQ(Shown("a", time), text) << time;
+  EXPECT_EQ(StoredDiffs(Db(), "a"), changes);
+  EXPECT_EQ(Count("SELECT COUNT(*) FROM late"), 1);
   EXPECT_THAT(UserErrorOf([&] { Connect(); }),
               HasSubstr("has version 3 of the schema, and this program uses 1"));
   EXPECT_THAT(UserErrorOf([&] { store::Migrate(Db()); }), HasSubstr("update usbinfo-store on this machine"));
+}
+
+TEST_P(UpkeepTest, AMigrationThatIsKilledAtAnyStatementHasBeenOrNot) {
+  Load(OfHost("a", kNow));
+  const std::vector<std::string> before = Content();
+  for (std::size_t killed = 1; store::FindVersion(Db()) == 1; ++killed) {
+    ASSERT_LT(killed, 50u);
+    ASSERT_EQ(Content(), before);
+    ASSERT_EQ(EndOfChild(StartChild([&] {
+                const auto database = Connect();
+                WatchedDatabase watched(*database, [&](std::size_t number, WatchedDatabase::Moment moment) {
+                  if (number == killed && moment == WatchedDatabase::Moment::kAfter) ::raise(SIGKILL);
+                });
+                store::Migrate(watched, LaterSchema());
+                return 0;
+              })),
+              -SIGKILL);
+  }
+  EXPECT_EQ(store::FindVersion(Db()), 3);
+  EXPECT_EQ(Select("SELECT name, note, hint FROM host", 3), std::vector<std::string>{"a|from 2|from 2, too"});
+  EXPECT_EQ(Shown("a", kNow), Printed(OfHost("a", kNow)));
 }
 
 TEST_P(UpkeepTest, AMigrationThatFailsAtAnyStatementLeavesTheStoreAsItWas) {
@@ -113,11 +153,32 @@ TEST_P(UpkeepTest, AStoreFromWhichThereIsNoWayIsRefusedByASentence) {
   EXPECT_EQ(store::FindVersion(Db()), 0);
 }
 
-TEST_P(UpkeepTest, AStoreOfAnotherVersionIsNotUsed) {
+TEST_P(UpkeepTest, AStoreOfALaterVersionIsNotUsedAndNotChanged) {
+  Load(OfHost("a", kNow));
   Db().Execute("UPDATE meta SET schema_version = 2", {});
-  const std::string error = UserErrorOf([&] { Connect(); });
-  EXPECT_THAT(error, HasSubstr("has version 2 of the schema, and this program uses 1; update usbinfo-store"));
-  EXPECT_EQ(UserErrorOf([&] { store::Migrate(Db()); }), error);
+  const std::vector<std::string> before = Content();
+  const std::vector<std::vector<std::string>> commands = {{"hosts"},
+                                                          {"load"},
+                                                          {"find"},
+                                                          {"changes"},
+                                                          {"show", "a"},
+                                                          {"forget", "a"},
+                                                          {"rename", "a", "b"},
+                                                          {"load", "--confirm"},
+                                                          {"prune", "--keep", "0s"},
+                                                          {"migrate"}};
+  for (const std::vector<std::string>& command : commands) {
+    SCOPED_TRACE(command.front());
+    const CommandResult result =
+        Command(command).Set("USBINFO_STORE_DB", Name()).Input(OfHost("a", kNow + 1).dump() + "\n").Run();
+    EXPECT_THAT(result.errors,
+                ::testing::MatchesRegex(
+                    "usbinfo-store: the store [^ ]* has version 2 of the schema, and this program "
+                    "uses 1; update usbinfo-store on this machine\n"));
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.status, 2);
+  }
+  EXPECT_EQ(Content(), before);
 }
 
 TEST_P(UpkeepTest, TheViewsSayWhatTheLastReportsAndEarlierOnesHave) {

@@ -89,12 +89,12 @@ extern "C" int renameat(int oldFolder, const char* oldPath, int newFolder, const
                                                                        newPath);
 }
 
-extern "C" int posix_spawn(pid_t* pid, const char* path, const posix_spawn_file_actions_t* actions,
-                           const posix_spawnattr_t* attributes, char* const arguments[],
-                           char* const environment[]) {
-  const int error =
-      Original<decltype(posix_spawn)>("posix_spawn")(pid, path, actions, attributes, arguments, environment);
-  if (error == 0) Fails({"posix_spawn", "", *pid});
+extern "C" int posix_spawnp(pid_t* pid, const char* file, const posix_spawn_file_actions_t* actions,
+                            const posix_spawnattr_t* attributes, char* const arguments[],
+                            char* const environment[]) {
+  const int error = Original<decltype(posix_spawnp)>("posix_spawnp")(pid, file, actions, attributes,
+                                                                     arguments, environment);
+  if (error == 0) Fails({"posix_spawnp", "", *pid});
   return error;
 }
 

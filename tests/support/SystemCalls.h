@@ -1,5 +1,5 @@
 // Calls to the C library that a test watches or has fail: openat for a new file, write, fchown, fchmod,
-// fsync, renameat, posix_spawn (when the process is started) and nanosleep. A program that links
+// fsync, renameat, posix_spawnp (when the process is started) and nanosleep. A program that links
 // SystemCalls.cpp has them replaced by ones that ask the test first.
 #pragma once
 
@@ -12,7 +12,7 @@ struct SystemCall {
   std::string name;
   /// The file that openat creates or that renameat renames; else empty.
   std::string file;
-  /// The process that posix_spawn has started.
+  /// The process that posix_spawnp has started.
   int process = -1;
 };
 

@@ -84,7 +84,7 @@ TEST_P(SignalGuardTest, KillsACommandThatHasJustStarted) {
   const Pipe pipe;
   const pid_t child = StartChild([&] {
     const SystemCallHook hook([&](const SystemCall& call) {
-      if (call.name == "posix_spawn") {
+      if (call.name == "posix_spawnp") {
         pipe.Send(call.process);
         ::raise(GetParam());
       }
@@ -111,7 +111,7 @@ TEST_P(SignalGuardTest, WaitsOnAnotherThreadForTheStartOfACommand) {
   const Pipe waiting;
   const pid_t child = StartChild([&] {
     const SystemCallHook hook([&](const SystemCall& call) {
-      if (call.name == "posix_spawn") {
+      if (call.name == "posix_spawnp") {
         pipe.Send(call.process);
         std::thread(TakeSignal, GetParam()).detach();
         waiting.Receive();

@@ -62,11 +62,15 @@ PostgresServer::PostgresServer(std::string programs) : fPrograms(std::move(progr
   const std::string data = fFolder.File("data");
   int status = 0;
   ::waitpid(
-      Start("initdb", {"-D", data, "-U", "tester", "-A", "trust", "-E", "UTF8", "--locale=C.UTF-8", "-N"}),
+      // The files of its log have 1 MiB.
+      Start("initdb", {"-D", data, "-U", "tester", "-A", "trust", "-E", "UTF8", "--locale=C.UTF-8", "-N",
+                       "--wal-segsize=1"}),
       &status, 0);
   if (status != 0) throw std::runtime_error("initdb failed");
-  fProcess = Start("postgres",
-                   {"-D", data, "-k", fFolder.Path().string(), "-c", "listen_addresses=", "-c", "fsync=off"});
+  fProcess = Start("postgres", {"-D", data, "-k", fFolder.Path().string(), "-c", "listen_addresses=", "-c",
+                                "fsync=off", "-c",
+                                // A server may be set up like this, which makes no difference.
+                                "default_transaction_isolation=serializable"});
   for (int attempt = 0; attempt < 600; ++attempt) {
     try {
       store::OpenPostgresql(Url(), "the test's server");

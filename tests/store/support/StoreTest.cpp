@@ -23,9 +23,10 @@ struct Table {
   bool beginsWithHost;
 };
 
-constexpr Table kTables[] = {{"meta", 1, false},      {"host", 4, true},        {"state", 13, true},
-                             {"report", 4, true},     {"item", 25, true},       {"late", 5, true},
-                             {"comparison", 7, true}, {"difference", 10, true}, {"refused", 8, false}};
+constexpr Table kTables[] = {{"meta", 1, false},   {"host", 4, true},       {"node", 4, false},
+                             {"state", 13, true},  {"report", 4, true},     {"item", 25, true},
+                             {"late", 5, true},    {"comparison", 7, true}, {"difference", 10, true},
+                             {"refused", 8, false}};
 
 std::string Joined(const store::Row& row, std::size_t begin, std::size_t columns) {
   std::string text;
