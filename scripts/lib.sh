@@ -59,6 +59,29 @@ as_root() {
   fi
 }
 
+# services: those on this machine that packages for the tests bring, a unit file each.
+services() { ls /usr/lib/systemd/system/{postgresql,rsyslog,ssh}.service 2> /dev/null; }
+
+# apt_install PACKAGE...: no service of theirs starts, now or with the machine; the tests start programs of their own.
+apt_install() {
+  local before service
+  before=$(services || true)
+  # shellcheck disable=SC2016  # expanded by the shell that root runs
+  as_root sh -c '
+    policy=/usr/sbin/policy-rc.d
+    trap "exit 1" HUP INT TERM
+    [ -e "$policy" ] || {
+      trap "rm -f $policy" EXIT
+      printf "#!/bin/sh\nexit 101\n" > "$policy"
+      chmod 755 "$policy"
+    }
+    DEBIAN_FRONTEND=noninteractive apt-get install --quiet=2 --yes --no-install-recommends "$@"
+  ' sh "$@" >&2
+  for service in $(services | grep --invert-match --line-regexp --fixed-strings "$before"); do
+    as_root systemctl --quiet disable "$(basename "$service")"
+  done
+}
+
 # install_packages PACKAGE...: installs what is missing; does nothing, quickly, when nothing is.
 install_packages() {
   local package missing=()
@@ -77,8 +100,7 @@ install_packages() {
   }
   say "Installing ${missing[*]}"
   as_root apt-get update --quiet=2 >&2
-  as_root env DEBIAN_FRONTEND=noninteractive \
-    apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" >&2
+  apt_install "${missing[@]}"
 }
 
 # build PRESET [TARGET...]: configures once, with the options in CONFIGURE_OPTIONS if there are any, and builds.
