@@ -98,25 +98,18 @@ Outcome ReportWriter::Write(const Report& report) {
 
 Text ReportWriter::WriteRepeated(const TimelessText& text) {
   if (text.time > fNow + kMostAhead) return std::nullopt;
-  const Text name = FindReporting(text.hash);
-  if (!name) return std::nullopt;
+  const Query states = {"SELECT host_id, system_name FROM state WHERE text_hash = ?", 2};
+  const auto known = FirstRow(fDatabase, states, {Text(text.hash)});
+  if (!known) return std::nullopt;
   Transaction transaction(fDatabase, Transaction::Purpose::kWrite);
-  const std::optional<Host> host = SelectHost(*name);
-  const std::optional<LastReport> last = host ? SelectLast(*host) : std::nullopt;
+  const std::optional<Host> host = SelectHost(known->String(1));
+  // A host that was renamed no longer has the name that the text says.
+  if (!host || host->id != known->Number(0)) return std::nullopt;
+  const std::optional<LastReport> last = SelectLast(*host);
   if (!last || last->textHash != text.hash || last->collected >= text.time) return std::nullopt;
   WriteReport(*host, text.time, last->state);
   transaction.Commit();
-  return name;
-}
-
-Text ReportWriter::FindReporting(const std::string& textHash) {
-  // A host that was renamed no longer has the name that the text says.
-  const auto row = FirstRow(fDatabase,
-                            {"SELECT host.name FROM state JOIN host ON host.id = state.host_id AND "
-                             "host.name = state.system_name WHERE state.text_hash = ? LIMIT 1",
-                             1},
-                            {Text(textHash)});
-  return row ? row->OptionalString(0) : std::nullopt;
+  return known->OptionalString(1);
 }
 
 Outcome ReportWriter::WriteIn(const Report& report) {

@@ -59,8 +59,6 @@ class ReportWriter {
   };
 
   Outcome WriteIn(const Report& report);
-  /// The name of the host that has a state with this hash.
-  Text FindReporting(const std::string& textHash);
   std::optional<Host> SelectHost(const std::string& name);
   Host LockHost(const std::string& name);
   std::optional<LastReport> SelectLast(const Host& host);
