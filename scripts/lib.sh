@@ -37,7 +37,7 @@ BENCH_PACKAGES=(hwinfo lshw usb.ids usbutils)
 # What building the Debian packages takes on top of the first ones.
 PACKAGE_PACKAGES=(dpkg-dev fakeroot file)
 # What checking them takes on top of that.
-PACKAGE_CHECK_PACKAGES=(lintian man-db mandoc)
+PACKAGE_CHECK_PACKAGES=(lintian man-db mandoc postgresql)
 
 say() { printf '%s\n' "$*" >&2; }
 

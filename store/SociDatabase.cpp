@@ -5,8 +5,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <chrono>
 #include <deque>
 #include <string_view>
+#include <thread>
 #include <unordered_map>
 #include <utility>
 
@@ -280,6 +282,25 @@ class SqliteDatabase : public SociDatabase {
   FileIdentity fFile;
 };
 
+/// With it, readers do not wait for writers. It is a property of the file. Programs that set it at the same
+/// time have each other fail at once, since SQLite does not wait then.
+void UseWriteAheadLog(Database& database) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::seconds kLongestWait{10};
+  constexpr std::chrono::milliseconds kPause{5};
+  const Clock::time_point deadline = Clock::now() + kLongestWait;
+  while (true) {
+    try {
+      FirstRow(database, {"PRAGMA journal_mode = WAL", 1}, {});
+      return;
+    } catch (const DatabaseError& error) {
+      const bool isLocked = std::string_view(error.what()).find("locked") != std::string_view::npos;
+      if (!isLocked || Clock::now() > deadline) throw;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<Database> OpenSqlite(const std::string& path) {
@@ -289,8 +310,8 @@ std::unique_ptr<Database> OpenSqlite(const std::string& path) {
   }
   auto database = std::make_unique<SqliteDatabase>(path);
   database->Execute("PRAGMA foreign_keys = ON", {});
-  // Readers do not wait for writers, and what a command has loaded outlives a power failure.
-  FirstRow(*database, {"PRAGMA journal_mode = WAL", 1}, {});
+  UseWriteAheadLog(*database);
+  // What a command has loaded outlives a power failure.
   database->Execute("PRAGMA synchronous = FULL", {});
   return database;
 }
