@@ -32,7 +32,7 @@ std::vector<cli::Option> ChangesOptionTable(ChangesOptions& options) {
   return {DatabaseOption(options.database),
           {.names = {"--since"},
            .value = "TIME",
-           .help = "Print what was reported since then: 2026-03-15, 2026-03-15T12:00 (UTC) or 1d",
+           .help = "Print what was reported since then: 2026-03-15, 2026-03-15T12:00 (UTC), or 1d",
            .manual = R"(Print only the changes that a report collected since then shows, in the forms that
 .Fl -at
 takes.

@@ -76,7 +76,7 @@ CommandSpec CommandLine::Forget() {
 
 CommandSpec CommandLine::Rename() {
   return {.name = "rename",
-          .summary = "Give a machine that has another name now this name in the store",
+          .summary = "Give a machine another name in the store, with its history",
           .operands = RenameOperands(fRename),
           .options = fStandard.WithHelp(RenameOptionTable(fRename)),
           .run = [this] { return RunRename(fRename); }};
@@ -84,7 +84,7 @@ CommandSpec CommandLine::Rename() {
 
 CommandSpec CommandLine::Prune() {
   return {.name = "prune",
-          .summary = "Delete old history",
+          .summary = "Delete what only shows times before those to keep",
           .options = fStandard.WithHelp(PruneOptionTable(fPrune)),
           .check = [this] { CheckPrune(fPrune); },
           .run = [this] { return RunPrune(fPrune, fClock); }};

@@ -34,7 +34,7 @@ names, or in
 Option AtOption(std::optional<Moment>& at) {
   return {.names = {"--at"},
           .value = "TIME",
-          .help = "What was then: 2026-03-15, 2026-03-15T12:00 (UTC) or 2d ago",
+          .help = "What was then: 2026-03-15, 2026-03-15T12:00 (UTC), or 2d for two days ago",
           .manual = R"(Show what was reported at that time: the beginning of a day such as
 .Li 2026-03-15 ,
 a time such as
