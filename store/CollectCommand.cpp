@@ -45,6 +45,13 @@ std::string Reason(const NodeState& state, Seconds timeout) {
   return state.error.empty() ? "printed nothing" : "printed nothing but an error: " + state.error;
 }
 
+/// clush takes 0 for no limit.
+Seconds ParseTimeout(const std::string& text) {
+  const Seconds timeout = ParseDuration(text);
+  if (timeout == 0) throw cli::UsageError("needs at least 1s");
+  return timeout;
+}
+
 /// Loads what the nodes print.
 class Collection : public NodeEvents {
  public:
@@ -167,7 +174,7 @@ and of its groups such as
        .help = "How long a machine may take",
        .defaultValue = "60s",
        .manual = "How long a machine may take, such as\n.Li 90s\nor\n.Li 5m .",
-       .store = StoreParsed(clush.timeout, ParseDuration)},
+       .store = StoreParsed(clush.timeout, ParseTimeout)},
       {.names = {"--command"},
        .value = "COMMAND",
        .help = "What to run on the machines",

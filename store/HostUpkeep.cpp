@@ -56,6 +56,12 @@ Pruned Prune(Database& database, Seconds since) {
       "DELETE FROM item WHERE until <= "
       "(SELECT MIN(report.collected) FROM report WHERE report.host_id = item.host_id)",
       {});
+  // Or a time before the first report that is left would have the items that are left, and no others.
+  database.Execute(
+      "UPDATE item SET since = (SELECT MIN(report.collected) FROM report "
+      "WHERE report.host_id = item.host_id) WHERE since < "
+      "(SELECT MIN(report.collected) FROM report WHERE report.host_id = item.host_id)",
+      {});
   database.Execute(
       "DELETE FROM comparison WHERE collected <= "
       "(SELECT MIN(report.collected) FROM report WHERE report.host_id = comparison.host_id)",

@@ -2,11 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "cli/model/FromJson.h"
 #include "cli/text/Text.h"
 #include "cli/text/UserError.h"
 #include "store/ColumnText.h"
 #include "store/ContentHash.h"
+#include "store/HostName.h"
 #include "store/Refusal.h"
 #include "store/Report.h"
 
@@ -65,8 +68,9 @@ Outcome Loader::Write(Database& database, const Document& document, const std::s
     fLastHost = *host;
     return Outcome::kUnchanged;
   }
-  const Report report(Parse(document, source), fSettings.collected, text);
-  fLastHost = report.HostName();
+  cli::Inventory inventory = Parse(document, source);
+  if (IsHostName(inventory.SystemName())) fLastHost = inventory.SystemName();
+  const Report report(std::move(inventory), fSettings.collected, text);
   return writer.Write(report);
 }
 

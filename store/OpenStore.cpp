@@ -34,6 +34,8 @@ std::unique_ptr<Database> OpenStore(const DatabaseLocation& location, Access acc
   if (access == Access::kAny) return database;
   if (access == Access::kCreating && !FindVersion(*database)) Migrate(*database);
   RequireVersion(*database);
+  const bool isSqlite = location.dialect == Dialect::kSqlite;
+  if (access == Access::kCreating && isSqlite) UseWriteAheadLog(*database);
   return database;
 }
 

@@ -58,7 +58,8 @@ void ProgressBar::Show(std::size_t done, std::size_t failed) {
   if (!fIsOnTerminal || now < fNext) return;
   fNext = now + kPause;
   const double seconds = std::chrono::duration<double>(now - fBegin).count();
-  sys::TryWriteAll(STDERR_FILENO, kClearLine + ProgressLine(fTotal, done, failed, seconds, TerminalColumns()));
+  sys::TryWriteAll(STDERR_FILENO,
+                   kClearLine + ProgressLine(fTotal, done, failed, seconds, TerminalColumns()));
 }
 
 }  // namespace store

@@ -118,8 +118,8 @@ Outcome ReportWriter::WriteIn(const Report& report) {
   const bool isLate = last && report.Collected() <= last->collected;
   if (isLate && IsKnown(host, report)) return Outcome::kKnown;
   CheckMachine(host, report);
-  if (isLate) return PutAside(host, report);
   CheckMask(host, report);
+  if (isLate) return PutAside(host, report);
   UpdateHost(host, report);
   if (last && last->stateHash == report.Hash()) {
     WriteReport(host, report.Collected(), last->state);

@@ -58,6 +58,18 @@ void WaitForOthers(Database& database) {
   FirstRow(database, {"SELECT CAST(pg_advisory_xact_lock(7566732) AS text)", 1}, {});
 }
 
+void RequireNoTables(Database& database) {
+  const char* const tables =
+      database.GetDialect() == Dialect::kSqlite
+          ? "SELECT name FROM sqlite_master WHERE type = 'table' LIMIT 1"
+          : "SELECT tablename FROM pg_tables WHERE schemaname = ANY (current_schemas(false)) LIMIT 1";
+  const std::optional<Row> table = FirstRow(database, {tables, 1}, {});
+  if (!table) return;
+  throw cli::UserError(
+      fmt::format("{} has tables of another program, such as \"{}\"; name another database with --db",
+                  database.Name(), table->String(0)));
+}
+
 void Apply(Database& database, const SchemaDefinition& schema, int version) {
   const auto upgrade = std::find_if(schema.upgrades.begin(), schema.upgrades.end(),
                                     [version](const Upgrade& each) { return each.from == version; });
@@ -109,6 +121,7 @@ void Migrate(Database& database, const SchemaDefinition& schema) {
     if (*found > schema.version) ThrowOtherVersion(database, *found);
     for (int version = *found; version < schema.version; ++version) Apply(database, schema, version);
   } else {
+    RequireNoTables(database);
     Run(database, schema.sql, schema.version);
   }
   transaction.Commit();

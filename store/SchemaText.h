@@ -33,7 +33,8 @@ CREATE TABLE node (
 
 -- What a report says, once for all reports in a row that say the same. "items" lists the numbers of its items in their
 -- order, such as '1-17,25,19-24'. "text_hash" is the hash of the text that the first of these reports came as, but for
--- its time; NULL where a report with that text has to be read as a whole.
+-- its time; NULL where a report with that text has to be read as a whole. An upgrade that keeps more of each report
+-- sets it to NULL.
 CREATE TABLE state (
   host_id BIGINT NOT NULL REFERENCES host (id) ON DELETE CASCADE,
   number BIGINT NOT NULL,

@@ -30,9 +30,9 @@ struct Advice {
 
 constexpr Advice kAdvice[] = {
     {"schema_version", "it belongs to another program; name another database with --db"},
-    {"already exists", "it has tables of another program; name another database with --db"},
     {"locked", "another program is writing to it; try again"},
     {"lock timeout", "another program is writing to it; try again"},
+    {"deadlock", "another program is writing to it; try again"},
     {"readonly", "allow this user to write to the file and to its folder"},
     {"read-only", "use a server and a role that may write"},
     {"permission denied", "grant the role what it needs"},
@@ -282,25 +282,6 @@ class SqliteDatabase : public SociDatabase {
   FileIdentity fFile;
 };
 
-/// With it, readers do not wait for writers. It is a property of the file. Programs that set it at the same
-/// time have each other fail at once, since SQLite does not wait then.
-void UseWriteAheadLog(Database& database) {
-  using Clock = std::chrono::steady_clock;
-  constexpr std::chrono::seconds kLongestWait{10};
-  constexpr std::chrono::milliseconds kPause{5};
-  const Clock::time_point deadline = Clock::now() + kLongestWait;
-  while (true) {
-    try {
-      FirstRow(database, {"PRAGMA journal_mode = WAL", 1}, {});
-      return;
-    } catch (const DatabaseError& error) {
-      const bool isLocked = std::string_view(error.what()).find("locked") != std::string_view::npos;
-      if (!isLocked || Clock::now() > deadline) throw;
-    }
-    std::this_thread::sleep_for(kPause);
-  }
-}
-
 }  // namespace
 
 std::unique_ptr<Database> OpenSqlite(const std::string& path) {
@@ -310,10 +291,26 @@ std::unique_ptr<Database> OpenSqlite(const std::string& path) {
   }
   auto database = std::make_unique<SqliteDatabase>(path);
   database->Execute("PRAGMA foreign_keys = ON", {});
-  UseWriteAheadLog(*database);
   // What a command has loaded outlives a power failure.
   database->Execute("PRAGMA synchronous = FULL", {});
   return database;
+}
+
+void UseWriteAheadLog(Database& database) {
+  using std::chrono::steady_clock;
+  constexpr std::chrono::seconds kLongestWait{10};
+  constexpr std::chrono::milliseconds kPause{5};
+  const steady_clock::time_point deadline = steady_clock::now() + kLongestWait;
+  while (true) {
+    try {
+      FirstRow(database, {"PRAGMA journal_mode = WAL", 1}, {});
+      return;
+    } catch (const DatabaseError& error) {
+      const bool isLocked = std::string_view(error.what()).find("locked") != std::string_view::npos;
+      if (!isLocked || steady_clock::now() > deadline) throw;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
 }
 
 std::unique_ptr<Database> OpenPostgresql(const std::string& url, const std::string& name) {

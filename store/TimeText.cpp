@@ -51,14 +51,15 @@ std::optional<Seconds> UnitOf(char letter) {
 }
 
 std::optional<Seconds> FindDuration(const std::string& text) {
-  // A thousand years in seconds have more digits; the product stays in range.
   constexpr std::size_t kMostDigits = 9;
+  constexpr Seconds kLongest = 1000LL * 365 * 24 * 60 * 60;
   if (text.size() < 2 || text.size() > kMostDigits + 1) return std::nullopt;
   Seconds number = 0;
   const char* const last = text.data() + text.size() - 1;
   const auto [stop, error] = std::from_chars(text.data(), last, number);
   const std::optional<Seconds> unit = UnitOf(*last);
   if (stop != last || error != std::errc() || number < 0 || !unit) return std::nullopt;
+  if (number > kLongest / *unit) return std::nullopt;
   return number * *unit;
 }
 

@@ -16,7 +16,8 @@ std::string FormatTime(Seconds time);
 /// month lacks.
 std::optional<Seconds> ParseTime(const std::string& text);
 
-/// "90s", "30m", "12h", "2d", "8w": a whole number and a unit. Throws UsageError for any other form.
+/// "90s", "30m", "12h", "2d", "8w": a whole number and a unit, at most a thousand years. Throws UsageError
+/// for any other form.
 Seconds ParseDuration(const std::string& text);
 
 /// A point in time as options take it.

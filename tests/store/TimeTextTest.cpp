@@ -27,8 +27,9 @@ TEST(TimeText, TakesTimesAndDurationsAsPeopleTypeThem) {
     EXPECT_EQ(store::Moment::Parse(text).At(kToday), kToday - 86400) << text;
   }
   EXPECT_EQ(store::ParseDuration("2w"), 14 * 86400);
-  for (const char* const text :
-       {"", "d", "-1d", "1", "1.5d", "1y", "2026-11", "2026-02-30", "9999999999d", "now"}) {
+  EXPECT_EQ(store::ParseDuration("365000d"), 365000LL * 86400);
+  for (const char* const text : {"", "d", "-1d", "1", "1.5d", "1y", "2026-11", "2026-02-30", "9999999999d",
+                                 "365001d", "99999999w", "now"}) {
     EXPECT_THROW(store::Moment::Parse(text), cli::UsageError) << text;
     EXPECT_THROW(store::ParseDuration(text), cli::UsageError) << text;
   }

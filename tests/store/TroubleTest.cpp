@@ -13,6 +13,7 @@
 
 using ::testing::AnyOf;
 using ::testing::EndsWith;
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 namespace usbinfo_test {
@@ -224,18 +225,25 @@ TEST_P(SqliteTroubleTest, AFileThatIsDeletedOrReplacedMeanwhile) {
 
 TEST_P(TroubleTest, ADatabaseOfAnotherProgram) {
   const TemporaryFolder folder;
-  for (const std::string table : {"meta (name TEXT)", "host (name TEXT)", "meta (schema_version INTEGER)"}) {
+  for (const std::string table :
+       {"meta (name TEXT)", "host (name TEXT)", "meta (schema_version INTEGER)", "note (text TEXT)"}) {
     SCOPED_TRACE(table);
     const std::string name = IsSqlite() ? folder.File("other.db") : PostgresServer::Shared()->NewUrl();
     const auto database = store::OpenStore(
         IsSqlite() ? store::DatabaseLocation{.target = name, .isDefault = false} : store::FindDatabase(name),
         store::Access::kAny);
     database->Execute("CREATE TABLE " + table, {});
-    for (const std::string command : {"load", "migrate"}) {
+    for (const std::string command : {"load", "migrate", "hosts"}) {
       const CommandResult result = Command({command, "--db", name}).Run();
       EXPECT_EQ(result.status, 2);
       EXPECT_EQ(result.output, "");
-      EXPECT_THAT(result.errors, EndsWith("another program; name another database with --db\n"));
+      if (command != "hosts") {
+        EXPECT_THAT(result.errors, HasSubstr(" another program"));
+        EXPECT_THAT(result.errors, EndsWith("; name another database with --db\n"));
+      }
+    }
+    if (IsSqlite()) {
+      EXPECT_EQ(store::FirstRow(*database, {"PRAGMA journal_mode", 1}, {})->String(0), "delete");
     }
     EXPECT_EQ(store::Rows(*database, {"SELECT * FROM " + table.substr(0, 4), 1}, {}).size(), 0u);
     database->Execute("DROP TABLE " + table.substr(0, 4), {});

@@ -92,6 +92,8 @@ TEST_P(TruthTest, AHostHasOneMaskUntilANewOneIsAccepted) {
       HasSubstr(
           "masked with the key 4567, and those of vm-desktop in the store are masked with the key 0123"));
   EXPECT_THAT(RefusalOf(Desktop(kNow - 7).dump()), HasSubstr("are not masked, and those"));
+  EXPECT_THAT(RefusalOf(Desktop(kNow - 10).dump()), HasSubstr("are not masked, and those"));
+  EXPECT_EQ(Count("SELECT COUNT(*) FROM late"), 0);
   const store::LoadSettings accepting{.collected = {}, .permissions = {.newMask = true}};
   EXPECT_EQ(Load(Masked(kNow - 6, nullptr), accepting), Outcome::kChanged);
   EXPECT_THAT(RefusalOf(Masked(kNow - 5, nullptr).dump()), HasSubstr("masked with a random key"));
@@ -122,6 +124,7 @@ TEST_P(TruthTest, WhatIsNoReportOfAWholeMachineAtATimeIsRefusedAndRecorded) {
   EXPECT_EQ(Select("SELECT times, head, source FROM refused WHERE times > 1", 3),
             std::vector<std::string>{"2|{\"schema\": \"usb\\xff\\x01|test"});
   EXPECT_EQ(Count("SELECT COUNT(*) FROM refused WHERE times = 1"), 4);
+  EXPECT_EQ(Count("SELECT COUNT(*) FROM refused WHERE host = 'vm-desktop'"), 3);
   EXPECT_EQ(Load(timeless, {.collected = kNow, .permissions = {}}), Outcome::kChanged);
   EXPECT_EQ(Shown("vm-desktop", kNow), Printed(timeless));
 }

@@ -1,4 +1,5 @@
 // Forgetting, renaming, and versions of the schema.
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -73,6 +74,24 @@ TEST_P(UpkeepTest, ARenamedHostKeepsItsHistoryAndGoesOnUnderItsNewName) {
   Load(OfHost("new", kNow));
   EXPECT_EQ(Shown("new", kNow - 1), Printed(OfHost("old", kNow - kDay)));
   EXPECT_EQ(Shown("new", kNow), Printed(OfHost("new", kNow)));
+}
+
+TEST_P(UpkeepTest, APrunedStoreHasNothingOfTimesBeforeItsFirstReport) {
+  const std::string held =
+      "SELECT COUNT(*) FROM device_history WHERE (until IS NULL OR until > {0}) AND since <= {0}";
+  const auto devicesAt = [&](store::Seconds time) { return Count(fmt::format(fmt::runtime(held), time)); };
+  Json changed = OfHost("a", kNow - 2 * kDay);
+  changed["classes"]["KALDO_USBDevice"][0]["SubclassCode"] = 9;
+  Load(OfHost("a", kNow - 3 * kDay));
+  Load(changed);
+  Load(OfHost("a", kNow - kDay));
+  const std::int64_t devices = devicesAt(kNow);
+  EXPECT_GT(devices, 1);
+  EXPECT_EQ(devicesAt(kNow - 3 * kDay), devices);
+  store::Prune(Db(), kNow - 2 * kDay);
+  EXPECT_EQ(devicesAt(kNow - 2 * kDay - 1), 0);
+  EXPECT_EQ(devicesAt(kNow - 2 * kDay), devices);
+  EXPECT_EQ(devicesAt(kNow), devices);
 }
 
 TEST_P(UpkeepTest, MigratingBringsAStoreWithDataFromVersionToVersion) {

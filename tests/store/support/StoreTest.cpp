@@ -24,7 +24,7 @@ struct Table {
 };
 
 constexpr Table kTables[] = {{"meta", 1, false},   {"host", 4, true},       {"node", 4, false},
-                             {"state", 13, true},  {"report", 4, true},     {"item", 25, true},
+                             {"state", 14, true},  {"report", 4, true},     {"item", 25, true},
                              {"late", 5, true},    {"comparison", 7, true}, {"difference", 10, true},
                              {"refused", 8, false}};
 
