@@ -45,6 +45,12 @@ std::string Reason(const NodeState& state, Seconds timeout) {
   return state.error.empty() ? "printed nothing" : "printed nothing but an error: " + state.error;
 }
 
+std::string ParseFanout(const std::string& text) {
+  const bool isNumber = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+  if (!isNumber || text == "0") throw cli::UsageError("needs a number above 0");
+  return text;
+}
+
 /// clush takes 0 for no limit.
 Seconds ParseTimeout(const std::string& text) {
   const Seconds timeout = ParseDuration(text);
@@ -137,11 +143,8 @@ void PrintCollected(const LoadCounts& counts, std::size_t failed, const ListOpti
   Print(list, options);
 }
 
-}  // namespace
-
-std::vector<cli::Option> CollectOptionTable(CollectOptions& options) {
-  ClushSettings& clush = options.clush;
-  std::vector<cli::Option> table = {
+std::vector<cli::Option> NodeOptions(NodeSelection& selection) {
+  return {
       {.names = {"-w", "--nodes"},
        .value = "NODES",
        .help = "The machines, as ClusterShell names them: web[1-9],@racks:3",
@@ -151,40 +154,44 @@ such as
 .Li web[1-9] ,
 and of its groups such as
 .Li @racks:3 .)",
-       .store = cli::StoreText(clush.selection.nodes)},
+       .store = cli::StoreText(selection.nodes)},
       {.names = {"-x", "--exclude"},
        .value = "NODES",
        .help = "Machines to leave out",
        .manual = "The machines to leave out, in the same form.",
-       .store = cli::StoreText(clush.selection.excluded)},
-      {.names = {"-f", "--fanout"},
-       .value = "NUMBER",
-       .help = "How many machines at a time",
-       .defaultValue = "as ClusterShell is configured",
-       .manual = "How many machines to ask at a time.",
-       .store =
-           [&clush](const std::string& text) {
-             if (text.empty() || text == "0" || text.find_first_not_of("0123456789") != std::string::npos) {
-               throw cli::UsageError("needs a number above 0");
-             }
-             clush.fanout = text;
-           }},
-      {.names = {"--timeout"},
-       .value = "DURATION",
-       .help = "How long a machine may take",
-       .defaultValue = "60s",
-       .manual = "How long a machine may take, such as\n.Li 90s\nor\n.Li 5m .",
-       .store = StoreParsed(clush.timeout, ParseTimeout)},
-      {.names = {"--command"},
-       .value = "COMMAND",
-       .help = "What to run on the machines",
-       .defaultValue = clush.command,
-       .manual = R"(What to run on the machines.
+       .store = cli::StoreText(selection.excluded)}};
+}
+
+std::vector<cli::Option> ClushOptions(ClushSettings& clush) {
+  return {{.names = {"-f", "--fanout"},
+           .value = "NUMBER",
+           .help = "How many machines at a time",
+           .defaultValue = "as ClusterShell is configured",
+           .manual = "How many machines to ask at a time.",
+           .store = StoreParsed(clush.fanout, ParseFanout)},
+          {.names = {"--timeout"},
+           .value = "DURATION",
+           .help = "How long a machine may take",
+           .defaultValue = "60s",
+           .manual = "How long a machine may take, such as\n.Li 90s\nor\n.Li 5m .",
+           .store = StoreParsed(clush.timeout, ParseTimeout)},
+          {.names = {"--command"},
+           .value = "COMMAND",
+           .help = "What to run on the machines",
+           .defaultValue = clush.command,
+           .manual = R"(What to run on the machines.
 It prints the inventory on one line.)",
-       .store = cli::StoreText(clush.command)},
-      DatabaseOption(options.database)};
-  const std::vector<cli::Option> listOptions = ListOptionTable(options.list);
-  table.insert(table.end(), listOptions.begin(), listOptions.end());
+           .store = cli::StoreText(clush.command)}};
+}
+
+}  // namespace
+
+std::vector<cli::Option> CollectOptionTable(CollectOptions& options) {
+  std::vector<cli::Option> table = NodeOptions(options.clush.selection);
+  for (const std::vector<cli::Option>& more :
+       {ClushOptions(options.clush), {DatabaseOption(options.database)}, ListOptionTable(options.list)}) {
+    table.insert(table.end(), more.begin(), more.end());
+  }
   return table;
 }
 
