@@ -21,12 +21,12 @@ std::optional<Clock::Point> Earlier(std::optional<Clock::Point> left, std::optio
 
 }  // namespace
 
-Watcher::Watcher(Watched watched, const WatchLimits& limits, Inventory known)
-    : fWatched(std::move(watched)), fLimits(limits), fKnown(std::move(known)) {}
+Watcher::Watcher(Watched watched, WatchSettings settings, Inventory known)
+    : fWatched(std::move(watched)), fSettings(std::move(settings)), fKnown(std::move(known)) {}
 
 void Watcher::Compare(Inventory now) {
   const EventBatch batch = std::exchange(fBatch, EventBatch());
-  const InventoryDifference difference = cli::Compare(fKnown, now);
+  const InventoryDifference difference = cli::Compare(fKnown, now, fSettings.ignored);
   WatchReport report;
   report.sequence = fReports + 1;
   report.time = fWatched.clock.Time();
@@ -42,7 +42,7 @@ void Watcher::Compare(Inventory now) {
 
 bool Watcher::Follow() {
   std::optional<Clock::Point> end;
-  if (fLimits.timeout) end = fWatched.clock.Now() + *fLimits.timeout;
+  if (fSettings.timeout) end = fWatched.clock.Now() + *fSettings.timeout;
   bool goesOn = true;
   while (goesOn && !IsCountReached()) {
     goesOn = AwaitLook(end);
@@ -65,7 +65,7 @@ bool Watcher::AwaitLook(std::optional<Clock::Point> end) {
 }
 
 std::optional<Clock::Point> Watcher::NextLook() const {
-  return fRetryAt ? fRetryAt : fBatch.LookAt(fLimits.settle);
+  return fRetryAt ? fRetryAt : fBatch.LookAt(fSettings.settle);
 }
 
 void Watcher::Look() {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/model/Inventory.h"
 #include "cli/watch/Clock.h"
@@ -25,13 +26,15 @@ struct Watched {
   std::function<void(const WatchReport& report)> print;
 };
 
-struct WatchLimits {
+struct WatchSettings {
   /// Things have settled when no event has come for so long.
   std::chrono::milliseconds settle{500};
   /// The watch ends after so many reports, 1 or more.
   std::optional<std::uint64_t> count = std::nullopt;
   /// And after so long.
   std::optional<std::chrono::milliseconds> timeout = std::nullopt;
+  /// Properties that are not compared, of ComparedProperties.
+  std::vector<std::string> ignored = {};
 };
 
 class Watcher {
@@ -40,7 +43,7 @@ class Watcher {
   static constexpr std::chrono::seconds kRetryAfter{5};
 
   /// `known` is what the first look is compared with.
-  Watcher(Watched watched, const WatchLimits& limits, Inventory known);
+  Watcher(Watched watched, WatchSettings settings, Inventory known);
 
   /// Reports how `now` differs from what is known. From then on, `now` is known.
   void Compare(Inventory now);
@@ -51,7 +54,7 @@ class Watcher {
   bool Follow();
 
  private:
-  bool IsCountReached() const { return fLimits.count && fReports >= *fLimits.count; }
+  bool IsCountReached() const { return fSettings.count && fReports >= *fSettings.count; }
   /// Takes events until it is time to look. False where the watch is to end.
   bool AwaitLook(std::optional<Clock::Point> end);
   std::optional<Clock::Point> NextLook() const;
@@ -59,7 +62,7 @@ class Watcher {
   void NoteFailure(const std::string& message);
 
   Watched fWatched;
-  WatchLimits fLimits;
+  WatchSettings fSettings;
   Inventory fKnown;
   EventBatch fBatch;
   std::uint64_t fReports = 0;
