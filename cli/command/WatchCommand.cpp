@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <optional>
-#include <system_error>
 #include <utility>
 
 #include "cli/collect/Collection.h"
@@ -51,13 +50,15 @@ void Print(const WatchOptions& options, const WatchReport& report) {
                              : RenderWatchJson(report));
 }
 
-int Follow(const WatchOptions& options) {
+}  // namespace
+
+int RunWatch(const WatchOptions& options) {
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
+  std::optional<Inventory> baseline = ReadBaseline(options, log);
   const sys::StopSignals signals;
   // Before the machine is looked at, so that nothing happens unseen in between.
   UdevMonitor events(signals.Get());
   const SystemClock clock;
-  std::optional<Inventory> baseline = ReadBaseline(options, log);
   Inventory now = CollectNow(options, log);
   if (baseline) CheckBaseline(options, *baseline, now);
 
@@ -68,17 +69,6 @@ int Follow(const WatchOptions& options) {
                   options.settings, baseline ? std::move(*baseline) : now);
   if (baseline) watcher.Compare(std::move(now));
   return watcher.Follow() ? kPrinted : kFailure;
-}
-
-}  // namespace
-
-int RunWatch(const WatchOptions& options) {
-  try {
-    return Follow(options);
-  } catch (const std::system_error& error) {
-    throw UserError(fmt::format("cannot get the kernel's events of USB devices: {}; is netlink forbidden here?",
-                                error.code().message()));
-  }
 }
 
 }  // namespace cli

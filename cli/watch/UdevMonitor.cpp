@@ -1,5 +1,6 @@
 #include "cli/watch/UdevMonitor.h"
 
+#include <fmt/format.h>
 #include <libudev.h>
 #include <poll.h>
 
@@ -9,8 +10,10 @@
 #include <chrono>
 #include <limits>
 #include <string>
+#include <system_error>
+#include <utility>
 
-#include "system/FileDescriptor.h"
+#include "cli/text/UserError.h"
 
 namespace cli {
 
@@ -21,8 +24,13 @@ struct ReleaseDevice {
 };
 using Device = std::unique_ptr<udev_device, ReleaseDevice>;
 
+[[noreturn]] void Fail(int error) {
+  throw UserError(fmt::format("cannot get the kernel's events of USB devices: {}; is netlink forbidden here?",
+                              std::generic_category().message(error)));
+}
+
 void Check(int result) {
-  if (result < 0) sys::ThrowSystemError(-result);
+  if (result < 0) Fail(-result);
 }
 
 std::string TextOf(const char* text) {
@@ -58,9 +66,9 @@ void UdevMonitor::Release::operator()(udev_monitor* monitor) const {
 }
 
 UdevMonitor::UdevMonitor(int stop) : fStop(stop), fContext(::udev_new()) {
-  if (fContext == nullptr) sys::ThrowSystemError(errno);
+  if (fContext == nullptr) Fail(errno);
   fMonitor.reset(::udev_monitor_new_from_netlink(fContext.get(), "kernel"));
-  if (fMonitor == nullptr) sys::ThrowSystemError(errno);
+  if (fMonitor == nullptr) Fail(errno);
   Check(::udev_monitor_filter_add_match_subsystem_devtype(fMonitor.get(), "usb", nullptr));
   // Only root may have as much as this; for others the system's default stays.
   constexpr int kBufferBytes = 16 << 20;
@@ -75,7 +83,7 @@ Waking UdevMonitor::Wait(std::optional<Clock::Point> deadline) {
         {{fStop, POLLIN, 0}, {::udev_monitor_get_fd(fMonitor.get()), POLLIN, 0}}};
     const int wait = deadline ? MillisecondsUntil(*deadline) : kWithoutEnd;
     const int ready = ::poll(watched.data(), watched.size(), wait);
-    if (ready < 0 && errno != EINTR) sys::ThrowSystemError(errno);
+    if (ready < 0 && errno != EINTR) Fail(errno);
     if (ready <= 0) continue;
     if (watched[0].revents != 0) return {Waking::Cause::kStop};
     if (std::optional<Waking> waking = Receive()) return std::move(*waking);
@@ -97,7 +105,7 @@ std::optional<Waking> UdevMonitor::Receive() {
     case EBADMSG:
       return Waking{Waking::Cause::kLoss};
     default:
-      sys::ThrowSystemError(errno);
+      Fail(errno);
   }
 }
 

@@ -15,7 +15,7 @@ namespace cli {
 class UdevMonitor : public UeventSource {
  public:
   /// Events count from now on. The watch is to end as soon as the descriptor `stop` can be read. Throws
-  /// std::system_error.
+  /// UserError.
   explicit UdevMonitor(int stop);
 
   Waking Wait(std::optional<Clock::Point> deadline) override;

@@ -28,7 +28,7 @@ class UeventSource {
  public:
   virtual ~UeventSource() = default;
   /// Waits until something comes, at most until `deadline`. Events come in the order in which they happened.
-  /// Throws std::system_error when there can be no more events.
+  /// Throws UserError when there can be no more events.
   virtual Waking Wait(std::optional<Clock::Point> deadline) = 0;
 };
 
