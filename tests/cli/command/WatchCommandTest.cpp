@@ -29,9 +29,7 @@ std::string OtherMachine(const TemporaryFolder& folder) {
   builder.Document()["origin"]["masked"] = nullptr;
   builder.Document()["origin"]["selection"] = nullptr;
   builder.Document()["origin"]["findings"] = json::array();
-  std::string path = folder.File("other.json");
-  WriteFile(path, builder.Text());
-  return path;
+  return folder.File("other.json", builder.Text());
 }
 
 json WithoutTimes(json difference) {
@@ -122,7 +120,7 @@ TEST(Watch, RefusesABaselineThatDoesNotCompare) {
   const auto refuse = [&](const char* member, const json& value, const std::string& message) {
     json changed = whole;
     changed["origin"][member] = value;
-    WriteFile(path, changed.dump());
+    folder.File("saved.json", changed.dump());
     ExpectRefused(RunUsbinfo({"watch", "--baseline", path, "--timeout", "0"}), path + message);
   };
   refuse("selection", OriginExample()["selection"], " holds only a part of an inventory; save it without ");
