@@ -21,14 +21,16 @@ bool Has(const Inventory& inventory, const kernel::Device& device) {
 
 /// The interface of that number, which is added where it is missing.
 kernel::Interface& InterfaceOf(kernel::Device& device, std::uint8_t number) {
-  if (device.configurations.empty()) device.configurations.push_back({.isActive = true});
+  if (device.configurations.empty()) device.configurations.emplace_back().isActive = true;
   std::vector<kernel::Interface>& interfaces = device.configurations.front().interfaces;
   const auto found =
       std::find_if(interfaces.begin(), interfaces.end(),
                    [number](const kernel::Interface& interface) { return interface.number == number; });
   if (found != interfaces.end()) return *found;
-  interfaces.push_back({.number = number, .settings = {{.isActive = true}}});
-  return interfaces.back();
+  kernel::Interface& added = interfaces.emplace_back();
+  added.number = number;
+  added.settings.emplace_back().isActive = true;
+  return added;
 }
 
 }  // namespace

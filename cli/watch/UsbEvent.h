@@ -16,7 +16,7 @@ struct UsbEvent {
 
   Action action = Action::kOther;
   /// The kernel's name: "1-3.1" for a device, "1-3.1:1.0" for one of its interfaces.
-  std::string name;
+  std::string name = {};
   /// The device number; 0 for an interface, and where it is not known.
   unsigned number = 0;
   /// Of a device; 0 where they are not known.

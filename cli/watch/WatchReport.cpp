@@ -16,6 +16,8 @@ namespace cli {
 
 namespace {
 
+constexpr const char* kSchema = "usbinfo.watch/1";
+
 std::string IdOf(const kernel::Device& device) {
   return fmt::format("{:04x}:{:04x}", device.descriptor.vendor, device.descriptor.product);
 }
@@ -58,7 +60,8 @@ std::string RenderWatchText(const WatchReport& report, bool isColored) {
 std::string RenderWatchJson(const WatchReport& report) {
   JsonWriter json(JsonWriter::Layout::kOneLine);
   json.BeginObject();
-  WriteMember(json, "schema", "usbinfo.watch/1");
+  json.Key("schema");
+  json.String(kSchema);
   WriteMember(json, "time", FormatUtc(report.time));
   WriteMember(json, "machine", MachineOf(*report.difference));
   WriteMember(json, "sequence", report.sequence);

@@ -53,7 +53,8 @@ json InventoryOf(const PluggedByName& plugged) {
   InventoryBuilder builder;
   std::map<kernel::DeviceName, std::string> identifiers;
   identifiers[{1, {}}] = builder.AddBus(1, 4);
-  json facts = {FactsOf(identifiers.begin()->second, "usb1", {1, {"Controller"}, 4})};
+  json facts = json::array();
+  facts.push_back(FactsOf(identifiers.begin()->second, "usb1", {1, {"Controller"}, 4}));
   std::map<kernel::DeviceName, std::pair<std::string, Plugged>> ordered;
   for (const auto& [name, what] : plugged) ordered[kernel::ParseDeviceName(name).value()] = {name, what};
   for (const auto& [place, entry] : ordered) {
@@ -93,26 +94,26 @@ void ScriptedMachine::Unplug(Milliseconds at, const std::string& name) {
     std::size_t place = 0;
     for (const UsbEvent& event : EventsOfRemoving(name, found->second)) {
       fSteps.insert(fSteps.begin() + static_cast<std::ptrdiff_t>(place++),
-                    {fNow, {}, Waking{Waking::Cause::kEvent, event}});
+                    Step{fNow, {}, Waking{Waking::Cause::kEvent, event}});
     }
     plugged.erase(found);
   });
 }
 
 void ScriptedMachine::Send(Milliseconds at, const UsbEvent& event) {
-  fSteps.push_back({at, {}, Waking{Waking::Cause::kEvent, event}});
+  fSteps.push_back(Step{at, {}, Waking{Waking::Cause::kEvent, event}});
 }
 
 void ScriptedMachine::Lose(Milliseconds at) {
-  fSteps.push_back({at, {}, Waking{Waking::Cause::kLoss}});
+  fSteps.push_back(Step{at, {}, Waking{Waking::Cause::kLoss}});
 }
 
 void ScriptedMachine::Stop(Milliseconds at) {
-  fSteps.push_back({at, {}, Waking{Waking::Cause::kStop}});
+  fSteps.push_back(Step{at, {}, Waking{Waking::Cause::kStop}});
 }
 
 void ScriptedMachine::Do(Milliseconds at, std::function<void()> action) {
-  fSteps.push_back({at, std::move(action), std::nullopt});
+  fSteps.push_back(Step{at, std::move(action), std::nullopt});
 }
 
 cli::Inventory ScriptedMachine::Collect() {
