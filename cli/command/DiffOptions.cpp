@@ -20,14 +20,13 @@ std::vector<Operand> DiffOperands(DiffOptions& options) {
 }
 
 std::vector<Option> DiffOptionTable(DiffOptions& options) {
-  std::vector<Option> table = {
-      FormatOption(options.format, {{"text"}, {"json"}}),
-      ColorOption(options.color),
-      OutputOption(options.output),
-      IgnoreOption(options.ignored),
-      AllowSuspectOption(options.allowsSuspect),
-      WayOption(options.source.way),
-      AsIsOption(options.source.isAsIs)};
+  std::vector<Option> table = {FormatOption(options.format, {{"text"}, {"json"}}),
+                               ColorOption(options.color),
+                               OutputOption(options.output),
+                               IgnoreOption(options.ignored),
+                               AllowSuspectOption(options.allowsSuspect),
+                               WayOption(options.source.way),
+                               AsIsOption(options.source.isAsIs)};
   for (Option& option : MaskOptions(options.source)) table.push_back(std::move(option));
   for (Option& option : ListOptions(options.source)) table.push_back(std::move(option));
   return table;

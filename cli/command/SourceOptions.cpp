@@ -85,20 +85,20 @@ The name is one of)",
 }
 
 std::vector<Option> ListOptions(Source& source) {
-  return {{.names = {"--system-name"},
-           .value = "NAME",
-           .help = "The system name of device lists and of this machine",
-           .manual = R"(The name of the system in the keys of device lists and of this machine, as for
+  return {
+      {.names = {"--system-name"},
+       .value = "NAME",
+       .help = "The system name of device lists and of this machine",
+       .manual = R"(The name of the system in the keys of device lists and of this machine, as for
 .Cm show .
 JSON inventories keep their own names.)",
-           .store = StoreText(source.systemName)},
-          {.names = {"--plugin"},
-           .value = "FILE",
-           .help = "Read device lists and this machine with this plug-in module",
-           .defaultValue = "the installed one",
-           .manual =
-               "Read device lists and this machine with this plug-in module instead of the installed one.",
-           .store = StoreText(source.plugin)}};
+       .store = StoreText(source.systemName)},
+      {.names = {"--plugin"},
+       .value = "FILE",
+       .help = "Read device lists and this machine with this plug-in module",
+       .defaultValue = "the installed one",
+       .manual = "Read device lists and this machine with this plug-in module instead of the installed one.",
+       .store = StoreText(source.plugin)}};
 }
 
 std::vector<Option> MaskOptions(Source& source) {

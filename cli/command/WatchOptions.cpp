@@ -39,7 +39,9 @@ or
 .Li s
 after it, of one minute at most.
 Where events go on and on, the machine is looked at after ten times as long.)",
-          .store = [&settings](const std::string& text) { settings.settle = ParseDuration(text, kLongestSettle); }};
+          .store = [&settings](const std::string& text) {
+            settings.settle = ParseDuration(text, kLongestSettle);
+          }};
 }
 
 std::vector<Option> EndOptions(WatchSettings& settings) {
@@ -68,9 +70,9 @@ What has happened by then is still printed.)",
 }  // namespace
 
 std::vector<Option> WatchOptionTable(WatchOptions& options) {
-  std::vector<Option> table = {
-      FormatOption(options.format, {{"text"}, {"jsonl", "an object per line"}}),
-      ColorOption(options.color), BaselineOption(options), SettleOption(options.settings)};
+  std::vector<Option> table = {FormatOption(options.format, {{"text"}, {"jsonl", "an object per line"}}),
+                               ColorOption(options.color), BaselineOption(options),
+                               SettleOption(options.settings)};
   for (Option& option : EndOptions(options.settings)) table.push_back(std::move(option));
   table.push_back(IgnoreOption(options.settings.ignored));
   table.push_back(AllowSuspectOption(options.allowsSuspect));

@@ -71,7 +71,8 @@ milliseconds ParseDuration(const std::string& text, milliseconds longest) {
   const std::optional<std::uint64_t> number = ParseDigits(std::string_view(text).substr(0, letters));
   const std::optional<milliseconds> unit = UnitOf(std::string_view(text).substr(letters));
   if (!number || !unit) {
-    throw UsageError("must be a whole number with ms, s, m, h or d after it, such as 500ms; without a unit, seconds");
+    throw UsageError(
+        "must be a whole number with ms, s, m, h or d after it, such as 500ms; without a unit, seconds");
   }
   const milliseconds duration = static_cast<milliseconds::rep>(*number) * *unit;
   if (duration > longest) {

@@ -38,10 +38,9 @@ std::string TextOf(const char* text) {
 }
 
 UsbEvent EventOf(udev_device* device) {
-  return ReadUsbEvent(TextOf(::udev_device_get_action(device)), TextOf(::udev_device_get_sysname(device)),
-                      [device](const char* property) {
-                        return TextOf(::udev_device_get_property_value(device, property));
-                      });
+  return ReadUsbEvent(
+      TextOf(::udev_device_get_action(device)), TextOf(::udev_device_get_sysname(device)),
+      [device](const char* property) { return TextOf(::udev_device_get_property_value(device, property)); });
 }
 
 /// For poll(2): rounded up, so that it does not return just before the deadline.

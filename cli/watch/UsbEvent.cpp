@@ -34,7 +34,8 @@ std::optional<kernel::ClassCodes> ParseCodes(std::string_view text) {
   for (const std::uint16_t number : *numbers) {
     if (number > std::numeric_limits<std::uint8_t>::max()) return std::nullopt;
   }
-  return kernel::ClassCodes{static_cast<std::uint8_t>((*numbers)[0]), static_cast<std::uint8_t>((*numbers)[1]),
+  return kernel::ClassCodes{static_cast<std::uint8_t>((*numbers)[0]),
+                            static_cast<std::uint8_t>((*numbers)[1]),
                             static_cast<std::uint8_t>((*numbers)[2])};
 }
 
@@ -55,7 +56,8 @@ UsbEvent ReadUsbEvent(std::string_view action, std::string_view name,
     event.codes = ParseCodes(property("INTERFACE"));
     return event;
   }
-  event.number = kernel::ParseNumber(property("DEVNUM"), std::numeric_limits<std::uint16_t>::max()).value_or(0);
+  event.number =
+      kernel::ParseNumber(property("DEVNUM"), std::numeric_limits<std::uint16_t>::max()).value_or(0);
   event.codes = ParseCodes(property("TYPE"));
   if (const std::optional<Three> ids = ParseThree(property("PRODUCT"), kHexadecimal)) {
     event.vendor = (*ids)[0];

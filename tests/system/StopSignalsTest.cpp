@@ -1,11 +1,10 @@
 // Signals that a program waits for instead of being ended by them.
-#include "system/StopSignals.h"
-
 #include <gmock/gmock.h>
 #include <poll.h>
 
 #include <csignal>
 
+#include "system/StopSignals.h"
 #include "tests/support/ForkedChild.h"
 
 namespace usbinfo_test {

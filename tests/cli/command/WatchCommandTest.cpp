@@ -73,9 +73,8 @@ TEST(Watch, PrintsWhatDiffPrintsOfTheBaseline) {
 
 TEST(Watch, TakesTheBaselineFromStandardInput) {
   const TemporaryFolder folder;
-  const CommandResult result = Command({"watch", "--baseline", "-", "--count", "1"})
-                                   .Input(ReadFile(OtherMachine(folder)))
-                                   .Run();
+  const CommandResult result =
+      Command({"watch", "--baseline", "-", "--count", "1"}).Input(ReadFile(OtherMachine(folder))).Run();
   EXPECT_EQ(result.status, 0);
   EXPECT_THAT(result.output, StartsWith("\"elsewhere\" (2026-11-21 12:00:00 UTC) -> "));
   EXPECT_THAT(result.output, HasSubstr("\n- bus 99, port 2: device 1234:5678 \"Stick\", serial \"S1\"\n"));
@@ -92,7 +91,8 @@ TEST_P(WatchSignalsTest, EndTheWatchInGoodOrderAfterWhatWasPrinted) {
   sys::FileDescriptor writer(ends[1]);
   const pid_t command = StartChild([&] {
     ::dup2(writer.Get(), STDOUT_FILENO);
-    ::execl(COMMAND_PATH, COMMAND_PATH, "watch", "--format", "jsonl", "--baseline", baseline.c_str(), nullptr);
+    ::execl(COMMAND_PATH, COMMAND_PATH, "watch", "--format", "jsonl", "--baseline", baseline.c_str(),
+            nullptr);
     return 1;
   });
   writer.Close();
@@ -110,7 +110,8 @@ INSTANTIATE_TEST_SUITE_P(Signals, WatchSignalsTest, testing::Values(SIGINT, SIGT
 
 TEST(Watch, EndsWhenNobodyReadsItsOutput) {
   const TemporaryFolder folder;
-  EXPECT_EQ(Command({"watch", "--baseline", OtherMachine(folder)}).OutputToClosedPipe().Run().status, -SIGPIPE);
+  EXPECT_EQ(Command({"watch", "--baseline", OtherMachine(folder)}).OutputToClosedPipe().Run().status,
+            -SIGPIPE);
 }
 
 TEST(Watch, RefusesABaselineThatDoesNotCompare) {
@@ -124,15 +125,18 @@ TEST(Watch, RefusesABaselineThatDoesNotCompare) {
     ExpectRefused(RunUsbinfo({"watch", "--baseline", path, "--timeout", "0"}), path + message);
   };
   refuse("selection", OriginExample()["selection"], " holds only a part of an inventory; save it without ");
-  refuse("masked", {{"key", nullptr}}, " and this machine cannot be compared: the serial numbers are masked in only");
-  refuse("findings", OriginExample()["findings"], ": the kernel does not write lines 17, 19 of the device list");
+  refuse("masked", {{"key", nullptr}},
+         " and this machine cannot be compared: the serial numbers are masked in only");
+  refuse("findings", OriginExample()["findings"],
+         ": the kernel does not write lines 17, 19 of the device list");
 }
 
 TEST(Watch, RefusesValuesOfItsOptionsThatItCannotTake) {
   ExpectRefused(RunUsbinfo({"watch", "--settle", "2m"}), "--settle: must be 60 seconds at most; see ");
   ExpectRefused(RunUsbinfo({"watch", "--timeout", "soon"}), "--timeout: must be a whole number with ");
   ExpectRefused(RunUsbinfo({"watch", "--count", "0"}), "--count: must be a whole number from 1 on");
-  ExpectRefused(RunUsbinfo({"watch", "--mask-serials", "--mask-key", "-"}), "--mask-key: the key is read for ");
+  ExpectRefused(RunUsbinfo({"watch", "--mask-serials", "--mask-key", "-"}),
+                "--mask-key: the key is read for ");
   ExpectRefused(RunUsbinfo({"watch", "--format", "json"}), "--format: \"json\" is not one of text, jsonl");
 }
 

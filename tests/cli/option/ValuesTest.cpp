@@ -1,12 +1,11 @@
 // The values of options that are numbers and times.
-#include "cli/option/Values.h"
-
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <cstdint>
 #include <optional>
 
+#include "cli/option/Values.h"
 #include "tests/cli/support/CliTest.h"
 
 using namespace std::chrono_literals;
@@ -27,13 +26,15 @@ TEST(Duration, IsAWholeNumberWithAUnitOrOfSeconds) {
 }
 
 TEST(Duration, IsRefusedInAnyOtherFormAndBeyondTheLongest) {
-  for (const char* text : {"", "s", "-1s", "+1s", "1.5s", "1 s", "1S", "1w", "1ms ", "0x1s", "1000000000ms"}) {
+  for (const char* text :
+       {"", "s", "-1s", "+1s", "1.5s", "1 s", "1S", "1w", "1ms ", "0x1s", "1000000000ms"}) {
     EXPECT_EQ(UserErrorOf([&] { cli::ParseDuration(text, kLongest); }),
               "must be a whole number with ms, s, m, h or d after it, such as 500ms; without a unit, seconds")
         << text;
   }
   EXPECT_EQ(UserErrorOf([] { cli::ParseDuration("60001ms", 60s); }), "must be 60 seconds at most");
-  EXPECT_EQ(UserErrorOf([] { cli::ParseDuration("999999999d", kLongest); }), "must be 31622400 seconds at most");
+  EXPECT_EQ(UserErrorOf([] { cli::ParseDuration("999999999d", kLongest); }),
+            "must be 31622400 seconds at most");
 }
 
 TEST(Count, IsAWholeNumberFromOneOn) {

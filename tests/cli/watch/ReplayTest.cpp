@@ -57,7 +57,8 @@ class RandomScript {
       const bool isDeep = kernel::ParseDeviceName(name)->ports.size() > 2;
       if (plugged.ports > 0 && !isDeep) hubs.push_back(name);
     }
-    const auto hub = kernel::ParseDeviceName(hubs[static_cast<std::size_t>(Pick(static_cast<int>(hubs.size())))]);
+    const auto hub =
+        kernel::ParseDeviceName(hubs[static_cast<std::size_t>(Pick(static_cast<int>(hubs.size())))]);
     const std::string name = hub->Child(static_cast<unsigned>(Pick(4)) + 1).Text();
     return fPlugged.count(name) == 0 ? name : std::string();
   }
@@ -89,7 +90,8 @@ class RandomScript {
       if (name == top || name.starts_with(top + ".")) names.push_back(name);
     }
     for (auto name = names.rbegin(); name != names.rend(); ++name) {
-      Happen([this, gone = *name] { fMachine.plugged.erase(gone); }, EventsOfRemoving(*name, fPlugged[*name]));
+      Happen([this, gone = *name] { fMachine.plugged.erase(gone); },
+             EventsOfRemoving(*name, fPlugged[*name]));
       fPlugged.erase(*name);
     }
   }
@@ -139,7 +141,8 @@ class Reader {
     EXPECT_EQ(report["sequence"], ++fReports);
     fDevices = Apply(report["difference"], fDevices);
     for (const json& visitor : report["cameAndWent"]) {
-      EXPECT_TRUE(fCameAndWent.insert({visitor["name"], visitor["number"]}).second) << visitor;
+      const Stay stay(visitor["name"].get<std::string>(), visitor["number"].get<int>());
+      EXPECT_TRUE(fCameAndWent.insert(stay).second) << visitor;
     }
   }
 

@@ -63,9 +63,8 @@ json InventoryOf(const PluggedByName& plugged) {
     hub.ports.pop_back();
     const int port = static_cast<int>(place.ports.back()) - 1;
     const std::string& parent = identifiers.at(hub);
-    identifiers[place] = what.ports > 0
-                             ? builder.AddHub(parent, port, what.number, what.ports, what.model)
-                             : builder.AddDevice(parent, port, what.number, what.model);
+    identifiers[place] = what.ports > 0 ? builder.AddHub(parent, port, what.number, what.ports, what.model)
+                                        : builder.AddDevice(parent, port, what.number, what.model);
     facts.push_back(FactsOf(identifiers[place], name, what));
   }
   builder.Document()["kernel"] = {{"devices", facts}, {"ports", json::array()}};
@@ -80,7 +79,8 @@ std::vector<UsbEvent> EventsOfAdding(const std::string& name, const Plugged& plu
 }
 
 std::vector<UsbEvent> EventsOfRemoving(const std::string& name, const Plugged& plugged) {
-  return {EventOfInterface(UsbEvent::Action::kRemove, name), EventOf(UsbEvent::Action::kRemove, name, plugged)};
+  return {EventOfInterface(UsbEvent::Action::kRemove, name),
+          EventOf(UsbEvent::Action::kRemove, name, plugged)};
 }
 
 void ScriptedMachine::Plug(Milliseconds at, const std::string& name, const Plugged& what) {

@@ -1,11 +1,10 @@
 // The real source of events on this machine, as an ordinary user: when waiting ends without any event.
-#include "cli/watch/UdevMonitor.h"
-
 #include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <chrono>
 
+#include "cli/watch/UdevMonitor.h"
 #include "system/FileDescriptor.h"
 #include "tests/cli/support/CliTest.h"
 

@@ -1,10 +1,10 @@
 // What is read of the kernel's messages, whole and damaged.
-#include "cli/watch/UsbEvent.h"
-
 #include <gmock/gmock.h>
 
 #include <map>
 #include <string>
+
+#include "cli/watch/UsbEvent.h"
 
 using cli::UsbEvent;
 
@@ -20,7 +20,8 @@ UsbEvent Read(const std::string& action, const std::string& name,
 }
 
 TEST(UsbEvent, OfADeviceHasItsNumberItsIdAndItsClass) {
-  const UsbEvent event = Read("add", "1-3.1", {{"DEVNUM", "012"}, {"PRODUCT", "46d/c52b/1201"}, {"TYPE", "239/2/1"}});
+  const UsbEvent event =
+      Read("add", "1-3.1", {{"DEVNUM", "012"}, {"PRODUCT", "46d/c52b/1201"}, {"TYPE", "239/2/1"}});
   EXPECT_EQ(event.action, UsbEvent::Action::kAdd);
   EXPECT_EQ(event.name, "1-3.1");
   EXPECT_EQ(event.number, 12U);
@@ -45,7 +46,8 @@ TEST(UsbEvent, OfAnotherActionIsNeitherOfBoth) {
 }
 
 TEST(UsbEvent, LeavesOutWhatIsNoNumber) {
-  for (const char* text : {"", "/", "1", "1/2", "1/2/", "1/2/3/4", "1/2/3 ", "x/2/3", "-1/2/3", "1//3", "10000/2/3"}) {
+  for (const char* text :
+       {"", "/", "1", "1/2", "1/2/", "1/2/3/4", "1/2/3 ", "x/2/3", "-1/2/3", "1//3", "10000/2/3"}) {
     const UsbEvent event = Read("add", "1-3", {{"DEVNUM", text}, {"PRODUCT", text}, {"TYPE", text}});
     EXPECT_EQ(event.vendor, 0) << text;
     EXPECT_EQ(event.product, 0) << text;

@@ -1,6 +1,4 @@
 // When the watch looks at the machine, what it reports, and when it ends, on a machine that follows a script.
-#include "cli/watch/Watcher.h"
-
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -9,6 +7,7 @@
 #include <vector>
 
 #include "cli/watch/WatchReport.h"
+#include "cli/watch/Watcher.h"
 #include "tests/cli/support/CliTest.h"
 #include "tests/cli/watch/ScriptedMachine.h"
 
@@ -30,7 +29,8 @@ const Plugged kStick = {2, {"Stick", "S1", 0x0781, 0x5581}};
 
 class WatcherTest : public testing::Test {
  protected:
-  /// Follows the machine from what it has now, to the end of the script; gives whether the last look succeeded.
+  /// Follows the machine from what it has now, to the end of the script; gives whether the last look
+  /// succeeded.
   bool Follow(const WatchSettings& settings = {}) {
     Watcher watcher = NewWatcher(settings, machine.plugged);
     return watcher.Follow();
@@ -40,11 +40,12 @@ class WatcherTest : public testing::Test {
     return Watcher({.events = machine,
                     .clock = machine,
                     .collect = [this] { return machine.Collect(); },
-                    .print = [this](const cli::WatchReport& report) {
-                      times.push_back(machine.Elapsed());
-                      texts.push_back(cli::RenderWatchText(report, false));
-                      lines.push_back(json::parse(cli::RenderWatchJson(report)));
-                    }},
+                    .print =
+                        [this](const cli::WatchReport& report) {
+                          times.push_back(machine.Elapsed());
+                          texts.push_back(cli::RenderWatchText(report, false));
+                          lines.push_back(json::parse(cli::RenderWatchJson(report)));
+                        }},
                    settings, cli::FromJson(InventoryOf(known).dump(), "known"));
   }
 
