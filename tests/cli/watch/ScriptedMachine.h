@@ -20,7 +20,7 @@ namespace usbinfo_test {
 /// What is plugged in somewhere.
 struct Plugged {
   int number = 0;
-  Model model;
+  Model model = {};
   /// 0 for a device that is no hub.
   int ports = 0;
 };
