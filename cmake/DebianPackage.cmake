@@ -30,7 +30,7 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
 set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/debian/DropLdconfig.cmake")
 set(CPACK_DEBIAN_USBINFO_PACKAGE_RECOMMENDS usbutils)
-set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS "libudev1, usb.ids")
+set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS usb.ids)
 set(CPACK_COMPONENT_USBINFO_DESCRIPTION
     "usbinfo reads the kernel's list of USB devices and shows the controllers,
 the hubs, all ports, also the empty ones, the devices, and which device

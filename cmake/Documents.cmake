@@ -66,4 +66,5 @@ if(TARGET usbinfo-store)
 endif()
 
 install(FILES docs/usbinfo.schema.json docs/usbinfo-diff.schema.json docs/usbinfo-classes.schema.json
+              docs/usbinfo-watch.schema.json
         DESTINATION "${CMAKE_INSTALL_DATADIR}/usbinfo" COMPONENT usbinfo)

@@ -279,9 +279,14 @@ def difference(tables):
                        **{name: a_list(ref(entry)) for name, entry in lists.items()}}, definitions, version=2)
 
 
-def changes(tables):
+def difference_within(tables):
+    """The definitions for a document that holds a difference: those of the difference, and itself."""
     diff = difference(tables)
     document = {name: diff[name] for name in ("type", "additionalProperties", "required", "properties")}
+    return {"difference": {"description": diff["title"], **document}, **diff["$defs"]}
+
+
+def changes(tables):
     comparison = an_object({
         "host": TEXT,
         "previous": described("When the earlier report was collected, in UTC", TIME),
@@ -292,8 +297,30 @@ def changes(tables):
     }, description="Two reports in a row of a host that differ")
     return a_document("changes", "Changes between reports, as usbinfo-store changes --format json prints them",
                       {"changes": a_list(ref("comparison"))},
-                      {"comparison": comparison, "difference": {"description": diff["title"], **document},
-                       **diff["$defs"]})
+                      {"comparison": comparison, **difference_within(tables)})
+
+
+def vendor_and_product():
+    return described("Vendor and product", {"type": "string", "pattern": "^[0-9a-f]{4}:[0-9a-f]{4}$"})
+
+
+def watch(tables):
+    visitor = an_object({
+        "name": described("The kernel's name of its place, such as 1-3.1", kernel_name()),
+        "number": described("The device number on its bus; 0 where it is not known", ref("uint16")),
+        "id": vendor_and_product(),
+        "kinds": a_list(ref("kind"), description="What the class codes of its interfaces say"),
+    }, description="A device that was plugged in and unplugged again before anything else could be read of it")
+    return a_document("watch", "What changed on a machine, a line as usbinfo watch --format jsonl prints it", {
+        "time": described("When the machine was looked at, in UTC", TIME),
+        "machine": described("A hash of the machine's id that nothing else uses; null where it is not known",
+                             or_null(TEXT)),
+        "sequence": described("From 1 in each run", {"type": "integer", "minimum": 1, "maximum": NUMBERS["uint64"]}),
+        "difference": described("From the look before", ref("difference")),
+        "cameAndWent": a_list(visitor),
+        "eventsLost": described("Whether events were lost, so that more devices may have come and gone",
+                                {"type": "boolean"}),
+    }, difference_within(tables))
 
 
 def columns_of_devices():
@@ -302,7 +329,7 @@ def columns_of_devices():
         "place": described("The kernel's name, or the DeviceID where that is not known", TEXT),
         "kinds": a_list(ref("kind")),
         "manufacturer": or_null(TEXT), "product": or_null(TEXT),
-        "id": described("Vendor and product", {"type": "string", "pattern": "^[0-9a-f]{4}:[0-9a-f]{4}$"}),
+        "id": vendor_and_product(),
         "serial": or_null(TEXT),
         "speed": described("In Mbit/s, 1.5 for low speed", SPEED),
         "drivers": TEXTS,
@@ -377,7 +404,7 @@ def main(arguments):
     status = 0
     for name, schema in (("usbinfo", inventory(tables)), ("usbinfo-diff", difference(tables)),
                          ("usbinfo-classes", classes_document(table)), ("usbinfo-changes", changes(tables)),
-                         ("usbinfo-lists", lists(tables))):
+                         ("usbinfo-lists", lists(tables)), ("usbinfo-watch", watch(tables))):
         path = FOLDER / f"{name}.schema.json"
         text = json.dumps(schema, indent=2) + "\n"
         if not is_check:

@@ -13,7 +13,8 @@ debian_clang() {
 
 # The libraries of the product and its tests, which a cross build needs for the other architecture.
 LIBRARY_PACKAGES=(
-  libboost-dev libboost-thread-dev libfmt-dev libgmock-dev libgtest-dev libsoci-dev libsodium-dev libxml2-dev
+  libboost-dev libboost-thread-dev libfmt-dev libgmock-dev libgtest-dev libsoci-dev libsodium-dev libudev-dev
+  libxml2-dev
 )
 # What a build takes besides, the same on every architecture.
 TOOL_PACKAGES=(cmake g++ libcli11-dev locales ninja-build nlohmann-json3-dev pkgconf python3)

@@ -2,24 +2,16 @@
 
 #include <fmt/format.h>
 
-#include <array>
 #include <ctime>
 
 #include "cli/collect/MachineId.h"
 #include "cli/model/DeviceText.h"
 #include "cli/text/Message.h"
+#include "cli/text/UtcTime.h"
 
 namespace cli {
 
 namespace {
-
-std::string Now() {
-  const std::time_t now = std::time(nullptr);
-  std::tm utc{};
-  ::gmtime_r(&now, &utc);
-  std::array<char, sizeof "2026-11-21T12:00:00Z" + 8> text;
-  return std::string(text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc));
-}
 
 std::vector<Repair> NoteRepairs(const kernel::ListRepairs& repairs) {
   std::vector<Repair> notes;
@@ -45,7 +37,7 @@ Origin NoteOrigin(const std::string& source, const PreparedList& list, const Lis
   Origin origin;
   origin.source = source;
   if (source != "list") {
-    origin.collected = Now();
+    origin.collected = FormatUtc(std::time(nullptr));
     origin.machine = MachineIdHash();
   }
   origin.program = "usbinfo " USBINFO_VERSION;

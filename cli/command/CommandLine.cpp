@@ -3,6 +3,7 @@
 #include "cli/command/DiffCommand.h"
 #include "cli/command/SchemaCommand.h"
 #include "cli/command/ShowCommand.h"
+#include "cli/command/WatchCommand.h"
 
 namespace cli {
 
@@ -18,6 +19,7 @@ CommandLine::CommandLine() {
   fCommand.summary = "Show a machine's USB inventory: controllers, hubs, ports and devices";
   fCommand.subcommands.push_back(Show());
   fCommand.subcommands.push_back(Diff());
+  fCommand.subcommands.push_back(Watch());
   fCommand.subcommands.push_back(Schema());
   fCommand.subcommands.push_back(fStandard.Help());
 }
@@ -53,6 +55,25 @@ the new inventory is that of this machine.)",
           .options = fStandard.WithHelp(DiffOptionTable(fDiff)),
           .check = [this] { CheckDiffOptions(fDiff); },
           .run = [this] { return RunDiff(fDiff); }};
+}
+
+CommandSpec CommandLine::Watch() {
+  return {.name = "watch",
+          .summary = "Follow this machine and print what changes",
+          .manual = R"(The kernel reports every USB device that comes or goes.
+When things have settled, the machine is looked at anew, and what differs from the
+look before is printed as
+.Cm diff
+prints it, and written at once.
+A device that came and went between two looks is reported as such.
+The watch ends at
+.Dv SIGINT ,
+.Dv SIGTERM ,
+or when one of the options below says so; what has happened by then is still printed,
+and the exit status is 0.)",
+          .options = fStandard.WithHelp(WatchOptionTable(fWatch)),
+          .check = [this] { CheckWatchOptions(fWatch); },
+          .run = [this] { return RunWatch(fWatch); }};
 }
 
 CommandSpec CommandLine::Schema() {

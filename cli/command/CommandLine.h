@@ -7,6 +7,7 @@
 #include "cli/command/DiffOptions.h"
 #include "cli/command/SchemaOptions.h"
 #include "cli/command/ShowOptions.h"
+#include "cli/command/WatchOptions.h"
 #include "cli/option/CommandSpec.h"
 #include "cli/option/StandardOptions.h"
 
@@ -26,10 +27,12 @@ class CommandLine {
  private:
   CommandSpec Show();
   CommandSpec Diff();
+  CommandSpec Watch();
   CommandSpec Schema();
 
   ShowOptions fShow;
   DiffOptions fDiff;
+  WatchOptions fWatch;
   SchemaOptions fSchema;
   CommandSpec fCommand;
   StandardOptions fStandard{fCommand, USBINFO_VERSION};

@@ -3,20 +3,18 @@
 #include <fmt/format.h>
 
 #include "cli/collect/Collection.h"
-#include "cli/collect/DeviceListText.h"
 #include "cli/collect/Input.h"
+#include "cli/command/ComparedFile.h"
 #include "cli/command/Findings.h"
 #include "cli/diff/Comparability.h"
 #include "cli/diff/DiffJson.h"
 #include "cli/diff/DiffText.h"
 #include "cli/diff/InventoryDiff.h"
-#include "cli/model/FromJson.h"
 #include "cli/model/Selection.h"
 #include "cli/option/UsageError.h"
 #include "cli/text/Color.h"
 #include "cli/text/ExitStatus.h"
 #include "cli/text/LogWriter.h"
-#include "cli/text/Message.h"
 #include "cli/text/Output.h"
 #include "cli/text/UserError.h"
 
@@ -24,32 +22,16 @@ namespace cli {
 
 namespace {
 
-constexpr const char* kThisMachine = "this machine";
-
-Inventory Checked(Inventory inventory, const std::string& name, const DiffOptions& options) {
-  if (!options.allowsSuspect) RefuseFindings(inventory, name);
-  WarnOfFindings(inventory);
-  return inventory;
-}
-
-Inventory ReadInventory(const std::string& path, const DiffOptions& options, LogWriter& log) {
-  const std::string text = ReadInput(path, "name a file that holds a JSON inventory or a device list");
-  const std::string name = NameOfList(path);
-  if (!LooksLikeJson(text) && !LooksLikeDeviceList(text)) {
-    throw UserError(fmt::format(
-        "{} holds neither a JSON inventory nor a device list; save one with usbinfo --format json", name));
-  }
-  Source source;
-  source.devices = path;
-  source.plugin = options.source.plugin;
-  source.systemName = options.source.systemName;
-  source.isAsIs = options.source.isAsIs;
-  return Checked(CollectFrom(text, source, AllClasses(), log), name, options);
+Inventory ReadFile(const std::string& path, const DiffOptions& options, LogWriter& log) {
+  return ReadComparedFile(path, options.source, options.allowsSuspect, log);
 }
 
 Inventory ReadNew(const DiffOptions& options, LogWriter& log) {
-  if (!options.after.empty()) return ReadInventory(options.after, options, log);
-  return Checked(Collect(options.source, AllClasses(), log), kThisMachine, options);
+  if (!options.after.empty()) return ReadFile(options.after, options, log);
+  Inventory inventory = Collect(options.source, AllClasses(), log);
+  if (!options.allowsSuspect) RefuseFindings(inventory, kThisMachine);
+  WarnOfFindings(inventory);
+  return inventory;
 }
 
 std::string NameOfNew(const DiffOptions& options) {
@@ -63,17 +45,6 @@ void CheckOptionsForLists(const DiffOptions& options, const Inventory& before, c
                  {"--plugin", !options.source.plugin.empty()},
                  {"--system-name", !options.source.systemName.empty()}},
                 "is for device lists, and both files hold saved inventories: leave it out");
-}
-
-void CheckMasks(const DiffOptions& options, const Inventory& before, const Inventory& after) {
-  const std::string old = NameOfList(options.before);
-  const std::string now = NameOfNew(options);
-  if (const auto difference = DifferenceOfMasks(before, after)) {
-    throw UserError(fmt::format("{} and {} cannot be compared: {}", old, now, *difference));
-  }
-  if (!IsMaskingUnknown(before, after)) return;
-  PrintMessage(fmt::format("{} does not say whether its serial numbers are masked; save it anew to be sure",
-                           before.GetOrigin() ? now : old));
 }
 
 /// Where a part was selected of one inventory, the same part is taken of the other.
@@ -111,10 +82,10 @@ int RunDiff(const DiffOptions& options) {
                                                       {"--mask-key", options.source.maskKey},
                                                       {"--plugin", options.source.plugin}});
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
-  Inventory before = ReadInventory(options.before, options, log);
+  Inventory before = ReadFile(options.before, options, log);
   Inventory after = ReadNew(options, log);
   CheckOptionsForLists(options, before, after);
-  CheckMasks(options, before, after);
+  CheckMasks({before, NameOfList(options.before)}, {after, NameOfNew(options)});
   Align(options, before, after);
   const InventoryDifference difference = Compare(before, after, options.ignored);
   WriteOutput(options.output, Render(options, difference));

@@ -1,5 +1,6 @@
 #include "cli/command/SourceOptions.h"
 
+#include "cli/diff/PropertyComparison.h"
 #include "cli/option/Values.h"
 
 namespace cli {
@@ -58,6 +59,46 @@ where
 is mounted, and else
 .Cm plugin .)",
           .store = [&way](const std::string& name) { way = WayOf(name); }};
+}
+
+Option AllowSuspectOption(bool& allowsSuspect) {
+  return {.names = {"--allow-suspect"},
+          .help = "Compare in spite of lines that a device may have forged",
+          .manual = R"(Compare in spite of lines in a device list that the kernel does not write, and that a
+device may have forged.
+Without this option, such a list is an error.)",
+          .store = StoreTrue(allowsSuspect)};
+}
+
+Option IgnoreOption(std::vector<std::string>& ignored) {
+  return {.names = {"--ignore"},
+          .value = "PROPERTY",
+          .help = "Do not compare this property",
+          .choices = ChoicesOf(ComparedProperties()),
+          .isRepeatable = true,
+          .manual = R"(Do not compare this property.
+May be given more than once; case does not matter.
+The name is one of)",
+          .store = [&ignored](const std::string& name) {
+            ignored.push_back(NameOf(name, ComparedProperties()));
+          }};
+}
+
+std::vector<Option> ListOptions(Source& source) {
+  return {
+      {.names = {"--system-name"},
+       .value = "NAME",
+       .help = "The system name of device lists and of this machine",
+       .manual = R"(The name of the system in the keys of device lists and of this machine, as for
+.Cm show .
+JSON inventories keep their own names.)",
+       .store = StoreText(source.systemName)},
+      {.names = {"--plugin"},
+       .value = "FILE",
+       .help = "Read device lists and this machine with this plug-in module",
+       .defaultValue = "the installed one",
+       .manual = "Read device lists and this machine with this plug-in module instead of the installed one.",
+       .store = StoreText(source.plugin)}};
 }
 
 std::vector<Option> MaskOptions(Source& source) {

@@ -1,4 +1,4 @@
-// The options that say how device lists and this machine are read.
+// The options that say how device lists and this machine are read and compared.
 #pragma once
 
 #include <optional>
@@ -15,6 +15,15 @@ Option AsIsOption(bool& isAsIs);
 
 /// --source WAY.
 Option WayOption(std::optional<Source::Way>& way);
+
+/// --allow-suspect.
+Option AllowSuspectOption(bool& allowsSuspect);
+
+/// --ignore PROPERTY.
+Option IgnoreOption(std::vector<std::string>& ignored);
+
+/// --system-name NAME and --plugin FILE, where device lists and this machine are compared.
+std::vector<Option> ListOptions(Source& source);
 
 /// --mask-serials and --mask-key FILE.
 std::vector<Option> MaskOptions(Source& source);

@@ -104,8 +104,7 @@ void WriteItems(JsonWriter& json, std::string_view key, const std::vector<Placed
 
 }  // namespace
 
-std::string RenderDiffJson(const InventoryDifference& difference) {
-  JsonWriter json(JsonWriter::Layout::kIndented);
+void WriteDiff(JsonWriter& json, const InventoryDifference& difference) {
   json.BeginObject();
   json.Key("schema");
   json.String(kSchema);
@@ -119,6 +118,11 @@ std::string RenderDiffJson(const InventoryDifference& difference) {
   WriteList(json, "changed", difference.changed,
             [&](const ItemChange& change) { WriteChanged(json, change); });
   json.EndObject();
+}
+
+std::string RenderDiffJson(const InventoryDifference& difference) {
+  JsonWriter json(JsonWriter::Layout::kIndented);
+  WriteDiff(json, difference);
   return json.Take() + "\n";
 }
 

@@ -10,12 +10,16 @@
 
 namespace cli {
 
+class JsonWriter;
 struct ComparedMachine;
 struct DiffEntry;
 struct InventoryDifference;
 
 /// One object with all lists, even empty ones, and keys in a fixed order. ASCII only.
 std::string RenderDiffJson(const InventoryDifference& difference);
+
+/// The same object as a value in another document.
+void WriteDiff(JsonWriter& json, const InventoryDifference& difference);
 
 /// Parts of the document, each on one line without an end: the members "old" and "new", and the elements of
 /// the lists.

@@ -1,7 +1,10 @@
 // How options take their values: as any text, or as words of a list of choices.
 #pragma once
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +24,13 @@ StoreValue StoreChoice(std::string& target, const std::vector<Choice>& choices);
 
 /// For an option without a value.
 StoreValue StoreTrue(bool& target);
+
+/// Takes a whole number from 1 on.
+StoreValue StoreCount(std::optional<std::uint64_t>& target);
+
+/// A whole number with a unit: "500ms", "2s", "5m", "1h", "30d"; seconds where there is none. Throws
+/// UsageError for anything else, and for more than `longest`.
+std::chrono::milliseconds ParseDuration(const std::string& text, std::chrono::milliseconds longest);
 
 std::vector<std::string> NamesOf(const std::vector<Choice>& choices);
 

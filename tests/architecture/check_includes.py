@@ -32,8 +32,10 @@ MAY_INCLUDE = {
     "cli/collect": ["standin", "kernel", "system", "schema", "host", "cli/model", "cli/model/FromHost", "cli/text",
                     "cli/collect/SerialMask"],
     "cli/option": ["cli/text"],
+    "cli/watch": ["cli/diff", "cli/model", "cli/text", "kernel"],
     "cli/command": ["cli/collect", "cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model",
-                    "cli/model/FromHost", "cli/model/UsbIds", "cli/option", "cli/text", "schema", "standin", "system"],
+                    "cli/model/FromHost", "cli/model/UsbIds", "cli/option", "cli/text", "cli/watch", "schema", "standin",
+                    "system"],
     # Of collecting, the store masks serial numbers only.
     "cli/collect/SerialMask": ["cli/collect", "cli/text", "system"],
     "store": ["cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model", "cli/model/UsbIds", "cli/option",

@@ -245,9 +245,9 @@ TEST(Usage, PrintsTheHelpOfASubcommandBothWays) {
     EXPECT_EQ(result.output, RunUsbinfo({subcommand, "--help"}).output);
   }
   EXPECT_EQ(RunUsbinfo({"help"}).output, RunUsbinfo({"--help"}).output);
-  EXPECT_EQ(
-      RunUsbinfo({"help", "shwo"}).errors,
-      "usbinfo: SUBCOMMAND: \"shwo\" is not one of show, diff, schema, help; see usbinfo help --help\n");
+  EXPECT_EQ(RunUsbinfo({"help", "shwo"}).errors,
+            "usbinfo: SUBCOMMAND: \"shwo\" is not one of show, diff, watch, schema, help; see usbinfo help "
+            "--help\n");
 }
 
 TEST(Usage, PrintsHelpWhateverElseIsWrong) {

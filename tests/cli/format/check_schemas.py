@@ -134,6 +134,13 @@ ALLOWED["usbinfo-changes"] = (
     *(rf"changes/0/difference/?{pattern}"
       for pattern in ALLOWED["usbinfo-diff"]),
 )
+ALLOWED["usbinfo-watch"] = (
+    r": machine = (None|'\?')",
+    r": cameAndWent = \[\]",
+    r": eventsLost = True",
+    r"cameAndWent/0: kinds = \[\]",
+    *(rf"difference/?{pattern}" for pattern in ALLOWED["usbinfo-diff"]),
+)
 
 
 class Failures:
@@ -187,6 +194,11 @@ class Usbinfo(Program):
     def difference(self, old, new):
         """Return the difference of two inventories."""
         return self.document("diff", "--allow-suspect", "--format", "json", old, new)
+
+    def report(self, baseline):
+        """Return how this machine differs from a baseline, as watch prints it."""
+        return self.document("watch", "--allow-suspect", "--format", "jsonl", "--count", "1", "--timeout", "1",
+                             "--baseline", baseline)
 
 
 class Store(Program):
@@ -267,6 +279,8 @@ def check_valid_documents(failures, usbinfo):
     for old, new in pairs:
         require_valid(failures, difference, usbinfo.difference(old, new),
                       f"{old.name} and {new.name}")
+    for path in (OLD, NEW, MOVED):
+        require_valid(failures, schema("usbinfo-watch"), usbinfo.report(path), f"watch from {path.name}")
     require_valid(failures, schema("usbinfo-classes"),
                   usbinfo.document("schema", "--format", "json"), "classes")
 
@@ -372,6 +386,7 @@ KERNEL = {
     "ports": [{"port": "Bus 01  Device   1 Port 02", "name": "1-3",
                "peer": "2-3", "connect": "hotplug", "state": "used"}],
 }
+VISITOR = {"name": "1-3.1", "number": 4, "id": "0781:5581", "kinds": ["mass storage"]}
 
 
 def loaded_store(usbinfo, path, folder):
@@ -437,6 +452,9 @@ def check_usbinfo(failures, usbinfo):
     for new in (NEW, MOVED):
         check_strict(failures, usbinfo, "usbinfo-diff",
                      usbinfo.difference(OLD, new))
+    check_strict(failures, usbinfo, "usbinfo-watch", {
+        **usbinfo.report(OLD), "difference": usbinfo.difference(OLD, NEW), "cameAndWent": [VISITOR],
+        "eventsLost": False})
 
 
 def main(command, store=None):

@@ -1,0 +1,74 @@
+#include "cli/command/WatchCommand.h"
+
+#include <fmt/format.h>
+
+#include <optional>
+#include <utility>
+
+#include "cli/collect/Collection.h"
+#include "cli/collect/Input.h"
+#include "cli/command/ComparedFile.h"
+#include "cli/command/Findings.h"
+#include "cli/diff/Comparability.h"
+#include "cli/text/Color.h"
+#include "cli/text/ExitStatus.h"
+#include "cli/text/LogWriter.h"
+#include "cli/text/Output.h"
+#include "cli/text/UserError.h"
+#include "cli/watch/Clock.h"
+#include "cli/watch/UdevMonitor.h"
+#include "cli/watch/WatchReport.h"
+#include "cli/watch/Watcher.h"
+#include "system/StopSignals.h"
+
+namespace cli {
+
+namespace {
+
+Inventory CollectNow(const WatchOptions& options, LogWriter& log) {
+  Inventory inventory = Collect(options.source, AllClasses(), log);
+  WarnOfFindings(inventory);
+  return inventory;
+}
+
+std::optional<Inventory> ReadBaseline(const WatchOptions& options, LogWriter& log) {
+  if (options.baseline.empty()) return std::nullopt;
+  return ReadComparedFile(options.baseline, options.source, options.allowsSuspect, log);
+}
+
+void CheckBaseline(const WatchOptions& options, const Inventory& baseline, const Inventory& now) {
+  const std::string name = NameOfList(options.baseline);
+  CheckMasks({baseline, name}, {now, kThisMachine});
+  if (CompareSelections(baseline, now) == SelectionToApply::kNone) return;
+  throw UserError(fmt::format(
+      "{} holds only a part of an inventory; save it without the options -d, -s and --class", name));
+}
+
+void Print(const WatchOptions& options, const WatchReport& report) {
+  const bool isText = options.format == "text";
+  WriteStandardOutput(isText ? RenderWatchText(report, UsesColor(ColorOf(options.color), true))
+                             : RenderWatchJson(report));
+}
+
+}  // namespace
+
+int RunWatch(const WatchOptions& options) {
+  LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
+  std::optional<Inventory> baseline = ReadBaseline(options, log);
+  const sys::StopSignals signals;
+  // Before the machine is looked at, so that nothing happens unseen in between.
+  UdevMonitor events(signals.Get());
+  const SystemClock clock;
+  Inventory now = CollectNow(options, log);
+  if (baseline) CheckBaseline(options, *baseline, now);
+
+  Watcher watcher({.events = events,
+                   .clock = clock,
+                   .collect = [&] { return CollectNow(options, log); },
+                   .print = [&](const WatchReport& report) { Print(options, report); }},
+                  options.settings, baseline ? std::move(*baseline) : now);
+  if (baseline) watcher.Compare(std::move(now));
+  return watcher.Follow() ? kPrinted : kFailure;
+}
+
+}  // namespace cli
