@@ -19,4 +19,10 @@ Option WayOption(std::optional<Source::Way>& way);
 /// --mask-serials and --mask-key FILE.
 std::vector<Option> MaskOptions(Source& source);
 
+/// --devices, --source, --as-is, --no-limits and --system-name.
+std::vector<Option> SourceOptions(Source& source);
+
+/// --plugin FILE.
+Option PluginOption(std::string& path);
+
 }  // namespace cli
