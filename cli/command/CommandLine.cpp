@@ -1,5 +1,6 @@
 #include "cli/command/CommandLine.h"
 
+#include "cli/command/CheckCommand.h"
 #include "cli/command/DiffCommand.h"
 #include "cli/command/SchemaCommand.h"
 #include "cli/command/ShowCommand.h"
@@ -18,6 +19,7 @@ CommandLine::CommandLine() {
   fCommand.summary = "Show a machine's USB inventory: controllers, hubs, ports and devices";
   fCommand.subcommands.push_back(Show());
   fCommand.subcommands.push_back(Diff());
+  fCommand.subcommands.push_back(Check());
   fCommand.subcommands.push_back(Schema());
   fCommand.subcommands.push_back(fStandard.Help());
 }
@@ -53,6 +55,21 @@ the new inventory is that of this machine.)",
           .options = fStandard.WithHelp(DiffOptionTable(fDiff)),
           .check = [this] { CheckDiffOptions(fDiff); },
           .run = [this] { return RunDiff(fDiff); }};
+}
+
+CommandSpec CommandLine::Check() {
+  return {.name = "check",
+          .summary = "Check devices against a policy",
+          .manual = R"(.Ar POLICY
+is a file of rules in the language of
+.Xr usbguard-rules.conf 5 .
+The devices are those of each
+.Ar INVENTORY ,
+which is a JSON inventory or a device list; without one, they are those of this machine.)",
+          .operands = CheckOperands(fCheck),
+          .options = fStandard.WithHelp(CheckOptionTable(fCheck)),
+          .check = [this] { CompleteCheckOptions(fCheck); },
+          .run = [this] { return RunCheck(fCheck); }};
 }
 
 CommandSpec CommandLine::Schema() {

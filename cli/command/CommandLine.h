@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/command/CheckOptions.h"
 #include "cli/command/DiffOptions.h"
 #include "cli/command/SchemaOptions.h"
 #include "cli/command/ShowOptions.h"
@@ -26,10 +27,12 @@ class CommandLine {
  private:
   CommandSpec Show();
   CommandSpec Diff();
+  CommandSpec Check();
   CommandSpec Schema();
 
   ShowOptions fShow;
   DiffOptions fDiff;
+  CheckOptions fCheck;
   SchemaOptions fSchema;
   CommandSpec fCommand;
   StandardOptions fStandard{fCommand, USBINFO_VERSION};

@@ -27,7 +27,7 @@ namespace {
 constexpr const char* kThisMachine = "this machine";
 
 Inventory Checked(Inventory inventory, const std::string& name, const DiffOptions& options) {
-  if (!options.allowsSuspect) RefuseFindings(inventory, name);
+  if (!options.allowsSuspect) RefuseFindings(inventory, name, "compare");
   WarnOfFindings(inventory);
   return inventory;
 }
