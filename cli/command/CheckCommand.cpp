@@ -21,8 +21,8 @@ namespace cli {
 namespace {
 
 Policy ReadPolicy(const CheckOptions& options) {
-  Policy policy = ParsePolicy(ReadInput(options.policy, "name a file that holds a policy"),
-                              NameOfList(options.policy));
+  Policy policy =
+      ParsePolicy(ReadInput(options.policy, "name a file that holds a policy"), NameOfList(options.policy));
   if (options.defaultTarget == NameOf(PolicyTarget::kAllow)) policy.defaultTarget = PolicyTarget::kAllow;
   return policy;
 }
@@ -64,8 +64,8 @@ int RunCheck(const CheckOptions& options) {
   for (std::size_t index = 0; index < paths.size(); ++index) {
     checked.push_back(Check(policy, inventories[index], NameOfInventory(paths[index])));
   }
-  WriteOutput(options.output, options.format == "json" ? RenderCheckJson(policy, checked)
-                                                       : RenderCheckText(policy, checked));
+  WriteOutput(options.output,
+              options.format == "json" ? RenderCheckJson(policy, checked) : RenderCheckText(policy, checked));
   log.Finish();
   return IsAllAllowed(checked) ? kPrinted : kNotAllowed;
 }

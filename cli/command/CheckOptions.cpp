@@ -64,7 +64,8 @@ std::vector<Option> CheckOptionTable(CheckOptions& options) {
 
 void CompleteCheckOptions(CheckOptions& options) {
   if (!options.source.devices.empty()) {
-    if (!options.inventories.empty()) throw UsageError("--devices names an inventory: leave it or INVENTORY out");
+    if (!options.inventories.empty())
+      throw UsageError("--devices names an inventory: leave it or INVENTORY out");
     options.inventories.push_back(options.source.devices);
   }
   CheckStandardInput(options);

@@ -48,7 +48,8 @@ std::string RuleFor(const PolicyDevice& device) {
   const PolicyValues& serials = device.ValuesOf(PolicyAttribute::kSerial);
   if (!serials) {
     throw UserError(
-        "the serial numbers are masked, so the rules would not match; leave --mask-serials out, or use another "
+        "the serial numbers are masked, so the rules would not match; leave --mask-serials out, or use "
+        "another "
         "format");
   }
   const bool hasSerial = !serials->front().empty();

@@ -29,9 +29,8 @@ CheckedInventory Check(const Policy& policy, const Inventory& inventory, const s
 }
 
 bool IsAllAllowed(const std::vector<CheckedInventory>& checked) {
-  return std::all_of(checked.begin(), checked.end(), [](const CheckedInventory& inventory) {
-    return inventory.CountRefused() == 0;
-  });
+  return std::all_of(checked.begin(), checked.end(),
+                     [](const CheckedInventory& inventory) { return inventory.CountRefused() == 0; });
 }
 
 }  // namespace cli

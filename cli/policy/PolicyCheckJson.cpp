@@ -64,8 +64,7 @@ std::string RenderCheckJson(const Policy& policy, const std::vector<CheckedInven
   WriteMember(json, "schema", std::string("usbinfo.check/1"));
   WriteMember(json, "policy", policy.name);
   WriteMember(json, "default", std::string(NameOf(policy.defaultTarget)));
-  WriteList(json, "inventories", checked,
-            [&](const CheckedInventory& inventory) { Write(json, inventory); });
+  WriteList(json, "inventories", checked, [&](const CheckedInventory& inventory) { Write(json, inventory); });
   json.EndObject();
   return json.Take() + "\n";
 }

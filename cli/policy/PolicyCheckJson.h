@@ -8,8 +8,8 @@
 
 namespace cli {
 
-/// One object with all inventories and each of their devices, allowed or not, and keys in a fixed order. ASCII
-/// only.
+/// One object with all inventories and each of their devices, allowed or not, and keys in a fixed order.
+/// ASCII only.
 std::string RenderCheckJson(const Policy& policy, const std::vector<CheckedInventory>& checked);
 
 }  // namespace cli

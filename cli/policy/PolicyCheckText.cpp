@@ -15,8 +15,7 @@ std::string Describe(const PolicyDevice& device) {
   const char* const noun = device.item->Class() == ClassId::kHub ? "hub" : "device";
   const std::string product = ProductOf(*device.item, device.facts);
   const std::string serial = SerialOf(*device.item, device.facts);
-  return fmt::format("{} {} {}{}",
-                     hasKinds ? fmt::format("{}", fmt::join(device.facts->kinds, ", ")) : noun,
+  return fmt::format("{} {} {}{}", hasKinds ? fmt::format("{}", fmt::join(device.facts->kinds, ", ")) : noun,
                      FormatId(*device.item), product.empty() ? "(no name)" : QuoteForDocument(product),
                      serial.empty() ? "" : ", serial " + QuoteForDocument(serial));
 }

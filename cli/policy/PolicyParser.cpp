@@ -27,51 +27,52 @@ using Wildcard = pegtl::one<'*'>;
 using Byte = pegtl::rep<2, pegtl::xdigit>;
 using Number = pegtl::rep<4, pegtl::xdigit>;
 
+// Unlike pegtl::must, this finds the error where `Expected` would begin.
+template <typename Expected>
+using Must = pegtl::sor<Expected, pegtl::raise<Expected>>;
+
 struct Gap : pegtl::plus<pegtl::blank> {};
 struct Comment : pegtl::seq<Blanks, pegtl::one<'#'>, pegtl::star<pegtl::any>> {};
 
 struct DeviceId : pegtl::sor<pegtl::seq<Wildcard, Colon, Wildcard>,
                              pegtl::seq<Number, Colon, pegtl::sor<Wildcard, Number>>> {};
-struct InterfaceType
-    : pegtl::seq<Byte, Colon,
-                 pegtl::sor<pegtl::seq<Wildcard, Colon, Wildcard>,
-                            pegtl::seq<Byte, Colon, pegtl::sor<Wildcard, Byte>>>> {};
+struct InterfaceType : pegtl::seq<Byte, Colon,
+                                  pegtl::sor<pegtl::seq<Wildcard, Colon, Wildcard>,
+                                             pegtl::seq<Byte, Colon, pegtl::sor<Wildcard, Byte>>>> {};
 
 struct Escape : pegtl::sor<pegtl::one<'"', '\\'>, pegtl::seq<pegtl::one<'x'>, Byte>> {};
-struct TextContent : pegtl::star<pegtl::sor<pegtl::seq<pegtl::one<'\\'>, pegtl::must<Escape>>,
-                                            pegtl::not_one<'"', '\\', '\r', '\n'>>> {};
+struct TextContent
+    : pegtl::star<
+          pegtl::sor<pegtl::seq<pegtl::one<'\\'>, Must<Escape>>, pegtl::not_one<'"', '\\', '\r', '\n'>>> {};
 struct TextEnd : pegtl::one<'"'> {};
-struct Text : pegtl::seq<pegtl::one<'"'>, TextContent, pegtl::must<TextEnd>> {};
+struct Text : pegtl::seq<pegtl::one<'"'>, TextContent, Must<TextEnd>> {};
 
 struct Negation : pegtl::one<'!'> {};
 struct ConditionName : pegtl::plus<pegtl::sor<pegtl::alpha, pegtl::one<'-'>>> {};
 struct ArgumentText : pegtl::plus<pegtl::not_one<')'>> {};
 struct ArgumentEnd : pegtl::one<')'> {};
-struct Argument : pegtl::seq<pegtl::one<'('>, pegtl::must<ArgumentText>, pegtl::must<ArgumentEnd>> {};
+struct Argument : pegtl::seq<pegtl::one<'('>, Must<ArgumentText>, Must<ArgumentEnd>> {};
 struct Condition : pegtl::seq<pegtl::opt<Negation>, ConditionName, pegtl::opt<Argument>> {};
 
 // A longer word comes before its beginning.
-struct Operator
-    : pegtl::sor<TAO_PEGTL_STRING("all-of"), TAO_PEGTL_STRING("one-of"), TAO_PEGTL_STRING("none-of"),
-                 TAO_PEGTL_STRING("equals-ordered"), TAO_PEGTL_STRING("equals"),
-                 TAO_PEGTL_STRING("match-all")> {};
+struct Operator : pegtl::sor<TAO_PEGTL_STRING("all-of"), TAO_PEGTL_STRING("one-of"),
+                             TAO_PEGTL_STRING("none-of"), TAO_PEGTL_STRING("equals-ordered"),
+                             TAO_PEGTL_STRING("equals"), TAO_PEGTL_STRING("match-all")> {};
 struct SetEnd : pegtl::one<'}'> {};
 template <typename Value>
-struct Set : pegtl::seq<pegtl::one<'{'>, Blanks, pegtl::must<Value>, pegtl::star<Gap, Value>, Blanks,
-                        pegtl::must<SetEnd>> {};
+struct Set : pegtl::seq<pegtl::one<'{'>, Blanks, Must<Value>, pegtl::star<Gap, Value>, Blanks, Must<SetEnd>> {
+};
 template <typename Value>
-struct Values : pegtl::sor<pegtl::seq<Operator, pegtl::must<Gap>, pegtl::must<Set<Value>>>, Set<Value>,
-                           pegtl::must<Value>> {};
+struct Values : pegtl::sor<pegtl::seq<Operator, Must<Gap>, Must<Set<Value>>>, Set<Value>, Must<Value>> {};
 
 struct IdName : TAO_PEGTL_STRING("id") {};
 struct InterfaceName : TAO_PEGTL_STRING("with-interface") {};
-struct TextName
-    : pegtl::sor<TAO_PEGTL_STRING("hash"), TAO_PEGTL_STRING("parent-hash"), TAO_PEGTL_STRING("name"),
-                 TAO_PEGTL_STRING("serial"), TAO_PEGTL_STRING("via-port"),
-                 TAO_PEGTL_STRING("with-connect-type")> {};
+struct TextName : pegtl::sor<TAO_PEGTL_STRING("hash"), TAO_PEGTL_STRING("parent-hash"),
+                             TAO_PEGTL_STRING("name"), TAO_PEGTL_STRING("serial"),
+                             TAO_PEGTL_STRING("via-port"), TAO_PEGTL_STRING("with-connect-type")> {};
 struct ConditionWord : TAO_PEGTL_STRING("if") {};
 template <typename Name, typename Value>
-struct Named : pegtl::seq<Name, pegtl::must<Gap>, Values<Value>> {};
+struct Named : pegtl::seq<Name, Must<Gap>, Values<Value>> {};
 // It has no effect.
 struct Label : pegtl::disable<Named<TAO_PEGTL_STRING("label"), Text>> {};
 struct Attribute : pegtl::sor<Named<IdName, DeviceId>, Named<InterfaceName, InterfaceType>,
@@ -79,15 +80,13 @@ struct Attribute : pegtl::sor<Named<IdName, DeviceId>, Named<InterfaceName, Inte
 
 // No name of an attribute begins so.
 struct BareIdBegin : pegtl::at<pegtl::sor<pegtl::xdigit, Wildcard>> {};
-struct BareId : pegtl::seq<BareIdBegin, pegtl::must<DeviceId>> {};
+struct BareId : pegtl::seq<BareIdBegin, Must<DeviceId>> {};
 
-struct Target
-    : pegtl::sor<TAO_PEGTL_STRING("allow"), TAO_PEGTL_STRING("block"), TAO_PEGTL_STRING("reject")> {};
-struct End : pegtl::sor<pegtl::eof, Comment> {};
-struct Rule
-    : pegtl::seq<pegtl::must<Target>, pegtl::opt<Gap, BareId>,
-                 pegtl::star<Gap, pegtl::not_at<pegtl::one<'#'>>, pegtl::must<Attribute>>, pegtl::must<End>> {
+struct Target : pegtl::sor<TAO_PEGTL_STRING("allow"), TAO_PEGTL_STRING("block"), TAO_PEGTL_STRING("reject")> {
 };
+struct End : pegtl::sor<pegtl::eof, Comment> {};
+struct Rule : pegtl::seq<Must<Target>, pegtl::opt<Gap, BareId>,
+                         pegtl::star<Gap, pegtl::not_at<pegtl::one<'#'>>, Must<Attribute>>, Must<End>> {};
 struct Line : pegtl::sor<Comment, Rule> {};
 
 }  // namespace grammar
@@ -129,7 +128,7 @@ constexpr const char* kMessage<grammar::Set<Value>> = "expected { after the oper
 struct Errors {
   template <typename Rule>
   static constexpr const char* message = kMessage<Rule>;
-  /// Only where the grammar says that a rule must match.
+  /// Only Must raises errors.
   template <typename Rule>
   static constexpr bool raise_on_failure = false;
 };

@@ -31,8 +31,8 @@ bool IsNarrower(const PolicyPattern& left, const PolicyPattern& right) {
          std::make_tuple(right.isPrefix, left.text.size());
 }
 
-/// Whether each pattern covers a value of its own. The narrowest ones choose first: whatever one of them takes
-/// is as good for every wider one that covers it.
+/// Whether each pattern covers a value of its own. The narrowest ones choose first: whatever one of them
+/// takes is as good for every wider one that covers it.
 bool CoverOneEach(Patterns patterns, Values values) {
   if (patterns.size() != values.size()) return false;
   std::sort(patterns.begin(), patterns.end(), IsNarrower);

@@ -138,7 +138,7 @@ class UsbinfoTest(CompletionTest):
     COMMAND = "usbinfo"
     FORMATS = ["tree", "table", "json", "jsonl", "csv", "cimxml", "mof", "dot", "html",
                "list"]
-    SUBCOMMANDS = ["show", "diff", "schema", "help"]
+    SUBCOMMANDS = ["show", "diff", "check", "schema", "help"]
 
     def test_beginning_of_a_subcommand(self):
         self.assert_offers(("d",), ["diff"])

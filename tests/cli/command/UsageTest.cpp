@@ -239,7 +239,7 @@ TEST(Usage, PrintsHelpThatNamesTheSubcommandAndTheVersionOption) {
 }
 
 TEST(Usage, PrintsTheHelpOfASubcommandBothWays) {
-  for (const char* subcommand : {"show", "diff", "schema", "help"}) {
+  for (const char* subcommand : {"show", "diff", "check", "schema", "help"}) {
     const CommandResult result = RunUsbinfo({"help", subcommand});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.output, RunUsbinfo({subcommand, "--help"}).output);
@@ -247,7 +247,7 @@ TEST(Usage, PrintsTheHelpOfASubcommandBothWays) {
   EXPECT_EQ(RunUsbinfo({"help"}).output, RunUsbinfo({"--help"}).output);
   EXPECT_EQ(
       RunUsbinfo({"help", "shwo"}).errors,
-      "usbinfo: SUBCOMMAND: \"shwo\" is not one of show, diff, schema, help; see usbinfo help --help\n");
+      "usbinfo: SUBCOMMAND: \"shwo\" is not one of show, diff, check, schema, help; see usbinfo help --help\n");
 }
 
 TEST(Usage, PrintsHelpWhateverElseIsWrong) {
