@@ -10,7 +10,7 @@ namespace cli {
 
 namespace {
 
-std::string Quoted(const std::string& value) {
+std::string QuotedForPolicy(const std::string& value) {
   std::string text = "\"";
   for (const char& character : value) {
     if (character < ' ' || character > '~') {
@@ -24,12 +24,12 @@ std::string Quoted(const std::string& value) {
 }
 
 /// " NAME VALUE"; empty where the value is not known.
-std::string Text(PolicyAttribute attribute, const PolicyDevice& device) {
+std::string AttributeText(PolicyAttribute attribute, const PolicyDevice& device) {
   const PolicyValues& values = device.ValuesOf(attribute);
-  return values ? fmt::format(" {} {}", NameOf(attribute), Quoted(values->front())) : std::string();
+  return values ? fmt::format(" {} {}", NameOf(attribute), QuotedForPolicy(values->front())) : std::string();
 }
 
-std::string Interfaces(const PolicyDevice& device) {
+std::string InterfaceText(const PolicyDevice& device) {
   const PolicyValues& values = device.ValuesOf(PolicyAttribute::kWithInterface);
   if (!values) {
     throw UserError(
@@ -53,11 +53,11 @@ std::string RuleFor(const PolicyDevice& device) {
         "format");
   }
   const bool hasSerial = !serials->front().empty();
-  return fmt::format("{} id {}{}{}{}{}{}\n", NameOf(PolicyTarget::kAllow),
-                     device.ValuesOf(PolicyAttribute::kId)->front(), Text(PolicyAttribute::kSerial, device),
-                     Text(PolicyAttribute::kName, device),
-                     hasSerial ? "" : Text(PolicyAttribute::kViaPort, device), Interfaces(device),
-                     Text(PolicyAttribute::kWithConnectType, device));
+  return fmt::format(
+      "{} id {}{}{}{}{}{}\n", NameOf(PolicyTarget::kAllow), device.ValuesOf(PolicyAttribute::kId)->front(),
+      AttributeText(PolicyAttribute::kSerial, device), AttributeText(PolicyAttribute::kName, device),
+      hasSerial ? "" : AttributeText(PolicyAttribute::kViaPort, device), InterfaceText(device),
+      AttributeText(PolicyAttribute::kWithConnectType, device));
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ PolicyValues One(std::string value) {
   return std::vector<std::string>{std::move(value)};
 }
 
-bool IsRootHub(const std::string& name) {
+bool IsNameOfRootHub(const std::string& name) {
   const std::optional<Place> place = Place::OfName(name);
   return place && place->ports.empty();
 }
@@ -67,14 +67,14 @@ class Attributes {
  private:
   PolicyValues SerialsOf(const PolicyDevice& device) const {
     const std::string serial = SerialOf(*device.item, device.facts);
-    const bool hasOwn = device.facts != nullptr && IsRootHub(device.facts->name.value_or(""));
+    const bool hasOwn = device.facts != nullptr && IsNameOfRootHub(device.facts->name.value_or(""));
     if (fIsMasked && !serial.empty() && !hasOwn) return std::nullopt;
     return One(serial);
   }
 
   /// Only sysfs says it. There, a root hub and a port without the kernel's word have none.
   PolicyValues ConnectTypesOf(const std::string& name) const {
-    if (IsRootHub(name)) return One("");
+    if (IsNameOfRootHub(name)) return One("");
     const auto port = fPorts.find(name);
     if (port == fPorts.end()) return std::nullopt;
     const std::optional<std::string>& connect = port->second->connect;

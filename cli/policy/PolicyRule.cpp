@@ -7,9 +7,9 @@ namespace cli {
 
 namespace {
 
-constexpr std::array<std::string_view, 3> kTargets = {"allow", "block", "reject"};
+constexpr std::array<std::string_view, 3> kTargetNames = {"allow", "block", "reject"};
 
-constexpr std::array<std::string_view, kPolicyAttributeCount> kAttributes = {
+constexpr std::array<std::string_view, kPolicyAttributeCount> kAttributeNames = {
     "id", "hash", "parent-hash", "name", "serial", "via-port", "with-interface", "with-connect-type"};
 
 using Patterns = std::vector<PolicyPattern>;
@@ -54,11 +54,11 @@ bool CoverInOrder(const Patterns& patterns, const Values& values) {
 }  // namespace
 
 std::string_view NameOf(PolicyTarget target) {
-  return kTargets[static_cast<std::size_t>(target)];
+  return kTargetNames[static_cast<std::size_t>(target)];
 }
 
 std::string_view NameOf(PolicyAttribute attribute) {
-  return kAttributes[static_cast<std::size_t>(attribute)];
+  return kAttributeNames[static_cast<std::size_t>(attribute)];
 }
 
 bool PolicyPattern::Covers(std::string_view value) const {

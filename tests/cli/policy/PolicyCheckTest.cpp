@@ -26,7 +26,7 @@ using testing::StartsWith;
 namespace usbinfo_test {
 namespace {
 
-constexpr const char* kKeyboard = "Bus 01  Device   4";
+constexpr const char* kDesktopKeyboard = "Bus 01  Device   4";
 
 std::string Desktop() {
   return ReadFile(SOURCE_DIR "/examples/desktop.json");
@@ -39,18 +39,18 @@ std::vector<std::string> Documents() {
   return documents;
 }
 
-cli::Inventory Read(const json& document) {
+cli::Inventory Parsed(const json& document) {
   return cli::FromJson(document.dump(), "saved");
 }
 
 std::string PolicyFor(const json& document) {
-  return cli::RenderUsbguard(Read(document), cli::RenderOptions{});
+  return cli::RenderUsbguard(Parsed(document), cli::RenderOptions{});
 }
 
 /// The identifiers of the devices of `document` that `policy` does not allow.
 std::vector<std::string> RefusedBy(const std::string& policy, const json& document) {
   const cli::Policy rules = cli::ParsePolicy(policy, "rules.conf");
-  const cli::Inventory inventory = Read(document);
+  const cli::Inventory inventory = Parsed(document);
   std::vector<std::string> refused;
   for (const cli::CheckedDevice& device : cli::Check(rules, inventory, "saved").devices) {
     if (!device.IsAllowed()) refused.push_back(device.device.item->String(cli::PropertyId::kDeviceID));
@@ -58,7 +58,7 @@ std::vector<std::string> RefusedBy(const std::string& policy, const json& docume
   return refused;
 }
 
-json& Instance(json& document, const std::string& identifier) {
+json& InstanceOf(json& document, const std::string& identifier) {
   for (const char* const name : {"KALDO_USBHub", "KALDO_USBDevice"}) {
     for (json& instance : document["classes"][name]) {
       if (instance["DeviceID"] == identifier) return instance;
@@ -134,7 +134,7 @@ TEST(UsbguardFormat, AllowsNoDeviceThatHasChanged) {
         json after = before;
         json& facts = after["kernel"]["devices"][index];
         const std::string identifier = facts["device"];
-        if (!change(Instance(after, identifier), facts)) continue;
+        if (!change(InstanceOf(after, identifier), facts)) continue;
         EXPECT_THAT(RefusedBy(policy, after), ElementsAre(identifier)) << facts.dump() << "\n" << policy;
       }
     }
@@ -178,7 +178,7 @@ TEST(UsbguardFormat, AllowsADeviceWithoutInterfacesOnlySo) {
   const std::string policy = PolicyFor(document);
   EXPECT_THAT(policy, HasSubstr(" with-interface match-all { 00:00:00 } "));
   EXPECT_THAT(RefusedBy(policy, document), IsEmpty());
-  EXPECT_THAT(RefusedBy(policy, json::parse(Desktop())), ElementsAre(kKeyboard));
+  EXPECT_THAT(RefusedBy(policy, json::parse(Desktop())), ElementsAre(kDesktopKeyboard));
 }
 
 TEST(UsbguardFormat, RefusesWhatItsRulesWouldNotMatch) {
@@ -238,7 +238,7 @@ struct DesktopCheck {
   std::string Text() const { return cli::RenderCheckText(policy, checked); }
 
   cli::Policy policy;
-  cli::Inventory inventory = Read(json::parse(Desktop()));
+  cli::Inventory inventory = Parsed(json::parse(Desktop()));
   std::vector<cli::CheckedInventory> checked;
 };
 

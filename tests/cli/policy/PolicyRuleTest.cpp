@@ -24,41 +24,41 @@ bool Matches(const std::string& interfaces, const Values& values) {
   return policy.rules.at(0).tests.at(0).Matches(values);
 }
 
-const Values kStick = {"08:06:50", "08:06:62"};
+const Values kDiskInterfaces = {"08:06:50", "08:06:62"};
 const Values kComposite = {"03:01:01", "08:06:50"};
 
 TEST(SetOperators, AllOfNeedsAValueForEachPattern) {
   EXPECT_TRUE(Matches("all-of { 08:*:* 03:01:* }", kComposite));
   EXPECT_TRUE(Matches("all-of { 08:*:* }", kComposite));
-  EXPECT_FALSE(Matches("all-of { 08:*:* 03:*:* }", kStick));
+  EXPECT_FALSE(Matches("all-of { 08:*:* 03:*:* }", kDiskInterfaces));
   EXPECT_FALSE(Matches("all-of { 08:*:* }", {}));
 }
 
 TEST(SetOperators, OneOfNeedsAValueForAnyPattern) {
   EXPECT_TRUE(Matches("one-of { 09:*:* 03:01:* }", kComposite));
-  EXPECT_FALSE(Matches("one-of { 09:*:* 03:*:* }", kStick));
+  EXPECT_FALSE(Matches("one-of { 09:*:* 03:*:* }", kDiskInterfaces));
   EXPECT_FALSE(Matches("one-of { 08:*:* }", {}));
 }
 
 TEST(SetOperators, NoneOfAllowsNoValueForAnyPattern) {
-  EXPECT_TRUE(Matches("none-of { 09:*:* 03:*:* }", kStick));
+  EXPECT_TRUE(Matches("none-of { 09:*:* 03:*:* }", kDiskInterfaces));
   EXPECT_FALSE(Matches("none-of { 09:*:* 03:01:01 }", kComposite));
   EXPECT_TRUE(Matches("none-of { 08:*:* }", {}));
 }
 
 TEST(SetOperators, MatchAllNeedsAPatternForEachValue) {
   EXPECT_TRUE(Matches("match-all { 08:*:* 03:*:* e0:*:* }", kComposite));
-  EXPECT_TRUE(Matches("match-all { 08:*:* }", kStick));
+  EXPECT_TRUE(Matches("match-all { 08:*:* }", kDiskInterfaces));
   EXPECT_FALSE(Matches("match-all { 08:*:* }", kComposite));
   EXPECT_TRUE(Matches("match-all { 08:*:* }", {}));
 }
 
 TEST(SetOperators, EqualsNeedsAsManyPatternsAsValues) {
   EXPECT_TRUE(Matches("08:*:*", {"08:06:50"}));
-  EXPECT_FALSE(Matches("08:*:*", kStick));
-  EXPECT_TRUE(Matches("{ 08:*:* 08:*:* }", kStick));
+  EXPECT_FALSE(Matches("08:*:*", kDiskInterfaces));
+  EXPECT_TRUE(Matches("{ 08:*:* 08:*:* }", kDiskInterfaces));
   EXPECT_TRUE(Matches("equals { 08:06:* 03:01:01 }", kComposite));
-  EXPECT_FALSE(Matches("equals { 08:06:50 08:06:50 }", kStick));
+  EXPECT_FALSE(Matches("equals { 08:06:50 08:06:50 }", kDiskInterfaces));
 }
 
 TEST(SetOperators, EqualsOrderedNeedsTheSameOrderToo) {
@@ -104,7 +104,7 @@ TEST(SetOperators, EqualsIsEqualsOrderedInAnyOrder) {
 }
 
 /// A device of which all but the hashes is known.
-cli::PolicyDevice Stick(const cli::Item& item) {
+cli::PolicyDevice KnownStick(const cli::Item& item) {
   cli::PolicyDevice device;
   device.item = &item;
   const auto set = [&](cli::PolicyAttribute attribute, const Values& values) {
@@ -128,7 +128,7 @@ class Decision : public testing::Test {
 
   cli::Policy policy;
   cli::Item item{cli::ClassId::kDevice};
-  cli::PolicyDevice device = Stick(item);
+  cli::PolicyDevice device = KnownStick(item);
 };
 
 TEST_F(Decision, IsThatOfTheFirstRuleThatMatches) {
