@@ -2,11 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <string>
 #include <vector>
 
 #include "cli/collect/Collection.h"
 #include "cli/collect/Input.h"
 #include "cli/command/Findings.h"
+#include "cli/option/UsageError.h"
 #include "cli/policy/PolicyCheck.h"
 #include "cli/policy/PolicyCheckJson.h"
 #include "cli/policy/PolicyCheckText.h"
@@ -50,6 +53,16 @@ void CheckFiles(const CheckOptions& options) {
   RequireDistinctFiles({"--output", IsStandardOutput(options.output) ? "" : options.output}, inputs);
 }
 
+/// Saved inventories are not collected again, so options of collecting have no effect on them.
+void CheckOptionsForLists(const CheckOptions& options, const std::vector<Inventory>& inventories) {
+  const auto isCollected = [](const Inventory& inventory) { return inventory.DeviceList().has_value(); };
+  if (std::any_of(inventories.begin(), inventories.end(), isCollected)) return;
+  RefuseOptions({{"--as-is", options.source.isAsIs},
+                 {"--plugin", !options.source.plugin.empty()},
+                 {"--system-name", !options.source.systemName.empty()}},
+                "is for device lists, and only saved inventories are checked: leave it out");
+}
+
 }  // namespace
 
 int RunCheck(const CheckOptions& options) {
@@ -60,6 +73,7 @@ int RunCheck(const CheckOptions& options) {
   if (paths.empty()) paths.emplace_back();
   std::vector<Inventory> inventories;
   for (const std::string& path : paths) inventories.push_back(ReadInventory(options, path, log));
+  CheckOptionsForLists(options, inventories);
   std::vector<CheckedInventory> checked;
   for (std::size_t index = 0; index < paths.size(); ++index) {
     checked.push_back(Check(policy, inventories[index], NameOfInventory(paths[index])));

@@ -152,7 +152,8 @@ TEST(CheckCommand, RefusesOptionsThatContradictEachOther) {
                      "--devices names an inventory: ");
   ExpectCheckFailure(RunCheck("allow", {CheckedList(), "--source", "sysfs"}),
                      "--source is for this machine: ");
-  ExpectCheckFailure(Command({"check"}).Run(), "");
+  ExpectCheckFailure(RunCheck("allow", {SavedList(), "--as-is"}), "--as-is is for device lists, and ");
+  ExpectCheckFailure(RunUsbinfo({"check"}), "POLICY");
 }
 
 }  // namespace

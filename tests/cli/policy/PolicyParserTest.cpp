@@ -103,7 +103,7 @@ TEST(PolicyParser, TakesWildcardsInTextsForThemselves) {
 
 TEST(PolicyParser, UnescapesTexts) {
   EXPECT_EQ(Tests(R"(allow name "a\"b\\c\x41\xfF\x00d#\\x41")")[0].patterns[0].text,
-            std::string("a\"b\\cA\xFF\0d#\\x41", 13));
+            std::string("a\"b\\cA\xFF\0d#\\x41", 14));
 }
 
 TEST(PolicyParser, FindsRulesOutOfForceByTheirConditions) {
