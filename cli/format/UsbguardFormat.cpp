@@ -2,6 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "cli/policy/PolicyDevice.h"
 #include "cli/text/UserError.h"
 #include "cli/text/Utf8.h"
@@ -49,8 +52,7 @@ std::string RuleFor(const PolicyDevice& device) {
   if (!serials) {
     throw UserError(
         "the serial numbers are masked, so the rules would not match; leave --mask-serials out, or use "
-        "another "
-        "format");
+        "another format");
   }
   const bool hasSerial = !serials->front().empty();
   return fmt::format(
@@ -63,8 +65,13 @@ std::string RuleFor(const PolicyDevice& device) {
 }  // namespace
 
 std::string RenderUsbguard(const Inventory& inventory, const RenderOptions& /*options*/) {
+  std::vector<PolicyDevice> devices = PolicyDevicesOf(inventory);
+  // A device whose port is not known must be allowed before a rule asks for its port.
+  std::stable_partition(devices.begin(), devices.end(), [](const PolicyDevice& device) {
+    return !device.ValuesOf(PolicyAttribute::kViaPort).has_value();
+  });
   std::string policy;
-  for (const PolicyDevice& device : PolicyDevicesOf(inventory)) policy += RuleFor(device);
+  for (const PolicyDevice& device : devices) policy += RuleFor(device);
   return policy;
 }
 

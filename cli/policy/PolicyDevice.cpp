@@ -74,12 +74,9 @@ class Attributes {
 
   /// Only sysfs says it. There, a root hub and a port without the kernel's word have none.
   PolicyValues ConnectTypesOf(const std::string& name) const {
-    if (IsNameOfRootHub(name)) return One("");
+    if (!fIsFromSysfs) return std::nullopt;
     const auto port = fPorts.find(name);
-    if (port == fPorts.end()) return std::nullopt;
-    const std::optional<std::string>& connect = port->second->connect;
-    if (!connect && !fIsFromSysfs) return std::nullopt;
-    return One(connect.value_or(""));
+    return One(port == fPorts.end() ? "" : port->second->connect.value_or(""));
   }
 
   FactsByItem fFacts;

@@ -165,6 +165,19 @@ TEST(UsbguardFormat, TiesDevicesWithoutASerialNumberToTheirPorts) {
               HasSubstr(" serial \"\" name \"QEMU USB Keyboard\" via-port \"1-3.1\" with-"));
 }
 
+TEST(UsbguardFormat, AllowsDevicesWhosePortsAreNotKnownFirst) {
+  json document = json::parse(Desktop());
+  for (const std::size_t mouse : {2U, 3U}) {
+    json& facts = document["kernel"]["devices"][mouse];
+    facts.update({{"product", "Mouse"}, {"serial", nullptr}, {"interfaces", json::array()}});
+  }
+  document["kernel"]["devices"][3]["name"] = nullptr;
+  document["origin"]["source"] = "list";
+  const std::string policy = PolicyFor(document);
+  EXPECT_THAT(policy, StartsWith("allow id 0627:0001 serial \"\" name \"Mouse\" with-interface match-all "));
+  EXPECT_THAT(RefusedBy(policy, document), IsEmpty());
+}
+
 TEST(UsbguardFormat, EscapesWhatTheLanguageHasNoOtherFormFor) {
   json document = json::parse(Desktop());
   document["kernel"]["devices"][2]["product"] = "a\"b\\c\n\x7F\xC3\xA4 # {";
@@ -206,9 +219,8 @@ TEST(PolicyDevices, KnowWhatTheirInventoryHolds) {
   document["origin"]["masked"] = {{"key", nullptr}};
   EXPECT_THAT(error("serial \"x\""), StartsWith("rules.conf:1: the rule needs serial of 1-3, "));
   document["origin"]["source"] = "list";
-  for (json& port : document["kernel"]["ports"]) port["connect"] = nullptr;
   EXPECT_THAT(error("with-connect-type \"x\""),
-              StartsWith("rules.conf:1: the rule needs with-connect-type of 1-3, "));
+              StartsWith("rules.conf:1: the rule needs with-connect-type of usb1, "));
   document["kernel"] = nullptr;
   EXPECT_THAT(error("via-port \"x\""),
               StartsWith("rules.conf:1: the rule needs via-port of \"Bus 01  Device   1\", "));
