@@ -137,7 +137,7 @@ class UsbinfoTest(CompletionTest):
 
     COMMAND = "usbinfo"
     FORMATS = ["tree", "table", "json", "jsonl", "csv", "cimxml", "mof", "dot", "html",
-               "list"]
+               "list", "usbguard"]
     SUBCOMMANDS = ["show", "diff", "check", "schema", "help"]
 
     def test_beginning_of_a_subcommand(self):
