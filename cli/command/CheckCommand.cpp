@@ -72,6 +72,7 @@ int RunCheck(const CheckOptions& options) {
   std::vector<std::string> paths = options.inventories;
   if (paths.empty()) paths.emplace_back();
   std::vector<Inventory> inventories;
+  inventories.reserve(paths.size());
   for (const std::string& path : paths) inventories.push_back(ReadInventory(options, path, log));
   CheckOptionsForLists(options, inventories);
   std::vector<CheckedInventory> checked;

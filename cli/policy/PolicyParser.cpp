@@ -164,17 +164,17 @@ std::string Unescaped(std::string_view content) {
   constexpr int kBase = 16;
   std::string text;
   for (std::size_t index = 0; index < content.size(); ++index) {
-    if (content[index] != '\\') {
+    const bool isEscaped = content[index] == '\\';
+    if (isEscaped) ++index;
+    if (!isEscaped || content[index] != 'x') {
       text += content[index];
-    } else if (content[++index] != 'x') {
-      text += content[index];
-    } else {
-      const std::string_view digits = content.substr(index + 1, 2);
-      unsigned char byte = 0;
-      std::from_chars(digits.data(), digits.data() + digits.size(), byte, kBase);
-      text += static_cast<char>(byte);
-      index += digits.size();
+      continue;
     }
+    const std::string_view digits = content.substr(index + 1, 2);
+    unsigned char byte = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), byte, kBase);
+    text += static_cast<char>(byte);
+    index += digits.size();
   }
   return text;
 }
