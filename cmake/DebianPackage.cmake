@@ -75,7 +75,7 @@ compress("${PACKAGE_FILES}/changelog" "${PACKAGE_FILES}/changelog.Debian.gz")
 compress("${PROJECT_SOURCE_DIR}/CHANGELOG.md" "${PACKAGE_FILES}/changelog.gz")
 # The command contains code of libraries, so the packages have to contain their terms.
 file(READ cmake/debian/copyright COPYRIGHT)
-foreach(library libcli11-dev libsodium-dev nlohmann-json3-dev)
+foreach(library libcli11-dev libsodium-dev nlohmann-json3-dev tao-pegtl-dev)
   set(terms "/usr/share/doc/${library}/copyright")
   if(EXISTS "${terms}")
     file(READ "${terms}" text)

@@ -65,6 +65,6 @@ if(TARGET usbinfo-store)
           DESTINATION "${CMAKE_INSTALL_DATADIR}/usbinfo" COMPONENT usbinfo-store)
 endif()
 
-install(FILES docs/usbinfo.schema.json docs/usbinfo-diff.schema.json docs/usbinfo-classes.schema.json
-              docs/usbinfo-watch.schema.json
+install(FILES docs/usbinfo.schema.json docs/usbinfo-check.schema.json docs/usbinfo-diff.schema.json
+              docs/usbinfo-classes.schema.json docs/usbinfo-watch.schema.json
         DESTINATION "${CMAKE_INSTALL_DATADIR}/usbinfo" COMPONENT usbinfo)

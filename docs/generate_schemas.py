@@ -381,6 +381,35 @@ def lists(tables):
             "$defs": {"kind": {"enum": tables["kinds"]}, "uint64": values_of_properties()["uint64"]}}
 
 
+def check(tables):
+    target = {"enum": ["allow", "block", "reject"]}
+    rule = an_object({"line": described("The number of its line, from 1", ref("uint64")),
+                      "text": described("The line", {"type": "string", "minLength": 1})})
+    device = an_object({
+        "device": described("The DeviceID of its instance", TEXT),
+        "name": or_null(described("The kernel's name, such as usb1 or 1-3.1", kernel_name())),
+        "id": described("Vendor and product", {"type": "string", "pattern": "^[0-9a-f]{4}:[0-9a-f]{4}$"}),
+        "product": or_null(TEXT), "serial": or_null(TEXT),
+        "kinds": a_list(ref("kind"), description="What the class codes of its interfaces say"),
+        "decision": target,
+        "rule": described("The one that decided; null where none matches", or_null(rule)),
+    }, description="A hub or device, allowed or not")
+    source = origin()["properties"]
+    inventory_checked = an_object({
+        "system": TEXT, "source": {"enum": [*source["source"]["enum"], None]}, "collected": source["collected"],
+        "machine": source["machine"],
+        "suspect": described("Whether a device may have forged lines of its list", {"type": "boolean"}),
+        "refused": described("The number of devices that are not allowed", ref("uint64")),
+        "devices": a_list(ref("device"), description="By place"),
+    })
+    return a_document("check", "Check of USB inventories against a policy, as usbinfo check --format json prints it",
+                      {"policy": described("The file of the policy", TEXT),
+                       "default": described("For devices that no rule matches", {"enum": ["allow", "block"]}),
+                       "inventories": a_list(ref("inventory"))},
+                      {"inventory": inventory_checked, "device": device, "kind": {"enum": tables["kinds"]},
+                       "uint64": values_of_properties()["uint64"]})
+
+
 def classes_document(table):
     def definition(entry):
         return {name: entry[name] for name in ("type", "isArray", "isKey", "class") if name in entry}
@@ -403,6 +432,7 @@ def main(arguments):
     table = tables["classes"]
     status = 0
     for name, schema in (("usbinfo", inventory(tables)), ("usbinfo-diff", difference(tables)),
+                         ("usbinfo-check", check(tables)),
                          ("usbinfo-classes", classes_document(table)), ("usbinfo-changes", changes(tables)),
                          ("usbinfo-lists", lists(tables)), ("usbinfo-watch", watch(tables))):
         path = FOLDER / f"{name}.schema.json"

@@ -17,7 +17,8 @@ LIBRARY_PACKAGES=(
   libxml2-dev
 )
 # What a build takes besides, the same on every architecture.
-TOOL_PACKAGES=(cmake g++ libcli11-dev locales ninja-build nlohmann-json3-dev pkgconf python3)
+TOOL_PACKAGES=(cmake g++ libcli11-dev locales ninja-build nlohmann-json3-dev pkgconf python3
+  tao-pegtl-dev)
 # What building the product and its tests takes on Debian 12 and 13.
 BUILD_PACKAGES=("${LIBRARY_PACKAGES[@]}" "${TOOL_PACKAGES[@]}")
 # What running the tests takes on top: the programs that read what the command writes.

@@ -1,5 +1,6 @@
 #include "cli/command/CommandLine.h"
 
+#include "cli/command/CheckCommand.h"
 #include "cli/command/DiffCommand.h"
 #include "cli/command/SchemaCommand.h"
 #include "cli/command/ShowCommand.h"
@@ -20,6 +21,7 @@ CommandLine::CommandLine() {
   fCommand.subcommands.push_back(Show());
   fCommand.subcommands.push_back(Diff());
   fCommand.subcommands.push_back(Watch());
+  fCommand.subcommands.push_back(Check());
   fCommand.subcommands.push_back(Schema());
   fCommand.subcommands.push_back(fStandard.Help());
 }
@@ -74,6 +76,21 @@ and the exit status is 0.)",
           .options = fStandard.WithHelp(WatchOptionTable(fWatch)),
           .check = [this] { CheckWatchOptions(fWatch); },
           .run = [this] { return RunWatch(fWatch); }};
+}
+
+CommandSpec CommandLine::Check() {
+  return {.name = "check",
+          .summary = "Check devices against a policy",
+          .manual = R"(.Ar POLICY
+is a file of rules in the language of
+.Xr usbguard-rules.conf 5 .
+The devices are those of each
+.Ar INVENTORY ,
+which is a JSON inventory or a device list; without one, they are those of this machine.)",
+          .operands = CheckOperands(fCheck),
+          .options = fStandard.WithHelp(CheckOptionTable(fCheck)),
+          .check = [this] { CompleteCheckOptions(fCheck); },
+          .run = [this] { return RunCheck(fCheck); }};
 }
 
 CommandSpec CommandLine::Schema() {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/command/CheckOptions.h"
 #include "cli/command/DiffOptions.h"
 #include "cli/command/SchemaOptions.h"
 #include "cli/command/ShowOptions.h"
@@ -28,11 +29,13 @@ class CommandLine {
   CommandSpec Show();
   CommandSpec Diff();
   CommandSpec Watch();
+  CommandSpec Check();
   CommandSpec Schema();
 
   ShowOptions fShow;
   DiffOptions fDiff;
   WatchOptions fWatch;
+  CheckOptions fCheck;
   SchemaOptions fSchema;
   CommandSpec fCommand;
   StandardOptions fStandard{fCommand, USBINFO_VERSION};

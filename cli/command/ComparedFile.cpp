@@ -27,7 +27,7 @@ Inventory ReadComparedFile(const std::string& path, const Source& source, bool a
   list.systemName = source.systemName;
   list.isAsIs = source.isAsIs;
   Inventory inventory = CollectFrom(text, list, AllClasses(), log);
-  if (!allowsSuspect) RefuseFindings(inventory, name);
+  if (!allowsSuspect) RefuseFindings(inventory, name, "compare");
   WarnOfFindings(inventory);
   return inventory;
 }

@@ -29,7 +29,7 @@ Inventory ReadFile(const std::string& path, const DiffOptions& options, LogWrite
 Inventory ReadNew(const DiffOptions& options, LogWriter& log) {
   if (!options.after.empty()) return ReadFile(options.after, options, log);
   Inventory inventory = Collect(options.source, AllClasses(), log);
-  if (!options.allowsSuspect) RefuseFindings(inventory, kThisMachine);
+  if (!options.allowsSuspect) RefuseFindings(inventory, kThisMachine, "compare");
   WarnOfFindings(inventory);
   return inventory;
 }

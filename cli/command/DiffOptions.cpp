@@ -24,7 +24,7 @@ std::vector<Option> DiffOptionTable(DiffOptions& options) {
                                ColorOption(options.color),
                                OutputOption(options.output),
                                IgnoreOption(options.ignored),
-                               AllowSuspectOption(options.allowsSuspect),
+                               AllowSuspectOption("Compare", options.allowsSuspect),
                                WayOption(options.source.way),
                                AsIsOption(options.source.isAsIs)};
   for (Option& option : MaskOptions(options.source)) table.push_back(std::move(option));

@@ -32,13 +32,13 @@ void WarnOfFindings(const Inventory& inventory) {
   }
 }
 
-void RefuseFindings(const Inventory& inventory, const std::string& name) {
+void RefuseFindings(const Inventory& inventory, const std::string& name, const std::string& verb) {
   const std::vector<Finding> findings = FindingsOf(inventory);
   if (findings.empty()) return;
   throw UserError(
-      fmt::format("{}: the kernel does not write {}; a device may have forged this; to compare anyway, use "
+      fmt::format("{}: the kernel does not write {}; a device may have forged this; to {} anyway, use "
                   "--allow-suspect",
-                  name, Describe(findings.front())));
+                  name, Describe(findings.front()), verb));
 }
 
 }  // namespace cli

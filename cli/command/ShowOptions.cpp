@@ -40,49 +40,6 @@ void SetPlace(Selection& selection, const std::string& text) {
   throw UsageError("must be [BUS]:[DEV] or DEV, decimal numbers, or a name such as 1-3.1");
 }
 
-std::vector<Option> SourceOptions(Source& source) {
-  return {{.names = {"--devices"},
-           .value = "FILE",
-           .help = "Read this device list (a copy of /sys/kernel/debug/usb/devices or the output of "
-                   "usb-devices) or saved JSON inventory; - is standard input",
-           .defaultValue = "this machine's list",
-           .manual = R"(Read this file instead of the device list of this machine.
-It is a copy of
-.Pa /sys/kernel/debug/usb/devices ,
-the output of
-.Xr usb-devices 1 ,
-or a JSON inventory, as
-.Fl -format Cm json
-prints it.
-No device of this machine is read, and no command is run.
-A single dash is standard input.)",
-           .store = StoreText(source.devices)},
-          WayOption(source.way),
-          AsIsOption(source.isAsIs),
-          {.names = {"--no-limits"},
-           .help = "Accept lists that are larger than those of any machine",
-           .manual = R"(Accept lists with more ports and devices than any machine has.
-Such a list can take minutes and gigabytes of memory.)",
-           .store = StoreTrue(source.noLimits)},
-          {.names = {"--system-name"},
-           .value = "NAME",
-           .help = "The system name in the keys",
-           .defaultValue = "the host name, or the name of the file",
-           .manual = R"(The name of the system in the instances' keys.
-The default is the host name; for a list from
-.Fl -devices ,
-it is the name of the file without
-.Pa .txt ,
-.Pa .list
-or
-.Pa .log ,
-and
-.Li unknown
-for standard input.
-A JSON inventory keeps its own name.)",
-           .store = StoreText(source.systemName)}};
-}
-
 StoreValue StoreFormat(ShowOptions& options, std::string format) {
   return
       [&options, format = std::move(format)](const std::string&) { options.askedFormats.push_back(format); };
@@ -204,15 +161,6 @@ The associations link the instances of the classes before them.
 The names are passed to the plug-in unchanged.
 Each class that it serves is one of)",
           .store = [&request](const std::string& list) { request = SplitList(list, "class names"); }};
-}
-
-Option PluginOption(std::string& path) {
-  return {.names = {"--plugin"},
-          .value = "FILE",
-          .help = "Load this plug-in module",
-          .defaultValue = "the installed one",
-          .manual = "Load this plug-in module instead of the installed one.",
-          .store = StoreText(path)};
 }
 
 std::vector<Option> LogOptions(ShowOptions& options) {

@@ -61,10 +61,10 @@ is mounted, and else
           .store = [&way](const std::string& name) { way = WayOf(name); }};
 }
 
-Option AllowSuspectOption(bool& allowsSuspect) {
+Option AllowSuspectOption(const std::string& verb, bool& allowsSuspect) {
   return {.names = {"--allow-suspect"},
-          .help = "Compare in spite of lines that a device may have forged",
-          .manual = R"(Compare in spite of lines in a device list that the kernel does not write, and that a
+          .help = verb + " in spite of lines that a device may have forged",
+          .manual = verb + R"( in spite of lines in a device list that the kernel does not write, and that a
 device may have forged.
 Without this option, such a list is an error.)",
           .store = StoreTrue(allowsSuspect)};
@@ -125,6 +125,58 @@ The command
 makes one.
 The default is a random key for each run.)",
            .store = StoreText(source.maskKey)}};
+}
+
+std::vector<Option> SourceOptions(Source& source) {
+  return {{.names = {"--devices"},
+           .value = "FILE",
+           .help = "Read this device list (a copy of /sys/kernel/debug/usb/devices or the output of "
+                   "usb-devices) or saved JSON inventory; - is standard input",
+           .defaultValue = "this machine's list",
+           .manual = R"(Read this file instead of the device list of this machine.
+It is a copy of
+.Pa /sys/kernel/debug/usb/devices ,
+the output of
+.Xr usb-devices 1 ,
+or a JSON inventory, as
+.Fl -format Cm json
+prints it.
+No device of this machine is read, and no command is run.
+A single dash is standard input.)",
+           .store = StoreText(source.devices)},
+          WayOption(source.way),
+          AsIsOption(source.isAsIs),
+          {.names = {"--no-limits"},
+           .help = "Accept lists that are larger than those of any machine",
+           .manual = R"(Accept lists with more ports and devices than any machine has.
+Such a list can take minutes and gigabytes of memory.)",
+           .store = StoreTrue(source.noLimits)},
+          {.names = {"--system-name"},
+           .value = "NAME",
+           .help = "The system name in the keys",
+           .defaultValue = "the host name, or the name of the file",
+           .manual = R"(The name of the system in the instances' keys.
+The default is the host name; for a list from
+.Fl -devices ,
+it is the name of the file without
+.Pa .txt ,
+.Pa .list
+or
+.Pa .log ,
+and
+.Li unknown
+for standard input.
+A JSON inventory keeps its own name.)",
+           .store = StoreText(source.systemName)}};
+}
+
+Option PluginOption(std::string& path) {
+  return {.names = {"--plugin"},
+          .value = "FILE",
+          .help = "Load this plug-in module",
+          .defaultValue = "the installed one",
+          .manual = "Load this plug-in module instead of the installed one.",
+          .store = StoreText(path)};
 }
 
 }  // namespace cli

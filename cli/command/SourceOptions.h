@@ -16,8 +16,8 @@ Option AsIsOption(bool& isAsIs);
 /// --source WAY.
 Option WayOption(std::optional<Source::Way>& way);
 
-/// --allow-suspect.
-Option AllowSuspectOption(bool& allowsSuspect);
+/// --allow-suspect. Its help begins with `verb`, such as "Compare".
+Option AllowSuspectOption(const std::string& verb, bool& allowsSuspect);
 
 /// --ignore PROPERTY.
 Option IgnoreOption(std::vector<std::string>& ignored);
@@ -27,5 +27,11 @@ std::vector<Option> ListOptions(Source& source);
 
 /// --mask-serials and --mask-key FILE.
 std::vector<Option> MaskOptions(Source& source);
+
+/// --devices, --source, --as-is, --no-limits and --system-name.
+std::vector<Option> SourceOptions(Source& source);
+
+/// --plugin FILE.
+Option PluginOption(std::string& path);
 
 }  // namespace cli

@@ -75,7 +75,7 @@ std::vector<Option> WatchOptionTable(WatchOptions& options) {
                                SettleOption(options.settings)};
   for (Option& option : EndOptions(options.settings)) table.push_back(std::move(option));
   table.push_back(IgnoreOption(options.settings.ignored));
-  table.push_back(AllowSuspectOption(options.allowsSuspect));
+  table.push_back(AllowSuspectOption("Compare", options.allowsSuspect));
   table.push_back(WayOption(options.source.way));
   table.push_back(AsIsOption(options.source.isAsIs));
   for (Option& option : MaskOptions(options.source)) table.push_back(std::move(option));

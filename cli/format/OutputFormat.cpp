@@ -11,6 +11,7 @@
 #include "cli/format/MofFormat.h"
 #include "cli/format/TableFormat.h"
 #include "cli/format/TreeFormat.h"
+#include "cli/format/UsbguardFormat.h"
 #include "cli/format/html/HtmlFormat.h"
 
 namespace cli {
@@ -27,6 +28,8 @@ const std::vector<OutputFormat>& OutputFormats() {
       {"dot", "a graph for dot(1)", true, RenderDot, true, false, true},
       {"html", "an HTML page in one file", true, RenderHtml, true, true, true, true},
       {"list", "the device list itself", true, RenderList},
+      {"usbguard", "a policy that allows these devices, for check and USBGuard", true, RenderUsbguard, true,
+       false, false, true},
   };
   return formats;
 }

@@ -27,15 +27,16 @@ MAY_INCLUDE = {
     "cli/model/UsbIds": ["cli/model", "cli/text", "system"],
     "cli/model/FromHost": ["standin", "host", "schema", "cli/model", "cli/text"],
     "cli/diff": ["cli/model", "cli/text"],
-    "cli/format": ["cli/model", "cli/text", "schema"],
+    "cli/policy": ["cli/model", "cli/text"],
+    "cli/format": ["cli/model", "cli/policy", "cli/text", "schema"],
     "cli/format/OutputFormat": ["cli/format", "cli/model", "cli/text", "schema"],
     "cli/collect": ["standin", "kernel", "system", "schema", "host", "cli/model", "cli/model/FromHost", "cli/text",
                     "cli/collect/SerialMask"],
     "cli/option": ["cli/text"],
     "cli/watch": ["cli/diff", "cli/model", "cli/text", "kernel"],
     "cli/command": ["cli/collect", "cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model",
-                    "cli/model/FromHost", "cli/model/UsbIds", "cli/option", "cli/text", "cli/watch", "schema", "standin",
-                    "system"],
+                    "cli/model/FromHost", "cli/model/UsbIds", "cli/option", "cli/policy", "cli/text", "cli/watch",
+                    "schema", "standin", "system"],
     # Of collecting, the store masks serial numbers only.
     "cli/collect/SerialMask": ["cli/collect", "cli/text", "system"],
     "store": ["cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model", "cli/model/UsbIds", "cli/option",
@@ -45,7 +46,7 @@ MAY_INCLUDE = {
 # What the module is made of: its rows know no library but Boost and the standard one.
 MODULE_ROWS = ("host", "provider", "usbfs", "inventory", "association", "plugin")
 # Headers that take the compiler seconds, and our headers that include them all the same.
-COSTLY = {"nlohmann/json.hpp", "CLI/CLI.hpp"}
+COSTLY = {"nlohmann/json.hpp", "CLI/CLI.hpp", "tao/pegtl.hpp"}
 MAY_BE_COSTLY = set()
 # Folders at the top with sources that are no part of the products.
 OTHER_FOLDERS = {"bench", "build", "examples", "tests"}

@@ -137,8 +137,8 @@ class UsbinfoTest(CompletionTest):
 
     COMMAND = "usbinfo"
     FORMATS = ["tree", "table", "json", "jsonl", "csv", "cimxml", "mof", "dot", "html",
-               "list"]
-    SUBCOMMANDS = ["show", "diff", "watch", "schema", "help"]
+               "list", "usbguard"]
+    SUBCOMMANDS = ["show", "diff", "watch", "check", "schema", "help"]
 
     def test_beginning_of_a_subcommand(self):
         self.assert_offers(("d",), ["diff"])

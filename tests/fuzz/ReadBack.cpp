@@ -14,6 +14,7 @@
 #include "tests/fuzz/HtmlReader.h"
 #include "tests/fuzz/JsonReader.h"
 #include "tests/fuzz/MofReader.h"
+#include "tests/fuzz/PolicyReader.h"
 #include "tests/fuzz/TableReader.h"
 #include "tests/fuzz/TreeReader.h"
 #include "tests/fuzz/Utf8.h"
@@ -60,6 +61,7 @@ const FormatReader& FindFormatReader(const std::string& format) {
       {"mof", {"C.UTF-8"}, CheckMof},          {"dot", {"C.UTF-8"}, CheckDot},
       {"html", {"C.UTF-8"}, CheckHtml},        {"csv", {"C.UTF-8"}, CheckCsv},
       {"table", {"C", "C.UTF-8"}, CheckTable}, {"list", {"C.UTF-8"}, CheckList},
+      {"usbguard", {"C.UTF-8"}, CheckPolicy},
   };
   const auto found = std::find_if(readers.begin(), readers.end(),
                                   [&format](const FormatReader& reader) { return reader.format == format; });
@@ -67,11 +69,17 @@ const FormatReader& FindFormatReader(const std::string& format) {
   return *found;
 }
 
-void CheckEveryFormat(const cli::Inventory& inventory) {
+cli::Inventory InputOf(const std::string& format, const cli::Inventory& inventory) {
+  return format == "usbguard" ? WithFacts(inventory) : inventory;
+}
+
+void CheckEveryFormat(const cli::Inventory& result) {
   // Not a terminal, so that nothing is cut at its width.
   const cli::RenderOptions options{false};
   for (const cli::OutputFormat& format : cli::OutputFormats()) {
     const FormatReader& reader = FindFormatReader(format.name);
+    const cli::Inventory inventory = InputOf(format.name, result);
+    if (format.name == "usbguard" && !HasAllFacts(inventory)) continue;
     if (inventory.IsEmpty() && !format.isMachineReadable) continue;
     for (const char* locale : reader.locales) {
       Require(std::setlocale(LC_CTYPE, locale) != nullptr, "the machine has the locale");

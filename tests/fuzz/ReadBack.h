@@ -21,9 +21,14 @@ struct FormatReader {
 /// The reader of the format of that name; throws BrokenInvariant when there is none.
 const FormatReader& FindFormatReader(const std::string& format);
 
-/// Renders `inventory` in every format of the command and reads it back. What the command does not print, an
-/// empty inventory for people, is left out.
-void CheckEveryFormat(const cli::Inventory& inventory);
+/// What the format of that name takes: the plug-in's result, with what the kernel's reader knows if it needs
+/// that.
+cli::Inventory InputOf(const std::string& format, const cli::Inventory& result);
+
+/// Renders the plug-in's result in every format of the command and reads it back. What the command does not
+/// print, an empty inventory for people and a policy for devices of which the kernel knows nothing, is left
+/// out.
+void CheckEveryFormat(const cli::Inventory& result);
 
 /// Throws BrokenInvariant where a format for people shows something of `inventory` that a terminal acts on,
 /// that is not seen or that turns the reading direction.

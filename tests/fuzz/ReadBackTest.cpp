@@ -39,12 +39,12 @@ class ReadBackTest : public testing::Test {
   ~ReadBackTest() override { static_cast<void>(std::setlocale(LC_CTYPE, "C")); }
 
   std::string Render(const std::string& format) const {
-    return cli::FindOutputFormat(format).render(run.Result(), cli::RenderOptions{false});
+    return cli::FindOutputFormat(format).render(InputOf(format, run.Result()), cli::RenderOptions{false});
   }
   /// True when the reader takes `document` for the inventory in that format.
   bool Takes(const std::string& format, const std::string& document) const {
     try {
-      FindFormatReader(format).check(document, run.Result());
+      FindFormatReader(format).check(document, InputOf(format, run.Result()));
     } catch (const std::exception&) {
       return false;
     }
@@ -78,6 +78,15 @@ TEST_F(ReadBackTest, OfJsonRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("json", "No device connected", "Device connected"));
   EXPECT_FALSE(TakesWith("json", "usbinfo.inventory/2", "usbinfo.inventory/1"));
   EXPECT_FALSE(Takes("json", Render("json") + "}"));
+}
+
+TEST_F(ReadBackTest, OfPoliciesRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("usbguard", "Root & <hub>", "Root"));
+  EXPECT_FALSE(TakesWith("usbguard", "\\xff", ""));
+  EXPECT_FALSE(TakesWith("usbguard", "match-all", "one-of"));
+  EXPECT_FALSE(TakesWith("usbguard", "allow id", "block id"));
+  EXPECT_FALSE(Takes("usbguard", Render("usbguard") + "allow\n"));
+  EXPECT_FALSE(Takes("usbguard", Render("usbguard") + "bogus"));
 }
 
 TEST_F(ReadBackTest, OfXmlRefusesWhatDiffers) {

@@ -66,20 +66,23 @@ const WrongUse kWrongUses[] = {
     {"EmptyLog", {"--log", ""}, "--log: must not be empty"},
     {"EmptyFormat",
      {"--format", ""},
-     "--format: \"\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list"},
+     "--format: \"\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list, usbguard"},
     {"EmptyRequest", {"--request", ""}, "--request: needs class names separated by commas"},
     {"RequestBeginsWithComma", {"--request", ",A"}, "--request: needs class names separated by commas"},
     {"RequestEndsWithComma", {"--request", "A,"}, "--request: needs class names separated by commas"},
     {"RequestWithEmptyName", {"--request", "A,,B"}, "--request: needs class names separated by commas"},
     {"WrongFormat",
      {"--format", "yaml"},
-     "--format: \"yaml\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list"},
+     "--format: \"yaml\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list, "
+     "usbguard"},
     {"FormatInCapitals",
      {"--format", "JSON"},
-     "--format: \"JSON\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list"},
+     "--format: \"JSON\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list, "
+     "usbguard"},
     {"WrongFormatOfShow",
      {"show", "--format", "yaml"},
-     "--format: \"yaml\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list"},
+     "--format: \"yaml\" is not one of tree, table, json, jsonl, csv, cimxml, mof, dot, html, list, "
+     "usbguard"},
     {"WrongLogLevel",
      {"--log-level", "loud"},
      "--log-level: \"loud\" is not one of error, warning, status, debug, verbose"},
@@ -239,15 +242,15 @@ TEST(Usage, PrintsHelpThatNamesTheSubcommandAndTheVersionOption) {
 }
 
 TEST(Usage, PrintsTheHelpOfASubcommandBothWays) {
-  for (const char* subcommand : {"show", "diff", "schema", "help"}) {
+  for (const char* subcommand : {"show", "diff", "check", "schema", "help"}) {
     const CommandResult result = RunUsbinfo({"help", subcommand});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.output, RunUsbinfo({subcommand, "--help"}).output);
   }
   EXPECT_EQ(RunUsbinfo({"help"}).output, RunUsbinfo({"--help"}).output);
   EXPECT_EQ(RunUsbinfo({"help", "shwo"}).errors,
-            "usbinfo: SUBCOMMAND: \"shwo\" is not one of show, diff, watch, schema, help; see usbinfo help "
-            "--help\n");
+            "usbinfo: SUBCOMMAND: \"shwo\" is not one of show, diff, watch, check, schema, help; see usbinfo "
+            "help --help\n");
 }
 
 TEST(Usage, PrintsHelpWhateverElseIsWrong) {

@@ -37,7 +37,7 @@ json WithoutTimes(json difference) {
   return difference;
 }
 
-void ExpectRefused(const CommandResult& result, const std::string& message) {
+void ExpectWatchRefused(const CommandResult& result, const std::string& message) {
   EXPECT_EQ(result.status, 2);
   EXPECT_EQ(result.output, "");
   EXPECT_THAT(result.errors, StartsWith("usbinfo: " + message));
@@ -122,7 +122,7 @@ TEST(Watch, RefusesABaselineThatDoesNotCompare) {
     json changed = whole;
     changed["origin"][member] = value;
     folder.File("saved.json", changed.dump());
-    ExpectRefused(RunUsbinfo({"watch", "--baseline", path, "--timeout", "0"}), path + message);
+    ExpectWatchRefused(RunUsbinfo({"watch", "--baseline", path, "--timeout", "0"}), path + message);
   };
   refuse("selection", OriginExample()["selection"], " holds only a part of an inventory; save it without ");
   refuse("masked", {{"key", nullptr}},
@@ -132,12 +132,13 @@ TEST(Watch, RefusesABaselineThatDoesNotCompare) {
 }
 
 TEST(Watch, RefusesValuesOfItsOptionsThatItCannotTake) {
-  ExpectRefused(RunUsbinfo({"watch", "--settle", "2m"}), "--settle: must be 60 seconds at most; see ");
-  ExpectRefused(RunUsbinfo({"watch", "--timeout", "soon"}), "--timeout: must be a whole number with ");
-  ExpectRefused(RunUsbinfo({"watch", "--count", "0"}), "--count: must be a whole number from 1 on");
-  ExpectRefused(RunUsbinfo({"watch", "--mask-serials", "--mask-key", "-"}),
-                "--mask-key: the key is read for ");
-  ExpectRefused(RunUsbinfo({"watch", "--format", "json"}), "--format: \"json\" is not one of text, jsonl");
+  ExpectWatchRefused(RunUsbinfo({"watch", "--settle", "2m"}), "--settle: must be 60 seconds at most; see ");
+  ExpectWatchRefused(RunUsbinfo({"watch", "--timeout", "soon"}), "--timeout: must be a whole number with ");
+  ExpectWatchRefused(RunUsbinfo({"watch", "--count", "0"}), "--count: must be a whole number from 1 on");
+  ExpectWatchRefused(RunUsbinfo({"watch", "--mask-serials", "--mask-key", "-"}),
+                     "--mask-key: the key is read for ");
+  ExpectWatchRefused(RunUsbinfo({"watch", "--format", "json"}),
+                     "--format: \"json\" is not one of text, jsonl");
 }
 
 }  // namespace

@@ -93,6 +93,18 @@ ALLOWED = {
         r"kernel/ports/0: (port|connect) = '\?'",
     ),
     "usbinfo-classes": (),
+    "usbinfo-check": (
+        r": policy = '\?'",
+        r": inventories = \[\]",
+        r"inventories/0: (system|machine) = '\?'",
+        r"inventories/0: (source|collected|machine) = None",
+        r"inventories/0: suspect = True",
+        r"inventories/0: devices = \[\]",
+        r"inventories/0/devices/0: (name|product|serial|rule) = None",
+        r"inventories/0/devices/0: (device|product|serial) = '\?'",
+        r"inventories/0/devices/0: kinds = \[\]",
+        r"inventories/0/devices/0/rule: text = '\?'",
+    ),
     "usbinfo-diff": (
         r"(old|new): (system|machine) = '\?'",
         r"(old|new): (source|collected|machine) = None",
@@ -201,6 +213,12 @@ class Usbinfo(Program):
                              "--baseline", baseline)
 
 
+    def check(self, policy, *inventories):
+        """Return the check of inventories against a policy."""
+        file = self.file("rules.conf", policy)
+        return self.document("check", "--allow-suspect", "--format", "json", file, *inventories)
+
+
 class Store(Program):
     """The command that keeps inventories, with a store in its folder.
 
@@ -283,6 +301,16 @@ def check_valid_documents(failures, usbinfo):
         require_valid(failures, schema("usbinfo-watch"), usbinfo.report(path), f"watch from {path.name}")
     require_valid(failures, schema("usbinfo-classes"),
                   usbinfo.document("schema", "--format", "json"), "classes")
+
+
+def check_checks(failures, usbinfo):
+    """Validate checks of every list, and hold their schema to be strict."""
+    lists = [usbinfo.file(f"hostile-{number}", hostile_list(text))
+             for number, text in enumerate(HOSTILE)]
+    policy = b"reject with-interface one-of { 08:*:* }\nblock name \"\\xff\"#\xff\nallow 1d6b:*\n"
+    for path in [*CAPTURES, *lists]:
+        require_valid(failures, schema("usbinfo-check"), usbinfo.check(policy, path), f"check of {path.name}")
+    check_strict(failures, usbinfo, "usbinfo-check", usbinfo.check(policy, OLD))
 
 
 def check_names(failures, usbinfo):
@@ -445,6 +473,7 @@ def small_inventory(usbinfo):
 def check_usbinfo(failures, usbinfo):
     """Hold all that the command prints to its schemas, and these to be strict."""
     check_valid_documents(failures, usbinfo)
+    check_checks(failures, usbinfo)
     check_names(failures, usbinfo)
     check_strict(failures, usbinfo, "usbinfo", small_inventory(usbinfo))
     check_strict(failures, usbinfo, "usbinfo-classes",

@@ -1,0 +1,36 @@
+#include "cli/policy/PolicyCheck.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "cli/text/UserError.h"
+
+namespace cli {
+
+std::size_t CheckedInventory::CountRefused() const {
+  return static_cast<std::size_t>(std::count_if(
+      devices.begin(), devices.end(), [](const CheckedDevice& device) { return !device.IsAllowed(); }));
+}
+
+CheckedInventory Check(const Policy& policy, const Inventory& inventory, const std::string& name) {
+  const bool isSelection = inventory.GetOrigin() && inventory.GetOrigin()->selection;
+  if (isSelection || inventory.IsPartial()) {
+    throw UserError(fmt::format(
+        "{} holds only a part of the inventory; save it without the options -d, -s and --class", name));
+  }
+  CheckedInventory checked{.name = name, .inventory = &inventory, .devices = {}};
+  for (PolicyDevice& device : PolicyDevicesOf(inventory)) {
+    const PolicyDecision decision = Decide(policy, device);
+    checked.devices.push_back({.device = std::move(device), .decision = decision});
+  }
+  return checked;
+}
+
+bool IsAllAllowed(const std::vector<CheckedInventory>& checked) {
+  return std::all_of(checked.begin(), checked.end(),
+                     [](const CheckedInventory& inventory) { return inventory.CountRefused() == 0; });
+}
+
+}  // namespace cli

@@ -1,0 +1,51 @@
+#include "cli/policy/PolicyCheckText.h"
+
+#include <fmt/format.h>
+
+#include "cli/model/DeviceText.h"
+#include "cli/text/Text.h"
+
+namespace cli {
+
+namespace {
+
+/// "keyboard, mouse 046d:c31c "USB Keyboard", serial "1234"".
+std::string Describe(const PolicyDevice& device) {
+  const bool hasKinds = device.facts != nullptr && !device.facts->kinds.empty();
+  const char* const noun = device.item->Class() == ClassId::kHub ? "hub" : "device";
+  const std::string product = ProductOf(*device.item, device.facts);
+  const std::string serial = SerialOf(*device.item, device.facts);
+  return fmt::format("{} {} {}{}", hasKinds ? fmt::format("{}", fmt::join(device.facts->kinds, ", ")) : noun,
+                     FormatId(*device.item), product.empty() ? "(no name)" : QuoteForDocument(product),
+                     serial.empty() ? "" : ", serial " + QuoteForDocument(serial));
+}
+
+std::string Describe(const Policy& policy, const PolicyDecision& decision) {
+  const char* const verb = decision.target == PolicyTarget::kReject ? "rejected" : "blocked";
+  if (decision.rule == nullptr) return fmt::format("{}, no rule matches", verb);
+  return fmt::format("{} by {}:{}: {}", verb, EscapeForDocument(policy.name), decision.rule->line,
+                     EscapeForDocument(decision.rule->text));
+}
+
+}  // namespace
+
+std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInventory>& checked) {
+  if (IsAllAllowed(checked)) return {};
+  std::string text;
+  std::size_t refused = 0;
+  std::size_t total = 0;
+  for (const CheckedInventory& inventory : checked) {
+    const std::string prefix = checked.size() == 1 ? "" : EscapeForDocument(inventory.name) + ": ";
+    for (const CheckedDevice& device : inventory.devices) {
+      if (device.IsAllowed()) continue;
+      text += fmt::format("{}{}: {}: {}\n", prefix, PlaceOf(device.device), Describe(device.device),
+                          Describe(policy, device.decision));
+    }
+    refused += inventory.CountRefused();
+    total += inventory.devices.size();
+  }
+  text += fmt::format("{} of {} not allowed\n", refused, Count(total, "device"));
+  return InCharacterSetOfLocale(text);
+}
+
+}  // namespace cli

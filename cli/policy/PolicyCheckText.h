@@ -1,0 +1,16 @@
+// What a check found, for people.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/policy/PolicyCheck.h"
+
+namespace cli {
+
+/// A line for each device that is not allowed, with the rule that decided, and one with their number; empty
+/// where all are allowed. Of several inventories, each line begins with the name. Lines are for the character
+/// set of the locale.
+std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInventory>& checked);
+
+}  // namespace cli

@@ -1,0 +1,160 @@
+// `usbinfo check` as people run it: where the policy and the devices come from, exit statuses, and a message
+// of one line for every failure.
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/cli/support/CliTest.h"
+#include "tests/cli/support/RunCommand.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace usbinfo_test {
+namespace {
+
+constexpr const char* kNoMouse = "block 0627:0001 name \"QEMU USB Mouse\"\nallow\n";
+
+constexpr const char* kMouseRefused =
+    "1-3.2: mouse 0627:0001 \"QEMU USB Mouse\", serial \"89126-0000:00:01.0-3.2\": blocked by standard "
+    "input:1: "
+    "block 0627:0001 name \"QEMU USB Mouse\"\n"
+    "1 of 11 devices not allowed\n";
+
+/// A list in which the product of device 9 forges a second "T:" line.
+constexpr const char* kForgedCheckedList =
+    "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 2\nP:  Vendor=1d6b ProdID=0002 Rev= "
+    "6.01\n"
+    "I:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 Prot=00 Driver=hub\n\n"
+    "T:  Bus=01 Lev=01 Prnt=01 Port=00 Cnt=01 Dev#=  9 Spd=12   MxCh= 0\nS:  Product=Stick\n"
+    "T:  Bus=01 Lev=01 Prnt=01 Port=01 Cnt=01 Dev#=  8 Spd=12   MxCh= 0\n";
+
+std::string CheckedList() {
+  return CapturePath("vm-desktop-debugfs");
+}
+
+std::string SavedList() {
+  return TEST_DATA_DIR "/expected/vm-desktop-debugfs.json";
+}
+
+/// Checks by a policy from standard input.
+CommandResult RunCheck(const std::string& policy, std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), {"check", "-"});
+  return Command(std::move(arguments)).Input(policy).Run();
+}
+
+void ExpectCheckFailure(const CommandResult& result, const std::string& message) {
+  EXPECT_EQ(result.status, 2);
+  EXPECT_EQ(result.output, "");
+  EXPECT_THAT(result.errors, StartsWith("usbinfo: " + message));
+  EXPECT_EQ(Lines(result.errors).size(), 1U);
+}
+
+TEST(CheckCommand, ShowsWhatIsNotAllowedWithStatusOne) {
+  for (const std::vector<std::string>& source : {std::vector<std::string>{CheckedList()},
+                                                 {SavedList()},
+                                                 {"--devices", CheckedList()},
+                                                 {"--devices", SavedList()}}) {
+    const CommandResult result = RunCheck(kNoMouse, source);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, kMouseRefused);
+    EXPECT_EQ(result.errors, "");
+  }
+}
+
+TEST(CheckCommand, PrintsNothingWhereAllIsAllowed) {
+  const CommandResult result = RunCheck("allow", {CheckedList()});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.output, "");
+  EXPECT_EQ(result.errors, "");
+}
+
+TEST(CheckCommand, AllowsWhatTheFormatUsbguardPrints) {
+  const TemporaryFolder folder;
+  const std::string policy =
+      folder.File("rules.conf", RunUsbinfo({"--devices", CheckedList(), "--format", "usbguard"}).output);
+  EXPECT_EQ(RunUsbinfo({"check", policy, CheckedList()}).status, 0);
+  EXPECT_EQ(RunUsbinfo({"check", policy, SavedList()}).status, 0);
+  EXPECT_EQ(RunUsbinfo({"check", policy, CapturePath("vm-deep-hubs-debugfs")}).status, 1);
+}
+
+TEST(CheckCommand, TakesTheTargetForWhatNoRuleMatches) {
+  EXPECT_EQ(RunCheck("block name \"QEMU USB Mouse\"", {CheckedList(), "--default", "allow"}).status, 1);
+  EXPECT_EQ(RunCheck("block name \"no such device\"", {CheckedList(), "--default", "allow"}).status, 0);
+  EXPECT_THAT(RunCheck("", {CheckedList(), "--default", "block"}).output,
+              HasSubstr(": blocked, no rule matches\n"));
+}
+
+TEST(CheckCommand, PrintsADocumentEvenWhereAllIsAllowed) {
+  const CommandResult result = RunCheck("allow", {CheckedList(), SavedList(), "--format", "json"});
+  EXPECT_EQ(result.status, 0);
+  const json document = json::parse(result.output);
+  EXPECT_EQ(document["policy"], "standard input");
+  EXPECT_EQ(document["inventories"].size(), 2U);
+  EXPECT_EQ(document["inventories"][0]["refused"], 0);
+}
+
+TEST(CheckCommand, NamesTheInventoryWhereThereAreSeveral) {
+  const CommandResult result = RunCheck(kNoMouse, {CheckedList(), SavedList()});
+  EXPECT_EQ(result.status, 1);
+  const std::vector<std::string> lines = Lines(result.output);
+  ASSERT_EQ(lines.size(), 3U);
+  EXPECT_THAT(lines[0], StartsWith(CheckedList() + ": 1-3.2: mouse "));
+  EXPECT_THAT(lines[1], StartsWith(SavedList() + ": 1-3.2: mouse "));
+  EXPECT_EQ(lines[2], "2 of 22 devices not allowed");
+}
+
+TEST(CheckCommand, WritesAFileInstead) {
+  const TemporaryFolder folder;
+  const std::string file = folder.File("result", "old");
+  EXPECT_EQ(RunCheck(kNoMouse, {CheckedList(), "--output", file}).status, 1);
+  EXPECT_EQ(ReadFile(file), kMouseRefused);
+  const std::string policy = folder.File("rules.conf", "allow");
+  ExpectCheckFailure(RunUsbinfo({"check", policy, CheckedList(), "--output", policy}), "--output");
+  EXPECT_EQ(ReadFile(policy), "allow");
+}
+
+TEST(CheckCommand, RefusesWhatIsNoPolicy) {
+  ExpectCheckFailure(RunCheck("allow\nallow id 12\n", {CheckedList()}),
+                     "standard input:2:10: expected an id such as ");
+  ExpectCheckFailure(RunUsbinfo({"check", "/nonexistent/rules", CheckedList()}),
+                     "cannot read /nonexistent/rules: ");
+  ExpectCheckFailure(RunCheck("allow if localtime(08:00-17:00)", {CheckedList()}),
+                     "standard input:1:10: the condition localtime depends on more than the device, ");
+}
+
+TEST(CheckCommand, RefusesRulesThatNeedWhatTheInventoryLacks) {
+  ExpectCheckFailure(RunCheck("block 0627:0001 hash \"x\"\nallow", {CheckedList()}),
+                     "standard input:1: the rule needs hash of 1-3.1, which is not known: ");
+  ExpectCheckFailure(RunCheck("allow with-connect-type { \"hotplug\" }", {CheckedList()}),
+                     "standard input:1: the rule needs with-connect-type of ");
+}
+
+TEST(CheckCommand, RefusesSuspectListsUnlessTheyAreAllowed) {
+  const TemporaryFolder folder;
+  const std::string list = folder.File("list", kForgedCheckedList);
+  const std::string saved = folder.File("saved.json", RunUsbinfo({"--devices", list, "-j"}).output);
+  for (const std::string& suspect : {list, saved}) {
+    ExpectCheckFailure(RunCheck("allow", {suspect}), suspect + ": the kernel does not write lines 5, 7 ");
+    const CommandResult allowed = RunCheck("allow", {suspect, "--allow-suspect", "--format", "json"});
+    EXPECT_EQ(allowed.status, 0);
+    EXPECT_EQ(json::parse(allowed.output)["inventories"][0]["suspect"], true);
+  }
+}
+
+TEST(CheckCommand, RefusesOptionsThatContradictEachOther) {
+  ExpectCheckFailure(RunCheck("allow", {"-"}), "standard input holds one file: ");
+  ExpectCheckFailure(RunCheck("allow", {"--devices", CheckedList(), SavedList()}),
+                     "--devices names an inventory: ");
+  ExpectCheckFailure(RunCheck("allow", {CheckedList(), "--source", "sysfs"}),
+                     "--source is for this machine: ");
+  ExpectCheckFailure(RunCheck("allow", {SavedList(), "--as-is"}), "--as-is is for device lists, and ");
+  ExpectCheckFailure(RunUsbinfo({"check"}), "POLICY");
+}
+
+}  // namespace
+}  // namespace usbinfo_test
