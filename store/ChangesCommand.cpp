@@ -1,7 +1,5 @@
 #include "store/ChangesCommand.h"
 
-#include <fmt/format.h>
-
 #include <limits>
 
 #include "cli/option/CommonOptions.h"
@@ -54,7 +52,7 @@ int RunChanges(const ChangesOptions& options, const Clock& clock) {
   const auto database = OpenStore(FindDatabase(options.database, options.output), Access::kExisting);
   const Transaction transaction(*database, Transaction::Purpose::kRead);
   if (!options.host.empty() && !HasHost(*database, options.host)) {
-    PrintMessage(fmt::format("the store has no host {}; usbinfo-store hosts lists them", options.host));
+    PrintMessage(DescribeNoHost(options.host));
     return cli::kNothingFound;
   }
   const Seconds since = options.since ? options.since->At(clock.Now()) : std::numeric_limits<Seconds>::min();

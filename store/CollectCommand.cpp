@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include "cli/option/UsageError.h"
 #include "cli/option/Values.h"
@@ -131,18 +132,6 @@ class Collection : public NodeEvents {
   ProgressBar fProgress;
 };
 
-void PrintCollected(const LoadCounts& counts, std::size_t failed, const ListOptions& options) {
-  const auto number = [](std::size_t count) { return Cell(static_cast<std::int64_t>(count)); };
-  ResultList list("collected", {{.name = "changed", .isNumber = true},
-                                {.name = "unchanged", .isNumber = true},
-                                {.name = "known", .isNumber = true},
-                                {.name = "late", .isNumber = true},
-                                {.name = "failed", .isNumber = true}});
-  list.AddRow({number(counts.changed), number(counts.unchanged), number(counts.known), number(counts.late),
-               number(failed)});
-  Print(list, options);
-}
-
 std::vector<cli::Option> NodeOptions(NodeSelection& selection) {
   return {
       {.names = {"-w", "--nodes"},
@@ -188,11 +177,10 @@ It prints the inventory on one line.)",
 
 std::vector<cli::Option> CollectOptionTable(CollectOptions& options) {
   std::vector<cli::Option> table = NodeOptions(options.clush.selection);
-  for (const std::vector<cli::Option>& more :
-       {ClushOptions(options.clush), {DatabaseOption(options.database)}, ListOptionTable(options.list)}) {
-    table.insert(table.end(), more.begin(), more.end());
-  }
-  return table;
+  const std::vector<cli::Option> ofClush = ClushOptions(options.clush);
+  table.insert(table.end(), ofClush.begin(), ofClush.end());
+  table.push_back(DatabaseOption(options.database));
+  return WithListOptions(std::move(table), options.list);
 }
 
 void CheckCollect(const CollectOptions& options) {
@@ -212,7 +200,13 @@ int RunCollect(const CollectOptions& options, const Clock& clock) {
     counts = collection.Counts();
   }
   for (const auto& [node, reason] : failures) PrintMessage(fmt::format("{}: {}", node, reason));
-  PrintCollected(counts, failures.size(), options.list);
+  PrintCounts("collected",
+              {{"changed", counts.changed},
+               {"unchanged", counts.unchanged},
+               {"known", counts.known},
+               {"late", counts.late},
+               {"failed", failures.size()}},
+              options.list);
   return failures.empty() ? cli::kPrinted : cli::kRefused;
 }
 

@@ -1,5 +1,7 @@
 #include "store/CommonOptions.h"
 
+#include <utility>
+
 #include "cli/option/CommonOptions.h"
 #include "cli/option/UsageError.h"
 #include "cli/option/Values.h"
@@ -55,14 +57,27 @@ std::function<void(const std::string&)> StoreHostName(std::string& target) {
   };
 }
 
-std::vector<Option> ListOptionTable(ListOptions& options) {
-  return {cli::FormatOption(options.format, cli::ChoicesOf(ResultList::Formats())),
-          cli::OutputOption(options.output)};
+std::vector<Option> WithListOptions(std::vector<Option> table, ListOptions& options) {
+  table.push_back(cli::FormatOption(options.format, cli::ChoicesOf(ResultList::Formats())));
+  table.push_back(cli::OutputOption(options.output));
+  return table;
 }
 
 void Print(const ResultList& list, const ListOptions& options) {
   const cli::Surface surface = cli::SurfaceOf(cli::IsStandardOutput(options.output), cli::Color::kAuto);
   cli::WriteOutput(options.output, list.Render(options.format, surface));
+}
+
+void PrintCounts(const std::string& name, const std::vector<NamedCount>& counts, const ListOptions& options) {
+  std::vector<ResultColumn> columns;
+  std::vector<Cell> cells;
+  for (const NamedCount& count : counts) {
+    columns.push_back({.name = count.name, .isNumber = true});
+    cells.emplace_back(static_cast<std::int64_t>(count.number));
+  }
+  ResultList list(name, std::move(columns));
+  list.AddRow(std::move(cells));
+  Print(list, options);
 }
 
 }  // namespace store

@@ -1,6 +1,7 @@
 // Options that several subcommands share.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -24,8 +25,8 @@ cli::Option DatabaseOption(std::string& database);
 /// --at TIME.
 cli::Option AtOption(std::optional<Moment>& at);
 
-/// --format and --output of a list.
-std::vector<cli::Option> ListOptionTable(ListOptions& options);
+/// The options, and --format and --output of a list after them.
+std::vector<cli::Option> WithListOptions(std::vector<cli::Option> table, ListOptions& options);
 
 /// Takes the name of a host. Throws UsageError for a text that can be none.
 std::function<void(const std::string&)> StoreHostName(std::string& target);
@@ -38,5 +39,13 @@ std::function<void(const std::string&)> StoreParsed(Target& target, Parse parse)
 
 /// Writes the list. Throws UserError.
 void Print(const ResultList& list, const ListOptions& options);
+
+struct NamedCount {
+  std::string name;
+  std::uint64_t number;
+};
+
+/// Writes the list of that name, which has one row: a column for each count. Throws UserError.
+void PrintCounts(const std::string& name, const std::vector<NamedCount>& counts, const ListOptions& options);
 
 }  // namespace store

@@ -36,7 +36,7 @@ std::string Variable(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-/// The folder for the user's data. The specification of such folders has relative paths ignored.
+/// The folder for the user's data. Other programs ignore a relative XDG_DATA_HOME, too.
 std::string DataFolder() {
   std::string named = Variable("XDG_DATA_HOME");
   if (!named.empty() && named.front() == '/') return named;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "cli/collect/SerialMask.h"
 #include "cli/model/Kinds.h"
@@ -239,13 +240,11 @@ Upper and lower case of ASCII letters do not matter.)",
 
 std::vector<cli::Option> FindOptionTable(FindOptions& options) {
   std::vector<cli::Option> table = {DatabaseOption(options.database), IdOption(options.ids)};
-  for (const std::vector<cli::Option>& more : {SerialOptions(options),
-                                               DescriptionOptions(options),
-                                               {AtOption(options.at)},
-                                               ListOptionTable(options.list)}) {
+  for (const std::vector<cli::Option>& more : {SerialOptions(options), DescriptionOptions(options)}) {
     table.insert(table.end(), more.begin(), more.end());
   }
-  return table;
+  table.push_back(AtOption(options.at));
+  return WithListOptions(std::move(table), options.list);
 }
 
 int RunFind(const FindOptions& options, const Clock& clock) {

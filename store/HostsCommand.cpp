@@ -142,22 +142,19 @@ ResultList EmptyList() {
 }  // namespace
 
 std::vector<cli::Option> HostsOptionTable(HostsOptions& options) {
-  std::vector<cli::Option> table = {
-      DatabaseOption(options.database),
-      {.names = {"--silent-for"},
-       .value = "DURATION",
-       .help = "List hosts without a report for so long, such as 2d",
-       .manual = R"(List only the hosts whose last report was collected longer ago than
+  return WithListOptions({DatabaseOption(options.database),
+                          {.names = {"--silent-for"},
+                           .value = "DURATION",
+                           .help = "List hosts without a report for so long, such as 2d",
+                           .manual = R"(List only the hosts whose last report was collected longer ago than
 this: a number and
 .Cm s , m , h , d
 or
 .Cm w ,
 such as
 .Li 2d .)",
-       .store = StoreParsed(options.silentFor, ParseDuration)}};
-  const std::vector<cli::Option> listOptions = ListOptionTable(options.list);
-  table.insert(table.end(), listOptions.begin(), listOptions.end());
-  return table;
+                           .store = StoreParsed(options.silentFor, ParseDuration)}},
+                         options.list);
 }
 
 int RunHosts(const HostsOptions& options, const Clock& clock) {

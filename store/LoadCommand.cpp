@@ -97,26 +97,21 @@ void LoadFile(Loader& loader, Database& database, const std::string& path) {
   splitter.Finish();
 }
 
-void PrintCounts(const LoadCounts& counts, const ListOptions& options) {
-  const auto number = [](std::size_t count) { return Cell(static_cast<std::int64_t>(count)); };
-  ResultList list("loaded", {{.name = "changed", .isNumber = true},
-                             {.name = "unchanged", .isNumber = true},
-                             {.name = "known", .isNumber = true},
-                             {.name = "late", .isNumber = true},
-                             {.name = "refused", .isNumber = true}});
-  list.AddRow({number(counts.changed), number(counts.unchanged), number(counts.known), number(counts.late),
-               number(counts.refused)});
-  Print(list, options);
-}
-
 int LoadFiles(const LoadOptions& options, Session& session, Loader& loader) {
   const std::vector<std::string> standardInput = {"-"};
   for (const std::string& path : options.files.empty() ? standardInput : options.files) {
     LoadFile(loader, session.Get(), path);
   }
-  PrintCounts(loader.Counts(), options.list);
-  if (loader.Counts().Total() == 0) PrintMessage("there was no document; usbinfo --format json makes one");
-  return loader.Counts().Total() == 0 || loader.Counts().refused > 0 ? cli::kRefused : cli::kPrinted;
+  const LoadCounts& counts = loader.Counts();
+  PrintCounts("loaded",
+              {{"changed", counts.changed},
+               {"unchanged", counts.unchanged},
+               {"known", counts.known},
+               {"late", counts.late},
+               {"refused", counts.refused}},
+              options.list);
+  if (counts.Total() == 0) PrintMessage("there was no document; usbinfo --format json makes one");
+  return counts.Total() == 0 || counts.refused > 0 ? cli::kRefused : cli::kPrinted;
 }
 
 /// Anything but "OK" has the line sent again. A database may repeat a whole statement in its message, and
@@ -162,34 +157,34 @@ std::vector<cli::Operand> LoadOperands(LoadOptions& options) {
 }
 
 std::vector<cli::Option> LoadOptionTable(LoadOptions& options) {
-  std::vector<cli::Option> table = {
-      DatabaseOption(options.database),
-      {.names = {"--collected"},
-       .value = "TIME",
-       .help = "When inventories were collected that do not say it",
-       .manual = R"(When inventories were collected that do not say it, such as those of device lists, in the
+  return WithListOptions(
+      {DatabaseOption(options.database),
+       {.names = {"--collected"},
+        .value = "TIME",
+        .help = "When inventories were collected that do not say it",
+        .manual = R"(When inventories were collected that do not say it, such as those of device lists, in the
 forms that
 .Fl -at
 takes.)",
-       .store = StoreParsed(options.collected, Moment::Parse)},
-      {.names = {"--new-mask"},
-       .help = "Accept serial numbers that are masked with another key than before",
-       .manual =
-           R"(Accept inventories whose serial numbers are masked with another key than those that the store
+        .store = StoreParsed(options.collected, Moment::Parse)},
+       {.names = {"--new-mask"},
+        .help = "Accept serial numbers that are masked with another key than before",
+        .manual =
+            R"(Accept inventories whose serial numbers are masked with another key than those that the store
 has of the same host, or no longer.
 Without this option they are refused, since all devices would seem to be others.)",
-       .store = cli::StoreTrue(options.permissions.newMask)},
-      {.names = {"--new-machine"},
-       .help = "Accept another machine with the name of a host",
-       .manual =
-           R"(Accept inventories of a machine that has the name of a host in the store, and another machine id:
+        .store = cli::StoreTrue(options.permissions.newMask)},
+       {.names = {"--new-machine"},
+        .help = "Accept another machine with the name of a host",
+        .manual =
+            R"(Accept inventories of a machine that has the name of a host in the store, and another machine id:
 it was replaced, or its system installed anew.
 Without this option they are refused.)",
-       .store = cli::StoreTrue(options.permissions.newMachine)},
-      {.names = {"--confirm"},
-       .help = "Answer each line of standard input on standard output",
-       .manual =
-           R"(Read one inventory a line from standard input, and answer each with a line on standard output:
+        .store = cli::StoreTrue(options.permissions.newMachine)},
+       {.names = {"--confirm"},
+        .help = "Answer each line of standard input on standard output",
+        .manual =
+            R"(Read one inventory a line from standard input, and answer each with a line on standard output:
 .Li OK
 when it is stored or recorded as refused, and what went wrong when the database failed and the line is to be sent
 again.
@@ -199,10 +194,8 @@ says that the store is open.
 This is what
 .Li confirmMessages
 of rsyslog's omprog expects.)",
-       .store = cli::StoreTrue(options.confirms)}};
-  const std::vector<cli::Option> listOptions = ListOptionTable(options.list);
-  table.insert(table.end(), listOptions.begin(), listOptions.end());
-  return table;
+        .store = cli::StoreTrue(options.confirms)}},
+      options.list);
 }
 
 void CheckLoad(const LoadOptions& options) {

@@ -58,7 +58,7 @@ std::string DescribeNothing(Database& database, const ShowOptions& options) {
   if (HasHost(database, options.host)) {
     return fmt::format("{} had no report by then; leave --at out to see the last one", options.host);
   }
-  return fmt::format("the store has no host {}; usbinfo-store hosts lists them", options.host);
+  return DescribeNoHost(options.host);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "store/UpkeepCommand.h"
 
-#include <fmt/format.h>
-
 #include <optional>
 
 #include "cli/option/CommonOptions.h"
@@ -20,12 +18,6 @@ namespace store {
 
 namespace {
 
-std::vector<cli::Option> WithListOptions(std::vector<cli::Option> table, ListOptions& options) {
-  const std::vector<cli::Option> listOptions = ListOptionTable(options);
-  table.insert(table.end(), listOptions.begin(), listOptions.end());
-  return table;
-}
-
 Cell NumberCell(std::uint64_t number) {
   return static_cast<std::int64_t>(number);
 }
@@ -42,7 +34,7 @@ void SpareStore(const std::string& output) {
 }
 
 int ReportNoHost(const std::string& host) {
-  PrintMessage(fmt::format("the store has no host {}; usbinfo-store hosts lists them", host));
+  PrintMessage(DescribeNoHost(host));
   return cli::kNothingFound;
 }
 
@@ -107,13 +99,12 @@ void CheckPrune(const PruneOptions& options) {
 int RunPrune(const PruneOptions& options, const Clock& clock) {
   const auto database = OpenStore(FindDatabase(options.database, options.list.output), Access::kExisting);
   const Pruned pruned = Prune(*database, clock.Now() - *options.keep);
-  ResultList list("pruned", {{.name = "reports", .isNumber = true},
-                             {.name = "items", .isNumber = true},
-                             {.name = "late", .isNumber = true},
-                             {.name = "refused", .isNumber = true}});
-  list.AddRow({NumberCell(pruned.reports), NumberCell(pruned.items), NumberCell(pruned.late),
-               NumberCell(pruned.refused)});
-  Print(list, options.list);
+  PrintCounts("pruned",
+              {{"reports", pruned.reports},
+               {"items", pruned.items},
+               {"late", pruned.late},
+               {"refused", pruned.refused}},
+              options.list);
   return cli::kPrinted;
 }
 
