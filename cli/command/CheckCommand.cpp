@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "cli/collect/Collection.h"
-#include "cli/collect/Input.h"
 #include "cli/command/Findings.h"
 #include "cli/option/UsageError.h"
 #include "cli/policy/PolicyCheck.h"
@@ -16,6 +15,7 @@
 #include "cli/policy/PolicyCheckText.h"
 #include "cli/policy/PolicyParser.h"
 #include "cli/text/ExitStatus.h"
+#include "cli/text/Input.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Message.h"
 #include "cli/text/Output.h"
