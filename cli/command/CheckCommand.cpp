@@ -13,7 +13,7 @@
 #include "cli/policy/PolicyCheckJson.h"
 #include "cli/policy/PolicyCheckNagios.h"
 #include "cli/policy/PolicyCheckText.h"
-#include "cli/policy/PolicyParser.h"
+#include "cli/policy/PolicyFile.h"
 #include "cli/text/ExitStatus.h"
 #include "cli/text/Input.h"
 #include "cli/text/LogWriter.h"
@@ -25,13 +25,6 @@
 namespace cli {
 
 namespace {
-
-Policy ReadPolicy(const CheckOptions& options) {
-  Policy policy =
-      ParsePolicy(ReadInput(options.policy, "name a file that holds a policy"), NameOfList(options.policy));
-  if (options.defaultTarget == NameOf(PolicyTarget::kAllow)) policy.defaultTarget = PolicyTarget::kAllow;
-  return policy;
-}
 
 std::string NameOfInventory(const std::string& path) {
   return path.empty() ? "this machine" : NameOfList(path);
@@ -82,7 +75,7 @@ int PrintForNagios(const NagiosReport& report) {
 
 int RunCheck(const CheckOptions& options) {
   CheckFiles(options);
-  const Policy policy = ReadPolicy(options);
+  const Policy policy = ReadPolicy(options.policy, options.defaultTarget);
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
   std::vector<std::string> paths = options.inventories;
   if (paths.empty()) paths.emplace_back();

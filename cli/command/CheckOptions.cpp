@@ -11,17 +11,6 @@ namespace cli {
 
 namespace {
 
-Option DefaultOption(std::string& target) {
-  const std::vector<Choice> choices = {{"block"}, {"allow"}};
-  return {.names = {"--default"},
-          .value = "TARGET",
-          .help = "What becomes of devices that no rule matches",
-          .defaultValue = target,
-          .choices = choices,
-          .manual = "What becomes of devices that no rule matches:",
-          .store = StoreChoice(target, choices)};
-}
-
 Option NagiosOption(bool& isForNagios) {
   return {
       .names = {"--nagios"},
@@ -59,7 +48,7 @@ std::vector<Operand> CheckOperands(CheckOptions& options) {
 
 std::vector<Option> CheckOptionTable(CheckOptions& options) {
   std::vector<Option> table = {FormatOption(options.format, {{"text"}, {"json"}}),
-                               NagiosOption(options.isForNagios), DefaultOption(options.defaultTarget),
+                               NagiosOption(options.isForNagios), DefaultTargetOption(options.defaultTarget),
                                AllowSuspectOption("Check", options.allowsSuspect),
                                OutputOption(options.output)};
   for (Option& option : SourceOptions(options.source)) table.push_back(std::move(option));

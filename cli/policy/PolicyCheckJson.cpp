@@ -2,7 +2,6 @@
 
 #include "cli/model/DeviceText.h"
 #include "cli/model/JsonValues.h"
-#include "cli/text/JsonWriter.h"
 
 namespace cli {
 
@@ -25,20 +24,6 @@ void WriteUnlessEmpty(JsonWriter& json, std::string_view name, const std::string
   WriteMember(json, name, text.empty() ? std::nullopt : std::optional(text));
 }
 
-void Write(JsonWriter& json, const CheckedDevice& checked) {
-  const PolicyDevice& device = checked.device;
-  json.BeginObject();
-  WriteMember(json, "device", device.item->String(PropertyId::kDeviceID));
-  WriteMember(json, "name", device.facts == nullptr ? std::nullopt : device.facts->name);
-  WriteMember(json, "id", FormatId(*device.item));
-  WriteUnlessEmpty(json, "product", ProductOf(*device.item, device.facts));
-  WriteUnlessEmpty(json, "serial", SerialOf(*device.item, device.facts));
-  WriteMember(json, "kinds", device.facts == nullptr ? std::vector<std::string>() : device.facts->kinds);
-  WriteMember(json, "decision", std::string(NameOf(checked.decision.target)));
-  WriteRule(json, checked.decision.rule);
-  json.EndObject();
-}
-
 void Write(JsonWriter& json, const CheckedInventory& checked) {
   const std::optional<Origin>& origin = checked.inventory->GetOrigin();
   const auto ofOrigin = [&](std::string_view name, const std::optional<std::string>& value) {
@@ -52,11 +37,26 @@ void Write(JsonWriter& json, const CheckedInventory& checked) {
   json.Key("suspect");
   json.Bool(origin && !origin->findings.empty());
   WriteMember(json, "refused", checked.CountRefused());
-  WriteList(json, "devices", checked.devices, [&](const CheckedDevice& device) { Write(json, device); });
+  WriteList(json, "devices", checked.devices,
+            [&](const CheckedDevice& device) { WriteCheckedDevice(json, device); });
   json.EndObject();
 }
 
 }  // namespace
+
+void WriteCheckedDevice(JsonWriter& json, const CheckedDevice& checked) {
+  const PolicyDevice& device = checked.device;
+  json.BeginObject();
+  WriteMember(json, "device", device.item->String(PropertyId::kDeviceID));
+  WriteMember(json, "name", device.facts == nullptr ? std::nullopt : device.facts->name);
+  WriteMember(json, "id", FormatId(*device.item));
+  WriteUnlessEmpty(json, "product", ProductOf(*device.item, device.facts));
+  WriteUnlessEmpty(json, "serial", SerialOf(*device.item, device.facts));
+  WriteMember(json, "kinds", device.facts == nullptr ? std::vector<std::string>() : device.facts->kinds);
+  WriteMember(json, "decision", std::string(NameOf(checked.decision.target)));
+  WriteRule(json, checked.decision.rule);
+  json.EndObject();
+}
 
 std::string RenderCheckJson(const Policy& policy, const std::vector<CheckedInventory>& checked) {
   JsonWriter json(JsonWriter::Layout::kIndented);

@@ -5,8 +5,12 @@
 #include <vector>
 
 #include "cli/policy/PolicyCheck.h"
+#include "cli/text/JsonWriter.h"
 
 namespace cli {
+
+/// Writes a device as an object: what it is, what becomes of it and the rule that decided.
+void WriteCheckedDevice(JsonWriter& json, const CheckedDevice& checked);
 
 /// One object with all inventories and each of their devices, allowed or not, and keys in a fixed order.
 /// ASCII only.

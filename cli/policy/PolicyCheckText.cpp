@@ -28,6 +28,16 @@ std::string DescribeDevice(const PolicyDevice& device) {
                      serial.empty() ? "" : ", serial " + QuoteForDocument(serial));
 }
 
+std::string RenderRefused(const Policy& policy, const CheckedInventory& checked, const std::string& prefix) {
+  std::string text;
+  for (const CheckedDevice& device : checked.devices) {
+    if (device.IsAllowed()) continue;
+    text += fmt::format("{}{}: {}: {}\n", prefix, PlaceOf(device.device), DescribeDevice(device.device),
+                        Describe(policy, device.decision));
+  }
+  return text;
+}
+
 std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInventory>& checked) {
   if (IsAllAllowed(checked)) return {};
   std::string text;
@@ -35,11 +45,7 @@ std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInven
   std::size_t total = 0;
   for (const CheckedInventory& inventory : checked) {
     const std::string prefix = checked.size() == 1 ? "" : EscapeForDocument(inventory.name) + ": ";
-    for (const CheckedDevice& device : inventory.devices) {
-      if (device.IsAllowed()) continue;
-      text += fmt::format("{}{}: {}: {}\n", prefix, PlaceOf(device.device), DescribeDevice(device.device),
-                          Describe(policy, device.decision));
-    }
+    text += RenderRefused(policy, inventory, prefix);
     refused += inventory.CountRefused();
     total += inventory.devices.size();
   }
