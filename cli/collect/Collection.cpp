@@ -19,6 +19,7 @@
 #include "cli/collect/PluginRun.h"
 #include "cli/collect/PreparingSystem.h"
 #include "cli/collect/SystemName.h"
+#include "cli/collect/UsbguardHashes.h"
 #include "cli/collect/WaitingNotice.h"
 #include "cli/model/FromJson.h"
 #include "cli/model/FromKernel.h"
@@ -142,13 +143,16 @@ kernel::Topology ReadThisMachine(const kernel::SysfsParts& parts) {
 
 Inventory CollectFromSysfs(const Source& source, const PluginRequest& request, LogWriter& log) {
   const ListTreatment treatment = TreatmentOf(source);
-  kernel::Topology topology = ReadThisMachine({.nodes = source.readsNodes, .ports = source.readsPorts});
+  kernel::Topology topology = ReadThisMachine(
+      {.nodes = source.readsNodes, .ports = source.readsPorts, .descriptors = source.makesHashes});
   const std::string text = kernel::WriteDeviceList(topology);
   if (!source.noLimits) CheckListLimits(text, kNameOfOwnList);
   PreparedList list = PrepareList(text, treatment);
   if (treatment.mask) TakeSerials(topology, list.whole);
   Inventory inventory = RunPluginOn(list, request, log);
-  return Complete(std::move(inventory), topology, std::move(list), treatment, "sysfs");
+  inventory = Complete(std::move(inventory), topology, std::move(list), treatment, "sysfs");
+  if (source.makesHashes) inventory.SetKernel(WithHashes(*inventory.Kernel(), topology));
+  return inventory;
 }
 
 Inventory CollectThroughPlugin(const Source& source, const PluginRequest& request, LogWriter& log) {

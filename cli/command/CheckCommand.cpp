@@ -31,10 +31,12 @@ std::string NameOfInventory(const std::string& path) {
 }
 
 /// The inventory at `path`; this machine's for an empty path.
-Inventory ReadInventory(const CheckOptions& options, const std::string& path, LogWriter& log) {
+Inventory ReadInventory(const CheckOptions& options, const Policy& policy, const std::string& path,
+                        LogWriter& log) {
   Source source = options.source;
   source.devices = path;
   source.readsNodes = false;
+  source.makesHashes = policy.UsesHashes();
   Inventory inventory = Collect(source, AllClasses(), log);
   const std::string name = NameOfInventory(path);
   // The one line for Nagios says it all.
@@ -81,7 +83,7 @@ int RunCheck(const CheckOptions& options) {
   if (paths.empty()) paths.emplace_back();
   std::vector<Inventory> inventories;
   inventories.reserve(paths.size());
-  for (const std::string& path : paths) inventories.push_back(ReadInventory(options, path, log));
+  for (const std::string& path : paths) inventories.push_back(ReadInventory(options, policy, path, log));
   CheckOptionsForLists(options, inventories);
   std::vector<CheckedInventory> checked;
   for (std::size_t index = 0; index < paths.size(); ++index) {
