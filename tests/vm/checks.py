@@ -14,6 +14,7 @@ import forgery
 import gadgets
 import kernel_list
 import machine
+import policies
 import qemu
 import states
 import topology
@@ -109,6 +110,7 @@ def run_all(guest, release, report, records):
     check_gadgets(found, proof, changed)
     forgery.Forgery(guest, collector, found, report, proof).check_all(changed, release)
     differing.Differing(guest, collector, report).check_all(changed, release)
+    policies.check_all(guest, collector, report, changed, release)
     states.come_and_go(collector, proof, changed, ROUNDS, "all the time")
     states.check_all(guest, collector, found, proof, release, changed)
 
