@@ -9,11 +9,11 @@
 #include "cli/collect/Collection.h"
 #include "cli/collect/Input.h"
 #include "cli/command/Findings.h"
+#include "cli/command/PolicyFile.h"
 #include "cli/option/UsageError.h"
 #include "cli/policy/PolicyCheck.h"
 #include "cli/policy/PolicyCheckJson.h"
 #include "cli/policy/PolicyCheckText.h"
-#include "cli/policy/PolicyParser.h"
 #include "cli/text/ExitStatus.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Message.h"
@@ -23,9 +23,8 @@ namespace cli {
 
 namespace {
 
-Policy ReadPolicy(const CheckOptions& options) {
-  Policy policy =
-      ParsePolicy(ReadInput(options.policy, "name a file that holds a policy"), NameOfList(options.policy));
+Policy PolicyOf(const CheckOptions& options) {
+  Policy policy = ReadPolicy(options.policy);
   if (options.defaultTarget == NameOf(PolicyTarget::kAllow)) policy.defaultTarget = PolicyTarget::kAllow;
   return policy;
 }
@@ -67,7 +66,7 @@ void CheckOptionsForLists(const CheckOptions& options, const std::vector<Invento
 
 int RunCheck(const CheckOptions& options) {
   CheckFiles(options);
-  const Policy policy = ReadPolicy(options);
+  const Policy policy = PolicyOf(options);
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
   std::vector<std::string> paths = options.inventories;
   if (paths.empty()) paths.emplace_back();

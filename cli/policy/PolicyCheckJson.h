@@ -8,6 +8,15 @@
 
 namespace cli {
 
+class JsonWriter;
+
+/// The members of an object that say which device it is: "device", "name", "id", "product", "serial",
+/// "kinds".
+void WriteDevice(JsonWriter& json, const PolicyDevice& device);
+
+/// The member "rule": the rule's line and text, or null.
+void WriteRule(JsonWriter& json, const PolicyRule* rule);
+
 /// One object with all inventories and each of their devices, allowed or not, and keys in a fixed order.
 /// ASCII only.
 std::string RenderCheckJson(const Policy& policy, const std::vector<CheckedInventory>& checked);

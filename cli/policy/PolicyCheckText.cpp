@@ -7,27 +7,23 @@
 
 namespace cli {
 
-namespace {
-
-/// "keyboard, mouse 046d:c31c "USB Keyboard", serial "1234"".
-std::string Describe(const PolicyDevice& device) {
+std::string DescribeDevice(const PolicyDevice& device) {
   const bool hasKinds = device.facts != nullptr && !device.facts->kinds.empty();
   const char* const noun = device.item->Class() == ClassId::kHub ? "hub" : "device";
   const std::string product = ProductOf(*device.item, device.facts);
   const std::string serial = SerialOf(*device.item, device.facts);
-  return fmt::format("{} {} {}{}", hasKinds ? fmt::format("{}", fmt::join(device.facts->kinds, ", ")) : noun,
+  return fmt::format("{}: {} {} {}{}", PlaceOf(device),
+                     hasKinds ? fmt::format("{}", fmt::join(device.facts->kinds, ", ")) : noun,
                      FormatId(*device.item), product.empty() ? "(no name)" : QuoteForDocument(product),
                      serial.empty() ? "" : ", serial " + QuoteForDocument(serial));
 }
 
-std::string Describe(const Policy& policy, const PolicyDecision& decision) {
+std::string DescribeRefusal(const Policy& policy, const PolicyDecision& decision) {
   const char* const verb = decision.target == PolicyTarget::kReject ? "rejected" : "blocked";
   if (decision.rule == nullptr) return fmt::format("{}, no rule matches", verb);
   return fmt::format("{} by {}:{}: {}", verb, EscapeForDocument(policy.name), decision.rule->line,
                      EscapeForDocument(decision.rule->text));
 }
-
-}  // namespace
 
 std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInventory>& checked) {
   if (IsAllAllowed(checked)) return {};
@@ -38,8 +34,8 @@ std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInven
     const std::string prefix = checked.size() == 1 ? "" : EscapeForDocument(inventory.name) + ": ";
     for (const CheckedDevice& device : inventory.devices) {
       if (device.IsAllowed()) continue;
-      text += fmt::format("{}{}: {}: {}\n", prefix, PlaceOf(device.device), Describe(device.device),
-                          Describe(policy, device.decision));
+      text += fmt::format("{}{}: {}\n", prefix, DescribeDevice(device.device),
+                          DescribeRefusal(policy, device.decision));
     }
     refused += inventory.CountRefused();
     total += inventory.devices.size();

@@ -8,6 +8,14 @@
 
 namespace cli {
 
+/// Its place and what it is: "1-3.1: keyboard 046d:c31c "USB Keyboard", serial "1234"". Escaped as for
+/// documents.
+std::string DescribeDevice(const PolicyDevice& device);
+
+/// "blocked by rules.conf:3: block id 046d:*", or "rejected, no rule matches", for a device that is not
+/// allowed. Escaped as for documents.
+std::string DescribeRefusal(const Policy& policy, const PolicyDecision& decision);
+
 /// A line for each device that is not allowed, with the rule that decided, and one with their number; empty
 /// where all are allowed. Of several inventories, each line begins with the name. Lines are for the character
 /// set of the locale.

@@ -33,6 +33,7 @@ void Watcher::Compare(Inventory now) {
   report.difference = &difference;
   report.cameAndWent = batch.CameAndWent(fKnown, now);
   report.hasLosses = batch.HasLosses();
+  if (fWatched.audit != nullptr) report.refusals = fWatched.audit->Audit(now);
   if (!report.IsEmpty()) {
     ++fReports;
     fWatched.print(report);
