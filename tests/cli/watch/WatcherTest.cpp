@@ -149,6 +149,16 @@ TEST_F(WatcherTest, ReportsADeviceThatCameAndWentBetweenTwoLooks) {
   EXPECT_EQ(lines.at(1)["cameAndWent"], json::array());
 }
 
+TEST_F(WatcherTest, ReportsADeviceThatGoesJustBeforeItIsLookedAt) {
+  machine.Plug(1000ms, "1-2", kStick);
+  machine.Do(1500ms, [this] { machine.plugged.erase("1-2"); });
+  for (const UsbEvent& event : EventsOfRemoving("1-2", kStick)) machine.Send(1501ms, event);
+  EXPECT_TRUE(Follow());
+  EXPECT_THAT(times, ElementsAre(1500));
+  EXPECT_EQ(lines.at(0)["cameAndWent"].size(), 1U);
+  EXPECT_EQ(lines.at(0)["difference"]["added"], json::array());
+}
+
 TEST_F(WatcherTest, ReportsADeviceThatCameAndWentInThePlaceOfOneThatIsThereAgain) {
   machine.plugged["1-2"] = {5, {"Mouse"}};
   machine.Unplug(1000ms, "1-2");
