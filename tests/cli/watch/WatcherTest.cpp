@@ -67,9 +67,9 @@ TEST_F(WatcherTest, LooksAndReportsWhenNoEventHasComeForTheSettlingTime) {
 
 TEST_F(WatcherTest, LooksAtOnceWithoutASettlingTime) {
   machine.Plug(1000ms, "1-2", kStick);
-  machine.Unplug(1000ms, "1-2");
+  machine.Unplug(1001ms, "1-2");
   EXPECT_TRUE(Follow({.settle = 0ms}));
-  EXPECT_THAT(times, ElementsAre(1000, 1000));
+  EXPECT_THAT(times, ElementsAre(1000, 1001));
 }
 
 TEST_F(WatcherTest, LooksAfterTenSettlingTimesWhereEventsDoNotEnd) {
@@ -124,6 +124,21 @@ TEST_F(WatcherTest, TakesALastLookWhenItIsStopped) {
   EXPECT_TRUE(watcher.Follow());
   EXPECT_THAT(machine.Looks(), ElementsAre(1500));
   EXPECT_EQ(lines.at(0)["difference"]["added"].size(), 1U);
+}
+
+TEST_F(WatcherTest, TakesWhatHasComeBeforeItIsStopped) {
+  machine.Stop(1000ms);
+  machine.Plug(1000ms, "1-2", kStick);
+  machine.Unplug(1000ms, "1-2");
+  EXPECT_TRUE(Follow());
+  EXPECT_THAT(machine.Looks(), ElementsAre(1000));
+  EXPECT_EQ(lines.at(0)["cameAndWent"].size(), 1U);
+}
+
+TEST_F(WatcherTest, TakesOneLookAtEventsThatCameTogether) {
+  for (int event = 0; event < 100; ++event) machine.Send(1000ms, {.name = "1-2"});
+  EXPECT_TRUE(Follow({.settle = 0ms}));
+  EXPECT_THAT(machine.Looks(), ElementsAre(1000, 1000));
 }
 
 TEST_F(WatcherTest, LooksAnewWhenEventsAreLostAndSaysSo) {
