@@ -61,6 +61,9 @@ class Watcher {
   /// Takes events until it is time to look. False where the watch is to end.
   bool AwaitLook(std::optional<Clock::Point> end);
   std::optional<Clock::Point> NextLook() const;
+  void Take(const Waking& waking);
+  /// Takes the events that are already there, so that the look is compared with all that came before it.
+  void TakeBacklog();
   void Look();
   void NoteFailure(const std::string& message);
 

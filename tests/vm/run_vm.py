@@ -43,7 +43,8 @@ def _options():
     parser.add_argument("--usb-devices", metavar="FILE", type=pathlib.Path,
                         help="only check what comes of the output of that script, as another version has it")
     parser.add_argument("--soak", type=int, metavar="ROUNDS",
-                        help="only have devices come and go, and make so many lists meanwhile")
+                        help="only have devices come and go, for so many lists and as often for watch, and send "
+                             f"{checks.UEVENTS_A_ROUND} events each time")
     return parser.parse_args()
 
 

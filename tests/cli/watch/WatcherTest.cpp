@@ -81,9 +81,9 @@ TEST_F(WatcherTest, LooksAndReportsWhenNoEventHasComeForTheSettlingTime) {
 
 TEST_F(WatcherTest, LooksAtOnceWithoutASettlingTime) {
   machine.Plug(1000ms, "1-2", kStick);
-  machine.Unplug(1000ms, "1-2");
+  machine.Unplug(1001ms, "1-2");
   EXPECT_TRUE(Follow({.settle = 0ms}));
-  EXPECT_THAT(times, ElementsAre(1000, 1000));
+  EXPECT_THAT(times, ElementsAre(1000, 1001));
 }
 
 TEST_F(WatcherTest, LooksAfterTenSettlingTimesWhereEventsDoNotEnd) {
@@ -140,6 +140,21 @@ TEST_F(WatcherTest, TakesALastLookWhenItIsStopped) {
   EXPECT_EQ(lines.at(0)["difference"]["added"].size(), 1U);
 }
 
+TEST_F(WatcherTest, TakesWhatHasComeBeforeItIsStopped) {
+  machine.Stop(1000ms);
+  machine.Plug(1000ms, "1-2", kStick);
+  machine.Unplug(1000ms, "1-2");
+  EXPECT_TRUE(Follow());
+  EXPECT_THAT(machine.Looks(), ElementsAre(1000));
+  EXPECT_EQ(lines.at(0)["cameAndWent"].size(), 1U);
+}
+
+TEST_F(WatcherTest, TakesOneLookAtEventsThatCameTogether) {
+  for (int event = 0; event < 100; ++event) machine.Send(1000ms, {.name = "1-2"});
+  EXPECT_TRUE(Follow({.settle = 0ms}));
+  EXPECT_THAT(machine.Looks(), ElementsAre(1000, 1000));
+}
+
 TEST_F(WatcherTest, LooksAnewWhenEventsAreLostAndSaysSo) {
   machine.Do(1000ms, [this] { machine.plugged["1-2"] = kStick; });
   machine.Lose(1000ms);
@@ -161,6 +176,16 @@ TEST_F(WatcherTest, ReportsADeviceThatCameAndWentBetweenTwoLooks) {
   EXPECT_EQ(lines.at(0)["cameAndWent"],
             json::parse(R"([{"name": "1-2", "number": 2, "id": "0781:5581", "kinds": ["mass storage"]}])"));
   EXPECT_EQ(lines.at(1)["cameAndWent"], json::array());
+}
+
+TEST_F(WatcherTest, ReportsADeviceThatGoesJustBeforeItIsLookedAt) {
+  machine.Plug(1000ms, "1-2", kStick);
+  machine.Do(1500ms, [this] { machine.plugged.erase("1-2"); });
+  for (const UsbEvent& event : EventsOfRemoving("1-2", kStick)) machine.Send(1501ms, event);
+  EXPECT_TRUE(Follow());
+  EXPECT_THAT(times, ElementsAre(1500));
+  EXPECT_EQ(lines.at(0)["cameAndWent"].size(), 1U);
+  EXPECT_EQ(lines.at(0)["difference"]["added"], json::array());
 }
 
 TEST_F(WatcherTest, ReportsADeviceThatCameAndWentInThePlaceOfOneThatIsThereAgain) {
