@@ -7,6 +7,7 @@ import io
 import json
 import os
 import pathlib
+import re
 import sys
 import tempfile
 import unittest
@@ -86,6 +87,12 @@ class MetricsTest(unittest.TestCase):
     def test_this_machine(self):
         self.assert_clean(metrics())
 
+    def test_the_document_lists_them(self):
+        document = (SOURCE / "docs" / "monitoring.md").read_text(encoding="utf-8")
+        printed = metrics("--devices", SOURCE / "examples" / "desktop.json").stdout
+        self.assertEqual(re.findall(r"^\| `(usbinfo_\w+)`", document, re.MULTILINE),
+                         re.findall(r"^# TYPE (\w+) gauge", printed, re.MULTILINE))
+
     def test_no_machine_and_a_hostile_one(self):
         self.assert_clean(metrics("--devices", "-", input=""))
         self.assert_clean(metrics("--with-serials", "--devices", "-", input=json.dumps(hostile())))
@@ -99,6 +106,18 @@ class RulesTest(unittest.TestCase):
 
     def test_they_are_sound(self):
         checked = machine.run(["promtool", "check", "rules", RULES])
+        self.assertEqual((checked.returncode, checked.stderr), (0, ""), checked.stdout)
+
+    def test_the_queries_of_the_document_are_sound(self):
+        document = (SOURCE / "docs" / "monitoring.md").read_text(encoding="utf-8")
+        block = document.split("```")[-2].strip()
+        rules = [{"record": f"query{number}", "expr": line.split("#")[0].strip()}
+                 for number, line in enumerate(block.splitlines())]
+        self.assertGreater(len(rules), 3)
+        with tempfile.NamedTemporaryFile("w", suffix=".yml", encoding="utf-8") as file:
+            json.dump({"groups": [{"name": "queries", "rules": rules}]}, file)
+            file.flush()
+            checked = machine.run(["promtool", "check", "rules", file.name])
         self.assertEqual((checked.returncode, checked.stderr), (0, ""), checked.stdout)
 
     def test_they_fire_when_they_are_to_fire(self):
