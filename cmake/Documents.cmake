@@ -61,7 +61,7 @@ endfunction()
 document_command(usbinfo "${USBINFO_NATIVE_COMMAND}")
 if(TARGET usbinfo-store)
   document_command(usbinfo-store "${USBINFO_NATIVE_STORE_COMMAND}")
-  install(FILES docs/usbinfo-changes.schema.json docs/usbinfo-lists.schema.json
+  install(FILES docs/usbinfo-changes.schema.json docs/usbinfo-checks.schema.json docs/usbinfo-lists.schema.json
           DESTINATION "${CMAKE_INSTALL_DATADIR}/usbinfo" COMPONENT usbinfo-store)
 endif()
 

@@ -6,14 +6,13 @@
 #include <utility>
 
 #include "cli/collect/Collection.h"
-#include "cli/collect/Input.h"
 #include "cli/command/ComparedFile.h"
 #include "cli/command/Findings.h"
-#include "cli/command/PolicyFile.h"
 #include "cli/diff/Comparability.h"
-#include "cli/policy/PolicyRule.h"
+#include "cli/policy/PolicyFile.h"
 #include "cli/text/Color.h"
 #include "cli/text/ExitStatus.h"
+#include "cli/text/Input.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
 #include "cli/text/UserError.h"
@@ -41,7 +40,7 @@ std::optional<Inventory> ReadBaseline(const WatchOptions& options, LogWriter& lo
 
 std::optional<PolicyAudit> ReadAudit(const WatchOptions& options) {
   if (options.policy.empty()) return std::nullopt;
-  return PolicyAudit(ReadPolicy(options.policy));
+  return PolicyAudit(ReadPolicy(options.policy, options.defaultTarget));
 }
 
 void CheckBaseline(const WatchOptions& options, const Inventory& baseline, const Inventory& now) {

@@ -2,7 +2,6 @@
 
 #include "cli/model/DeviceText.h"
 #include "cli/model/JsonValues.h"
-#include "cli/text/JsonWriter.h"
 
 namespace cli {
 
@@ -11,14 +10,6 @@ namespace {
 /// Null for an empty text.
 void WriteUnlessEmpty(JsonWriter& json, std::string_view name, const std::string& text) {
   WriteMember(json, name, text.empty() ? std::nullopt : std::optional(text));
-}
-
-void Write(JsonWriter& json, const CheckedDevice& checked) {
-  json.BeginObject();
-  WriteDevice(json, checked.device);
-  WriteMember(json, "decision", std::string(NameOf(checked.decision.target)));
-  WriteRule(json, checked.decision.rule);
-  json.EndObject();
 }
 
 void Write(JsonWriter& json, const CheckedInventory& checked) {
@@ -34,7 +25,8 @@ void Write(JsonWriter& json, const CheckedInventory& checked) {
   json.Key("suspect");
   json.Bool(origin && !origin->findings.empty());
   WriteMember(json, "refused", checked.CountRefused());
-  WriteList(json, "devices", checked.devices, [&](const CheckedDevice& device) { Write(json, device); });
+  WriteList(json, "devices", checked.devices,
+            [&](const CheckedDevice& device) { WriteCheckedDevice(json, device); });
   json.EndObject();
 }
 
@@ -58,6 +50,14 @@ void WriteRule(JsonWriter& json, const PolicyRule* rule) {
   json.BeginObject();
   WriteMember(json, "line", rule->line);
   WriteMember(json, "text", rule->text);
+  json.EndObject();
+}
+
+void WriteCheckedDevice(JsonWriter& json, const CheckedDevice& checked) {
+  json.BeginObject();
+  WriteDevice(json, checked.device);
+  WriteMember(json, "decision", std::string(NameOf(checked.decision.target)));
+  WriteRule(json, checked.decision.rule);
   json.EndObject();
 }
 

@@ -12,8 +12,7 @@ std::string DescribeDevice(const PolicyDevice& device) {
   const char* const noun = device.item->Class() == ClassId::kHub ? "hub" : "device";
   const std::string product = ProductOf(*device.item, device.facts);
   const std::string serial = SerialOf(*device.item, device.facts);
-  return fmt::format("{}: {} {} {}{}", PlaceOf(device),
-                     hasKinds ? fmt::format("{}", fmt::join(device.facts->kinds, ", ")) : noun,
+  return fmt::format("{} {} {}{}", hasKinds ? fmt::format("{}", fmt::join(device.facts->kinds, ", ")) : noun,
                      FormatId(*device.item), product.empty() ? "(no name)" : QuoteForDocument(product),
                      serial.empty() ? "" : ", serial " + QuoteForDocument(serial));
 }
@@ -25,6 +24,16 @@ std::string DescribeRefusal(const Policy& policy, const PolicyDecision& decision
                      EscapeForDocument(decision.rule->text));
 }
 
+std::string RenderRefused(const Policy& policy, const CheckedInventory& checked, const std::string& prefix) {
+  std::string text;
+  for (const CheckedDevice& device : checked.devices) {
+    if (device.IsAllowed()) continue;
+    text += fmt::format("{}{}: {}: {}\n", prefix, PlaceOf(device.device), DescribeDevice(device.device),
+                        DescribeRefusal(policy, device.decision));
+  }
+  return text;
+}
+
 std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInventory>& checked) {
   if (IsAllAllowed(checked)) return {};
   std::string text;
@@ -32,11 +41,7 @@ std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInven
   std::size_t total = 0;
   for (const CheckedInventory& inventory : checked) {
     const std::string prefix = checked.size() == 1 ? "" : EscapeForDocument(inventory.name) + ": ";
-    for (const CheckedDevice& device : inventory.devices) {
-      if (device.IsAllowed()) continue;
-      text += fmt::format("{}{}: {}\n", prefix, DescribeDevice(device.device),
-                          DescribeRefusal(policy, device.decision));
-    }
+    text += RenderRefused(policy, inventory, prefix);
     refused += inventory.CountRefused();
     total += inventory.devices.size();
   }

@@ -16,7 +16,8 @@ std::vector<Refusal> PolicyAudit::Audit(const Inventory& now) {
   for (PolicyDevice& device : PolicyDevicesOf(now)) {
     std::optional<Refusal> refusal = Judge(std::move(device));
     if (!refusal) continue;
-    const auto [text, isNew] = fKnown.insert(DescribeDevice(refusal->device) + refusal->reason);
+    const auto [text, isNew] =
+        fKnown.insert(PlaceOf(refusal->device) + DescribeDevice(refusal->device) + refusal->reason);
     if (isNew && known.count(*text) == 0) refusals.push_back(std::move(*refusal));
   }
   return refusals;

@@ -75,7 +75,8 @@ std::string RenderWatchText(const WatchReport& report, bool isColored) {
     text += fmt::format("* {}: {} {} came and went\n", device.name, DescribeKinds(device), IdOf(device));
   }
   for (const Refusal& refusal : report.refusals.value_or(std::vector<Refusal>())) {
-    text += fmt::format("! {}: {}\n", DescribeDevice(refusal.device), refusal.reason);
+    text += fmt::format("! {}: {}: {}\n", PlaceOf(refusal.device), DescribeDevice(refusal.device),
+                        refusal.reason);
   }
   if (report.hasLosses) text += "! events were lost: more devices may have come and gone\n";
   return text;

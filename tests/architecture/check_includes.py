@@ -40,7 +40,7 @@ MAY_INCLUDE = {
     # Of collecting, the store masks serial numbers only.
     "cli/collect/SerialMask": ["cli/collect", "cli/text", "system"],
     "store": ["cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model", "cli/model/UsbIds", "cli/option",
-              "cli/text", "cli/collect/SerialMask", "schema", "system"],
+              "cli/policy", "cli/text", "cli/collect/SerialMask", "schema", "system"],
     "cli/main": ["cli/command", "cli/option", "cli/text", "cli/collect", "system"],
 }
 # What the module is made of: its rows know no library but Boost and the standard one.

@@ -138,6 +138,7 @@ class StoreExamplesTest(ExamplesTest):
         (folder / "inventories").mkdir()
         shutil.copy(SOURCE / "examples" / "machines.jsonl",
                     folder / "inventories" / "machines.json")
+        (folder / "rules.conf").write_text("allow\n", encoding="utf-8")
 
 
 if __name__ == "__main__":
