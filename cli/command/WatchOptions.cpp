@@ -43,6 +43,12 @@ A single dash is standard input.)",
           .store = StoreText(options.policy)};
 }
 
+Option DefaultOfPolicyOption(std::string& target) {
+  Option option = DefaultTargetOption(target);
+  option.requiredOption = "--policy";
+  return option;
+}
+
 Option SettleOption(WatchSettings& settings) {
   return {.names = {"--settle"},
           .value = "TIME",
@@ -86,7 +92,10 @@ What has happened by then is still printed.)",
 
 std::vector<Option> WatchOptionTable(WatchOptions& options) {
   std::vector<Option> table = {FormatOption(options.format, {{"text"}, {"jsonl", "an object per line"}}),
-                               ColorOption(options.color), BaselineOption(options), PolicyOption(options),
+                               ColorOption(options.color),
+                               BaselineOption(options),
+                               PolicyOption(options),
+                               DefaultOfPolicyOption(options.defaultTarget),
                                SettleOption(options.settings)};
   for (Option& option : EndOptions(options.settings)) table.push_back(std::move(option));
   table.push_back(IgnoreOption(options.settings.ignored));
