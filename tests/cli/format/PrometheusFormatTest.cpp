@@ -280,6 +280,9 @@ TEST(PrometheusFormat, RefusesAPartOfAnInventory) {
       ofPart.errors,
       "usbinfo: the inventory is a part of a machine's, whose counts would pass for those of the whole; "
       "save it without a selection, or use another format\n");
+  const cli::Inventory withoutPorts =
+      MeteredMachine().Read().Only([](const cli::Item& item) { return item.Class() != cli::ClassId::kPort; });
+  EXPECT_THROW(cli::RenderPrometheus(withoutPorts, {}), cli::UserError);
 }
 
 /// A machine of devices and hubs plugged in at random, of which the kernel knows something or not, in places
