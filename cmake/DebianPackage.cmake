@@ -18,6 +18,7 @@ set(CPACK_PACKAGE_CONTACT "${CPACK_PACKAGE_VENDOR} <usbinfo@example.org>"
     CACHE STRING "The packages' maintainer, as NAME <ADDRESS>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "show, export and compare USB inventories")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
@@ -26,11 +27,13 @@ set(CPACK_DEBIAN_USBINFO_PACKAGE_NAME usbinfo)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_USBINFO_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
-# dpkg's trigger updates the loader's cache, so no maintainer script does.
-set(CPACK_DEBIAN_USBINFO_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/debian/triggers")
-set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/cmake/debian/DropLdconfig.cmake")
+# dpkg's trigger updates the loader's cache, so no maintainer script does. Those that there are take care of
+# running services.
+set(CPACK_DEBIAN_USBINFO_PACKAGE_CONTROL_EXTRA
+    "${PROJECT_SOURCE_DIR}/cmake/debian/triggers" "${PROJECT_SOURCE_DIR}/cmake/debian/postinst"
+    "${PROJECT_SOURCE_DIR}/cmake/debian/prerm" "${PROJECT_SOURCE_DIR}/cmake/debian/postrm")
 set(CPACK_DEBIAN_USBINFO_PACKAGE_RECOMMENDS usbutils)
-set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS usb.ids)
+set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS "prometheus-node-exporter, usb.ids")
 set(CPACK_COMPONENT_USBINFO_DESCRIPTION
     "usbinfo reads the kernel's list of USB devices and shows the controllers,
 the hubs, all ports, also the empty ones, the devices, and which device
@@ -87,16 +90,23 @@ foreach(package ${CPACK_COMPONENTS_ALL})
   install(FILES "${PACKAGE_FILES}/copyright" "${PACKAGE_FILES}/changelog.gz" "${PACKAGE_FILES}/changelog.Debian.gz"
           DESTINATION "share/doc/${package}" COMPONENT ${package})
 endforeach()
-install(FILES README.md DESTINATION share/doc/usbinfo COMPONENT usbinfo)
+install(FILES README.md docs/monitoring.md DESTINATION share/doc/usbinfo COMPONENT usbinfo)
 install(FILES docs/writing-a-host.md DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev)
 install(DIRECTORY examples DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev
-        PATTERN machines.jsonl EXCLUDE PATTERN fleet EXCLUDE)
+<<<<<<< HEAD
+        PATTERN machines.jsonl EXCLUDE PATTERN fleet EXCLUDE PATTERN monitoring EXCLUDE)
 # What docs/fleet.md has administrators put in place: each package brings the files of the machines that it is for. No
 # service is installed, let alone enabled.
+=======
+        PATTERN machines.jsonl EXCLUDE PATTERN fleet EXCLUDE)
+# What docs/fleet.md has administrators put in place: each package brings the files of the machines that it is for. Their
+# services are examples: none is installed.
+>>>>>>> units
 set(PROGRAM_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 install(DIRECTORY examples/fleet DESTINATION share/doc/usbinfo/examples COMPONENT usbinfo
         PATTERN usbinfo.fact PERMISSIONS ${PROGRAM_PERMISSIONS}
         PATTERN roles.sql EXCLUDE PATTERN rsyslog-collector.conf EXCLUDE)
+install(DIRECTORY examples/monitoring DESTINATION share/doc/usbinfo/examples COMPONENT usbinfo)
 if(TARGET usbinfo-store)
   install(FILES docs/store.md docs/fleet.md DESTINATION share/doc/usbinfo-store COMPONENT usbinfo-store)
   install(DIRECTORY examples/fleet DESTINATION share/doc/usbinfo-store/examples COMPONENT usbinfo-store

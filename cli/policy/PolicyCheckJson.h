@@ -9,6 +9,13 @@
 
 namespace cli {
 
+/// The members of an object that say which device it is: "device", "name", "id", "product", "serial",
+/// "kinds".
+void WriteDevice(JsonWriter& json, const PolicyDevice& device);
+
+/// The member "rule": the rule's line and text, or null.
+void WriteRule(JsonWriter& json, const PolicyRule* rule);
+
 /// Writes a device as an object: what it is, what becomes of it and the rule that decided.
 void WriteCheckedDevice(JsonWriter& json, const CheckedDevice& checked);
 

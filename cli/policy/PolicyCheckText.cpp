@@ -7,17 +7,6 @@
 
 namespace cli {
 
-namespace {
-
-std::string Describe(const Policy& policy, const PolicyDecision& decision) {
-  const char* const verb = decision.target == PolicyTarget::kReject ? "rejected" : "blocked";
-  if (decision.rule == nullptr) return fmt::format("{}, no rule matches", verb);
-  return fmt::format("{} by {}:{}: {}", verb, EscapeForDocument(policy.name), decision.rule->line,
-                     EscapeForDocument(decision.rule->text));
-}
-
-}  // namespace
-
 std::string DescribeDevice(const PolicyDevice& device) {
   const bool hasKinds = device.facts != nullptr && !device.facts->kinds.empty();
   const char* const noun = device.item->Class() == ClassId::kHub ? "hub" : "device";
@@ -28,12 +17,19 @@ std::string DescribeDevice(const PolicyDevice& device) {
                      serial.empty() ? "" : ", serial " + QuoteForDocument(serial));
 }
 
+std::string DescribeRefusal(const Policy& policy, const PolicyDecision& decision) {
+  const char* const verb = decision.target == PolicyTarget::kReject ? "rejected" : "blocked";
+  if (decision.rule == nullptr) return fmt::format("{}, no rule matches", verb);
+  return fmt::format("{} by {}:{}: {}", verb, EscapeForDocument(policy.name), decision.rule->line,
+                     EscapeForDocument(decision.rule->text));
+}
+
 std::string RenderRefused(const Policy& policy, const CheckedInventory& checked, const std::string& prefix) {
   std::string text;
   for (const CheckedDevice& device : checked.devices) {
     if (device.IsAllowed()) continue;
     text += fmt::format("{}{}: {}: {}\n", prefix, PlaceOf(device.device), DescribeDevice(device.device),
-                        Describe(policy, device.decision));
+                        DescribeRefusal(policy, device.decision));
   }
   return text;
 }

@@ -33,7 +33,7 @@ MAY_INCLUDE = {
     "cli/collect": ["standin", "kernel", "system", "schema", "host", "cli/model", "cli/model/FromHost", "cli/text",
                     "cli/collect/SerialMask"],
     "cli/option": ["cli/text"],
-    "cli/watch": ["cli/diff", "cli/model", "cli/text", "kernel"],
+    "cli/watch": ["cli/diff", "cli/model", "cli/policy", "cli/text", "kernel"],
     "cli/command": ["cli/collect", "cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model",
                     "cli/model/FromHost", "cli/model/UsbIds", "cli/option", "cli/policy", "cli/text", "cli/watch",
                     "schema", "standin", "system"],

@@ -45,7 +45,8 @@ def _options():
     parser.add_argument("--usbguard", metavar="FOLDER", default="build/usbguard", type=pathlib.Path,
                         help="the folder that tests/fetch_usbguard makes; build/usbguard unless it is given")
     parser.add_argument("--soak", type=int, metavar="ROUNDS",
-                        help="only have devices come and go, and make so many lists meanwhile")
+                        help="only have devices come and go, for so many lists and as often for watch, and send "
+                             f"{checks.UEVENTS_A_ROUND} events each time")
     return parser.parse_args()
 
 

@@ -163,6 +163,7 @@ ALLOWED["usbinfo-watch"] = (
     r": machine = (None|'\?')",
     r": cameAndWent = \[\]",
     r": eventsLost = True",
+    r": notAllowed = (None|\[\])",
     r"cameAndWent/0: kinds = \[\]",
     *(rf"difference/?{pattern}" for pattern in ALLOWED["usbinfo-diff"]),
 )
