@@ -17,7 +17,7 @@ HUB = ("0000:00:03.0", (2, 3))
 KEYBOARDS = tuple(machine.Plug("usb-kbd", "xhci", port, serial="KBD-MOVES") for port in ("4", "6"))
 # In milliseconds: around the settling time, and around the time that a device takes to come.
 SETTLE = 100
-PAUSES = (0, 50, 200, 500)
+PAUSES = (0, 50, 100, 300)
 ACTIONS_A_STEP = 20
 UEVENTS_A_STEP = 5000
 # The socket of an ordinary user holds a few hundred events.
