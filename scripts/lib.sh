@@ -23,7 +23,7 @@ TOOL_PACKAGES=(cmake g++ libcli11-dev locales ninja-build nlohmann-json3-dev pkg
 BUILD_PACKAGES=("${LIBRARY_PACKAGES[@]}" "${TOOL_PACKAGES[@]}")
 # What running the tests takes on top: the programs that read what the command writes.
 TEST_PACKAGES=(ansible-core clustershell fish graphviz groff-base jq libxml2-utils mandoc openssh-client openssh-server openssl
-  postgresql python3-jsonschema rsyslog rsyslog-relp systemd zsh)
+  postgresql prometheus prometheus-node-exporter python3-jsonschema rsyslog rsyslog-relp systemd zsh)
 # What the tests with the label "page" take on top of those: a browser.
 PAGE_PACKAGES=(chromium chromium-driver python3-selenium)
 # What the slower checks take on top.
@@ -62,7 +62,9 @@ as_root() {
 }
 
 # services: those on this machine that packages for the tests bring, a unit file each.
-services() { ls /usr/lib/systemd/system/{postgresql,rsyslog,ssh}.service 2> /dev/null; }
+services() {
+  ls /usr/lib/systemd/system/{postgresql,prometheus,prometheus-node-exporter,rsyslog,ssh}.service 2> /dev/null
+}
 
 # apt_install PACKAGE...: no service of theirs starts, now or with the machine; the tests start programs of their own.
 apt_install() {

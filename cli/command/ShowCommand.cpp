@@ -65,6 +65,7 @@ std::string Render(const ShowOptions& options, const OutputFormat& format, const
   rendering.color = ColorOf(options.color);
   rendering.isVerbose = options.isVerbose;
   rendering.isCompact = options.isCompact;
+  rendering.showsSerials = options.hasSerials;
   rendering.columns = options.columns;
   rendering.showsClasses = !options.selection.classes.empty();
   rendering.listsFreeSockets = options.selection.occupancy == Occupancy::kFree;

@@ -137,7 +137,7 @@ class UsbinfoTest(CompletionTest):
 
     COMMAND = "usbinfo"
     FORMATS = ["tree", "table", "json", "jsonl", "csv", "cimxml", "mof", "dot", "html",
-               "list", "usbguard"]
+               "list", "usbguard", "prometheus"]
     SUBCOMMANDS = ["show", "diff", "watch", "check", "schema", "help"]
 
     def test_beginning_of_a_subcommand(self):
