@@ -35,7 +35,7 @@ FUZZ_PACKAGES=(clang "libclang-rt-$(debian_clang)-dev" llvm)
 # What the test on a real kernel takes on top of the first ones.
 VM_PACKAGES=(busybox-static cpio kmod qemu-system-x86 usbutils)
 # The tools that scripts/bench measures the command beside, and the list of names that they have in common.
-BENCH_PACKAGES=(hwinfo lshw usb.ids usbutils)
+BENCH_PACKAGES=(hwinfo lshw udev usb.ids usbutils)
 # What building the Debian packages takes on top of the first ones.
 PACKAGE_PACKAGES=(dpkg-dev fakeroot file)
 # What checking them takes on top of that.

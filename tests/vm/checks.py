@@ -80,10 +80,11 @@ class Collector:
         return [line.split(" ", 2) for line in files["devices"].decode().splitlines()]
 
     def prepare(self, step, *arguments):
-        """Run a step that has to succeed."""
+        """Run a step that has to succeed; return its files."""
         status, files = self._guest.run(step, *arguments)
         if status:
             raise GuestError(f"step {step} ended with {status}: {files['messages'].decode()}")
+        return files
 
     def take(self, name, user, compared, *options):
         """Take the inventory as that user, to be kept under that name, with the device list to compare it with."""

@@ -1,7 +1,8 @@
 """What diff reports between a saved inventory and the machine as it is now.
 
 The saved one is made to come from a machine with another kernel. Buses get other numbers, a keyboard moves, and a
-stick becomes a stick with a keyboard. The last change is also seen by watch, and by check with a policy from before.
+stick becomes a stick with a keyboard. The last change is also seen by watch, by check with a policy from before, and
+in the metrics.
 """
 
 import gadgets
@@ -64,11 +65,15 @@ class Differing:
                   '    interface 1.1: none -> 03/01/01, driver "usbhid"', "1 changed"]
         refused = [f"{stick}: blocked, no rule matches",
                    f"1 of {sum(len(bus.devices) for bus in buses)} devices not allowed"]
+        keyboards = sum(plug.model == "usb-kbd" for plug in machine.CHANGED_MACHINE.plugs) + 1
+        labels = f'place="{name}",vid="0525",pid="a4a5",kind="keyboard, mass storage",vendor="Makers",product="Stick"'
+        metrics = [f'usbinfo_devices{{kind="keyboard"}} {keyboards}', f"usbinfo_device_info{{{labels}}} 1"]
         # Each way ends with a status, and prints these lines among those that belong to the change.
         ways = (("diff_now", "1", _without_machines, change),
                 ("check_now", "1", list, refused),
+                ("metrics_now", "0", _without_time, metrics),
                 ("end_watch", "0", _without_machines, change))
-        self._report.add("a stick that gains a keyboard: diff, check and watch report it",
+        self._report.add("a stick that gains a keyboard: diff, check, the metrics and watch show it",
                          [problem for way in ways for problem in self._problems(*way)])
 
     def _plug(self, plug):
@@ -76,7 +81,7 @@ class Differing:
 
     def _problems(self, step, status, lines_of, expected):
         """What is wrong with what a step prints, and with its end."""
-        _, files = self._guest.run(step)
+        files = self._collector.prepare(step)
         found, messages = (files[file].decode().strip() for file in ("status", "messages"))
         lines = files["output"].decode().splitlines()
         problems = [] if (found, messages) == (status, "") else [f"{step}: exit status {found}, {messages}"]
@@ -86,6 +91,11 @@ class Differing:
 def _without_machines(lines):
     """Without the first line, which has the machines and the times."""
     return lines[1:]
+
+
+def _without_time(lines):
+    """Without the metric of the time at which the devices were read."""
+    return [line for line in lines if not line.startswith("usbinfo_collected_timestamp_seconds ")]
 
 
 def _name_of(buses, serial):

@@ -17,7 +17,7 @@ HUB = ("0000:00:03.0", (2, 3))
 KEYBOARDS = tuple(machine.Plug("usb-kbd", "xhci", port, serial="KBD-MOVES") for port in ("4", "6"))
 # In milliseconds: around the settling time, and around the time that a device takes to come.
 SETTLE = 100
-PAUSES = (0, 50, 200, 500)
+PAUSES = (0, 50, 100, 300)
 ACTIONS_A_STEP = 20
 UEVENTS_A_STEP = 5000
 # The socket of an ordinary user holds a few hundred events.
@@ -69,8 +69,8 @@ class Watching:
             self._collector.prepare("uevents", str(min(UEVENTS_A_STEP, uevents - done)))
 
     def _use(self):
-        status, files = self._guest.run("watch_use")
-        return tuple(map(int, files["use"].split())) if status == 0 else (0, 0)
+        """The watch's memory and descriptors, when it has nothing to do."""
+        return tuple(map(int, self._collector.prepare("watch_use")["use"].split()))
 
     def _flood(self, release):
         """Have a gadget come or go while the watch cannot take events; return its place."""
@@ -108,9 +108,9 @@ class Watching:
 
     def _end(self):
         """The reports, and what is wrong with them."""
-        step, files = self._guest.run("end_watch")
-        status, messages, output = (files.get(name, b"").decode() for name in ("status", "messages", "output"))
-        problems = [] if (step, status, messages) == (0, "0\n", "") else [f"exit status {status.strip()}, {messages}"]
+        files = self._collector.prepare("end_watch")
+        status, messages, output = (files[name].decode() for name in ("status", "messages", "output"))
+        problems = [] if (status, messages) == ("0\n", "") else [f"exit status {status.strip()}, {messages}"]
         reports = replay.reports_of(output, problems)
         try:
             found = replay.devices_of(json.loads(files["before"]))
