@@ -32,7 +32,8 @@ LINE = 'mass storage 46f4:0001 "QEMU USB HARDDRIVE", serial "STICK-1"'
 PACKAGE = "/guest/usbinfo.deb"
 WATCH = "usbinfo-watch.service"
 TIMER = "usbinfo-prometheus.timer"
-UNITS = (WATCH, TIMER, "usbinfo-prometheus.service")
+METRICS = "usbinfo-prometheus.service"
+UNITS = (WATCH, TIMER, METRICS)
 # As Debian's package of the node exporter has them.
 METRICS_FOLDER = "/var/lib/prometheus/node-exporter"
 # The users that systemd makes up, see systemd.exec(5).
@@ -44,6 +45,8 @@ class System(Guest):
 
     BOOT_SECONDS = 180
     MEMORY = "1G"
+    # A try takes a quarter of a second.
+    MOST_TRIES = 200
 
     def try_to(self, *command):
         """Run a command; return its exit status and what it printed."""
@@ -59,8 +62,21 @@ class System(Guest):
 
     def show(self, unit, *properties):
         """The properties of a unit, by name."""
-        text = self.do("systemctl", "show", f"--property={','.join(properties)}", unit)
-        return dict(line.split("=", 1) for line in text.splitlines())
+        return self.show_all((unit,), *properties)[unit]
+
+    def show_all(self, units, *properties):
+        """The properties of each unit."""
+        blocks = self.do("systemctl", "show", f"--property={','.join(properties)}", *units).split("\n\n")
+        return {unit: dict(line.split("=", 1) for line in block.splitlines())
+                for unit, block in zip(units, blocks, strict=True)}
+
+    def watching(self):
+        """The number of the watch's process, once it has looked at the machine and waits for events."""
+        process = self.show(WATCH, "MainPID")["MainPID"]
+        for _ in range(self.MOST_TRIES):
+            if "poll" in self.do("cat", f"/proc/{process}/wchan"):
+                return process
+        raise GuestError("the watch does not wait for events")
 
     def wait_for_line(self, text, *command):
         """Return the problems with a command that has to print a line that ends with the text."""
@@ -115,6 +131,7 @@ def _pack(options, archive, root):
         shutil.copy(HERE / "guest" / program, root / "guest")
     shutil.copy(options.package, root / PACKAGE.lstrip("/"))
     (root / "init").symlink_to("guest/init")
+    shutil.copy("/bin/busybox", root / "guest")
     initramfs.write_archive(root, archive)
 
 
@@ -134,10 +151,10 @@ def check_installation(system, report):
     """Nothing runs, now or at the next boot, unless the administrator wants it."""
     system.do("dpkg", "--install", PACKAGE)
     problems = []
-    for unit in UNITS:
+    for unit, found in system.show_all(UNITS, "LoadState", "ActiveState", "UnitFileState").items():
         wanted = {"LoadState": "loaded", "ActiveState": "inactive",
-                  "UnitFileState": "static" if unit == UNITS[-1] else "disabled"}
-        problems += [f"{unit}: {problem}" for problem in differing(wanted, system.show(unit, *wanted))]
+                  "UnitFileState": "static" if unit == METRICS else "disabled"}
+        problems += [f"{unit}: {problem}" for problem in differing(wanted, found)]
     report.add("the package installs its units, and neither enables nor starts them", problems)
 
 
@@ -145,10 +162,9 @@ def check_watch(system, report):
     """The lines of README.md enable the watch and show what it prints."""
     enable, follow = readme_lines()
     system.do(*enable)
-    found = system.show(WATCH, "ActiveState", "UnitFileState", "MainPID")
-    report.add("the watch runs, and will after the next boot",
-               differing({"ActiveState": "active", "UnitFileState": "enabled"}, found))
-    check_process(system, report, found["MainPID"])
+    wanted = {"ActiveState": "active", "UnitFileState": "enabled"}
+    report.add("the watch runs, and will after the next boot", differing(wanted, system.show(WATCH, *wanted)))
+    check_process(system, report, system.watching())
 
     system.monitor("device_add", **qemu.plug_properties(STICK))
     report.add("the journal has the line of a device that comes", system.wait_for_line(f"+ 2-1: {LINE}", *follow))
@@ -168,17 +184,16 @@ def check_process(system, report, process):
 
 def check_upgrade(system, report):
     """What runs is the new version afterwards; what does not run stays so."""
-    before = system.show(WATCH, "MainPID")["MainPID"]
+    before = system.watching()
     system.do("dpkg", "--install", PACKAGE)
-    found = system.show(WATCH, "ActiveState", "MainPID")
-    problems = differing({"ActiveState": "active"}, found)
-    problems += ["it is the same process"] if found["MainPID"] == before else []
+    problems = ["it is the same process"] if system.watching() == before else []
     problems += differing({"ActiveState": "inactive"}, system.show(TIMER, "ActiveState"))
     report.add("an upgrade restarts the watch, and does not start the timer", problems)
 
 
 def check_stop(system, report):
     """Stopping is no failure."""
+    system.watching()
     system.do("systemctl", "stop", WATCH)
     wanted = {"ActiveState": "inactive", "Result": "success", "ExecMainCode": "1", "ExecMainStatus": "0"}
     report.add("the watch ends well when it is stopped", differing(wanted, system.show(WATCH, *wanted)))
@@ -196,9 +211,8 @@ def check_metrics(system, report):
     system.do("systemctl", "enable", "--now", TIMER)
     # The timer's next time is within a minute.
     system.do("date", "--set", "+2min")
-    service = "usbinfo-prometheus.service"
-    problems = system.wait_for_line("the node exporter of Prometheus.", "journalctl", "--follow", "--lines=all", f"--unit={service}")
-    problems += differing({"Result": "success"}, system.show(service, "Result"))
+    problems = system.wait_for_line("the node exporter of Prometheus.", "journalctl", "--follow", "--lines=all", f"--unit={METRICS}")
+    problems += differing({"Result": "success"}, system.show(METRICS, "Result"))
     status, text = system.try_to("setpriv", "--reuid=prometheus", "--regid=prometheus", "--clear-groups", "cat",
                                  f"{METRICS_FOLDER}/usbinfo.prom")
     if status or not re.search("^usbinfo_devices{", text, re.MULTILINE):
@@ -210,13 +224,11 @@ def check_metrics(system, report):
 
 def check_removal(system, report):
     """Nothing of the package runs or is left."""
-    system.do("dpkg", "--remove", "usbinfo")
-    problems = []
-    for unit in UNITS:
-        wanted = {"LoadState": "not-found", "ActiveState": "inactive"}
-        problems += [f"{unit}: {problem}" for problem in differing(wanted, system.show(unit, *wanted))]
-    report.add("removal stops what runs", problems)
     system.do("dpkg", "--purge", "usbinfo")
+    wanted = {"LoadState": "not-found", "ActiveState": "inactive"}
+    problems = [f"{unit}: {problem}" for unit, found in system.show_all(UNITS, *wanted).items()
+                for problem in differing(wanted, found)]
+    report.add("removal stops what runs", problems)
     left = system.do("find", "/etc/systemd", "/usr/lib/systemd", "/var/lib/systemd", "-name", "usbinfo*")
     report.add("purging leaves no link to a unit", left.splitlines())
 
