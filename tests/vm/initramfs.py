@@ -40,11 +40,11 @@ def pack(build, kernel, archive, work, built=TEST_PROGRAMS, installed=(), files=
     for folder in FOLDERS:
         (root / folder).mkdir(parents=True)
     (root / "etc/passwd").write_text(USERS, encoding="ascii")
-    _add_busybox(root)
+    add_busybox(root)
     _add_programs(root, pathlib.Path(build), built, [pathlib.Path(file) for file in installed])
     if usbguard:
         _add_usbguard(root, pathlib.Path(usbguard).resolve())
-    _add_modules(root, pathlib.Path(kernel))
+    add_modules(root, pathlib.Path(kernel), MODULE_LISTS)
     shutil.copy("/usr/bin/usb-devices", root / "usr/bin")
     shutil.copytree(LOCALE, root / LOCALE.relative_to("/"))
     _add_guest(root)
@@ -52,14 +52,15 @@ def pack(build, kernel, archive, work, built=TEST_PROGRAMS, installed=(), files=
         shutil.copy(file, root / path)
     gadgets.write_folders(root / "guest/gadgets")
     descriptors.write_files(root / "guest/descriptors")
-    _write_archive(root, archive)
+    write_archive(root, archive)
 
 
 def _output(*command, **more):
     return subprocess.run(command, check=True, capture_output=True, text=True, **more).stdout
 
 
-def _add_busybox(root):
+def add_busybox(root):
+    """Add busybox with a link for each of its programs but the shell."""
     shutil.copy("/bin/busybox", root / "bin/busybox")
     for applet in _output("/bin/busybox", "--list").split():
         if applet not in ("busybox", "sh"):
@@ -97,11 +98,11 @@ def _add_usbguard(root, folder):
         shutil.copy(file, place / file.name)
 
 
-def _add_modules(root, kernel):
+def add_modules(root, kernel, lists):
     """Copy the modules of each list and write the list, everything before what needs it, nothing twice."""
     release, = (kernel / "lib/modules").iterdir()
     loaded = set()
-    for name, modules in MODULE_LISTS.items():
+    for name, modules in lists.items():
         found = _output("/sbin/modprobe", "--dirname", str(kernel), "--set-version", release.name, "--config",
                         "/dev/null", "--show-depends", "--all", *modules)
         files = list(dict.fromkeys(re.findall(r"^insmod (\S+)", found, re.MULTILINE)))
@@ -118,7 +119,8 @@ def _add_guest(root):
     (root / "init").symlink_to("guest/init")
 
 
-def _write_archive(root, archive):
+def write_archive(root, archive):
+    """Pack the folder; everything in it belongs to root."""
     names = "".join(f"{path.relative_to(root)}\n" for path in sorted(root.rglob("*")))
     with open(archive, "wb") as output:
         subprocess.run(["cpio", "--create", "--format=newc", "--owner=+0:+0", "--quiet"], cwd=root,
