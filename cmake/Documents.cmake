@@ -70,7 +70,7 @@ function(document_command command native)
           COMPONENT ${command})
 endfunction()
 
-document_command(usbinfo "${USBINFO_NATIVE_COMMAND}" check)
+document_command(usbinfo "${USBINFO_NATIVE_COMMAND}" check watch)
 if(TARGET usbinfo-store)
   document_command(usbinfo-store "${USBINFO_NATIVE_STORE_COMMAND}")
   install(FILES docs/usbinfo-changes.schema.json docs/usbinfo-checks.schema.json docs/usbinfo-lists.schema.json

@@ -27,8 +27,8 @@ namespace cli {
 
 namespace {
 
-Inventory CollectNow(const WatchOptions& options, LogWriter& log) {
-  Inventory inventory = Collect(options.source, AllClasses(), log);
+Inventory CollectNow(const Source& source, LogWriter& log) {
+  Inventory inventory = Collect(source, AllClasses(), log);
   WarnOfFindings(inventory);
   return inventory;
 }
@@ -63,16 +63,18 @@ int RunWatch(const WatchOptions& options) {
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
   std::optional<Inventory> baseline = ReadBaseline(options, log);
   std::optional<PolicyAudit> audit = ReadAudit(options);
+  Source source = options.source;
+  source.makesHashes = audit && audit->NeedsHashes();
   const sys::StopSignals signals;
   // Before the machine is looked at, so that nothing happens unseen in between.
   UdevMonitor events(signals.Get());
   const SystemClock clock;
-  Inventory now = CollectNow(options, log);
+  Inventory now = CollectNow(source, log);
   if (baseline) CheckBaseline(options, *baseline, now);
 
   Watcher watcher({.events = events,
                    .clock = clock,
-                   .collect = [&] { return CollectNow(options, log); },
+                   .collect = [&] { return CollectNow(source, log); },
                    .print = [&](const WatchReport& report) { Print(options, report); },
                    .audit = audit ? &*audit : nullptr},
                   options.settings, baseline ? std::move(*baseline) : now);

@@ -25,6 +25,9 @@ class PolicyAudit {
  public:
   explicit PolicyAudit(Policy policy);
 
+  /// Whether the inventories need the hashes of devices.
+  bool NeedsHashes() const { return fPolicy.UsesHashes(); }
+
   /// The devices of `now` that are not allowed, but for those that were so in the call before, for the same
   /// reason. `now` must outlive them.
   std::vector<Refusal> Audit(const Inventory& now);

@@ -71,21 +71,32 @@ class StoreFormTest(FormTest):
     COMMAND = "usbinfo-store"
 
 
-class CheckFormTest(FormTest):
-    """The same of usbinfo check, whose page has the options of this subcommand alone."""
+class WatchFormTest(FormTest):
+    """The same of usbinfo watch, whose page has the options of this subcommand alone."""
 
-    COMMAND = "usbinfo-check"
-    SECTIONS = ("NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "EXIT STATUS", "EXAMPLES", "SEE ALSO")
+    COMMAND = "usbinfo-watch"
+    SECTIONS = ("NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "OUTPUT", "EXIT STATUS", "EXAMPLES", "SEE ALSO",
+                "CAVEATS")
+    OPTION = "baseline"
 
     def test_every_subcommand_is_named_and_has_its_options(self):
         page = self.text()
+        program, subcommand = self.COMMAND.split("-")
         listed = subprocess.run(
-            [PROGRAMS / "usbinfo", "check", "--help"], check=True, text=True,
+            [PROGRAMS / program, subcommand, "--help"], check=True, text=True,
             stdout=subprocess.PIPE).stdout
         options = re.findall(r"^  (?:-\w, )?--([\w-]+)", listed, re.MULTILINE)
-        self.assertIn("nagios", options)
+        self.assertIn(self.OPTION, options)
         self.assertEqual(
             re.findall(r"^\.It (?:Fl \w , )?Fl -([\w-]+)", page, re.MULTILINE), options)
+
+
+class CheckFormTest(WatchFormTest):
+    """The same of usbinfo check."""
+
+    COMMAND = "usbinfo-check"
+    SECTIONS = ("NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "EXIT STATUS", "EXAMPLES", "SEE ALSO")
+    OPTION = "nagios"
 
     def test_language_is_that_of_the_program(self):
         page = self.text()
@@ -114,7 +125,7 @@ class ExamplesTest(unittest.TestCase):
     # What takes root's rights, or looks at another machine.
     ELSEWHERE = ("sudo ", "ssh ")
     # What looks at this machine, which may have no USB.
-    HERE = ("usbinfo -v",)
+    HERE = ("usbinfo -v", "usbinfo --format ")
 
     def test_examples_run_in_their_order(self):
         folder = pathlib.Path(self.enter(tempfile.TemporaryDirectory()))
@@ -135,7 +146,7 @@ class ExamplesTest(unittest.TestCase):
                     stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                     env={**os.environ, "PATH": path,
                          "XDG_DATA_HOME": str(folder)})
-                if command in self.HERE and done.returncode == 1:
+                if command.startswith(self.HERE) and done.returncode == 1:
                     self.assertIn("no USB device found", done.stderr)
                     continue
                 self.assertEqual(done.returncode, 0, done.stderr)
@@ -149,6 +160,13 @@ class ExamplesTest(unittest.TestCase):
         """Enter a context until the test ends."""
         self.addCleanup(manager.__exit__, None, None, None)
         return manager.__enter__()
+
+
+class WatchExamplesTest(ExamplesTest):
+    """The same of usbinfo watch."""
+
+    PAGE = "usbinfo-watch"
+    COUNT = 6
 
 
 class CheckExamplesTest(ExamplesTest):
