@@ -148,10 +148,12 @@ Inventory CollectFromSysfs(const Source& source, const PluginRequest& request, L
   const std::string text = kernel::WriteDeviceList(topology);
   if (!source.noLimits) CheckListLimits(text, kNameOfOwnList);
   PreparedList list = PrepareList(text, treatment);
+  // Masked serial numbers have other hashes.
+  const kernel::Topology sent = source.makesHashes ? topology : kernel::Topology();
   if (treatment.mask) TakeSerials(topology, list.whole);
   Inventory inventory = RunPluginOn(list, request, log);
   inventory = Complete(std::move(inventory), topology, std::move(list), treatment, "sysfs");
-  if (source.makesHashes) inventory.SetKernel(WithHashes(*inventory.Kernel(), topology));
+  if (source.makesHashes) inventory.SetKernel(WithHashes(*inventory.Kernel(), sent));
   return inventory;
 }
 

@@ -28,7 +28,7 @@ std::string Trimmed(std::string text) {
   return text;
 }
 
-/// Whatever has one of these numbers counts as a root hub.
+/// By the numbers alone, as USBGuard does it.
 bool IsLinuxRootHub(const kernel::DeviceDescriptor& descriptor) {
   constexpr unsigned kLinuxFoundation = 0x1d6b;
   constexpr unsigned kLastRootHub = 3;
@@ -39,7 +39,8 @@ bool IsLinuxRootHub(const kernel::DeviceDescriptor& descriptor) {
 std::string HashOf(const kernel::Device& device) {
   constexpr std::size_t kRevision = 12;
   std::string descriptors = device.rawDescriptors;
-  if (IsLinuxRootHub(device.descriptor)) descriptors.replace(kRevision, 2, 2, '\0');
+  const bool hasRevision = descriptors.size() >= kRevision + 2;
+  if (hasRevision && IsLinuxRootHub(device.descriptor)) descriptors.replace(kRevision, 2, 2, '\0');
   return HashOf(fmt::format("{}{:04x}{:04x}{}", Trimmed(device.product.value_or("")),
                             device.descriptor.vendor, device.descriptor.product,
                             Trimmed(device.serial.value_or(""))) +

@@ -82,6 +82,20 @@ TEST(UsbguardHashes, DependNeitherOnTheVersionOfTheKernelNorOnTheEndOfALine) {
   EXPECT_EQ(HashesOf(record), before);
 }
 
+TEST(UsbguardHashes, AreMadeOfDescriptorsThatEndBeforeTheRevision) {
+  kernel::Topology topology;
+  kernel::Device& rootHub = topology.devices.emplace_back();
+  rootHub.name = "usb1";
+  rootHub.descriptor.vendor = 0x1d6b;
+  rootHub.descriptor.product = 2;
+  cli::KernelFacts facts;
+  facts.devices.emplace_back();
+  for (const std::size_t size : {0U, 11U, 13U}) {
+    rootHub.rawDescriptors = std::string(size, 'x');
+    EXPECT_EQ(cli::WithHashes(facts, topology).devices[0].hash.value().size(), 44U) << size;
+  }
+}
+
 TEST(UsbguardHashes, AreNotKnownOfWhatARootHubIsPluggedIntoWithoutALinkToIt) {
   kernel::Topology topology;
   topology.devices.emplace_back().name = "usb1";
