@@ -320,6 +320,18 @@ struct Action<grammar::ConditionName> {
   }
 };
 
+/// What is wrong at the column where the parser stopped, whose own words are `message`. What some editors
+/// write unasked cannot be seen in the line, so it is named.
+std::string DescribeMistake(std::string_view line, std::size_t column, std::string_view message) {
+  if (line.ends_with('\r') && column == line.size()) {
+    return "the line ends in a carriage return; save the file with the line ends of Unix";
+  }
+  if (line.starts_with("\xEF\xBB\xBF")) {
+    return "the line begins with a byte order mark; save the file as UTF-8 without one";
+  }
+  return std::string(message);
+}
+
 /// Nothing for a comment.
 std::optional<PolicyRule> ParseLine(std::string_view line, std::size_t number, const std::string& name) {
   pegtl::memory_input input(line.data(), line.size(), name);
@@ -328,7 +340,8 @@ std::optional<PolicyRule> ParseLine(std::string_view line, std::size_t number, c
     pegtl::parse<grammar::Line, Action, Control>(input, rule);
   } catch (const pegtl::parse_error& error) {
     const std::size_t column = error.positions().front().column;
-    throw UserError(fmt::format("{}:{}:{}: {}", name, number, column, error.message()));
+    throw UserError(
+        fmt::format("{}:{}:{}: {}", name, number, column, DescribeMistake(line, column, error.message())));
   }
   const std::size_t first = line.find_first_not_of(" \t");
   if (line[first] == '#') return std::nullopt;

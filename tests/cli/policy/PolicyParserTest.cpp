@@ -203,6 +203,8 @@ constexpr const char* kNoBlank = "expected a blank";
 constexpr const char* kNoAttribute =
     "expected id, hash, parent-hash, name, serial, via-port, with-interface, with-connect-type, label or if";
 constexpr const char* kNoEnd = "expected a blank or the end of the line";
+constexpr const char* kCarriageReturn =
+    "the line ends in a carriage return; save the file with the line ends of Unix";
 constexpr const char* kNoId = "expected an id such as 1d6b:0002, 1d6b:* or *:*";
 constexpr const char* kNoInterface = "expected an interface such as 03:01:02, 03:01:* or 03:*:*";
 constexpr const char* kNoText = "expected a text in double quotes";
@@ -221,12 +223,16 @@ const std::vector<RefusedText>& RefusedTexts() {
       {"ALLOW", 1, kNoTarget},
       {"name \"a\"", 1, kNoTarget},
       {"1d6b:0002", 1, kNoTarget},
-      {"\xEF\xBB\xBF"
-       "allow",
-       1, kNoTarget},
       {"allow ", 7, kNoAttribute},
       {"allow name \"a\" ", 16, kNoAttribute},
-      {"allow\r", 6, kNoEnd},
+      {"allow\r", 6, kCarriageReturn},
+      {"\r", 1, kCarriageReturn},
+      {"allow 1d6b:*\r", 13, kCarriageReturn},
+      {"allow id\r", 9, kCarriageReturn},
+      {"allow it\r", 7, kNoAttribute},
+      {"\xEF\xBB\xBF"
+       "allow",
+       1, "the line begins with a byte order mark; save the file as UTF-8 without one"},
       {"allow1d6b:0002", 6, kNoEnd},
       {"allowid 1d6b:0002", 6, kNoEnd},
       {"allow,", 6, kNoEnd},
