@@ -170,19 +170,23 @@ def kernel_name():
 
 def kernel_device():
     revision = {"type": "string", "pattern": "^[0-9a-f]{1,2}\\.[0-9a-f]{2}$"}
-    return an_open_object({
+    device = an_open_object({
         "device": described("The DeviceID of its instance", TEXT),
         "name": or_null(described("The kernel's name, such as usb1 or 1-3.1", kernel_name())),
         "number": described("The device number on its bus", ref("uint16")),
         "speed": described("In Mbit/s, 1.5 for low speed", SPEED),
         "manufacturer": or_null(TEXT), "product": or_null(TEXT), "serial": or_null(TEXT),
         "kinds": a_list(ref("kind"), description="What the class codes of its interfaces say"),
-        "interfaces": a_list(ref("interface"), description="Every setting of every configuration"),
+        "interfaces": a_list(ref("interface"), description="Every setting of every configuration; of those that "
+                             "are in use alone, where the device list has no others"),
         "maxPower": {"description": "Of the active configuration, in mA", "type": ["integer", "null"],
                      "minimum": 0, "maximum": NUMBERS["uint16"]},
         "revision": or_null(described("Its own version", revision)),
         "nodes": or_null(a_list(TEXT, description="Paths in /dev: its own, then those of its interfaces")),
     }, description="A device, hub or root hub; what is not known is null")
+    device["properties"]["lacksConfigurations"] = described(
+        "Given where the device list leaves configurations out, so that not all interfaces are known", {"const": True})
+    return device
 
 
 def kernel_port():
@@ -414,7 +418,8 @@ def check(tables):
         "system": TEXT, "source": {"enum": [*source["source"]["enum"], None]}, "collected": source["collected"],
         "machine": source["machine"],
         "suspect": described("Whether a device may have forged lines of its list", {"type": "boolean"}),
-        "refused": described("The number of devices that are not allowed", ref("uint64")),
+        "deviceCount": ref("uint64"),
+        "notAllowedCount": described("The number of devices that are not allowed", ref("uint64")),
         "devices": a_list(ref("device"), description="By place"),
     })
     return a_document("check", "Check of USB inventories against a policy, as usbinfo check --format json prints it",
@@ -430,10 +435,11 @@ def checks(tables):
             "suspect": described("Whether a device may have forged lines of its list", {"type": "boolean"}),
             **more}, description=text)
 
-    checked = host("A host that was checked", error={"type": "null"}, devices=ref("uint64"),
-                   refused=a_list(ref("device"), description="What is not allowed, by place"))
+    checked = host("A host that was checked", error={"type": "null"}, deviceCount=ref("uint64"),
+                   notAllowedCount=ref("uint64"),
+                   notAllowed=a_list(ref("device"), description="What is not allowed, by place"))
     failed = host("A host that could not be checked", error=described("Why", {"type": "string", "minLength": 1}),
-                  devices={"type": "null"}, refused=a_list(False, maxItems=0))
+                  deviceCount={"type": "null"}, notAllowedCount={"type": "null"}, notAllowed=a_list(False, maxItems=0))
     return a_document("checks", "Check of all hosts against a policy, as usbinfo-store check --format json prints it",
                       {**policy_checked(), "hosts": a_list({"oneOf": [checked, failed]}, description="By name")},
                       {"device": checked_device({"enum": ["block", "reject"]}), "kind": {"enum": tables["kinds"]},

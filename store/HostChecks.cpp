@@ -67,13 +67,9 @@ class JsonOfChecks : public HostChecks {
     fJson.Key("suspect");
     fJson.Bool(check.isSuspect);
     cli::WriteMember(fJson, "error", isChecked ? std::nullopt : std::optional(check.failure));
-    fJson.Key("devices");
-    if (isChecked) {
-      fJson.Number(check.checked->devices.size());
-    } else {
-      fJson.Null();
-    }
-    WriteRefused(check);
+    WriteCount("deviceCount", isChecked ? std::optional(check.checked->devices.size()) : std::nullopt);
+    WriteCount("notAllowedCount", isChecked ? std::optional(check.checked->CountNotAllowed()) : std::nullopt);
+    WriteNotAllowed(check);
     fJson.EndObject();
   }
 
@@ -84,8 +80,12 @@ class JsonOfChecks : public HostChecks {
   }
 
  private:
-  void WriteRefused(const HostCheck& check) {
-    fJson.Key("refused");
+  void WriteCount(const char* name, std::optional<std::size_t> count) {
+    cli::WriteOptional(fJson, name, count, [this](std::size_t number) { fJson.Number(number); });
+  }
+
+  void WriteNotAllowed(const HostCheck& check) {
+    fJson.Key("notAllowed");
     fJson.BeginArray();
     if (check.checked != nullptr) {
       for (const cli::CheckedDevice& device : check.checked->devices) {
@@ -151,7 +151,7 @@ class HostChecker {
       ++fTotals.failed;
       return;
     }
-    const std::size_t refused = checked->CountRefused();
+    const std::size_t refused = checked->CountNotAllowed();
     fTotals.devices += checked->devices.size();
     fTotals.refusedDevices += refused;
     if (refused != 0) ++fTotals.refused;

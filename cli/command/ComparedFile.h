@@ -9,9 +9,6 @@
 
 namespace cli {
 
-/// What messages call the inventory of this machine.
-inline constexpr const char* kThisMachine = "this machine";
-
 /// The JSON inventory or device list in the file at `path`, "-" for standard input. A list is read as
 /// `source` says, whose `devices` does not count. Warns of findings. Throws UserError when there is neither
 /// in it, and when there are findings unless `allowsSuspect`.

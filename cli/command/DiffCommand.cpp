@@ -5,12 +5,12 @@
 #include "cli/collect/Collection.h"
 #include "cli/command/ComparedFile.h"
 #include "cli/command/Findings.h"
+#include "cli/command/InventoryFile.h"
 #include "cli/diff/Comparability.h"
 #include "cli/diff/DiffJson.h"
 #include "cli/diff/DiffText.h"
 #include "cli/diff/InventoryDiff.h"
 #include "cli/model/Selection.h"
-#include "cli/option/UsageError.h"
 #include "cli/text/Color.h"
 #include "cli/text/ExitStatus.h"
 #include "cli/text/Input.h"
@@ -34,19 +34,6 @@ Inventory ReadNew(const DiffOptions& options, LogWriter& log) {
   return inventory;
 }
 
-std::string NameOfNew(const DiffOptions& options) {
-  return options.after.empty() ? kThisMachine : NameOfList(options.after);
-}
-
-/// Saved inventories are not collected again, so options of collecting have no effect on them.
-void CheckOptionsForLists(const DiffOptions& options, const Inventory& before, const Inventory& after) {
-  if (before.DeviceList() || after.DeviceList()) return;
-  RefuseOptions({{"--as-is", options.source.isAsIs},
-                 {"--plugin", !options.source.plugin.empty()},
-                 {"--system-name", !options.source.systemName.empty()}},
-                "is for device lists, and both files hold saved inventories: leave it out");
-}
-
 /// Where a part was selected of one inventory, the same part is taken of the other.
 void Align(const DiffOptions& options, Inventory& before, Inventory& after) {
   switch (CompareSelections(before, after)) {
@@ -62,7 +49,7 @@ void Align(const DiffOptions& options, Inventory& before, Inventory& after) {
       throw UserError(
           fmt::format("{} and {} cannot be compared: they were saved with different selections; save both "
                       "with the same options -d, -s and --class",
-                      NameOfList(options.before), NameOfNew(options)));
+                      NameOfList(options.before), NameOfInventory(options.after)));
   }
 }
 
@@ -84,8 +71,10 @@ int RunDiff(const DiffOptions& options) {
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
   Inventory before = ReadFile(options.before, options, log);
   Inventory after = ReadNew(options, log);
-  CheckOptionsForLists(options, before, after);
-  CheckMasks({before, NameOfList(options.before)}, {after, NameOfNew(options)});
+  if (!before.DeviceList() && !after.DeviceList()) {
+    RefuseOptionsForLists(options.source, "both files hold saved inventories");
+  }
+  CheckMasks({before, NameOfList(options.before)}, {after, NameOfInventory(options.after)});
   Align(options, before, after);
   const InventoryDifference difference = Compare(before, after, options.ignored);
   WriteOutput(options.output, Render(options, difference));

@@ -1,14 +1,14 @@
 #include "cli/command/WatchCommand.h"
 
-#include <fmt/format.h>
-
 #include <optional>
 #include <utility>
 
 #include "cli/collect/Collection.h"
 #include "cli/command/ComparedFile.h"
 #include "cli/command/Findings.h"
+#include "cli/command/InventoryFile.h"
 #include "cli/diff/Comparability.h"
+#include "cli/model/OriginText.h"
 #include "cli/policy/PolicyFile.h"
 #include "cli/text/Color.h"
 #include "cli/text/ExitStatus.h"
@@ -47,8 +47,7 @@ void CheckBaseline(const WatchOptions& options, const Inventory& baseline, const
   const std::string name = NameOfList(options.baseline);
   CheckMasks({baseline, name}, {now, kThisMachine});
   if (CompareSelections(baseline, now) == SelectionToApply::kNone) return;
-  throw UserError(fmt::format(
-      "{} holds only a part of an inventory; save it without the options -d, -s and --class", name));
+  throw UserError(DescribePart(name));
 }
 
 void Print(const WatchOptions& options, const WatchReport& report) {

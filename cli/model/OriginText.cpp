@@ -42,6 +42,12 @@ std::vector<std::string> OptionsOf(const SelectedBy& selection) {
   return options;
 }
 
+std::string DescribePart(const std::string& name) {
+  return fmt::format(
+      "{} holds only a part of the inventory; save it without the options -d, -s, --class and --request",
+      name);
+}
+
 std::string Describe(const Finding& finding) {
   const char* const noun = finding.lines.size() == 1 ? "line" : "lines";
   return fmt::format("{} {} of the device list, of \"{}\" ({})", noun, fmt::join(finding.lines, ", "),

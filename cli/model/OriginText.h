@@ -18,6 +18,9 @@ std::string MaskingOf(const Origin& origin);
 /// The options that made the selection, "-d 1d6b:" and so on; none where nothing was left out by its values.
 std::vector<std::string> OptionsOf(const SelectedBy& selection);
 
+/// What is wrong with a selection where the whole inventory is needed; `name` is what messages call it.
+std::string DescribePart(const std::string& name);
+
 /// "lines 17, 19 of the device list, of "Bus 01  Device   9" (two-t-lines)".
 std::string Describe(const Finding& finding);
 /// "the kernel does not write lines 17, 19 of the device list, ...; a device may have forged this".

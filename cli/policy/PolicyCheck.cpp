@@ -1,25 +1,21 @@
 #include "cli/policy/PolicyCheck.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <utility>
 
+#include "cli/model/OriginText.h"
 #include "cli/text/UserError.h"
 
 namespace cli {
 
-std::size_t CheckedInventory::CountRefused() const {
+std::size_t CheckedInventory::CountNotAllowed() const {
   return static_cast<std::size_t>(std::count_if(
       devices.begin(), devices.end(), [](const CheckedDevice& device) { return !device.IsAllowed(); }));
 }
 
 CheckedInventory Check(const Policy& policy, const Inventory& inventory, const std::string& name) {
   const bool isSelection = inventory.GetOrigin() && inventory.GetOrigin()->selection;
-  if (isSelection || inventory.IsPartial()) {
-    throw UserError(fmt::format(
-        "{} holds only a part of the inventory; save it without the options -d, -s and --class", name));
-  }
+  if (isSelection || inventory.IsPartial()) throw UserError(DescribePart(name));
   CheckedInventory checked{.name = name, .inventory = &inventory, .devices = {}};
   for (PolicyDevice& device : PolicyDevicesOf(inventory)) {
     const PolicyDecision decision = Decide(policy, device);
@@ -30,7 +26,7 @@ CheckedInventory Check(const Policy& policy, const Inventory& inventory, const s
 
 bool IsAllAllowed(const std::vector<CheckedInventory>& checked) {
   return std::all_of(checked.begin(), checked.end(),
-                     [](const CheckedInventory& inventory) { return inventory.CountRefused() == 0; });
+                     [](const CheckedInventory& inventory) { return inventory.CountNotAllowed() == 0; });
 }
 
 }  // namespace cli

@@ -24,7 +24,7 @@ struct CheckedInventory {
   const Inventory* inventory = nullptr;
   std::vector<CheckedDevice> devices;
 
-  std::size_t CountRefused() const;
+  std::size_t CountNotAllowed() const;
 };
 
 /// `policy` and `inventory` must outlive the result. Throws UserError as Decide does, and for an inventory

@@ -14,17 +14,15 @@ void WriteUnlessEmpty(JsonWriter& json, std::string_view name, const std::string
 
 void Write(JsonWriter& json, const CheckedInventory& checked) {
   const std::optional<Origin>& origin = checked.inventory->GetOrigin();
-  const auto ofOrigin = [&](std::string_view name, const std::optional<std::string>& value) {
-    WriteMember(json, name, value);
-  };
   json.BeginObject();
   WriteMember(json, "system", checked.inventory->SystemName());
-  ofOrigin("source", origin ? std::optional(origin->source) : std::nullopt);
-  ofOrigin("collected", origin ? origin->collected : std::nullopt);
-  ofOrigin("machine", origin ? origin->machine : std::nullopt);
+  WriteMember(json, "source", origin ? std::optional(origin->source) : std::nullopt);
+  WriteMember(json, "collected", origin ? origin->collected : std::nullopt);
+  WriteMember(json, "machine", origin ? origin->machine : std::nullopt);
   json.Key("suspect");
   json.Bool(origin && !origin->findings.empty());
-  WriteMember(json, "refused", checked.CountRefused());
+  WriteMember(json, "deviceCount", checked.devices.size());
+  WriteMember(json, "notAllowedCount", checked.CountNotAllowed());
   WriteList(json, "devices", checked.devices,
             [&](const CheckedDevice& device) { WriteCheckedDevice(json, device); });
   json.EndObject();

@@ -30,7 +30,7 @@ CheckCounts CountAll(const std::vector<CheckedInventory>& checked) {
   CheckCounts counts;
   for (const CheckedInventory& inventory : checked) {
     counts.devices += inventory.devices.size();
-    counts.refused += inventory.CountRefused();
+    counts.refused += inventory.CountNotAllowed();
     counts.findings += CountFindings(inventory);
   }
   return counts;

@@ -42,7 +42,7 @@ std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInven
   for (const CheckedInventory& inventory : checked) {
     const std::string prefix = checked.size() == 1 ? "" : EscapeForDocument(inventory.name) + ": ";
     text += RenderRefused(policy, inventory, prefix);
-    refused += inventory.CountRefused();
+    refused += inventory.CountNotAllowed();
     total += inventory.devices.size();
   }
   text += fmt::format("{} of {} not allowed\n", refused, Count(total, "device"));

@@ -113,11 +113,12 @@ TEST_P(StoreCheckTest, ChecksTheOthersWhereOneHostCannotBeChecked) {
   const Json document = Json::parse(Check(policy, {"--allow-suspect", "--format", "json"}).output);
   ASSERT_EQ(document["hosts"].size(), 3U);
   EXPECT_EQ(document["hosts"][1]["suspect"], true);
-  EXPECT_EQ(document["hosts"][1]["devices"], 11);
-  EXPECT_EQ(document["hosts"][1]["refused"][0]["serial"], "PEN-1");
+  EXPECT_EQ(document["hosts"][1]["deviceCount"], 11);
+  EXPECT_EQ(document["hosts"][1]["notAllowedCount"], 1);
+  EXPECT_EQ(document["hosts"][1]["notAllowed"][0]["serial"], "PEN-1");
   EXPECT_EQ(document["hosts"][1]["collected"], "2026-11-22T00:00:00Z");
   EXPECT_THAT(document["hosts"][2]["error"].get<std::string>(), HasSubstr("the serial numbers are masked"));
-  EXPECT_EQ(document["hosts"][2]["devices"], nullptr);
+  EXPECT_EQ(document["hosts"][2]["deviceCount"], nullptr);
 }
 
 TEST_P(StoreCheckTest, RefusesAStoreWithoutReportsAndAWrongPolicy) {
