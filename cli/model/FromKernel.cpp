@@ -105,7 +105,8 @@ DeviceFacts FactsOfDevice(const kernel::Device& device, std::string identifier) 
           .interfaces = InterfacesOf(device),
           .maxPower = MaxPowerOf(device),
           .revision = RevisionOf(device.descriptor),
-          .nodes = Unless(device.nodes.empty(), device.nodes)};
+          .nodes = Unless(device.nodes.empty(), device.nodes),
+          .lacksConfigurations = device.configurations.size() < device.descriptor.configurationCount};
 }
 
 /// The name of what is or would be plugged into the port of that number, of the hub of that name.

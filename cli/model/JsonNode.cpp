@@ -23,6 +23,11 @@ JsonNode JsonNode::Member(const std::string& name) const {
   return {*found, PointerTo(fPointer, name)};
 }
 
+bool JsonNode::HasMember(const std::string& name) const {
+  RequireObject();
+  return fValue->contains(name);
+}
+
 std::vector<std::pair<std::string, JsonNode>> JsonNode::Members() const {
   RequireObject();
   std::vector<std::pair<std::string, JsonNode>> members;

@@ -23,6 +23,8 @@ class JsonNode {
 
   /// The member of an object.
   JsonNode Member(const std::string& name) const;
+  /// Whether an object has a member of that name.
+  bool HasMember(const std::string& name) const;
   /// All members of an object, by name.
   std::vector<std::pair<std::string, JsonNode>> Members() const;
   /// All elements of a list.

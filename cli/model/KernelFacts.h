@@ -42,7 +42,7 @@ struct DeviceFacts {
   std::optional<std::string> serial;
   /// What its interfaces are for, such as "keyboard", from a closed list.
   std::vector<std::string> kinds;
-  /// Every setting of every configuration.
+  /// Every setting of every configuration, but for those that a device list leaves out.
   std::vector<InterfaceFacts> interfaces;
   /// Of the active configuration, in mA.
   std::optional<std::uint64_t> maxPower;
@@ -50,6 +50,8 @@ struct DeviceFacts {
   std::optional<std::string> revision;
   /// Paths in /dev: its own, then those of its interfaces.
   std::optional<std::vector<std::string>> nodes;
+  /// Whether the device list leaves configurations out, as usb-devices does with those that are not in use.
+  bool lacksConfigurations = false;
   /// The hashes by which USBGuard knows it and what it is plugged into. No document holds them.
   std::optional<std::string> hash = {};
   std::optional<std::string> parentHash = {};

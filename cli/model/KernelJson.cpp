@@ -20,6 +20,7 @@ namespace {
 
 constexpr const char* kUsed = "used";
 constexpr const char* kFree = "free";
+constexpr const char* kLacksConfigurations = "lacksConfigurations";
 constexpr const char* kHexadecimalDigits = "0123456789abcdef";
 
 std::string Hexadecimal(std::uint8_t code) {
@@ -102,7 +103,9 @@ DeviceFacts ReadDevice(const JsonNode& node) {
           .interfaces = node.Member("interfaces").Each(ReadInterface),
           .maxPower = node.Member("maxPower").Optional(ReadSmallNumber),
           .revision = node.Member("revision").Optional(ReadRevision),
-          .nodes = node.Member("nodes").Optional(&JsonNode::Texts)};
+          .nodes = node.Member("nodes").Optional(&JsonNode::Texts),
+          .lacksConfigurations =
+              node.HasMember(kLacksConfigurations) && node.Member(kLacksConfigurations).Bool()};
 }
 
 PortFacts ReadPort(const JsonNode& node) {
@@ -145,6 +148,10 @@ void WriteDeviceFacts(JsonWriter& json, const DeviceFacts& device) {
   WriteMember(json, "revision", device.revision);
   WriteOptional(json, "nodes", device.nodes,
                 [&](const std::vector<std::string>& nodes) { WriteTexts(json, nodes); });
+  if (device.lacksConfigurations) {
+    json.Key(kLacksConfigurations);
+    json.Bool(true);
+  }
   json.EndObject();
 }
 

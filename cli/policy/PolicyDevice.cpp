@@ -24,6 +24,13 @@ bool IsNameOfRootHub(const std::string& name) {
   return place && place->ports.empty();
 }
 
+/// Early kernels' root hubs have nothing but zeros; of other devices, the list lacks the numbers then.
+bool HasId(const PolicyDevice& device) {
+  const Item& item = *device.item;
+  const bool isRootHub = device.facts != nullptr && IsNameOfRootHub(device.facts->name.value_or(""));
+  return isRootHub || item.Number(PropertyId::kVendorID) != 0 || item.Number(PropertyId::kUSBDeviceID) != 0;
+}
+
 std::vector<std::string> InterfacesOf(const DeviceFacts& facts) {
   std::vector<std::string> interfaces;
   for (const InterfaceFacts& interface : facts.interfaces) {
@@ -53,11 +60,11 @@ class Attributes {
     const auto set = [&device](PolicyAttribute attribute, PolicyValues values) {
       device.attributes[static_cast<std::size_t>(attribute)] = std::move(values);
     };
-    set(PolicyAttribute::kId, One(FormatId(item)));
+    if (HasId(device)) set(PolicyAttribute::kId, One(FormatId(item)));
     set(PolicyAttribute::kName, One(ProductOf(item, device.facts)));
     set(PolicyAttribute::kSerial, SerialsOf(device));
     if (device.facts == nullptr) return device;
-    set(PolicyAttribute::kWithInterface, InterfacesOf(*device.facts));
+    if (KnowsInterfaces(*device.facts)) set(PolicyAttribute::kWithInterface, InterfacesOf(*device.facts));
     if (device.facts->hash) set(PolicyAttribute::kHash, One(*device.facts->hash));
     if (device.facts->parentHash) set(PolicyAttribute::kParentHash, One(*device.facts->parentHash));
     if (!device.facts->name) return device;
@@ -72,6 +79,11 @@ class Attributes {
     const bool hasOwn = device.facts != nullptr && IsNameOfRootHub(device.facts->name.value_or(""));
     if (fIsMasked && !serial.empty() && !hasOwn) return std::nullopt;
     return One(serial);
+  }
+
+  /// A device list has none of a device that is blocked.
+  bool KnowsInterfaces(const DeviceFacts& facts) const {
+    return !facts.lacksConfigurations && (fIsFromSysfs || !facts.interfaces.empty());
   }
 
   /// Only sysfs says it. There, a root hub and a port without the kernel's word have none.

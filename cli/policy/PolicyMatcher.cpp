@@ -22,7 +22,9 @@ std::string_view AdviceOn(PolicyAttribute attribute) {
     case PolicyAttribute::kWithConnectType:
       return "only inventories from sysfs have it; save one on the machine with usbinfo --format json";
     default:
-      return "use a device list, or save the inventory anew with usbinfo --format json";
+      return "the device list or the saved inventory lacks it; save one from sysfs, on the machine with "
+             "usbinfo "
+             "--format json";
   }
 }
 

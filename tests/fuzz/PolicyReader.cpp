@@ -28,8 +28,10 @@ cli::Inventory WithFacts(const cli::Inventory& inventory) {
 
 bool HasAllFacts(const cli::Inventory& inventory) {
   const std::vector<cli::PolicyDevice> devices = cli::PolicyDevicesOf(inventory);
-  return std::all_of(devices.begin(), devices.end(),
-                     [](const cli::PolicyDevice& device) { return device.facts != nullptr; });
+  return std::all_of(devices.begin(), devices.end(), [](const cli::PolicyDevice& device) {
+    return device.ValuesOf(cli::PolicyAttribute::kId) &&
+           device.ValuesOf(cli::PolicyAttribute::kWithInterface);
+  });
 }
 
 }  // namespace usbinfo_test
