@@ -8,7 +8,7 @@
 
 #include "cli/collect/Collection.h"
 #include "cli/command/Findings.h"
-#include "cli/option/UsageError.h"
+#include "cli/command/InventoryFile.h"
 #include "cli/policy/PolicyCheck.h"
 #include "cli/policy/PolicyCheckJson.h"
 #include "cli/policy/PolicyCheckNagios.h"
@@ -26,10 +26,6 @@ namespace cli {
 
 namespace {
 
-std::string NameOfInventory(const std::string& path) {
-  return path.empty() ? "this machine" : NameOfList(path);
-}
-
 /// The inventory at `path`; this machine's for an empty path.
 Inventory ReadInventory(const CheckOptions& options, const Policy& policy, const std::string& path,
                         LogWriter& log) {
@@ -37,13 +33,11 @@ Inventory ReadInventory(const CheckOptions& options, const Policy& policy, const
   source.devices = path;
   source.readsNodes = false;
   source.makesHashes = policy.UsesHashes();
-  Inventory inventory = Collect(source, AllClasses(), log);
-  const std::string name = NameOfInventory(path);
-  // The one line for Nagios says it all.
+  Inventory inventory = path.empty() ? Collect(source, AllClasses(), log) : ReadInventoryFile(source, log);
+  // The line for Nagios says whether there are findings or no devices.
   if (options.isForNagios) return inventory;
-  if (!options.allowsSuspect) RefuseFindings(inventory, name, "check");
+  if (!options.allowsSuspect) RefuseFindings(inventory, NameOfInventory(path), "check");
   WarnOfFindings(inventory);
-  if (inventory.IsEmpty()) PrintMessage(fmt::format("no USB device found: {} has none", name));
   return inventory;
 }
 
@@ -53,14 +47,9 @@ void CheckFiles(const CheckOptions& options) {
   RequireDistinctFiles({"--output", IsStandardOutput(options.output) ? "" : options.output}, inputs);
 }
 
-/// Saved inventories are not collected again, so options of collecting have no effect on them.
-void CheckOptionsForLists(const CheckOptions& options, const std::vector<Inventory>& inventories) {
-  const auto isCollected = [](const Inventory& inventory) { return inventory.DeviceList().has_value(); };
-  if (std::any_of(inventories.begin(), inventories.end(), isCollected)) return;
-  RefuseOptions({{"--as-is", options.source.isAsIs},
-                 {"--plugin", !options.source.plugin.empty()},
-                 {"--system-name", !options.source.systemName.empty()}},
-                "is for device lists, and only saved inventories are checked: leave it out");
+bool IsAnyCollected(const std::vector<Inventory>& inventories) {
+  return std::any_of(inventories.begin(), inventories.end(),
+                     [](const Inventory& inventory) { return inventory.DeviceList().has_value(); });
 }
 
 std::string Render(const Policy& policy, const std::vector<CheckedInventory>& checked,
@@ -84,10 +73,15 @@ int RunCheck(const CheckOptions& options) {
   std::vector<Inventory> inventories;
   inventories.reserve(paths.size());
   for (const std::string& path : paths) inventories.push_back(ReadInventory(options, policy, path, log));
-  CheckOptionsForLists(options, inventories);
+  if (!IsAnyCollected(inventories)) {
+    RefuseOptionsForLists(options.source, "only saved inventories are checked");
+  }
   std::vector<CheckedInventory> checked;
   for (std::size_t index = 0; index < paths.size(); ++index) {
-    checked.push_back(Check(policy, inventories[index], NameOfInventory(paths[index])));
+    const std::string name = NameOfInventory(paths[index]);
+    checked.push_back(Check(policy, inventories[index], name));
+    const bool isEmpty = inventories[index].IsEmpty() && !options.isForNagios;
+    if (isEmpty) PrintMessage(fmt::format("no USB device found: {} has none", name));
   }
   log.Finish();
   if (options.isForNagios) return PrintForNagios(RenderCheckNagios(checked, options.allowsSuspect));

@@ -73,8 +73,11 @@ void CompleteCheckOptions(CheckOptions& options) {
 
 bool IsCheckForNagios(const std::vector<std::string>& arguments) {
   const auto end = std::find(arguments.begin(), arguments.end(), "--");
-  const auto has = [&](const char* word) { return std::find(arguments.begin(), end, word) != end; };
-  return has("check") && has("--nagios");
+  const auto check = std::find(arguments.begin(), end, "check");
+  if (check == end || std::find(arguments.begin(), check, "help") != check) return false;
+  // A mistake such as --nagios=1 is to be reported to Nagios, too.
+  return std::any_of(arguments.begin(), end,
+                     [](const std::string& argument) { return argument.starts_with("--nagios"); });
 }
 
 }  // namespace cli

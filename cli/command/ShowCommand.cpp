@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "cli/collect/EmptyAdvice.h"
@@ -137,6 +138,19 @@ void RefuseOptionsOfCollecting(const ShowOptions& options) {
                             NameOfList(options.source.devices)));
 }
 
+/// What is requested is a selection where it leaves out more than associations.
+void NoteRequest(const std::vector<std::string>& request, Inventory& inventory) {
+  const auto& all = schema::ServedClasses();
+  const bool isWhole = std::all_of(all.begin(), all.end(), [&request](const schema::ClassSchema& schema) {
+    return schema.kind != schema::ClassSchema::Kind::kEntity ||
+           std::find(request.begin(), request.end(), schema.name) != request.end();
+  });
+  if (request.empty() || isWhole) return;
+  Origin origin = inventory.GetOrigin().value();
+  origin.selection = SelectedBy{.classes = request, .ids = {}, .places = {}};
+  inventory.SetOrigin(std::move(origin));
+}
+
 /// Reads from this machine only what the format shows.
 Source SourceFor(const ShowOptions& options, const OutputFormat& format) {
   Source source = options.source;
@@ -153,8 +167,9 @@ int RunShow(const ShowOptions& options) {
                 options.logFormat == "json" ? LogFormat::kJson : LogFormat::kText);
   ReportUnknownClasses(options.request);
   const OutputFormat& format = FindOutputFormat(options.format);
-  const Inventory inventory = Collect(SourceFor(options, format), RequestedClasses(options.request), log);
+  Inventory inventory = Collect(SourceFor(options, format), RequestedClasses(options.request), log);
   if (!inventory.DeviceList()) RefuseOptionsOfCollecting(options);
+  NoteRequest(options.request, inventory);
   WarnOfFindings(inventory);
   const Inventory shown = Select(inventory, options.selection, KeepsPath(options.selection, format));
   const bool isPrinted = Print(options, format, shown);

@@ -203,11 +203,19 @@ void CheckSource(const Source& source) {
   throw UsageError("--source is for this machine: leave it or --devices out");
 }
 
+/// `content` is what the format prints; null where `selection` does not matter to it.
+void RefuseSelection(const std::string& format, const char* content, const Selection& selection) {
+  if (content == nullptr || !selection.IsSet()) return;
+  throw UsageError(fmt::format("the format {} prints {}: leave {} out, or use another format", format,
+                               content, Describe(selection)));
+}
+
 void CheckFormatOfWhole(const ShowOptions& options) {
-  const char* const whole = FindOutputFormat(options.format).ofWhole;
-  if (whole == nullptr || !options.selection.IsSet()) return;
-  throw UsageError(fmt::format("the format {} prints {}: leave {} out, or use another format", options.format,
-                               whole, Describe(options.selection)));
+  const OutputFormat& format = FindOutputFormat(options.format);
+  Selection ofClasses;
+  ofClasses.classes = options.selection.classes;
+  RefuseSelection(options.format, format.ofWhole, options.selection);
+  RefuseSelection(options.format, format.ofAllClasses, ofClasses);
 }
 
 std::vector<std::string> FormatsWithOccupancy() {

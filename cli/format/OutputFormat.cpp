@@ -31,7 +31,7 @@ const std::vector<OutputFormat>& OutputFormats() {
       {"list", "the device list itself", true, RenderList, false, false, false, false,
        "the whole device list"},
       {"usbguard", "a policy that allows these devices, for check and USBGuard", true, RenderUsbguard, true,
-       false, false, true},
+       false, false, true, nullptr, "rules for hubs and devices"},
       {"prometheus", "metrics for Prometheus' node exporter", true, RenderPrometheus, false, false, false,
        true, "the counts of a whole machine"},
   };

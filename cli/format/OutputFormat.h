@@ -27,6 +27,9 @@ struct OutputFormat {
   bool showsAllFacts = false;
   /// What it prints of the whole inventory alone, so that a selection is refused: "the whole device list".
   const char* ofWhole = nullptr;
+  /// What it prints of all classes together, so that a selection of classes is refused: "rules for hubs and
+  /// devices".
+  const char* ofAllClasses = nullptr;
 };
 
 /// All formats; the first is the default.

@@ -30,7 +30,7 @@ void RequireWhole(const Inventory& inventory) {
   if (!inventory.IsPartial() && !(origin && origin->selection)) return;
   throw UserError(
       "the inventory is a part of a machine's, whose counts would pass for those of the whole; save it "
-      "without a selection, or use another format");
+      "without a selection and --request, or use another format");
 }
 
 void WriteKindCounts(const DeviceNodes& devices, MetricWriter& metrics) {
@@ -112,7 +112,8 @@ std::string RenderPrometheus(const Inventory& inventory, const RenderOptions& op
   const Sockets sockets(inventory);
   const DeviceNodes devices = DeviceRows(sockets, options);
   MetricWriter metrics;
-  WriteKindCounts(devices, metrics);
+  // Without the kernel's facts, no kind is known, and zeros would be wrong.
+  if (inventory.Kernel()) WriteKindCounts(devices, metrics);
   WriteSocketCounts(sockets, metrics);
   WriteDevices(devices, options.showsSerials, metrics);
   if (inventory.GetOrigin()) WriteOriginMetrics(*inventory.GetOrigin(), metrics);

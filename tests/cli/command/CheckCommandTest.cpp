@@ -98,7 +98,7 @@ TEST(CheckCommand, PrintsADocumentEvenWhereAllIsAllowed) {
   const json document = json::parse(result.output);
   EXPECT_EQ(document["policy"], "standard input");
   EXPECT_EQ(document["inventories"].size(), 2U);
-  EXPECT_EQ(document["inventories"][0]["refused"], 0);
+  EXPECT_EQ(document["inventories"][0]["notAllowedCount"], 0);
 }
 
 TEST(CheckCommand, NamesTheInventoryWhereThereAreSeveral) {
@@ -135,6 +135,60 @@ TEST(CheckCommand, RefusesRulesThatNeedWhatTheInventoryLacks) {
                      "standard input:1: the rule needs hash of 1-3.1, which is not known: ");
   ExpectCheckFailure(RunCheck("allow with-connect-type { \"hotplug\" }", {CheckedList()}),
                      "standard input:1: the rule needs with-connect-type of ");
+}
+
+TEST(CheckCommand, TakesNothingButAnInventoryForAMachineWithoutDevices) {
+  const TemporaryFolder folder;
+  const std::string policy = folder.File("rules.conf", "allow");
+  const std::string neither = " holds neither a JSON inventory nor a device list; save one with ";
+  for (const std::string text : {"", "\n", "usb-devices: command not found\n"}) {
+    const std::string file = folder.File("list", text);
+    ExpectCheckFailure(RunUsbinfo({"check", policy, file}), file + neither);
+    ExpectCheckFailure(RunUsbinfo({"check", policy, "--devices", file}), file + neither);
+    ExpectCheckFailure(Command({"check", policy, "-"}).Input(text).Run(), "standard input" + neither);
+    const CommandResult nagios = Command({"check", "--nagios", policy, "-"}).Input(text).Run();
+    EXPECT_EQ(nagios.status, 3);
+    EXPECT_THAT(nagios.output, StartsWith("USB UNKNOWN: standard input" + neither));
+  }
+  ExpectCheckFailure(
+      RunUsbinfo({"check", policy, "/nonexistent/list"}),
+      "cannot read /nonexistent/list: No such file or directory; name a file that holds a JSON "
+      "inventory or a device list\n");
+  json empty = json::parse(ReadFile(SavedList()));
+  for (json& instances : empty["classes"]) instances.clear();
+  empty["kernel"] = {{"devices", json::array()}, {"ports", json::array()}};
+  const std::string saved = folder.File("saved.json", empty.dump());
+  EXPECT_EQ(RunUsbinfo({"check", "--nagios", policy, saved}).output,
+            "USB OK: no USB device found | devices=0;;;0 not_allowed=0;;;0 findings=0;;;0\n");
+}
+
+TEST(CheckCommand, DependsOnNothingThatTheDeviceListLeavesOut) {
+  const TemporaryFolder folder;
+  const std::string inUseAlone =
+      folder.File("list",
+                  "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  7 Spd=12  MxCh= 0\n"
+                  "D:  Ver= 2.00 Cls=00(>ifc ) Sub=00 Prot=00 MxPS= 8 #Cfgs=  2\n"
+                  "P:  Vendor=04f2 ProdID=0718 Rev=00.03\n"
+                  "C:  #Ifs= 1 Cfg#= 1 Atr=80 MxPwr=100mA\n"
+                  "I:  If#= 0 Alt= 0 #EPs= 0 Cls=08(stor.) Sub=06 Prot=50 Driver=usb-storage\n");
+  const std::string blocked = CapturePath("usbdevices-unauthorized-stale-if");
+  const std::string noKeyboards = "block 04f2:* with-interface one-of { 03:*:* }\nallow";
+  for (const std::string& list : {inUseAlone, blocked}) {
+    const std::string saved = folder.File("saved.json", RunUsbinfo({"--devices", list, "-j"}).output);
+    for (const std::string& inventory : {list, saved}) {
+      const CommandResult result = RunCheck(noKeyboards, {inventory});
+      EXPECT_EQ(result.status, 2);
+      EXPECT_THAT(result.errors, HasSubstr("standard input:1: the rule needs with-interface of "));
+      EXPECT_EQ(RunCheck("block 04f3:* with-interface one-of { 03:*:* }\nallow", {inventory}).status, 0);
+      EXPECT_EQ(RunUsbinfo({"--devices", inventory, "--format", "usbguard"}).status, 2);
+    }
+  }
+  const std::string withoutNumbers =
+      folder.File("numberless",
+                  "T:  Bus=01 Lev=01 Prnt=01 Port=00 Cnt=01 Dev#=  7 Spd=12  MxCh= 0\n"
+                  "I:* If#= 0 Alt= 0 #EPs= 0 Cls=08(stor.) Sub=06 Prot=50 Driver=usb-storage\n");
+  EXPECT_THAT(RunCheck("block 04f2:*\nallow", {withoutNumbers}).errors,
+              HasSubstr("standard input:1: the rule needs id of "));
 }
 
 TEST(CheckCommand, RefusesSuspectListsUnlessTheyAreAllowed) {
@@ -202,6 +256,11 @@ TEST(CheckCommand, ReportsEveryFailureToNagiosAsUnknown) {
   expectUnknown(RunCheck("allow", {"--nagios", "--devices"}), "--devices requires a value");
   expectUnknown(RunCheck("allow", {"--nagios", "--bogus"}), "unknown option --bogus");
   expectUnknown(RunUsbinfo({"check", "--nagios"}), "");
+  expectUnknown(RunUsbinfo({"check", "--nagios=1", "-", CheckedList()}), "--nagios ");
+  expectUnknown(RunUsbinfo({"check", "--nagios-all", "-", CheckedList()}), "unknown option --nagios-all");
+  const CommandResult help = RunUsbinfo({"help", "check", "--nagios"});
+  EXPECT_EQ(help.status, 2);
+  EXPECT_EQ(help.output, "");
   for (const std::vector<std::string>& other :
        {std::vector<std::string>{"--format", "json"}, {"--output", "x"}}) {
     std::vector<std::string> arguments = other;

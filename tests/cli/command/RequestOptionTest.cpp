@@ -137,6 +137,32 @@ TEST(RequestOption, CountsAsSuccessWhenOneNameBroughtSomething) {
   EXPECT_EQ(Lines(result.output).size(), 7U);
 }
 
+TEST(RequestOption, IsASelectionToWhatNeedsAllClasses) {
+  const TemporaryFolder folder;
+  const std::string policy = folder.File("rules.conf", "allow");
+  const std::string saved = folder.File("saved.json");
+  for (const std::string names :
+       {"KALDO_USBDevice", "nope", "KALDO_USBController,KALDO_USBHub,KALDO_USBPort"}) {
+    folder.File("saved.json", Request(names, {"--format", "json"}).output);
+    EXPECT_EQ(json::parse(ReadFile(saved))["origin"]["selection"]["classes"][0],
+              names.substr(0, names.find(',')));
+    const CommandResult check = RunUsbinfo({"check", policy, saved});
+    EXPECT_EQ(check.status, 2);
+    EXPECT_EQ(check.errors,
+              "usbinfo: " + saved +
+                  " holds only a part of the inventory; save it without the options -d, -s, --class and "
+                  "--request\n");
+    for (const std::string format : {"prometheus", "usbguard"}) {
+      for (const CommandResult& part :
+           {Request(names, {"--format", format}), RunUsbinfo({"--devices", saved, "--format", format})}) {
+        EXPECT_EQ(part.status, 2) << names << " " << format;
+        EXPECT_EQ(part.output, "") << names << " " << format;
+        EXPECT_THAT(part.errors, testing::HasSubstr("--request, or use another format\n"));
+      }
+    }
+  }
+}
+
 TEST(RequestOption, IsAllSixClassesByDefault) {
   const std::vector<std::string> options = {"--format", "json"};
   const CommandResult result = Request(

@@ -105,6 +105,10 @@ const WrongUse kWrongUses[] = {
     {"MetricsOfAPart",
      {"--format", "prometheus", "-d", "1d6b:"},
      "the format prometheus prints the counts of a whole machine: leave -d 1d6b: out, or use another format"},
+    {"PolicyOfAClass",
+     {"--format", "usbguard", "-d", "1d6b:", "--class", "hub"},
+     "the format usbguard prints rules for hubs and devices: leave --class KALDO_USBHub out, or use another "
+     "format"},
     {"FreeAsMetrics",
      {"--free", "--format", "prometheus"},
      "--free is for the formats tree, table, csv, dot, html: leave it out, or use one of them"},

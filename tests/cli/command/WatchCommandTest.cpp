@@ -124,7 +124,7 @@ TEST(Watch, RefusesABaselineThatDoesNotCompare) {
     folder.File("saved.json", changed.dump());
     ExpectWatchRefused(RunUsbinfo({"watch", "--baseline", path, "--timeout", "0"}), path + message);
   };
-  refuse("selection", OriginExample()["selection"], " holds only a part of an inventory; save it without ");
+  refuse("selection", OriginExample()["selection"], " holds only a part of the inventory; save it without ");
   refuse("masked", {{"key", nullptr}},
          " and this machine cannot be compared: the serial numbers are masked in only");
   refuse("findings", OriginExample()["findings"],

@@ -196,8 +196,8 @@ TEST(PrometheusFormat, CountsThePlacesOfASuspectList) {
 }
 
 TEST(PrometheusFormat, KnowsNoStateOfFreeSocketsWithoutTheConnections) {
-  const CommandResult result =
-      PrintMetrics({"--request", "KALDO_USBHub,KALDO_USBPort"}, HarmlessDeviceList());
+  const CommandResult result = PrintMetrics(
+      {"--request", "KALDO_USBController,KALDO_USBHub,KALDO_USBPort,KALDO_USBDevice"}, HarmlessDeviceList());
   const Exposition metrics = ReadExposition(result.output);
   EXPECT_EQ(ValueOf(metrics, "usbinfo_sockets", {{"state", "free"}}), "0");
   EXPECT_NE(ValueOf(metrics, "usbinfo_sockets", {{"state", "unknown"}}), "0");
@@ -243,6 +243,7 @@ TEST(PrometheusFormat, TellsDevicesApartThatAListHasInOnePlace) {
 
 TEST(PrometheusFormat, LeavesOutTheSeriesOfDevicesThatAreTooMany) {
   InventoryBuilder machine;
+  machine.Document()["kernel"] = {{"devices", json::array()}, {"ports", json::array()}};
   for (int bus = 1; bus <= 9; ++bus) {
     const std::string root = machine.AddBus(bus, 112);
     for (int port = 0; port < 112; ++port) machine.AddDevice(root, port, port + 2);
@@ -279,7 +280,7 @@ TEST(PrometheusFormat, RefusesAPartOfAnInventory) {
   EXPECT_EQ(
       ofPart.errors,
       "usbinfo: the inventory is a part of a machine's, whose counts would pass for those of the whole; "
-      "save it without a selection, or use another format\n");
+      "save it without a selection and --request, or use another format\n");
   const cli::Inventory withoutPorts =
       MeteredMachine().Read().Only([](const cli::Item& item) { return item.Class() != cli::ClassId::kPort; });
   EXPECT_THROW(cli::RenderPrometheus(withoutPorts, {}), cli::UserError);
@@ -329,12 +330,23 @@ void ExpectASeriesForEachRow(const cli::Inventory& inventory) {
     expected.insert(kind.empty() ? "unknown" : kind);
   }
   EXPECT_EQ(kinds, expected);
+  ASSERT_EQ(metrics.count("usbinfo_devices"), inventory.Kernel() ? 1U : 0U);
+  if (!inventory.Kernel()) return;
   for (const auto& [labels, value] : metrics.at("usbinfo_devices")) {
     const std::string kind = ", " + labels.at("kind") + ",";
     EXPECT_EQ(value, std::to_string(std::count_if(expected.begin(), expected.end(), [&](const auto& each) {
                 return (", " + each + ",").find(kind) != std::string::npos;
               })));
   }
+}
+
+TEST(PrometheusFormat, CountsNoKindsWhereNothingSaysThem) {
+  MeteredMachine machine;
+  machine.Plug(1, "1-2", {"keyboard"});
+  EXPECT_EQ(MetricsOf(machine).count("usbinfo_devices"), 1U);
+  machine.Document()["kernel"] = nullptr;
+  EXPECT_EQ(MetricsOf(machine).count("usbinfo_devices"), 0U);
+  EXPECT_EQ(OnlyDevice(MetricsOf(machine)).at("kind"), "unknown");
 }
 
 TEST(PrometheusFormat, HasASeriesOfItsOwnForEveryDeviceOfRandomMachines) {

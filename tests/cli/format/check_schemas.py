@@ -151,11 +151,11 @@ ALLOWED["usbinfo-checks"] = (
     r": hosts = \[\]",
     r"hosts/0: host = '\?'",
     r"hosts/0: suspect = True",
-    r"hosts/0: refused = \[\]",
-    r"hosts/0/refused/0: (name|product|serial|rule) = None",
-    r"hosts/0/refused/0: (device|product|serial) = '\?'",
-    r"hosts/0/refused/0: kinds = \[\]",
-    r"hosts/0/refused/0/rule: text = '\?'",
+    r"hosts/0: notAllowed = \[\]",
+    r"hosts/0/notAllowed/0: (name|product|serial|rule) = None",
+    r"hosts/0/notAllowed/0: (device|product|serial) = '\?'",
+    r"hosts/0/notAllowed/0: kinds = \[\]",
+    r"hosts/0/notAllowed/0/rule: text = '\?'",
     r"hosts/1: (host|error) = '\?'",
     r"hosts/1: suspect = True",
 )
@@ -321,7 +321,7 @@ def check_checks(failures, usbinfo):
     """Validate checks of every list, and hold their schema to be strict."""
     lists = [usbinfo.file(f"hostile-{number}", hostile_list(text))
              for number, text in enumerate(HOSTILE)]
-    policy = b"reject with-interface one-of { 08:*:* }\nblock name \"\\xff\"#\xff\nallow 1d6b:*\n"
+    policy = b"reject 46f4:* with-interface one-of { 08:*:* }\nblock name \"\\xff\"#\xff\nallow 1d6b:*\n"
     for path in [*CAPTURES, *lists]:
         require_valid(failures, schema("usbinfo-check"), usbinfo.check(policy, path), f"check of {path.name}")
     check_strict(failures, usbinfo, "usbinfo-check", usbinfo.check(policy, OLD))
@@ -464,7 +464,7 @@ def check_hosts_checked(failures, usbinfo, store):
     checked, failed = document["hosts"][:2]
     if status != 2 or checked["error"] or not failed["error"]:
         failures.report(f"check of the store: status {status}: {checked}, {failed}")
-    document["hosts"] = [{**checked, "refused": checked["refused"][:1]}, failed]
+    document["hosts"] = [{**checked, "notAllowed": checked["notAllowed"][:1]}, failed]
     check_strict(failures, usbinfo, "usbinfo-checks", document)
     for host in ("a", "b"):
         store.run("forget", host)

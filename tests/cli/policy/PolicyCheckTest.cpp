@@ -21,6 +21,7 @@ using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using testing::StartsWith;
 
 namespace usbinfo_test {
@@ -100,7 +101,8 @@ const std::vector<Change>& Changes() {
         return true;
       },
       [](json&, json& facts) {
-        if (facts["interfaces"].empty()) return false;
+        // The last one of a list's leaves the interfaces not known.
+        if (facts["interfaces"].size() < 2) return false;
         facts["interfaces"].erase(facts["interfaces"].size() - 1);
         return true;
       },
@@ -169,12 +171,12 @@ TEST(UsbguardFormat, AllowsDevicesWhosePortsAreNotKnownFirst) {
   json document = json::parse(Desktop());
   for (const std::size_t mouse : {2U, 3U}) {
     json& facts = document["kernel"]["devices"][mouse];
-    facts.update({{"product", "Mouse"}, {"serial", nullptr}, {"interfaces", json::array()}});
+    facts.update({{"product", "Mouse"}, {"serial", nullptr}, {"interfaces", json::array({Keyboard()})}});
   }
   document["kernel"]["devices"][3]["name"] = nullptr;
   document["origin"]["source"] = "list";
   const std::string policy = PolicyFor(document);
-  EXPECT_THAT(policy, StartsWith("allow id 0627:0001 serial \"\" name \"Mouse\" with-interface match-all "));
+  EXPECT_THAT(policy, StartsWith("allow id 0627:0001 serial \"\" name \"Mouse\" with-interface 03:01:01\n"));
   EXPECT_THAT(RefusedBy(policy, document), IsEmpty());
 }
 
@@ -199,9 +201,16 @@ TEST(UsbguardFormat, RefusesWhatItsRulesWouldNotMatch) {
   json masked = json::parse(Desktop());
   masked["origin"]["masked"] = {{"key", nullptr}};
   EXPECT_THAT(UserErrorOf([&] { PolicyFor(masked); }), StartsWith("the serial numbers are masked, "));
+  json suspect = json::parse(Desktop());
+  suspect["origin"]["findings"] = OriginExample()["findings"];
+  EXPECT_THAT(
+      UserErrorOf([&] { PolicyFor(suspect); }),
+      MatchesRegex("the kernel does not write lines 17, 19 .*; a device may have forged this, and the "
+                   "rules would allow it; use an inventory from sysfs, or another format"));
   json old = json::parse(Desktop());
   old["kernel"] = nullptr;
-  EXPECT_THAT(UserErrorOf([&] { PolicyFor(old); }), StartsWith("the inventory does not hold the devices' "));
+  EXPECT_THAT(UserErrorOf([&] { PolicyFor(old); }),
+              StartsWith("the inventory does not hold all interfaces of "));
 }
 
 TEST(PolicyDevices, KnowWhatTheirInventoryHolds) {
@@ -228,6 +237,22 @@ TEST(PolicyDevices, KnowWhatTheirInventoryHolds) {
   EXPECT_EQ(error("name \"x\""), "");
 }
 
+TEST(PolicyDevices, LackWhatADeviceListLeavesOut) {
+  const auto errorOf = [](json document, const std::string& attribute) {
+    return UserErrorOf([&] { RefusedBy("allow id 0627:*\nblock " + attribute, document); });
+  };
+  const std::string needsInterface = "rules.conf:2: the rule needs with-interface of ";
+  json document = json::parse(Desktop());
+  document["kernel"]["devices"][1]["lacksConfigurations"] = true;
+  EXPECT_THAT(errorOf(document, "with-interface one-of { 07:*:* }"), StartsWith(needsInterface + "1-3,"));
+  document = json::parse(Desktop());
+  json& hub = InstanceOf(document, document["kernel"]["devices"][1]["device"]);
+  hub.update({{"VendorID", 0}, {"USBDeviceID", 0}});
+  EXPECT_THAT(errorOf(document, "id 1234:*"), StartsWith("rules.conf:1: the rule needs id of 1-3, "));
+  EXPECT_THAT(UserErrorOf([&] { PolicyFor(document); }),
+              StartsWith("the inventory does not hold the numbers of vendor and product of 1-3, "));
+}
+
 TEST(PolicyDevices, HaveNoConnectTypeWhereSysfsSaysNone) {
   json document = json::parse(Desktop());
   for (json& port : document["kernel"]["ports"]) port["connect"] = nullptr;
@@ -239,7 +264,8 @@ TEST(Check, RefusesAPartOfAnInventory) {
   document["origin"]["selection"] = {
       {"classes", json::array()}, {"ids", {"1d6b:"}}, {"places", json::array()}};
   EXPECT_EQ(UserErrorOf([&] { RefusedBy("allow", document); }),
-            "saved holds only a part of the inventory; save it without the options -d, -s and --class");
+            "saved holds only a part of the inventory; save it without the options -d, -s, --class "
+            "and --request");
 }
 
 /// The check of the desktop by a policy.
@@ -298,7 +324,8 @@ TEST(CheckJson, HoldsEveryDeviceWithItsDecision) {
   EXPECT_EQ(inventory["system"], check.inventory.SystemName());
   EXPECT_EQ(inventory["source"], "sysfs");
   EXPECT_EQ(inventory["suspect"], false);
-  EXPECT_EQ(inventory["refused"], 3);
+  EXPECT_EQ(inventory["deviceCount"], 11);
+  EXPECT_EQ(inventory["notAllowedCount"], 3);
   ASSERT_EQ(inventory["devices"].size(), 11U);
   EXPECT_EQ(inventory["devices"][2], json::parse(R"({
     "device": "Bus 01  Device   4", "name": "1-3.1", "id": "0627:0001", "product": "QEMU USB Keyboard",
