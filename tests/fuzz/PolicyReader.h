@@ -14,7 +14,7 @@ void CheckPolicy(const std::string& document, const cli::Inventory& inventory);
 /// `inventory` with what the kernel's reader finds in its list, which a policy needs.
 cli::Inventory WithFacts(const cli::Inventory& inventory);
 
-/// Whether something is known of every hub and device.
+/// Whether the id and the interfaces of every hub and device are known, which its rule needs.
 bool HasAllFacts(const cli::Inventory& inventory);
 
 }  // namespace usbinfo_test
