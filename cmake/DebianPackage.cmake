@@ -33,7 +33,7 @@ set(CPACK_DEBIAN_USBINFO_PACKAGE_CONTROL_EXTRA
     "${PROJECT_SOURCE_DIR}/cmake/debian/triggers" "${PROJECT_SOURCE_DIR}/cmake/debian/postinst"
     "${PROJECT_SOURCE_DIR}/cmake/debian/prerm" "${PROJECT_SOURCE_DIR}/cmake/debian/postrm")
 set(CPACK_DEBIAN_USBINFO_PACKAGE_RECOMMENDS usbutils)
-set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS usb.ids)
+set(CPACK_DEBIAN_USBINFO_PACKAGE_SUGGESTS "prometheus-node-exporter, usb.ids")
 set(CPACK_COMPONENT_USBINFO_DESCRIPTION
     "usbinfo reads the kernel's list of USB devices and shows the controllers,
 the hubs, all ports, also the empty ones, the devices, and which device
@@ -90,16 +90,23 @@ foreach(package ${CPACK_COMPONENTS_ALL})
   install(FILES "${PACKAGE_FILES}/copyright" "${PACKAGE_FILES}/changelog.gz" "${PACKAGE_FILES}/changelog.Debian.gz"
           DESTINATION "share/doc/${package}" COMPONENT ${package})
 endforeach()
-install(FILES README.md DESTINATION share/doc/usbinfo COMPONENT usbinfo)
+install(FILES README.md docs/monitoring.md DESTINATION share/doc/usbinfo COMPONENT usbinfo)
 install(FILES docs/writing-a-host.md DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev)
 install(DIRECTORY examples DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev
+<<<<<<< HEAD
+        PATTERN machines.jsonl EXCLUDE PATTERN fleet EXCLUDE PATTERN monitoring EXCLUDE)
+# What docs/fleet.md has administrators put in place: each package brings the files of the machines that it is for. No
+# service is installed, let alone enabled.
+=======
         PATTERN machines.jsonl EXCLUDE PATTERN fleet EXCLUDE)
 # What docs/fleet.md has administrators put in place: each package brings the files of the machines that it is for. Their
 # services are examples: none is installed.
+>>>>>>> units
 set(PROGRAM_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 install(DIRECTORY examples/fleet DESTINATION share/doc/usbinfo/examples COMPONENT usbinfo
         PATTERN usbinfo.fact PERMISSIONS ${PROGRAM_PERMISSIONS}
         PATTERN roles.sql EXCLUDE PATTERN rsyslog-collector.conf EXCLUDE)
+install(DIRECTORY examples/monitoring DESTINATION share/doc/usbinfo/examples COMPONENT usbinfo)
 if(TARGET usbinfo-store)
   install(FILES docs/store.md docs/fleet.md DESTINATION share/doc/usbinfo-store COMPONENT usbinfo-store)
   install(DIRECTORY examples/fleet DESTINATION share/doc/usbinfo-store/examples COMPONENT usbinfo-store

@@ -22,8 +22,26 @@ function(generated_document command file what)
     VERBATIM)
 endfunction()
 
-# document_command(COMMAND NATIVE): makes and installs the documents of the command, which is a target and the component
-# that they belong to. Its manual page begins as docs/COMMAND.1.in. NATIVE is empty or a command to take them from.
+# manual_page(COMMAND PAGE SELECTION): makes and installs documents/PAGE.1.gz from docs/PAGE.1.in, where the options that
+# COMMAND generates replace %OPTIONS%; of these, what the sed script SELECTION prints.
+function(manual_page command page selection)
+  configure_file("docs/${page}.1.in" "${DOCUMENTS}/${page}.1.in" @ONLY)
+  # The same text gives the same bytes, which takes gzip's -n.
+  add_custom_command(
+    OUTPUT documents/${page}.1 documents/${page}.1.gz
+    COMMAND sed -n -e "${selection}" ${command}.options.mdoc > ${page}.selected.mdoc
+    COMMAND sed -e "/^%OPTIONS%/r ${page}.selected.mdoc" -e "/^%OPTIONS%/d" ${page}.1.in > ${page}.1
+    COMMAND "${GZIP}" -9nc ${page}.1 > ${page}.1.gz
+    DEPENDS "${DOCUMENTS}/${page}.1.in" documents/${command}.options.mdoc
+    WORKING_DIRECTORY "${DOCUMENTS}"
+    COMMENT "Generating documents/${page}.1"
+    VERBATIM)
+  install(FILES "${DOCUMENTS}/${page}.1.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${command})
+endfunction()
+
+# document_command(COMMAND NATIVE SUBCOMMAND...): makes and installs the documents of the command, which is a target and
+# the component that they belong to. Its manual page begins as docs/COMMAND.1.in, and that of each SUBCOMMAND named as
+# docs/COMMAND-SUBCOMMAND.1.in. NATIVE is empty or a command to take the documents from.
 function(document_command command native)
   if(native)
     set(program "${native}")
@@ -33,24 +51,18 @@ function(document_command command native)
   else()
     set(program ${CMAKE_CROSSCOMPILING_EMULATOR} "$<TARGET_FILE:${command}>")
   endif()
-  configure_file("docs/${command}.1.in" "${DOCUMENTS}/${command}.1.in" @ONLY)
   generated_document(${command} ${command}.options.mdoc man ${program})
   generated_document(${command} ${command}.bash bash ${program})
   generated_document(${command} _${command} zsh ${program})
   generated_document(${command} ${command}.fish fish ${program})
-  # The same text gives the same bytes, which takes gzip's -n.
-  add_custom_command(
-    OUTPUT documents/${command}.1 documents/${command}.1.gz
-    COMMAND sed -e "/^%OPTIONS%/r ${command}.options.mdoc" -e "/^%OPTIONS%/d" ${command}.1.in > ${command}.1
-    COMMAND "${GZIP}" -9nc ${command}.1 > ${command}.1.gz
-    DEPENDS "${DOCUMENTS}/${command}.1.in" documents/${command}.options.mdoc
-    WORKING_DIRECTORY "${DOCUMENTS}"
-    COMMENT "Generating documents/${command}.1"
-    VERBATIM)
+  manual_page(${command} ${command} p)
+  set(pages documents/${command}.1.gz)
+  foreach(subcommand IN LISTS ARGN)
+    manual_page(${command} ${command}-${subcommand} "/^[.]Ss Options of ${subcommand}\$/,/^[.]Ss/{/^[.]Ss/!p}")
+    list(APPEND pages documents/${command}-${subcommand}.1.gz)
+  endforeach()
   add_custom_target(${command}-documents ALL
-                    DEPENDS documents/${command}.1.gz documents/${command}.bash documents/_${command}
-                            documents/${command}.fish)
-  install(FILES "${DOCUMENTS}/${command}.1.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${command})
+                    DEPENDS ${pages} documents/${command}.bash documents/_${command} documents/${command}.fish)
   install(FILES "${DOCUMENTS}/${command}.bash" DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
           RENAME ${command} COMPONENT ${command})
   install(FILES "${DOCUMENTS}/_${command}" DESTINATION "${USBINFO_ZSH_FUNCTIONS}" COMPONENT ${command})
@@ -58,10 +70,10 @@ function(document_command command native)
           COMPONENT ${command})
 endfunction()
 
-document_command(usbinfo "${USBINFO_NATIVE_COMMAND}")
+document_command(usbinfo "${USBINFO_NATIVE_COMMAND}" check)
 if(TARGET usbinfo-store)
   document_command(usbinfo-store "${USBINFO_NATIVE_STORE_COMMAND}")
-  install(FILES docs/usbinfo-changes.schema.json docs/usbinfo-lists.schema.json
+  install(FILES docs/usbinfo-changes.schema.json docs/usbinfo-checks.schema.json docs/usbinfo-lists.schema.json
           DESTINATION "${CMAKE_INSTALL_DATADIR}/usbinfo" COMPONENT usbinfo-store)
 endif()
 

@@ -311,6 +311,9 @@ def watch(tables):
         "id": vendor_and_product(),
         "kinds": a_list(ref("kind"), description="What the class codes of its interfaces say"),
     }, description="A device that was plugged in and unplugged again before anything else could be read of it")
+    refused = checked_device(
+        described("Null where a rule needs what is not known of the device", {"enum": ["block", "reject", None]}),
+        reason=described("What decided, or what is not known", {"type": "string", "minLength": 1}))
     return a_document("watch", "What changed on a machine, a line as usbinfo watch --format jsonl prints it", {
         "time": described("When the machine was looked at, in UTC", TIME),
         "machine": described("A hash of the machine's id that nothing else uses; null where it is not known",
@@ -320,6 +323,8 @@ def watch(tables):
         "cameAndWent": a_list(visitor),
         "eventsLost": described("Whether events were lost, so that more devices may have come and gone",
                                 {"type": "boolean"}),
+        "notAllowed": described("Devices that the policy does not allow, and that were not there, or allowed, at the "
+                                "look before; null where there is no policy", or_null(a_list(refused))),
     }, difference_within(tables))
 
 
@@ -381,19 +386,29 @@ def lists(tables):
             "$defs": {"kind": {"enum": tables["kinds"]}, "uint64": values_of_properties()["uint64"]}}
 
 
-def check(tables):
-    target = {"enum": ["allow", "block", "reject"]}
+def checked_device(decision, **more):
     rule = an_object({"line": described("The number of its line, from 1", ref("uint64")),
                       "text": described("The line", {"type": "string", "minLength": 1})})
-    device = an_object({
+    return an_object({
         "device": described("The DeviceID of its instance", TEXT),
         "name": or_null(described("The kernel's name, such as usb1 or 1-3.1", kernel_name())),
-        "id": described("Vendor and product", {"type": "string", "pattern": "^[0-9a-f]{4}:[0-9a-f]{4}$"}),
+        "id": vendor_and_product(),
         "product": or_null(TEXT), "serial": or_null(TEXT),
         "kinds": a_list(ref("kind"), description="What the class codes of its interfaces say"),
-        "decision": target,
+        "decision": decision,
         "rule": described("The one that decided; null where none matches", or_null(rule)),
-    }, description="A hub or device, allowed or not")
+        **more,
+    })
+
+
+def policy_checked():
+    return {"policy": described("The file of the policy", TEXT),
+            "default": described("For devices that no rule matches", {"enum": ["allow", "block"]})}
+
+
+def check(tables):
+    device = {"description": "A hub or device, allowed or not",
+              **checked_device({"enum": ["allow", "block", "reject"]})}
     source = origin()["properties"]
     inventory_checked = an_object({
         "system": TEXT, "source": {"enum": [*source["source"]["enum"], None]}, "collected": source["collected"],
@@ -403,10 +418,25 @@ def check(tables):
         "devices": a_list(ref("device"), description="By place"),
     })
     return a_document("check", "Check of USB inventories against a policy, as usbinfo check --format json prints it",
-                      {"policy": described("The file of the policy", TEXT),
-                       "default": described("For devices that no rule matches", {"enum": ["allow", "block"]}),
-                       "inventories": a_list(ref("inventory"))},
+                      {**policy_checked(), "inventories": a_list(ref("inventory"))},
                       {"inventory": inventory_checked, "device": device, "kind": {"enum": tables["kinds"]},
+                       "uint64": values_of_properties()["uint64"]})
+
+
+def checks(tables):
+    def host(text, **more):
+        return an_object({
+            "host": TEXT, "collected": described("The time of its report", TIME),
+            "suspect": described("Whether a device may have forged lines of its list", {"type": "boolean"}),
+            **more}, description=text)
+
+    checked = host("A host that was checked", error={"type": "null"}, devices=ref("uint64"),
+                   refused=a_list(ref("device"), description="What is not allowed, by place"))
+    failed = host("A host that could not be checked", error=described("Why", {"type": "string", "minLength": 1}),
+                  devices={"type": "null"}, refused=a_list(False, maxItems=0))
+    return a_document("checks", "Check of all hosts against a policy, as usbinfo-store check --format json prints it",
+                      {**policy_checked(), "hosts": a_list({"oneOf": [checked, failed]}, description="By name")},
+                      {"device": checked_device({"enum": ["block", "reject"]}), "kind": {"enum": tables["kinds"]},
                        "uint64": values_of_properties()["uint64"]})
 
 
@@ -432,7 +462,7 @@ def main(arguments):
     table = tables["classes"]
     status = 0
     for name, schema in (("usbinfo", inventory(tables)), ("usbinfo-diff", difference(tables)),
-                         ("usbinfo-check", check(tables)),
+                         ("usbinfo-check", check(tables)), ("usbinfo-checks", checks(tables)),
                          ("usbinfo-classes", classes_document(table)), ("usbinfo-changes", changes(tables)),
                          ("usbinfo-lists", lists(tables)), ("usbinfo-watch", watch(tables))):
         path = FOLDER / f"{name}.schema.json"

@@ -119,6 +119,11 @@ struct Device {
   std::optional<bool> isAuthorized;
   /// Its files in /dev: its own first, then those of its interfaces, such as "/dev/sda", in order.
   std::vector<std::string> nodes;
+  /// All its descriptors, as it sends them; empty unless they were asked for.
+  std::string rawDescriptors;
+  /// Of a root hub, the path of its controller in sysfs, such as "/devices/pci0000:00/0000:00:14.0"; empty
+  /// unless it was asked for.
+  std::string controller;
 
   /// The configuration that is active; null where none is.
   const Configuration* ActiveConfiguration() const;

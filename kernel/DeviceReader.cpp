@@ -64,7 +64,7 @@ std::optional<std::string> ReadString(const SysfsFolder& folder, const std::stri
 }
 
 Descriptors ReadDescriptors(const SysfsFolder& folder, Speed speed) {
-  const std::string file = folder.ReadBytes("descriptors", kMostDescriptors);
+  const std::string file = ReadRawDescriptors(folder);
   const Bytes bytes(reinterpret_cast<const std::uint8_t*>(file.data()), file.size());
   auto descriptors = ParseDescriptors(bytes, {speed, ReadQuirks(folder)});
   if (!descriptors) throw SysfsError("descriptors", "a descriptor is missing or damaged");
@@ -119,6 +119,10 @@ Device ReadDevice(const SysfsFolder& folder, const DeviceName& name) {
   device.configurations = std::move(descriptors.configurations);
   if (active) Activate(device, *active, folder, name);
   return device;
+}
+
+std::string ReadRawDescriptors(const SysfsFolder& folder) {
+  return folder.ReadBytes("descriptors", kMostDescriptors);
 }
 
 void CheckUnchanged(const SysfsFolder& folder, const DeviceName& name, const Device& device) {

@@ -91,12 +91,16 @@ std::optional<unsigned> SysfsFolder::ReadNumberIfAny(const std::string& path, un
   return number;
 }
 
-std::string SysfsFolder::LinkName(const std::string& path) const {
+std::string SysfsFolder::LinkTarget(const std::string& path) const {
   std::array<char, PATH_MAX> target;
   const ssize_t length = ::readlinkat(fFolder.Get(), path.c_str(), target.data(), target.size());
   if (length < 0) return {};
-  const std::string_view whole(target.data(), static_cast<std::size_t>(length));
-  return std::string(whole.substr(whole.rfind('/') + 1));
+  return {target.data(), static_cast<std::size_t>(length)};
+}
+
+std::string SysfsFolder::LinkName(const std::string& path) const {
+  const std::string target = LinkTarget(path);
+  return target.substr(target.rfind('/') + 1);
 }
 
 bool SysfsFolder::Has(const std::string& path) const {

@@ -46,7 +46,9 @@ class SysfsFolder {
   unsigned ReadNumber(const std::string& path, unsigned most) const;
   /// The same; nothing where the line is empty.
   std::optional<unsigned> ReadNumberIfAny(const std::string& path, unsigned most) const;
-  /// The last name in what a link points to; empty where there is no such link.
+  /// What a link points to; empty where there is no such link.
+  std::string LinkTarget(const std::string& path) const;
+  /// The last name in that.
   std::string LinkName(const std::string& path) const;
   bool Has(const std::string& path) const;
   /// All that is in it, links counting as files, in no order. Throws SysfsError.

@@ -31,6 +31,15 @@ bool IsThere(const SysfsFolder& above, const DeviceName& name) {
 /// How often a device is read that changes meanwhile.
 constexpr int kMostTries = 3;
 
+/// The path of a root hub's controller in sysfs; empty where `root` holds no link to the root hub.
+std::string ControllerOf(const SysfsFolder& root, const DeviceName& name) {
+  const std::string target = root.LinkTarget(name.Text());
+  const std::size_t first = target.find_first_not_of("./");
+  const std::size_t last = target.rfind('/');
+  if (first == std::string::npos || last == std::string::npos || last < first) return {};
+  return "/" + target.substr(first, last - first);
+}
+
 class SysfsReader {
  public:
   SysfsReader(SysfsFolder root, const SysfsParts& parts) : fRoot(std::move(root)), fParts(parts) {}
@@ -110,6 +119,10 @@ SysfsReader::Found SysfsReader::ReadOnce(const SysfsFolder& above, const DeviceN
   if (fParts.nodes) device.nodes = ReadNodes(folder, device, name);
   std::vector<Port> ports;
   if (fParts.ports) ports = ReadPorts(folder, device, name);
+  if (fParts.descriptors) {
+    device.rawDescriptors = ReadRawDescriptors(folder);
+    if (name.IsRootHub()) device.controller = ControllerOf(above, name);
+  }
   CheckUnchanged(folder, name, device);
   return {std::move(folder), std::move(device), std::move(ports)};
 }

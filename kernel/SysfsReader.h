@@ -13,6 +13,8 @@ inline constexpr const char* kSysfsDevices = "/sys/bus/usb/devices";
 struct SysfsParts {
   bool nodes = true;
   bool ports = true;
+  /// The descriptors' bytes, and where the controllers are.
+  bool descriptors = false;
 };
 
 /// All devices below the folder `root`; none where there is no such folder. A device that comes or goes

@@ -23,7 +23,7 @@ TOOL_PACKAGES=(cmake g++ libcli11-dev locales ninja-build nlohmann-json3-dev pkg
 BUILD_PACKAGES=("${LIBRARY_PACKAGES[@]}" "${TOOL_PACKAGES[@]}")
 # What running the tests takes on top: the programs that read what the command writes.
 TEST_PACKAGES=(ansible-core clustershell fish graphviz groff-base jq libxml2-utils mandoc openssh-client openssh-server openssl
-  postgresql python3-jsonschema rsyslog rsyslog-relp systemd zsh)
+  postgresql prometheus prometheus-node-exporter python3-jsonschema rsyslog rsyslog-relp systemd zsh)
 # What the tests with the label "page" take on top of those: a browser.
 PAGE_PACKAGES=(chromium chromium-driver python3-selenium)
 # What the slower checks take on top.
@@ -35,7 +35,7 @@ FUZZ_PACKAGES=(clang "libclang-rt-$(debian_clang)-dev" llvm)
 # What the test on a real kernel takes on top of the first ones.
 VM_PACKAGES=(busybox-static cpio kmod qemu-system-x86 usbutils)
 # The tools that scripts/bench measures the command beside, and the list of names that they have in common.
-BENCH_PACKAGES=(hwinfo lshw usb.ids usbutils)
+BENCH_PACKAGES=(hwinfo lshw udev usb.ids usbutils)
 # What building the Debian packages takes on top of the first ones.
 PACKAGE_PACKAGES=(dpkg-dev fakeroot file)
 # What checking them takes on top of that.
@@ -62,7 +62,9 @@ as_root() {
 }
 
 # services: those on this machine that packages for the tests bring, a unit file each.
-services() { ls /usr/lib/systemd/system/{postgresql,rsyslog,ssh}.service 2> /dev/null; }
+services() {
+  ls /usr/lib/systemd/system/{postgresql,prometheus,prometheus-node-exporter,rsyslog,ssh}.service 2> /dev/null
+}
 
 # apt_install PACKAGE...: no service of theirs starts, now or with the machine; the tests start programs of their own.
 apt_install() {

@@ -9,8 +9,8 @@ namespace store {
 CommandLine::CommandLine(const Clock& clock) : fClock(clock) {
   fCommand.name = kProgram;
   fCommand.summary = "Keep the USB inventories of many machines, and their history";
-  fCommand.subcommands = {Hosts(),  Load(),   Collect(), Find(),    Changes(), Show(),
-                          Forget(), Rename(), Prune(),   Migrate(), Schema()};
+  fCommand.subcommands = {Hosts(), Load(),   Collect(), Find(),  Changes(), Show(),
+                          Check(), Forget(), Rename(),  Prune(), Migrate(), Schema()};
   fCommand.subcommands.push_back(fStandard.Help());
 }
 
@@ -64,6 +64,21 @@ CommandSpec CommandLine::Show() {
           .options = fStandard.WithHelp(ShowOptionTable(fShow)),
           .check = [this] { CheckShow(fShow); },
           .run = [this] { return RunShow(fShow, fClock); }};
+}
+
+CommandSpec CommandLine::Check() {
+  return {.name = "check",
+          .summary = "Check the devices of all machines against a policy",
+          .manual = R"(.Ar POLICY
+is a file of rules in the language that
+.Xr usbinfo-check 1
+describes.
+The devices are those of the last report of each host.
+A host that cannot be checked, because a rule needs what its report lacks or because a device may have forged
+its list, is listed with the reason; the others are checked, and the exit status is 2.)",
+          .operands = CheckOperands(fCheck),
+          .options = fStandard.WithHelp(CheckOptionTable(fCheck)),
+          .run = [this] { return RunCheck(fCheck, fClock); }};
 }
 
 CommandSpec CommandLine::Forget() {

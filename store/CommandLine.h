@@ -7,6 +7,7 @@
 #include "cli/option/CommandSpec.h"
 #include "cli/option/StandardOptions.h"
 #include "store/ChangesCommand.h"
+#include "store/CheckCommand.h"
 #include "store/Clock.h"
 #include "store/CollectCommand.h"
 #include "store/FindCommand.h"
@@ -36,6 +37,7 @@ class CommandLine {
   cli::CommandSpec Find();
   cli::CommandSpec Changes();
   cli::CommandSpec Show();
+  cli::CommandSpec Check();
   cli::CommandSpec Forget();
   cli::CommandSpec Rename();
   cli::CommandSpec Prune();
@@ -49,6 +51,7 @@ class CommandLine {
   FindOptions fFind;
   ChangesOptions fChanges;
   ShowOptions fShow;
+  CheckOptions fCheck;
   ForgetOptions fForget;
   RenameOptions fRename;
   PruneOptions fPrune;

@@ -3,32 +3,14 @@
 #include <fmt/format.h>
 
 #include <charconv>
-#include <ctime>
 #include <string_view>
 
 #include "cli/option/UsageError.h"
+#include "cli/text/UtcTime.h"
 
 namespace store {
 
 namespace {
-
-constexpr int kFirstYear = 1900;
-constexpr std::string_view kForm = "0000-00-00T00:00:00Z";
-
-int NumberAt(std::string_view text, std::size_t at, std::size_t digits) {
-  int number = 0;
-  std::from_chars(text.data() + at, text.data() + at + digits, number);
-  return number;
-}
-
-bool HasForm(std::string_view text) {
-  if (text.size() != kForm.size()) return false;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const bool isDigit = text[at] >= '0' && text[at] <= '9';
-    if (kForm[at] == '0' ? !isDigit : text[at] != kForm[at]) return false;
-  }
-  return true;
-}
 
 std::optional<Seconds> UnitOf(char letter) {
   constexpr Seconds kMinute = 60;
@@ -78,25 +60,11 @@ std::optional<Seconds> FindShortTime(std::string text) {
 }  // namespace
 
 std::string FormatTime(Seconds time) {
-  const auto seconds = static_cast<std::time_t>(time);
-  std::tm parts{};
-  ::gmtime_r(&seconds, &parts);
-  return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", parts.tm_year + kFirstYear, parts.tm_mon + 1,
-                     parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec);
+  return cli::FormatUtc(time);
 }
 
 std::optional<Seconds> ParseTime(const std::string& text) {
-  if (!HasForm(text)) return std::nullopt;
-  std::tm parts{};
-  parts.tm_year = NumberAt(text, 0, 4) - kFirstYear;
-  parts.tm_mon = NumberAt(text, 5, 2) - 1;
-  parts.tm_mday = NumberAt(text, 8, 2);
-  parts.tm_hour = NumberAt(text, 11, 2);
-  parts.tm_min = NumberAt(text, 14, 2);
-  parts.tm_sec = NumberAt(text, 17, 2);
-  const Seconds time = ::timegm(&parts);
-  // timegm carries what is out of range over to the next unit.
-  return FormatTime(time) == text ? std::optional(time) : std::nullopt;
+  return cli::ParseUtc(text);
 }
 
 Seconds ParseDuration(const std::string& text) {

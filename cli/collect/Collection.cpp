@@ -12,7 +12,6 @@
 #include "cli/collect/AcquisitionWatch.h"
 #include "cli/collect/DeviceListText.h"
 #include "cli/collect/Hardening.h"
-#include "cli/collect/Input.h"
 #include "cli/collect/InventoryMask.h"
 #include "cli/collect/ListLimits.h"
 #include "cli/collect/ListPreparation.h"
@@ -20,9 +19,11 @@
 #include "cli/collect/PluginRun.h"
 #include "cli/collect/PreparingSystem.h"
 #include "cli/collect/SystemName.h"
+#include "cli/collect/UsbguardHashes.h"
 #include "cli/collect/WaitingNotice.h"
 #include "cli/model/FromJson.h"
 #include "cli/model/FromKernel.h"
+#include "cli/text/Input.h"
 #include "cli/text/Message.h"
 #include "cli/text/UserError.h"
 #include "kernel/DeviceListReader.h"
@@ -142,13 +143,16 @@ kernel::Topology ReadThisMachine(const kernel::SysfsParts& parts) {
 
 Inventory CollectFromSysfs(const Source& source, const PluginRequest& request, LogWriter& log) {
   const ListTreatment treatment = TreatmentOf(source);
-  kernel::Topology topology = ReadThisMachine({.nodes = source.readsNodes, .ports = source.readsPorts});
+  kernel::Topology topology = ReadThisMachine(
+      {.nodes = source.readsNodes, .ports = source.readsPorts, .descriptors = source.makesHashes});
   const std::string text = kernel::WriteDeviceList(topology);
   if (!source.noLimits) CheckListLimits(text, kNameOfOwnList);
   PreparedList list = PrepareList(text, treatment);
   if (treatment.mask) TakeSerials(topology, list.whole);
   Inventory inventory = RunPluginOn(list, request, log);
-  return Complete(std::move(inventory), topology, std::move(list), treatment, "sysfs");
+  inventory = Complete(std::move(inventory), topology, std::move(list), treatment, "sysfs");
+  if (source.makesHashes) inventory.SetKernel(WithHashes(*inventory.Kernel(), topology));
+  return inventory;
 }
 
 Inventory CollectThroughPlugin(const Source& source, const PluginRequest& request, LogWriter& log) {

@@ -32,6 +32,8 @@ struct Source {
   /// Read the ports and the device nodes, too, where they come from sysfs. Both take time.
   bool readsPorts = true;
   bool readsNodes = true;
+  /// Make the hashes of devices, which takes their descriptors; only sysfs has these.
+  bool makesHashes = false;
 };
 
 }  // namespace cli

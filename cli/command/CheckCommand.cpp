@@ -7,40 +7,40 @@
 #include <vector>
 
 #include "cli/collect/Collection.h"
-#include "cli/collect/Input.h"
 #include "cli/command/Findings.h"
 #include "cli/option/UsageError.h"
 #include "cli/policy/PolicyCheck.h"
 #include "cli/policy/PolicyCheckJson.h"
+#include "cli/policy/PolicyCheckNagios.h"
 #include "cli/policy/PolicyCheckText.h"
-#include "cli/policy/PolicyParser.h"
+#include "cli/policy/PolicyFile.h"
 #include "cli/text/ExitStatus.h"
+#include "cli/text/Input.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Message.h"
 #include "cli/text/Output.h"
+#include "cli/text/Program.h"
+#include "cli/text/UserError.h"
 
 namespace cli {
 
 namespace {
-
-Policy ReadPolicy(const CheckOptions& options) {
-  Policy policy =
-      ParsePolicy(ReadInput(options.policy, "name a file that holds a policy"), NameOfList(options.policy));
-  if (options.defaultTarget == NameOf(PolicyTarget::kAllow)) policy.defaultTarget = PolicyTarget::kAllow;
-  return policy;
-}
 
 std::string NameOfInventory(const std::string& path) {
   return path.empty() ? "this machine" : NameOfList(path);
 }
 
 /// The inventory at `path`; this machine's for an empty path.
-Inventory ReadInventory(const CheckOptions& options, const std::string& path, LogWriter& log) {
+Inventory ReadInventory(const CheckOptions& options, const Policy& policy, const std::string& path,
+                        LogWriter& log) {
   Source source = options.source;
   source.devices = path;
   source.readsNodes = false;
+  source.makesHashes = policy.UsesHashes();
   Inventory inventory = Collect(source, AllClasses(), log);
   const std::string name = NameOfInventory(path);
+  // The one line for Nagios says it all.
+  if (options.isForNagios) return inventory;
   if (!options.allowsSuspect) RefuseFindings(inventory, name, "check");
   WarnOfFindings(inventory);
   if (inventory.IsEmpty()) PrintMessage(fmt::format("no USB device found: {} has none", name));
@@ -63,26 +63,52 @@ void CheckOptionsForLists(const CheckOptions& options, const std::vector<Invento
                 "is for device lists, and only saved inventories are checked: leave it out");
 }
 
+std::string Render(const Policy& policy, const std::vector<CheckedInventory>& checked,
+                   const CheckOptions& options) {
+  return options.format == "json" ? RenderCheckJson(policy, checked) : RenderCheckText(policy, checked);
+}
+
+int PrintForNagios(const NagiosReport& report) {
+  WriteStandardOutput(report.line);
+  return static_cast<int>(report.status);
+}
+
 }  // namespace
 
 int RunCheck(const CheckOptions& options) {
   CheckFiles(options);
-  const Policy policy = ReadPolicy(options);
+  const Policy policy = ReadPolicy(options.policy, options.defaultTarget);
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
   std::vector<std::string> paths = options.inventories;
   if (paths.empty()) paths.emplace_back();
   std::vector<Inventory> inventories;
   inventories.reserve(paths.size());
-  for (const std::string& path : paths) inventories.push_back(ReadInventory(options, path, log));
+  for (const std::string& path : paths) inventories.push_back(ReadInventory(options, policy, path, log));
   CheckOptionsForLists(options, inventories);
   std::vector<CheckedInventory> checked;
   for (std::size_t index = 0; index < paths.size(); ++index) {
     checked.push_back(Check(policy, inventories[index], NameOfInventory(paths[index])));
   }
-  WriteOutput(options.output,
-              options.format == "json" ? RenderCheckJson(policy, checked) : RenderCheckText(policy, checked));
   log.Finish();
+  if (options.isForNagios) return PrintForNagios(RenderCheckNagios(checked, options.allowsSuspect));
+  WriteOutput(options.output, Render(policy, checked, options));
   return IsAllAllowed(checked) ? kPrinted : kNotAllowed;
+}
+
+int RunForNagios(const std::function<int()>& run) {
+  try {
+    return run();
+  } catch (const ClosedPipe&) {
+    throw;
+  } catch (...) {
+    const NagiosReport report = RenderNagiosFailure(DescribeException());
+    try {
+      return PrintForNagios(report);
+    } catch (const UserError& error) {
+      PrintMessage(error.what());
+      return static_cast<int>(report.status);
+    }
+  }
 }
 
 }  // namespace cli

@@ -11,15 +11,17 @@ namespace cli {
 
 namespace {
 
-Option DefaultOption(std::string& target) {
-  const std::vector<Choice> choices = {{"block"}, {"allow"}};
-  return {.names = {"--default"},
-          .value = "TARGET",
-          .help = "What becomes of devices that no rule matches",
-          .defaultValue = target,
-          .choices = choices,
-          .manual = "What becomes of devices that no rule matches:",
-          .store = StoreChoice(target, choices)};
+Option NagiosOption(bool& isForNagios) {
+  return {
+      .names = {"--nagios"},
+      .help = "Print one line for Nagios, and exit as its plug-ins do",
+      .manual = R"(Print one line as the plug-ins of Nagios do, with the numbers of devices after a bar, and
+exit with 0 where all devices are allowed, 2 where some are not, 1 where a device may have forged a list, and 3
+for everything else; the line then says what is wrong.
+Lists that a device may have forged are checked; with
+.Fl -allow-suspect
+they are no warning.)",
+      .store = StoreTrue(isForNagios)};
 }
 
 void CheckStandardInput(const CheckOptions& options) {
@@ -45,9 +47,10 @@ std::vector<Operand> CheckOperands(CheckOptions& options) {
 }
 
 std::vector<Option> CheckOptionTable(CheckOptions& options) {
-  std::vector<Option> table = {
-      FormatOption(options.format, {{"text"}, {"json"}}), DefaultOption(options.defaultTarget),
-      AllowSuspectOption("Check", options.allowsSuspect), OutputOption(options.output)};
+  std::vector<Option> table = {FormatOption(options.format, {{"text"}, {"json"}}),
+                               NagiosOption(options.isForNagios), DefaultTargetOption(options.defaultTarget),
+                               AllowSuspectOption("Check", options.allowsSuspect),
+                               OutputOption(options.output)};
   for (Option& option : SourceOptions(options.source)) table.push_back(std::move(option));
   table.push_back(PluginOption(options.source.plugin));
   return table;
@@ -59,9 +62,19 @@ void CompleteCheckOptions(CheckOptions& options) {
       throw UsageError("--devices names an inventory: leave it or INVENTORY out");
     options.inventories.push_back(options.source.devices);
   }
+  if (options.isForNagios) {
+    RefuseOptions({{"--format json", options.format == "json"}, {"--output", !options.output.empty()}},
+                  "is not supported with --nagios, which prints its line on standard output: leave one out");
+  }
   CheckStandardInput(options);
   if (options.inventories.empty() || !options.source.way) return;
   throw UsageError("--source is for this machine: leave it or the inventory out");
+}
+
+bool IsCheckForNagios(const std::vector<std::string>& arguments) {
+  const auto end = std::find(arguments.begin(), arguments.end(), "--");
+  const auto has = [&](const char* word) { return std::find(arguments.begin(), end, word) != end; };
+  return has("check") && has("--nagios");
 }
 
 }  // namespace cli

@@ -20,6 +20,8 @@ struct CheckOptions {
   /// Check inventories that a device may have forged, too.
   bool allowsSuspect = false;
   std::string format = "text";
+  /// Print one line for Nagios and exit as its plug-ins do.
+  bool isForNagios = false;
   /// Empty for standard output.
   std::string output;
 };
@@ -33,5 +35,8 @@ std::vector<Option> CheckOptionTable(CheckOptions& options);
 /// To be called once the command line is read: makes the file of --devices the one inventory. Throws
 /// UsageError for options that contradict each other.
 void CompleteCheckOptions(CheckOptions& options);
+
+/// Whether `arguments` are a command line, right or wrong, of a check for Nagios.
+bool IsCheckForNagios(const std::vector<std::string>& arguments);
 
 }  // namespace cli

@@ -27,7 +27,10 @@ CommandLine::CommandLine() {
 }
 
 int CommandLine::Run(const std::vector<std::string>& arguments) {
-  return fStandard.Run(arguments, [](const std::string& /*what*/) { return RenderClassTable(); });
+  const auto run = [&] {
+    return fStandard.Run(arguments, [](const std::string& /*what*/) { return RenderClassTable(); });
+  };
+  return IsCheckForNagios(arguments) ? RunForNagios(run) : run();
 }
 
 CommandSpec CommandLine::Show() {

@@ -4,10 +4,10 @@
 
 #include "cli/collect/Collection.h"
 #include "cli/collect/DeviceListText.h"
-#include "cli/collect/Input.h"
 #include "cli/command/Findings.h"
 #include "cli/diff/Comparability.h"
 #include "cli/model/FromJson.h"
+#include "cli/text/Input.h"
 #include "cli/text/Message.h"
 #include "cli/text/UserError.h"
 

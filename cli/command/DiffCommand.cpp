@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include "cli/collect/Collection.h"
-#include "cli/collect/Input.h"
 #include "cli/command/ComparedFile.h"
 #include "cli/command/Findings.h"
 #include "cli/diff/Comparability.h"
@@ -14,6 +13,7 @@
 #include "cli/option/UsageError.h"
 #include "cli/text/Color.h"
 #include "cli/text/ExitStatus.h"
+#include "cli/text/Input.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
 #include "cli/text/UserError.h"

@@ -24,8 +24,7 @@ void WarnOfFindings(const Inventory& inventory) {
   const std::vector<Finding> findings = FindingsOf(inventory);
   const std::size_t shown = std::min(findings.size(), kMostShown);
   for (std::size_t index = 0; index < shown; ++index) {
-    PrintMessage(fmt::format("the kernel does not write {}; a device may have forged this",
-                             Describe(findings[index])));
+    PrintMessage(DescribeForgery(findings[index]));
   }
   if (findings.size() > shown) {
     PrintMessage(fmt::format("the device list has {} more such places", findings.size() - shown));
@@ -35,10 +34,8 @@ void WarnOfFindings(const Inventory& inventory) {
 void RefuseFindings(const Inventory& inventory, const std::string& name, const std::string& verb) {
   const std::vector<Finding> findings = FindingsOf(inventory);
   if (findings.empty()) return;
-  throw UserError(
-      fmt::format("{}: the kernel does not write {}; a device may have forged this; to {} anyway, use "
-                  "--allow-suspect",
-                  name, Describe(findings.front()), verb));
+  throw UserError(fmt::format("{}: {}; to {} anyway, use --allow-suspect", name,
+                              DescribeForgery(findings.front()), verb));
 }
 
 }  // namespace cli

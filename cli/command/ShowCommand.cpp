@@ -9,13 +9,13 @@
 #include <vector>
 
 #include "cli/collect/EmptyAdvice.h"
-#include "cli/collect/Input.h"
 #include "cli/command/Findings.h"
 #include "cli/format/OutputFormat.h"
 #include "cli/format/RenderOptions.h"
 #include "cli/model/UsbIds.h"
 #include "cli/option/UsageError.h"
 #include "cli/text/ExitStatus.h"
+#include "cli/text/Input.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Message.h"
 #include "cli/text/Output.h"
@@ -65,6 +65,7 @@ std::string Render(const ShowOptions& options, const OutputFormat& format, const
   rendering.color = ColorOf(options.color);
   rendering.isVerbose = options.isVerbose;
   rendering.isCompact = options.isCompact;
+  rendering.showsSerials = options.hasSerials;
   rendering.columns = options.columns;
   rendering.showsClasses = !options.selection.classes.empty();
   rendering.listsFreeSockets = options.selection.occupancy == Occupancy::kFree;

@@ -99,6 +99,11 @@ in the tree, and every free socket in a row of its own.)",
            .help = "Print JSON on one line",
            .manual = "Print the format json on one line, for programs that read a document per line.",
            .store = StoreTrue(options.isCompact)},
+          {.names = {"--with-serials"},
+           .help = "Print serial numbers in metrics, too",
+           .manual = R"(With the format prometheus, print serial numbers, too, as a label.
+The other formats that show devices have them without this option.)",
+           .store = StoreTrue(options.hasSerials)},
           ColumnsOption(options.columns),
           ColorOption(options.color)};
 }
@@ -198,11 +203,11 @@ void CheckSource(const Source& source) {
   throw UsageError("--source is for this machine: leave it or --devices out");
 }
 
-void CheckListFormat(const ShowOptions& options) {
-  if (options.format != "list" || !options.selection.IsSet()) return;
-  throw UsageError(
-      fmt::format("the format list prints the whole device list: leave {} out, or use another format",
-                  Describe(options.selection)));
+void CheckFormatOfWhole(const ShowOptions& options) {
+  const char* const whole = FindOutputFormat(options.format).ofWhole;
+  if (whole == nullptr || !options.selection.IsSet()) return;
+  throw UsageError(fmt::format("the format {} prints {}: leave {} out, or use another format", options.format,
+                               whole, Describe(options.selection)));
 }
 
 std::vector<std::string> FormatsWithOccupancy() {
@@ -280,10 +285,13 @@ void CompleteShowOptions(ShowOptions& options) {
   if (options.isCompact && options.format != "json") {
     throw UsageError("--compact is for JSON: leave it out, or use --format json");
   }
+  if (options.hasSerials && options.format != "prometheus") {
+    throw UsageError("--with-serials is for metrics: leave it out, or use --format prometheus");
+  }
   CheckRowsOfCsv(options);
   CompleteColumns(options);
   CheckSource(options.source);
-  CheckListFormat(options);
+  CheckFormatOfWhole(options);
   CompleteOccupancy(options);
 }
 

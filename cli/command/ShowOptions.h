@@ -17,6 +17,8 @@ struct ShowOptions {
   std::vector<std::string> askedFormats;
   bool isVerbose = false;
   bool isCompact = false;
+  /// Metrics have serial numbers, too.
+  bool hasSerials = false;
   /// Names of columns or properties to show; empty for what the format chooses.
   std::vector<std::string> columns;
   std::string color = "auto";

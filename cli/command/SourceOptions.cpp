@@ -61,15 +61,6 @@ is mounted, and else
           .store = [&way](const std::string& name) { way = WayOf(name); }};
 }
 
-Option AllowSuspectOption(const std::string& verb, bool& allowsSuspect) {
-  return {.names = {"--allow-suspect"},
-          .help = verb + " in spite of lines that a device may have forged",
-          .manual = verb + R"( in spite of lines in a device list that the kernel does not write, and that a
-device may have forged.
-Without this option, such a list is an error.)",
-          .store = StoreTrue(allowsSuspect)};
-}
-
 Option IgnoreOption(std::vector<std::string>& ignored) {
   return {.names = {"--ignore"},
           .value = "PROPERTY",

@@ -16,9 +16,6 @@ Option AsIsOption(bool& isAsIs);
 /// --source WAY.
 Option WayOption(std::optional<Source::Way>& way);
 
-/// --allow-suspect. Its help begins with `verb`, such as "Compare".
-Option AllowSuspectOption(const std::string& verb, bool& allowsSuspect);
-
 /// --ignore PROPERTY.
 Option IgnoreOption(std::vector<std::string>& ignored);
 

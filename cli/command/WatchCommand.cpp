@@ -6,16 +6,18 @@
 #include <utility>
 
 #include "cli/collect/Collection.h"
-#include "cli/collect/Input.h"
 #include "cli/command/ComparedFile.h"
 #include "cli/command/Findings.h"
 #include "cli/diff/Comparability.h"
+#include "cli/policy/PolicyFile.h"
 #include "cli/text/Color.h"
 #include "cli/text/ExitStatus.h"
+#include "cli/text/Input.h"
 #include "cli/text/LogWriter.h"
 #include "cli/text/Output.h"
 #include "cli/text/UserError.h"
 #include "cli/watch/Clock.h"
+#include "cli/watch/PolicyAudit.h"
 #include "cli/watch/UdevMonitor.h"
 #include "cli/watch/WatchReport.h"
 #include "cli/watch/Watcher.h"
@@ -34,6 +36,11 @@ Inventory CollectNow(const WatchOptions& options, LogWriter& log) {
 std::optional<Inventory> ReadBaseline(const WatchOptions& options, LogWriter& log) {
   if (options.baseline.empty()) return std::nullopt;
   return ReadComparedFile(options.baseline, options.source, options.allowsSuspect, log);
+}
+
+std::optional<PolicyAudit> ReadAudit(const WatchOptions& options) {
+  if (options.policy.empty()) return std::nullopt;
+  return PolicyAudit(ReadPolicy(options.policy, options.defaultTarget));
 }
 
 void CheckBaseline(const WatchOptions& options, const Inventory& baseline, const Inventory& now) {
@@ -55,6 +62,7 @@ void Print(const WatchOptions& options, const WatchReport& report) {
 int RunWatch(const WatchOptions& options) {
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
   std::optional<Inventory> baseline = ReadBaseline(options, log);
+  std::optional<PolicyAudit> audit = ReadAudit(options);
   const sys::StopSignals signals;
   // Before the machine is looked at, so that nothing happens unseen in between.
   UdevMonitor events(signals.Get());
@@ -65,9 +73,10 @@ int RunWatch(const WatchOptions& options) {
   Watcher watcher({.events = events,
                    .clock = clock,
                    .collect = [&] { return CollectNow(options, log); },
-                   .print = [&](const WatchReport& report) { Print(options, report); }},
+                   .print = [&](const WatchReport& report) { Print(options, report); },
+                   .audit = audit ? &*audit : nullptr},
                   options.settings, baseline ? std::move(*baseline) : now);
-  if (baseline) watcher.Compare(std::move(now));
+  if (baseline || audit) watcher.Compare(std::move(now));
   return watcher.Follow() ? kPrinted : kFailure;
 }
 

@@ -28,6 +28,27 @@ The default is what the machine has when the watch begins.)",
           .store = StoreText(options.baseline)};
 }
 
+Option PolicyOption(WatchOptions& options) {
+  return {.names = {"--policy"},
+          .value = "FILE",
+          .help = "Report devices that this policy does not allow; - is standard input",
+          .manual = R"(Report devices that the rules in this file do not allow, at the start and when they
+come or change.
+Nothing is done to them.
+The rules are those of
+.Cm check ;
+they are read once.
+A device that came and went is not held against them.
+A single dash is standard input.)",
+          .store = StoreText(options.policy)};
+}
+
+Option DefaultOfPolicyOption(std::string& target) {
+  Option option = DefaultTargetOption(target);
+  option.requiredOption = "--policy";
+  return option;
+}
+
 Option SettleOption(WatchSettings& settings) {
   return {.names = {"--settle"},
           .value = "TIME",
@@ -71,7 +92,10 @@ What has happened by then is still printed.)",
 
 std::vector<Option> WatchOptionTable(WatchOptions& options) {
   std::vector<Option> table = {FormatOption(options.format, {{"text"}, {"jsonl", "an object per line"}}),
-                               ColorOption(options.color), BaselineOption(options),
+                               ColorOption(options.color),
+                               BaselineOption(options),
+                               PolicyOption(options),
+                               DefaultOfPolicyOption(options.defaultTarget),
                                SettleOption(options.settings)};
   for (Option& option : EndOptions(options.settings)) table.push_back(std::move(option));
   table.push_back(IgnoreOption(options.settings.ignored));
@@ -86,6 +110,9 @@ std::vector<Option> WatchOptionTable(WatchOptions& options) {
 void CheckWatchOptions(const WatchOptions& options) {
   if (options.source.maskKey == "-") {
     throw UsageError("--mask-key: the key is read for every look at the machine, so name a file");
+  }
+  if (options.baseline == "-" && options.policy == "-") {
+    throw UsageError("standard input holds one file: name another for --baseline or --policy");
   }
 }
 

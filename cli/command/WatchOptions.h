@@ -15,6 +15,10 @@ struct WatchOptions {
   /// A file that holds a JSON inventory or a device list, "-" for standard input; empty for what this machine
   /// has when the watch begins.
   std::string baseline;
+  /// A file that holds a policy, "-" for standard input; empty for none.
+  std::string policy;
+  /// What becomes of devices that no rule of the policy matches: "block" or "allow".
+  std::string defaultTarget = "block";
   /// Take a baseline that a device may have forged, too.
   bool allowsSuspect = false;
   /// How this machine, and a device list as the baseline, are read; `devices` does not count.

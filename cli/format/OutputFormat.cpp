@@ -9,6 +9,7 @@
 #include "cli/format/JsonLinesFormat.h"
 #include "cli/format/ListFormat.h"
 #include "cli/format/MofFormat.h"
+#include "cli/format/PrometheusFormat.h"
 #include "cli/format/TableFormat.h"
 #include "cli/format/TreeFormat.h"
 #include "cli/format/UsbguardFormat.h"
@@ -27,9 +28,12 @@ const std::vector<OutputFormat>& OutputFormats() {
       {"mof", "class declarations and instances in the Managed Object Format", true, RenderMof},
       {"dot", "a graph for dot(1)", true, RenderDot, true, false, true},
       {"html", "an HTML page in one file", true, RenderHtml, true, true, true, true},
-      {"list", "the device list itself", true, RenderList},
+      {"list", "the device list itself", true, RenderList, false, false, false, false,
+       "the whole device list"},
       {"usbguard", "a policy that allows these devices, for check and USBGuard", true, RenderUsbguard, true,
        false, false, true},
+      {"prometheus", "metrics for Prometheus' node exporter", true, RenderPrometheus, false, false, false,
+       true, "the counts of a whole machine"},
   };
   return formats;
 }

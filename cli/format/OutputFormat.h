@@ -25,6 +25,8 @@ struct OutputFormat {
   bool takesOccupancy = false;
   /// Shows all that the kernel knows, without being asked for more.
   bool showsAllFacts = false;
+  /// What it prints of the whole inventory alone, so that a selection is refused: "the whole device list".
+  const char* ofWhole = nullptr;
 };
 
 /// All formats; the first is the default.

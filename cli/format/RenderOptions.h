@@ -28,6 +28,8 @@ struct RenderOptions {
   bool listsFreeSockets = false;
   /// What is not plugged in was left out.
   bool isOccupiedOnly = false;
+  /// Metrics have serial numbers, too.
+  bool showsSerials = false;
   /// The names of vendors and products; null for none. Owned by the caller.
   const UsbIds* names = nullptr;
 };

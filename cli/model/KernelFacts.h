@@ -50,6 +50,9 @@ struct DeviceFacts {
   std::optional<std::string> revision;
   /// Paths in /dev: its own, then those of its interfaces.
   std::optional<std::vector<std::string>> nodes;
+  /// The hashes by which USBGuard knows it and what it is plugged into. No document holds them.
+  std::optional<std::string> hash = {};
+  std::optional<std::string> parentHash = {};
 
   bool operator==(const DeviceFacts&) const = default;
 };

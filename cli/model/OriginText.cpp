@@ -48,6 +48,10 @@ std::string Describe(const Finding& finding) {
                      finding.device, finding.code);
 }
 
+std::string DescribeForgery(const Finding& finding) {
+  return fmt::format("the kernel does not write {}; a device may have forged this", Describe(finding));
+}
+
 std::string Describe(const Repair& repair) {
   const std::string devices = Count(repair.count, "device");
   if (repair.code == "parent") return "wrong parents of " + devices;

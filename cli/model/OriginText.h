@@ -20,6 +20,8 @@ std::vector<std::string> OptionsOf(const SelectedBy& selection);
 
 /// "lines 17, 19 of the device list, of "Bus 01  Device   9" (two-t-lines)".
 std::string Describe(const Finding& finding);
+/// "the kernel does not write lines 17, 19 of the device list, ...; a device may have forged this".
+std::string DescribeForgery(const Finding& finding);
 /// "wrong parents of 3 devices".
 std::string Describe(const Repair& repair);
 

@@ -8,6 +8,7 @@
 
 #include "cli/model/Description.h"
 #include "cli/model/DeviceText.h"
+#include "cli/model/Kinds.h"
 #include "cli/model/Speed.h"
 #include "cli/text/Text.h"
 
@@ -41,6 +42,14 @@ std::string SpeedOfItem(const Sockets& sockets, const SocketNode& node) {
     default:
       return {};
   }
+}
+
+bool IsOfKind(const SocketNode& node, const std::string& kind) {
+  return std::any_of(node.halves.begin(), node.halves.end(), [&kind](const SocketHalf& half) {
+    if (half.device == nullptr) return false;
+    const std::vector<std::string>& kinds = half.device->kinds;
+    return std::find(kinds.begin(), kinds.end(), kind) != kinds.end();
+  });
 }
 
 /// "driver usb-storage", "500 mA", and so on of a half about which something is known.
@@ -111,13 +120,16 @@ std::string SerialOf(const SocketNode& node) {
   return SerialOf(node.GetItem(), node.halves.front().device);
 }
 
-std::string KindOf(const SocketNode& node) {
+std::vector<std::string> KindsOf(const SocketNode& node) {
   std::vector<std::string> kinds;
-  for (const SocketHalf& half : node.halves) {
-    if (half.device == nullptr) continue;
-    for (const std::string& kind : half.device->kinds) AddOnce(kind, kinds);
+  for (const std::string& kind : AllKinds()) {
+    if (IsOfKind(node, kind)) kinds.push_back(kind);
   }
-  return Joined(kinds);
+  return kinds;
+}
+
+std::string KindOf(const SocketNode& node) {
+  return Joined(KindsOf(node));
 }
 
 std::string DriversOf(const SocketNode& node) {

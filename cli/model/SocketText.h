@@ -18,6 +18,8 @@ std::string ProductOf(const SocketNode& node);
 std::string ManufacturerOf(const SocketNode& node);
 std::string SerialOf(const SocketNode& node);
 
+/// In the order of AllKinds, each once; none where nothing is known.
+std::vector<std::string> KindsOf(const SocketNode& node);
 /// "keyboard, mouse"; empty where nothing is known.
 std::string KindOf(const SocketNode& node);
 /// "usbhid, snd-usb-audio": of the interfaces in use, each once.

@@ -44,4 +44,24 @@ Option ColorOption(std::string& when) {
           .store = StoreChoice(when, choices)};
 }
 
+Option AllowSuspectOption(const std::string& verb, bool& allowsSuspect) {
+  return {.names = {"--allow-suspect"},
+          .help = verb + " in spite of lines that a device may have forged",
+          .manual = verb + R"( in spite of lines in a device list that the kernel does not write, and that a
+device may have forged.
+Without this option, such a list is an error.)",
+          .store = StoreTrue(allowsSuspect)};
+}
+
+Option DefaultTargetOption(std::string& target) {
+  const std::vector<Choice> choices = {{"block"}, {"allow"}};
+  return {.names = {"--default"},
+          .value = "TARGET",
+          .help = "What becomes of devices that no rule matches",
+          .defaultValue = target,
+          .choices = choices,
+          .manual = "What becomes of devices that no rule matches:",
+          .store = StoreChoice(target, choices)};
+}
+
 }  // namespace cli

@@ -2,41 +2,14 @@
 
 #include "cli/model/DeviceText.h"
 #include "cli/model/JsonValues.h"
-#include "cli/text/JsonWriter.h"
 
 namespace cli {
 
 namespace {
 
-void WriteRule(JsonWriter& json, const PolicyRule* rule) {
-  json.Key("rule");
-  if (rule == nullptr) {
-    json.Null();
-    return;
-  }
-  json.BeginObject();
-  WriteMember(json, "line", rule->line);
-  WriteMember(json, "text", rule->text);
-  json.EndObject();
-}
-
 /// Null for an empty text.
 void WriteUnlessEmpty(JsonWriter& json, std::string_view name, const std::string& text) {
   WriteMember(json, name, text.empty() ? std::nullopt : std::optional(text));
-}
-
-void Write(JsonWriter& json, const CheckedDevice& checked) {
-  const PolicyDevice& device = checked.device;
-  json.BeginObject();
-  WriteMember(json, "device", device.item->String(PropertyId::kDeviceID));
-  WriteMember(json, "name", device.facts == nullptr ? std::nullopt : device.facts->name);
-  WriteMember(json, "id", FormatId(*device.item));
-  WriteUnlessEmpty(json, "product", ProductOf(*device.item, device.facts));
-  WriteUnlessEmpty(json, "serial", SerialOf(*device.item, device.facts));
-  WriteMember(json, "kinds", device.facts == nullptr ? std::vector<std::string>() : device.facts->kinds);
-  WriteMember(json, "decision", std::string(NameOf(checked.decision.target)));
-  WriteRule(json, checked.decision.rule);
-  json.EndObject();
 }
 
 void Write(JsonWriter& json, const CheckedInventory& checked) {
@@ -52,11 +25,41 @@ void Write(JsonWriter& json, const CheckedInventory& checked) {
   json.Key("suspect");
   json.Bool(origin && !origin->findings.empty());
   WriteMember(json, "refused", checked.CountRefused());
-  WriteList(json, "devices", checked.devices, [&](const CheckedDevice& device) { Write(json, device); });
+  WriteList(json, "devices", checked.devices,
+            [&](const CheckedDevice& device) { WriteCheckedDevice(json, device); });
   json.EndObject();
 }
 
 }  // namespace
+
+void WriteDevice(JsonWriter& json, const PolicyDevice& device) {
+  WriteMember(json, "device", device.item->String(PropertyId::kDeviceID));
+  WriteMember(json, "name", device.facts == nullptr ? std::nullopt : device.facts->name);
+  WriteMember(json, "id", FormatId(*device.item));
+  WriteUnlessEmpty(json, "product", ProductOf(*device.item, device.facts));
+  WriteUnlessEmpty(json, "serial", SerialOf(*device.item, device.facts));
+  WriteMember(json, "kinds", device.facts == nullptr ? std::vector<std::string>() : device.facts->kinds);
+}
+
+void WriteRule(JsonWriter& json, const PolicyRule* rule) {
+  json.Key("rule");
+  if (rule == nullptr) {
+    json.Null();
+    return;
+  }
+  json.BeginObject();
+  WriteMember(json, "line", rule->line);
+  WriteMember(json, "text", rule->text);
+  json.EndObject();
+}
+
+void WriteCheckedDevice(JsonWriter& json, const CheckedDevice& checked) {
+  json.BeginObject();
+  WriteDevice(json, checked.device);
+  WriteMember(json, "decision", std::string(NameOf(checked.decision.target)));
+  WriteRule(json, checked.decision.rule);
+  json.EndObject();
+}
 
 std::string RenderCheckJson(const Policy& policy, const std::vector<CheckedInventory>& checked) {
   JsonWriter json(JsonWriter::Layout::kIndented);

@@ -7,10 +7,7 @@
 
 namespace cli {
 
-namespace {
-
-/// "keyboard, mouse 046d:c31c "USB Keyboard", serial "1234"".
-std::string Describe(const PolicyDevice& device) {
+std::string DescribeDevice(const PolicyDevice& device) {
   const bool hasKinds = device.facts != nullptr && !device.facts->kinds.empty();
   const char* const noun = device.item->Class() == ClassId::kHub ? "hub" : "device";
   const std::string product = ProductOf(*device.item, device.facts);
@@ -20,14 +17,22 @@ std::string Describe(const PolicyDevice& device) {
                      serial.empty() ? "" : ", serial " + QuoteForDocument(serial));
 }
 
-std::string Describe(const Policy& policy, const PolicyDecision& decision) {
+std::string DescribeRefusal(const Policy& policy, const PolicyDecision& decision) {
   const char* const verb = decision.target == PolicyTarget::kReject ? "rejected" : "blocked";
   if (decision.rule == nullptr) return fmt::format("{}, no rule matches", verb);
   return fmt::format("{} by {}:{}: {}", verb, EscapeForDocument(policy.name), decision.rule->line,
                      EscapeForDocument(decision.rule->text));
 }
 
-}  // namespace
+std::string RenderRefused(const Policy& policy, const CheckedInventory& checked, const std::string& prefix) {
+  std::string text;
+  for (const CheckedDevice& device : checked.devices) {
+    if (device.IsAllowed()) continue;
+    text += fmt::format("{}{}: {}: {}\n", prefix, PlaceOf(device.device), DescribeDevice(device.device),
+                        DescribeRefusal(policy, device.decision));
+  }
+  return text;
+}
 
 std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInventory>& checked) {
   if (IsAllAllowed(checked)) return {};
@@ -36,11 +41,7 @@ std::string RenderCheckText(const Policy& policy, const std::vector<CheckedInven
   std::size_t total = 0;
   for (const CheckedInventory& inventory : checked) {
     const std::string prefix = checked.size() == 1 ? "" : EscapeForDocument(inventory.name) + ": ";
-    for (const CheckedDevice& device : inventory.devices) {
-      if (device.IsAllowed()) continue;
-      text += fmt::format("{}{}: {}: {}\n", prefix, PlaceOf(device.device), Describe(device.device),
-                          Describe(policy, device.decision));
-    }
+    text += RenderRefused(policy, inventory, prefix);
     refused += inventory.CountRefused();
     total += inventory.devices.size();
   }

@@ -58,6 +58,8 @@ class Attributes {
     set(PolicyAttribute::kSerial, SerialsOf(device));
     if (device.facts == nullptr) return device;
     set(PolicyAttribute::kWithInterface, InterfacesOf(*device.facts));
+    if (device.facts->hash) set(PolicyAttribute::kHash, One(*device.facts->hash));
+    if (device.facts->parentHash) set(PolicyAttribute::kParentHash, One(*device.facts->parentHash));
     if (!device.facts->name) return device;
     set(PolicyAttribute::kViaPort, One(*device.facts->name));
     set(PolicyAttribute::kWithConnectType, ConnectTypesOf(*device.facts->name));

@@ -31,8 +31,7 @@ struct PolicyDevice {
 std::string PlaceOf(const PolicyDevice& device);
 
 /// All hubs and devices of `inventory`, which must outlive them: by their places, those without a name last.
-/// Interfaces are all settings of all configurations. No inventory holds hashes, which are made from all
-/// descriptors; serial numbers are not known where they are masked.
+/// Interfaces are all settings of all configurations. Serial numbers are not known where they are masked.
 std::vector<PolicyDevice> PolicyDevicesOf(const Inventory& inventory);
 
 }  // namespace cli

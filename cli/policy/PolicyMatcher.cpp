@@ -15,7 +15,8 @@ std::string_view AdviceOn(PolicyAttribute attribute) {
   switch (attribute) {
     case PolicyAttribute::kHash:
     case PolicyAttribute::kParentHash:
-      return "inventories hold no hashes; match by id, name, serial and with-interface instead";
+      return "only a check of this machine from sysfs has hashes; match by id, name, serial and "
+             "with-interface";
     case PolicyAttribute::kSerial:
       return "the serial numbers are masked; use an inventory without --mask-serials";
     case PolicyAttribute::kWithConnectType:

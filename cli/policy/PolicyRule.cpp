@@ -65,6 +65,15 @@ bool PolicyPattern::Covers(std::string_view value) const {
   return isPrefix ? value.substr(0, text.size()) == text : value == text;
 }
 
+bool Policy::UsesHashes() const {
+  const auto isHash = [](const PolicyTest& test) {
+    return test.attribute == PolicyAttribute::kHash || test.attribute == PolicyAttribute::kParentHash;
+  };
+  return std::any_of(rules.begin(), rules.end(), [&](const PolicyRule& rule) {
+    return std::any_of(rule.tests.begin(), rule.tests.end(), isHash);
+  });
+}
+
 bool PolicyTest::Matches(const std::vector<std::string>& values) const {
   const auto coversAny = [&values](const PolicyPattern& pattern) { return CoversAny(pattern, values); };
   switch (setOperator) {

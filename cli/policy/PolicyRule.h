@@ -88,6 +88,9 @@ struct Policy {
   std::vector<PolicyRule> rules;
   /// For devices that no rule matches.
   PolicyTarget defaultTarget = PolicyTarget::kBlock;
+
+  /// Whether a rule has a hash.
+  bool UsesHashes() const;
 };
 
 }  // namespace cli

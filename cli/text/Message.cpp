@@ -17,12 +17,6 @@ std::size_t CharacterFrom(const std::string& text, std::size_t at) {
   return at;
 }
 
-std::string Shortened(const std::string& message) {
-  if (message.size() <= kMostBytes) return message;
-  return message.substr(0, CharacterFrom(message, kMostBytes - kBytesOfEnd)) + " [...] " +
-         message.substr(CharacterFrom(message, message.size() - kBytesOfEnd));
-}
-
 std::string& ProgramName() {
   static std::string name = "usbinfo";
   return name;
@@ -32,6 +26,12 @@ std::string& ProgramName() {
 
 void NameProgram(const std::string& name) {
   ProgramName() = name;
+}
+
+std::string Shortened(const std::string& message) {
+  if (message.size() <= kMostBytes) return message;
+  return message.substr(0, CharacterFrom(message, kMostBytes - kBytesOfEnd)) + " [...] " +
+         message.substr(CharacterFrom(message, message.size() - kBytesOfEnd));
 }
 
 void PrintMessage(const std::string& message) {

@@ -26,12 +26,19 @@ void PrepareProcess() {
   static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
 }
 
-int Fail(const std::string& message) {
-  PrintMessage(message);
-  return kFailure;
-}
-
 }  // namespace
+
+std::string DescribeException() {
+  try {
+    throw;
+  } catch (const std::bad_alloc&) {
+    return "out of memory";
+  } catch (const std::exception& error) {
+    return error.what();
+  } catch (...) {
+    return "unexpected failure";
+  }
+}
 
 int RunProgram(const std::string& program, const std::function<int()>& run) {
   PrepareProcess();
@@ -40,13 +47,10 @@ int RunProgram(const std::string& program, const std::function<int()>& run) {
     return run();
   } catch (const ClosedPipe&) {
     sys::EndBySignal(SIGPIPE);
-  } catch (const std::bad_alloc&) {
-    return Fail("out of memory");
-  } catch (const std::exception& error) {
-    return Fail(error.what());
   } catch (...) {
-    return Fail("unexpected failure");
+    PrintMessage(DescribeException());
   }
+  return kFailure;
 }
 
 }  // namespace cli

@@ -59,9 +59,8 @@ std::optional<Clock::Point> EventBatch::LookAt(Clock::Point::duration settle) co
 
 std::vector<kernel::Device> EventBatch::CameAndWent(const Inventory& before, const Inventory& after) const {
   std::vector<kernel::Device> devices;
-  for (const auto& [stay, visitor] : fVisitors) {
-    const kernel::Device& device = visitor.device;
-    if (visitor.hasGone && !Has(before, device) && !Has(after, device)) devices.push_back(device);
+  for (const auto& [stay, device] : fVisitors) {
+    if (!Has(before, device) && !Has(after, device)) devices.push_back(device);
   }
   return devices;
 }
@@ -72,20 +71,14 @@ void EventBatch::Note(Clock::Point now) {
 }
 
 void EventBatch::TakeDevice(const UsbEvent& event, const kernel::DeviceName& name) {
-  if (event.action == UsbEvent::Action::kOther) return;
-  Visitor& visitor = fVisitors[{name, event.number}];
-  if (event.action == UsbEvent::Action::kRemove) {
-    visitor.hasGone = visitor.hasCome;
-    return;
-  }
-  visitor.hasCome = true;
-  visitor.hasGone = false;
-  visitor.device.name = event.name;
-  visitor.device.bus = name.bus;
-  visitor.device.number = event.number;
-  visitor.device.descriptor.vendor = event.vendor;
-  visitor.device.descriptor.product = event.product;
-  visitor.device.descriptor.codes = event.codes.value_or(kernel::ClassCodes());
+  if (event.action != UsbEvent::Action::kAdd) return;
+  kernel::Device& visitor = fVisitors[{name, event.number}];
+  visitor.name = event.name;
+  visitor.bus = name.bus;
+  visitor.number = event.number;
+  visitor.descriptor.vendor = event.vendor;
+  visitor.descriptor.product = event.product;
+  visitor.descriptor.codes = event.codes.value_or(kernel::ClassCodes());
   fNumbers[name] = event.number;
 }
 
@@ -96,7 +89,7 @@ void EventBatch::TakeInterface(const UsbEvent& event, const kernel::DeviceName& 
   constexpr unsigned kMostInterfaces = 255;
   const auto interface = kernel::ParseNumber(name.substr(name.rfind('.') + 1), kMostInterfaces);
   if (!interface) return;
-  kernel::Device& owner = fVisitors.at({device, number->second}).device;
+  kernel::Device& owner = fVisitors.at({device, number->second});
   InterfaceOf(owner, static_cast<std::uint8_t>(*interface)).settings.front().codes = *event.codes;
 }
 

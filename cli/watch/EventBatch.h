@@ -29,18 +29,13 @@ class EventBatch {
   /// When to look; nothing where nothing has come.
   std::optional<Clock::Point> LookAt(Clock::Point::duration settle) const;
 
-  /// The devices that came and then went, and are in neither inventory, by name and number: what their
-  /// events say of them.
+  /// The devices that came and are in neither inventory, by name and number: what their events say of them.
+  /// They have gone, even where the event that says so is still to come.
   std::vector<kernel::Device> CameAndWent(const Inventory& before, const Inventory& after) const;
 
  private:
-  /// A device, from its coming to its going. The number differs from that of the next one at the same place.
+  /// A device that came. The number differs from that of the next one at the same place.
   using Stay = std::pair<kernel::DeviceName, unsigned>;
-  struct Visitor {
-    kernel::Device device;
-    bool hasCome = false;
-    bool hasGone = false;
-  };
 
   void Note(Clock::Point now);
   void TakeDevice(const UsbEvent& event, const kernel::DeviceName& name);
@@ -49,7 +44,7 @@ class EventBatch {
   std::optional<Clock::Point> fFirst;
   Clock::Point fLast;
   bool fHasLosses = false;
-  std::map<Stay, Visitor> fVisitors;
+  std::map<Stay, kernel::Device> fVisitors;
   /// The number of the device that was last there.
   std::map<kernel::DeviceName, unsigned> fNumbers;
 };

@@ -19,15 +19,13 @@ class UdevMonitor : public UeventSource {
   explicit UdevMonitor(int stop);
 
   Waking Wait(std::optional<Clock::Point> deadline) override;
+  std::optional<Waking> Receive() override;
 
  private:
   struct Release {
     void operator()(udev* context) const;
     void operator()(udev_monitor* monitor) const;
   };
-
-  /// Nothing where no event of a USB device is there to be read.
-  std::optional<Waking> Receive();
 
   int fStop;
   std::unique_ptr<udev, Release> fContext;

@@ -30,6 +30,8 @@ class UeventSource {
   /// Waits until something comes, at most until `deadline`. Events come in the order in which they happened.
   /// Throws UserError when there can be no more events.
   virtual Waking Wait(std::optional<Clock::Point> deadline) = 0;
+  /// The next event or loss that is already there. Nothing where there is none. Throws UserError, too.
+  virtual std::optional<Waking> Receive() = 0;
 };
 
 }  // namespace cli

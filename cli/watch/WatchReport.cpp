@@ -9,6 +9,8 @@
 #include "cli/diff/InventoryDiff.h"
 #include "cli/model/JsonValues.h"
 #include "cli/model/Kinds.h"
+#include "cli/policy/PolicyCheckJson.h"
+#include "cli/policy/PolicyCheckText.h"
 #include "cli/text/JsonWriter.h"
 #include "cli/text/UtcTime.h"
 
@@ -36,6 +38,24 @@ void WriteVisitor(JsonWriter& json, const kernel::Device& device) {
   json.EndObject();
 }
 
+void WriteRefusal(JsonWriter& json, const Refusal& refusal) {
+  json.BeginObject();
+  WriteDevice(json, refusal.device);
+  WriteMember(json, "decision",
+              refusal.decision ? std::optional(std::string(NameOf(refusal.decision->target))) : std::nullopt);
+  WriteRule(json, refusal.decision ? refusal.decision->rule : nullptr);
+  WriteMember(json, "reason", refusal.reason);
+  json.EndObject();
+}
+
+void WriteRefusals(JsonWriter& json, const std::optional<std::vector<Refusal>>& refusals) {
+  if (!refusals) {
+    WriteMember(json, "notAllowed", std::optional<std::string>());
+    return;
+  }
+  WriteList(json, "notAllowed", *refusals, [&json](const Refusal& refusal) { WriteRefusal(json, refusal); });
+}
+
 std::optional<std::string> MachineOf(const InventoryDifference& difference) {
   return difference.after.origin ? difference.after.origin->machine : std::nullopt;
 }
@@ -43,7 +63,8 @@ std::optional<std::string> MachineOf(const InventoryDifference& difference) {
 }  // namespace
 
 bool WatchReport::IsEmpty() const {
-  return difference->IsEmpty() && cameAndWent.empty() && !hasLosses;
+  const bool hasRefusals = refusals && !refusals->empty();
+  return difference->IsEmpty() && cameAndWent.empty() && !hasLosses && !hasRefusals;
 }
 
 std::string RenderWatchText(const WatchReport& report, bool isColored) {
@@ -52,6 +73,10 @@ std::string RenderWatchText(const WatchReport& report, bool isColored) {
                                           : RenderDiffText(difference, isColored);
   for (const kernel::Device& device : report.cameAndWent) {
     text += fmt::format("* {}: {} {} came and went\n", device.name, DescribeKinds(device), IdOf(device));
+  }
+  for (const Refusal& refusal : report.refusals.value_or(std::vector<Refusal>())) {
+    text += fmt::format("! {}: {}: {}\n", PlaceOf(refusal.device), DescribeDevice(refusal.device),
+                        refusal.reason);
   }
   if (report.hasLosses) text += "! events were lost: more devices may have come and gone\n";
   return text;
@@ -71,6 +96,7 @@ std::string RenderWatchJson(const WatchReport& report) {
             [&json](const kernel::Device& device) { WriteVisitor(json, device); });
   json.Key("eventsLost");
   json.Bool(report.hasLosses);
+  WriteRefusals(json, report.refusals);
   json.EndObject();
   return json.Take() + "\n";
 }

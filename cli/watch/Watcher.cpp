@@ -33,6 +33,7 @@ void Watcher::Compare(Inventory now) {
   report.difference = &difference;
   report.cameAndWent = batch.CameAndWent(fKnown, now);
   report.hasLosses = batch.HasLosses();
+  if (fWatched.audit != nullptr) report.refusals = fWatched.audit->Audit(now);
   if (!report.IsEmpty()) {
     ++fReports;
     fWatched.print(report);
@@ -46,6 +47,7 @@ bool Watcher::Follow() {
   bool goesOn = true;
   while (goesOn && !IsCountReached()) {
     goesOn = AwaitLook(end);
+    TakeBacklog();
     Look();
   }
   return !fRetryAt;
@@ -59,8 +61,22 @@ bool Watcher::AwaitLook(std::optional<Clock::Point> end) {
     if (look && now >= *look) return true;
     const Waking waking = fWatched.events.Wait(Earlier(look, end));
     if (waking.cause == Waking::Cause::kStop) return false;
-    if (waking.cause == Waking::Cause::kEvent) fBatch.Take(waking.event, fWatched.clock.Now());
-    if (waking.cause == Waking::Cause::kLoss) fBatch.TakeLoss(fWatched.clock.Now());
+    Take(waking);
+  }
+}
+
+void Watcher::Take(const Waking& waking) {
+  if (waking.cause == Waking::Cause::kEvent) fBatch.Take(waking.event, fWatched.clock.Now());
+  if (waking.cause == Waking::Cause::kLoss) fBatch.TakeLoss(fWatched.clock.Now());
+}
+
+void Watcher::TakeBacklog() {
+  // More than the kernel keeps; a flood that goes on must not put the look off.
+  constexpr int kMostEvents = 1 << 16;
+  for (int taken = 0; taken < kMostEvents; ++taken) {
+    const std::optional<Waking> waking = fWatched.events.Receive();
+    if (!waking) return;
+    Take(*waking);
   }
 }
 

@@ -12,6 +12,7 @@
 #include "cli/model/Inventory.h"
 #include "cli/watch/Clock.h"
 #include "cli/watch/EventBatch.h"
+#include "cli/watch/PolicyAudit.h"
 #include "cli/watch/UeventSource.h"
 #include "cli/watch/WatchReport.h"
 
@@ -24,6 +25,8 @@ struct Watched {
   /// Gives the machine's inventory. Throws UserError where it cannot be collected.
   std::function<Inventory()> collect;
   std::function<void(const WatchReport& report)> print;
+  /// What each look is held against; null for nothing.
+  PolicyAudit* audit = nullptr;
 };
 
 struct WatchSettings {
@@ -58,6 +61,9 @@ class Watcher {
   /// Takes events until it is time to look. False where the watch is to end.
   bool AwaitLook(std::optional<Clock::Point> end);
   std::optional<Clock::Point> NextLook() const;
+  void Take(const Waking& waking);
+  /// Takes the events that are already there, so that the look is compared with all that came before it.
+  void TakeBacklog();
   void Look();
   void NoteFailure(const std::string& message);
 

@@ -33,14 +33,14 @@ MAY_INCLUDE = {
     "cli/collect": ["standin", "kernel", "system", "schema", "host", "cli/model", "cli/model/FromHost", "cli/text",
                     "cli/collect/SerialMask"],
     "cli/option": ["cli/text"],
-    "cli/watch": ["cli/diff", "cli/model", "cli/text", "kernel"],
+    "cli/watch": ["cli/diff", "cli/model", "cli/policy", "cli/text", "kernel"],
     "cli/command": ["cli/collect", "cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model",
                     "cli/model/FromHost", "cli/model/UsbIds", "cli/option", "cli/policy", "cli/text", "cli/watch",
                     "schema", "standin", "system"],
     # Of collecting, the store masks serial numbers only.
     "cli/collect/SerialMask": ["cli/collect", "cli/text", "system"],
     "store": ["cli/diff", "cli/format", "cli/format/OutputFormat", "cli/model", "cli/model/UsbIds", "cli/option",
-              "cli/text", "cli/collect/SerialMask", "schema", "system"],
+              "cli/policy", "cli/text", "cli/collect/SerialMask", "schema", "system"],
     "cli/main": ["cli/command", "cli/option", "cli/text", "cli/collect", "system"],
 }
 # What the module is made of: its rows know no library but Boost and the standard one.

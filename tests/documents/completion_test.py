@@ -137,7 +137,7 @@ class UsbinfoTest(CompletionTest):
 
     COMMAND = "usbinfo"
     FORMATS = ["tree", "table", "json", "jsonl", "csv", "cimxml", "mof", "dot", "html",
-               "list", "usbguard"]
+               "list", "usbguard", "prometheus"]
     SUBCOMMANDS = ["show", "diff", "watch", "check", "schema", "help"]
 
     def test_beginning_of_a_subcommand(self):
@@ -188,13 +188,14 @@ class StoreTest(CompletionTest):
     """What belongs to usbinfo-store alone."""
 
     COMMAND = "usbinfo-store"
-    SUBCOMMANDS = ["hosts", "load", "collect", "find", "changes", "show",
+    SUBCOMMANDS = ["hosts", "load", "collect", "find", "changes", "show", "check",
                    "forget", "rename", "prune", "migrate", "schema", "help"]
 
     def test_operands(self):
         self.assert_offers(("load", "a"), ["afile", "afolder"])
         self.assert_offers(("load", "afile", "a"), ["afile", "afolder"])
         self.assert_offers(("help", "f"), ["find", "forget"])
+        self.assert_offers(("check", "a"), ["afile", "afolder"])
         for name in ("show", "forget", "rename", "hosts"):
             self.assert_offers((name, "a"), [])
 

@@ -27,6 +27,8 @@ class FormTest(unittest.TestCase):
     """The page of COMMAND is sound and names what it should."""
 
     COMMAND = "usbinfo"
+    SECTIONS = ("NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "ENVIRONMENT",
+                "FILES", "EXIT STATUS", "EXAMPLES", "SEE ALSO", "CAVEATS")
 
     def text(self):
         """Return the source of the page."""
@@ -34,9 +36,7 @@ class FormTest(unittest.TestCase):
 
     def test_sections_are_those_that_a_reader_looks_for(self):
         sections = re.findall(r"^\.Sh (.*)", self.text(), re.MULTILINE)
-        self.assertEqual(sections, [
-            "NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "ENVIRONMENT",
-            "FILES", "EXIT STATUS", "EXAMPLES", "SEE ALSO", "CAVEATS"])
+        self.assertEqual(tuple(sections), self.SECTIONS)
 
     def test_every_subcommand_is_named_and_has_its_options(self):
         page = self.text()
@@ -71,6 +71,29 @@ class StoreFormTest(FormTest):
     COMMAND = "usbinfo-store"
 
 
+class CheckFormTest(FormTest):
+    """The same of usbinfo check, whose page has the options of this subcommand alone."""
+
+    COMMAND = "usbinfo-check"
+    SECTIONS = ("NAME", "SYNOPSIS", "DESCRIPTION", "OPTIONS", "EXIT STATUS", "EXAMPLES", "SEE ALSO")
+
+    def test_every_subcommand_is_named_and_has_its_options(self):
+        page = self.text()
+        listed = subprocess.run(
+            [PROGRAMS / "usbinfo", "check", "--help"], check=True, text=True,
+            stdout=subprocess.PIPE).stdout
+        options = re.findall(r"^  (?:-\w, )?--([\w-]+)", listed, re.MULTILINE)
+        self.assertIn("nagios", options)
+        self.assertEqual(
+            re.findall(r"^\.It (?:Fl \w , )?Fl -([\w-]+)", page, re.MULTILINE), options)
+
+    def test_language_is_that_of_the_program(self):
+        page = self.text()
+        for word in ("id", "name", "serial", "via-port", "with-interface", "with-connect-type", "hash , parent-hash",
+                     "label", "all-of", "one-of", "none-of", "equals", "equals-ordered", "match-all"):
+            self.assertIn(f"\n.It Cm {word}\n", page)
+
+
 def examples(command):
     """List the commands of the examples in the command's page."""
     page = page_of(command).read_text(encoding="utf-8")
@@ -78,14 +101,14 @@ def examples(command):
                        flags=re.MULTILINE)[0]
     blocks = re.findall(r"^\.Bd -literal.*\n((?:[^.].*\n)+)", section,
                         re.MULTILINE)
-    lines = "".join(blocks).replace("\\e\n", " ").splitlines()
-    return [line.removeprefix("$ ") for line in lines]
+    text = "".join(blocks).replace("\\e\n", " ").replace("\\(aq", "'").replace("\\(dq", '"')
+    return [line.removeprefix("$ ") for line in text.splitlines()]
 
 
 class ExamplesTest(unittest.TestCase):
-    """The examples in the page of COMMAND run as they are written."""
+    """The examples in the page run as they are written."""
 
-    COMMAND = "usbinfo"
+    COMMAND = PAGE = "usbinfo"
     COUNT = 8
 
     # What takes root's rights, or looks at another machine.
@@ -101,7 +124,7 @@ class ExamplesTest(unittest.TestCase):
         (tools / self.COMMAND).symlink_to(PROGRAMS / self.COMMAND)
         path = f"{tools}:{os.environ['PATH']}"
         count = 0
-        for command in examples(self.COMMAND):
+        for command in examples(self.PAGE):
             if command.startswith(self.ELSEWHERE):
                 continue
             count += 1
@@ -128,16 +151,24 @@ class ExamplesTest(unittest.TestCase):
         return manager.__enter__()
 
 
+class CheckExamplesTest(ExamplesTest):
+    """The same of usbinfo check."""
+
+    PAGE = "usbinfo-check"
+    COUNT = 4
+
+
 class StoreExamplesTest(ExamplesTest):
     """The same of usbinfo-store."""
 
-    COMMAND = "usbinfo-store"
+    COMMAND = PAGE = "usbinfo-store"
     ELSEWHERE = (*ExamplesTest.ELSEWHERE, "usbinfo-store collect ")
 
     def prepare(self, folder):
         (folder / "inventories").mkdir()
         shutil.copy(SOURCE / "examples" / "machines.jsonl",
                     folder / "inventories" / "machines.json")
+        (folder / "rules.conf").write_text("allow\n", encoding="utf-8")
 
 
 if __name__ == "__main__":

@@ -15,6 +15,7 @@
 #include "tests/fuzz/JsonReader.h"
 #include "tests/fuzz/MofReader.h"
 #include "tests/fuzz/PolicyReader.h"
+#include "tests/fuzz/PrometheusReader.h"
 #include "tests/fuzz/TableReader.h"
 #include "tests/fuzz/TreeReader.h"
 #include "tests/fuzz/Utf8.h"
@@ -61,7 +62,7 @@ const FormatReader& FindFormatReader(const std::string& format) {
       {"mof", {"C.UTF-8"}, CheckMof},          {"dot", {"C.UTF-8"}, CheckDot},
       {"html", {"C.UTF-8"}, CheckHtml},        {"csv", {"C.UTF-8"}, CheckCsv},
       {"table", {"C", "C.UTF-8"}, CheckTable}, {"list", {"C.UTF-8"}, CheckList},
-      {"usbguard", {"C.UTF-8"}, CheckPolicy},
+      {"usbguard", {"C.UTF-8"}, CheckPolicy},  {"prometheus", {"C.UTF-8"}, CheckPrometheus},
   };
   const auto found = std::find_if(readers.begin(), readers.end(),
                                   [&format](const FormatReader& reader) { return reader.format == format; });
@@ -70,7 +71,7 @@ const FormatReader& FindFormatReader(const std::string& format) {
 }
 
 cli::Inventory InputOf(const std::string& format, const cli::Inventory& inventory) {
-  return format == "usbguard" ? WithFacts(inventory) : inventory;
+  return format == "usbguard" || format == "prometheus" ? WithFacts(inventory) : inventory;
 }
 
 void CheckEveryFormat(const cli::Inventory& result) {

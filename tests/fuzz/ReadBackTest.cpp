@@ -89,6 +89,21 @@ TEST_F(ReadBackTest, OfPoliciesRefusesWhatDiffers) {
   EXPECT_FALSE(Takes("usbguard", Render("usbguard") + "bogus"));
 }
 
+TEST_F(ReadBackTest, OfMetricsRefusesWhatDiffers) {
+  EXPECT_FALSE(TakesWith("prometheus", "\\\\xff", ""));
+  EXPECT_FALSE(TakesWith("prometheus", "\\\\xff", "\\\\xfe"));
+  EXPECT_FALSE(TakesWith("prometheus", "{kind=\"hub\"} 0", "{kind=\"hub\"} 1"));
+  EXPECT_FALSE(TakesWith("prometheus", "usbinfo_devices{kind=\"hub\"} 0\n", ""));
+  EXPECT_FALSE(TakesWith("prometheus", "{state=\"free\"} 1", "{state=\"free\"} 2"));
+  EXPECT_FALSE(TakesWith("prometheus", "vid=\"0000\"", "vid=\"0001\""));
+  EXPECT_FALSE(TakesWith("prometheus", "place=\"1-2\"", "place=\"\""));
+  EXPECT_FALSE(TakesWith("prometheus", "usbinfo_devices_omitted 0", "usbinfo_devices_omitted 1"));
+  EXPECT_FALSE(TakesWith("prometheus", "# TYPE usbinfo_devices gauge", "# TYPE usbinfo_devices counter"));
+  EXPECT_FALSE(TakesWith("prometheus", "# HELP usbinfo_devices ", "# "));
+  EXPECT_FALSE(Takes("prometheus", Render("prometheus") + "usbinfo_devices_omitted 0\n"));
+  EXPECT_FALSE(Takes("prometheus", Render("prometheus") + Render("prometheus")));
+}
+
 TEST_F(ReadBackTest, OfXmlRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("cimxml", "Root &amp; &lt;hub&gt;", "Root"));
   EXPECT_FALSE(TakesWith("cimxml", "Root &amp;", "Root &"));

@@ -14,15 +14,20 @@ import forgery
 import gadgets
 import kernel_list
 import machine
+import policies
 import qemu
 import states
 import topology
+import watching
 from guest_machine import GuestError
 from taken import Taken, nodes
 
 ROOT, USER = "root", "user"
 # How many lists are made in one step while devices come and go.
 ROUNDS = 50
+# How often devices are plugged in while watch follows the machine, and how many events it gets for nothing.
+PLUGS, UEVENTS = 50, 1000
+UEVENTS_A_ROUND = 100
 MOUNT_ATTEMPT = "mount -t usbfs usbfs /proc/bus/usb\n"
 
 
@@ -75,10 +80,11 @@ class Collector:
         return [line.split(" ", 2) for line in files["devices"].decode().splitlines()]
 
     def prepare(self, step, *arguments):
-        """Run a step that has to succeed."""
+        """Run a step that has to succeed; return its files."""
         status, files = self._guest.run(step, *arguments)
         if status:
             raise GuestError(f"step {step} ended with {status}: {files['messages'].decode()}")
+        return files
 
     def take(self, name, user, compared, *options):
         """Take the inventory as that user, to be kept under that name, with the device list to compare it with."""
@@ -109,6 +115,9 @@ def run_all(guest, release, report, records):
     check_gadgets(found, proof, changed)
     forgery.Forgery(guest, collector, found, report, proof).check_all(changed, release)
     differing.Differing(guest, collector, report).check_all(changed, release)
+    policies.check_all(guest, collector, report, changed, release)
+    watching.Watching(guest, collector, report).check_all(changed, release, PLUGS, UEVENTS)
+    collector.settle(changed, "after watch")
     states.come_and_go(collector, proof, changed, ROUNDS, "all the time")
     states.check_all(guest, collector, found, proof, release, changed)
 
@@ -127,14 +136,16 @@ def run_script(guest, release, report):
 
 
 def soak(guest, release, report, rounds):
-    """Have devices come and go for that many rounds, and check nothing else."""
+    """Have devices come and go for that many rounds while lists are made, then with watch; check nothing else."""
     collector = Collector(guest, report)
     proof = kernel_list.Proof(guest, report)
-    buses = topology.machine_buses(machine.MACHINE, release) + gadgets.buses(release)
+    change_machine(guest)
+    buses = topology.machine_buses(machine.CHANGED_MACHINE, release) + gadgets.buses(release)
     collector.prepare("debugfs", "mount")
     plug_gadgets(collector, buses)
     for done in range(0, rounds, ROUNDS):
         states.come_and_go(collector, proof, buses, min(ROUNDS, rounds - done), f"from round {done + 1}")
+    watching.Watching(guest, collector, report).check_all(buses, release, rounds, rounds * UEVENTS_A_ROUND)
 
 
 def plug_gadgets(collector, buses):

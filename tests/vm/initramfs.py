@@ -30,11 +30,11 @@ TEST_PROGRAMS = ("tests/record-sysfs", "tests/virtual-devices")
 USERS = "root:x:0:0::/root:/bin/sh\nuser:x:1000:1000::/tmp:/bin/sh\n"
 
 
-def pack(build, kernel, archive, work, built=TEST_PROGRAMS, installed=(), files=None):
+def pack(build, kernel, archive, work, built=TEST_PROGRAMS, installed=(), files=None, usbguard=None):
     """Pack the archive for the products in the folder build, with the modules of the unpacked kernel.
 
-    It gets more that was built, by its path in that folder, programs and files of this machine at their places, and
-    files by the path that they get.
+    It gets more that was built, by its path in that folder, programs and files of this machine at their places,
+    files by the path that they get, and USBGuard's program from the folder that its packages are unpacked in.
     """
     root = pathlib.Path(work, "root")
     for folder in FOLDERS:
@@ -42,6 +42,8 @@ def pack(build, kernel, archive, work, built=TEST_PROGRAMS, installed=(), files=
     (root / "etc/passwd").write_text(USERS, encoding="ascii")
     add_busybox(root)
     _add_programs(root, pathlib.Path(build), built, [pathlib.Path(file) for file in installed])
+    if usbguard:
+        _add_usbguard(root, pathlib.Path(usbguard).resolve())
     add_modules(root, pathlib.Path(kernel), MODULE_LISTS)
     shutil.copy("/usr/bin/usb-devices", root / "usr/bin")
     shutil.copytree(LOCALE, root / LOCALE.relative_to("/"))
@@ -53,8 +55,8 @@ def pack(build, kernel, archive, work, built=TEST_PROGRAMS, installed=(), files=
     write_archive(root, archive)
 
 
-def _output(*command):
-    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+def _output(*command, **more):
+    return subprocess.run(command, check=True, capture_output=True, text=True, **more).stdout
 
 
 def add_busybox(root):
@@ -81,6 +83,19 @@ def _add_programs(root, build, built, installed):
         target.mkdir(parents=True, exist_ok=True)
         shutil.copy(file, target / file.name)
     (root / "bin/sh").symlink_to("dash")
+
+
+def _add_usbguard(root, folder):
+    """The program and its libraries from its folder go next to each other; other libraries keep their places."""
+    program = folder / "usr/bin/usbguard"
+    libraries = ":".join(map(str, (folder / "usr/lib").glob("*-linux-gnu")))
+    linked = _output("ldd", str(program), env={"LD_LIBRARY_PATH": libraries, "PATH": "/usr/bin"})
+    target = root / "opt/usbguard"
+    target.mkdir(parents=True)
+    for file in [program, *map(pathlib.Path, re.findall(r"(?:=> |^\t)(/\S+) \(", linked, re.MULTILINE))]:
+        place = target if folder in file.parents else root / str(file.parent).lstrip("/")
+        place.mkdir(parents=True, exist_ok=True)
+        shutil.copy(file, place / file.name)
 
 
 def add_modules(root, kernel, lists):

@@ -2,8 +2,8 @@
 """Measure how long the command takes beside the usual tools for USB, in an emulated machine with eight devices.
 
 QEMU, without hardware support, boots Debian's kernel. Round by round, every tool runs once as root. Prints the median
-of each as a table, with the ratio to a C++ program that does nothing; then the same of the command on this machine's
-processor, with a device list from a file.
+of each as a table, with the ratio to a C++ program that does nothing; then how soon udevadm monitor and watch report a
+plug; then the times of the command on this machine's processor, with a device list from a file.
 """
 
 import argparse
@@ -39,6 +39,7 @@ MACHINE = Machine(
     ),
 )
 EMPTY = "empty-program"
+PROGRAMS = ("tests/time-commands", "tests/time-plugs", f"tests/{EMPTY}")
 # The commands, and how the table names those whose words do not say it.
 COMMANDS = {
     EMPTY: "an empty C++ program",
@@ -53,9 +54,12 @@ COMMANDS = {
     "lshw": "",
     "usb-devices": "",
 }
-PEERS = ("lsusb", "hwinfo", "lshw")
+PEERS = ("lsusb", "hwinfo", "lshw", "udevadm")
 # Where the tools look for names.
 NAMES = ("/usr/share/misc/usb.ids", "/usr/share/misc/pci.ids", "/usr/lib/udev/hwdb.bin")
+# Of the watch, in milliseconds.
+SETTLE = 100
+PLUGS_A_STEP = 20
 CAPTURE = "tests/data/captures/vm-desktop-debugfs.txt"
 
 
@@ -64,8 +68,11 @@ def main():
     options = _options()
     logs = Logs(options.work)
     try:
+        runs, plugs = _measure_in_guest(options, logs)
         print(f"In an emulated machine with {len(MACHINE.plugs)} devices, {options.rounds} runs each:\n")
-        _print_table(list(COMMANDS), _measure_in_guest(options, logs))
+        _print_table(list(COMMANDS), runs)
+        print(f"\nAfter a plug, {options.rounds} times:\n")
+        _print_plugs(plugs)
     except GuestError as error:
         print(error, *logs.ends(), sep="\n")
         return 1
@@ -94,14 +101,16 @@ def _measure_in_guest(options, logs):
         commands = pathlib.Path(folder, "commands")
         commands.write_text("".join(f"{command}\n" for command in COMMANDS), encoding="ascii")
         installed = [*filter(None, map(shutil.which, PEERS)), *(name for name in NAMES if pathlib.Path(name).exists())]
-        initramfs.pack(options.build, options.kernel, archive, folder, ("tests/time-commands", f"tests/{EMPTY}"),
-                       installed, {"guest/commands": commands})
+        initramfs.pack(options.build, options.kernel, archive, folder, PROGRAMS, installed,
+                       {"guest/commands": commands})
         with Guest(folder, image, archive, logs, qemu.usb_arguments(MACHINE, ()), options.rounds * 10) as guest:
             collector = checks.Collector(guest, _Problems())
             collector.settle(topology.machine_buses(MACHINE, release), "eight devices")
             for step in (("drivers",), ("debugfs", "mount")):
                 collector.prepare(*step)
-            return [_times(guest) for _ in range(options.rounds + 1)][1:]
+            runs = [_times(guest, "time_commands") for _ in range(options.rounds + 1)]
+            collector.prepare("stick")
+            return runs[1:], _plugs(guest, options.rounds)
 
 
 class _Problems:
@@ -114,11 +123,20 @@ class _Problems:
             raise GuestError("\n".join((name, *problems)))
 
 
-def _times(guest):
-    status, files = guest.run("time_commands")
+def _times(guest, step, *arguments):
+    status, files = guest.run(step, *arguments)
     if status:
-        raise GuestError(f"the commands cannot be timed: {files['messages'].decode()}")
+        raise GuestError(f"step {step} ended with {status}: {files['messages'].decode()}")
     return _parsed(files["times"].decode())
+
+
+def _plugs(guest, rounds):
+    """The first plug is for warming up."""
+    times = []
+    while len(times) <= rounds:
+        count = min(PLUGS_A_STEP, rounds + 1 - len(times))
+        times += _times(guest, "time_plugs", str(count), f"{SETTLE}ms")
+    return times[1:]
 
 
 def _measure_here(build, commands, rounds):
@@ -128,7 +146,7 @@ def _measure_here(build, commands, rounds):
 
 
 def _parsed(text):
-    """Per command the microseconds and the exit status."""
+    """The numbers in each line: per command the microseconds and the exit status."""
     return [tuple(map(int, line.split())) for line in text.splitlines()]
 
 
@@ -143,6 +161,19 @@ def _print_table(commands, rounds):
         failed = sorted({status for _, status in results} - {0})
         if failed:
             print(f"`{command}` ends with {', '.join(map(str, failed))}.")
+
+
+def _print_plugs(rounds):
+    """Print when a plug was reported; a round has the microseconds to three reports."""
+    first, last, watch = ([microseconds / 1000 for microseconds in times] for times in zip(*rounds))
+    rows = {"the first line of `udevadm monitor --kernel`": first,
+            "its last line": last,
+            f"the line of `usbinfo watch`, less {SETTLE} ms for settling": [time - SETTLE for time in watch],
+            "that line after the last one of `udevadm`, less the same": [
+                later - earlier - SETTLE for later, earlier in zip(watch, last)]}
+    print("| from the plug to | median, ms | most, ms |\n|---|---|---|")
+    for name, times in rows.items():
+        print(f"| {name} | {statistics.median(times):.1f} | {max(times):.1f} |")
 
 
 if __name__ == "__main__":

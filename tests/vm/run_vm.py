@@ -42,8 +42,11 @@ def _options():
                                                    "state; see tests/data/README.md")
     parser.add_argument("--usb-devices", metavar="FILE", type=pathlib.Path,
                         help="only check what comes of the output of that script, as another version has it")
+    parser.add_argument("--usbguard", metavar="FOLDER", default="build/usbguard", type=pathlib.Path,
+                        help="the folder that tests/fetch_usbguard makes; build/usbguard unless it is given")
     parser.add_argument("--soak", type=int, metavar="ROUNDS",
-                        help="only have devices come and go, and make so many lists meanwhile")
+                        help="only have devices come and go, for so many lists and as often for watch, and send "
+                             f"{checks.UEVENTS_A_ROUND} events each time")
     return parser.parse_args()
 
 
@@ -55,7 +58,7 @@ def _run(options, logs):
     with tempfile.TemporaryDirectory() as folder:
         archive = pathlib.Path(folder, "initramfs")
         other = {"usr/bin/usb-devices": options.usb_devices} if options.usb_devices else {}
-        initramfs.pack(options.build, options.kernel, archive, folder, files=other)
+        initramfs.pack(options.build, options.kernel, archive, folder, files=other, usbguard=options.usbguard)
         try:
             with Guest(folder, image, archive, logs, usb_arguments, options.soak or 0) as guest:
                 if options.usb_devices:

@@ -171,6 +171,7 @@ std::string EverythingPrintedOf(const std::string& list) {
   for (const cli::OutputFormat& format : cli::OutputFormats()) {
     printed += RunMasked(list, {"--format", format.name}).output;
   }
+  printed += RunMasked(list, {"--format", "prometheus", "--with-serials"}).output;
   return printed + RunMasked(list, {"-v"}).output + RunMasked(list, {"--log-level", "verbose"}).errors +
          RunMasked(list, {"--log-level", "verbose", "--log-format", "json"}).errors;
 }

@@ -54,8 +54,8 @@ TEST_P(CaptureRunTest, LogsTheDerivedLines) {
 }
 
 TEST_P(CaptureRunTest, KeepsStandardErrorForWhatGoesWrong) {
-  for (const char* format :
-       {"tree", "table", "json", "jsonl", "csv", "cimxml", "mof", "dot", "html", "list", "usbguard"}) {
+  for (const char* format : {"tree", "table", "json", "jsonl", "csv", "cimxml", "mof", "dot", "html", "list",
+                             "usbguard", "prometheus"}) {
     const CommandResult result = RunOnCapture({"--format", format});
     EXPECT_EQ(Lines(result.errors).size(), HasDevices() ? 0U : 1U) << result.errors;
     EXPECT_EQ(result.status, ExpectedStatus());

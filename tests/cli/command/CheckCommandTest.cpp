@@ -2,6 +2,7 @@
 // of one line for every failure.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
@@ -11,6 +12,8 @@
 #include "tests/cli/support/RunCommand.h"
 
 using nlohmann::json;
+using testing::AllOf;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -154,6 +157,73 @@ TEST(CheckCommand, RefusesOptionsThatContradictEachOther) {
                      "--source is for this machine: ");
   ExpectCheckFailure(RunCheck("allow", {SavedList(), "--as-is"}), "--as-is is for device lists, and ");
   ExpectCheckFailure(RunUsbinfo({"check"}), "POLICY");
+}
+
+/// The line and the exit status of a check for Nagios, which never prints an error.
+void ExpectNagios(const CommandResult& result, int status, const std::string& line) {
+  EXPECT_EQ(result.output, line + "\n");
+  EXPECT_EQ(result.status, status);
+  EXPECT_EQ(result.errors, "");
+}
+
+TEST(CheckCommand, PrintsOneLineForNagiosWithItsStatus) {
+  ExpectNagios(RunCheck("allow", {"--nagios", CheckedList()}), 0,
+               "USB OK: 11 devices allowed | devices=11;;;0 not_allowed=0;;;0 findings=0;;;0");
+  ExpectNagios(RunCheck(kNoMouse, {"--nagios", CheckedList()}), 2,
+               "USB CRITICAL: 1 of 11 devices not allowed: 1-3.2: mouse 0627:0001 \"QEMU USB Mouse\", serial "
+               "\"89126-0000:00:01.0-3.2\" | devices=11;;;0 not_allowed=1;;;0 findings=0;;;0");
+  EXPECT_THAT(
+      RunCheck("block", {"--nagios", CheckedList(), SavedList()}).output,
+      AllOf(StartsWith("USB CRITICAL: 22 of 22 devices not allowed: " + CheckedList() + ": usb1: hub "),
+            HasSubstr("; and 19 more | devices=22;;;0 not_allowed=22;;;0 ")));
+}
+
+TEST(CheckCommand, WarnsNagiosOfSuspectListsUnlessTheyAreAllowed) {
+  const TemporaryFolder folder;
+  const std::string list = folder.File("list", kForgedCheckedList);
+  const std::string numbers = " | devices=2;;;0 not_allowed=0;;;0 findings=2;;;0";
+  ExpectNagios(RunCheck("allow", {"--nagios", list}), 1,
+               "USB WARNING: 2 devices allowed; a device may have forged lines of the device list" + numbers);
+  ExpectNagios(RunCheck("allow", {"--nagios", "--allow-suspect", list}), 0,
+               "USB OK: 2 devices allowed" + numbers);
+  EXPECT_EQ(RunCheck("block", {"--nagios", list}).status, 2);
+}
+
+TEST(CheckCommand, ReportsEveryFailureToNagiosAsUnknown) {
+  const auto expectUnknown = [](const CommandResult& result, const std::string& message) {
+    EXPECT_EQ(result.status, 3);
+    EXPECT_THAT(result.output, StartsWith("USB UNKNOWN: " + message));
+    EXPECT_EQ(Lines(result.output).size(), 1U);
+    EXPECT_EQ(result.errors, "");
+  };
+  expectUnknown(RunCheck("allow it", {"--nagios", CheckedList()}), "standard input:1:7: expected id, ");
+  expectUnknown(RunCheck("allow", {"--nagios", "/nonexistent/|"}),
+                R"(cannot read /nonexistent/\x7c: No such file or directory)");
+  expectUnknown(RunCheck("allow", {"--nagios", "--devices"}), "--devices requires a value");
+  expectUnknown(RunCheck("allow", {"--nagios", "--bogus"}), "unknown option --bogus");
+  expectUnknown(RunUsbinfo({"check", "--nagios"}), "");
+  for (const std::vector<std::string>& other :
+       {std::vector<std::string>{"--format", "json"}, {"--output", "x"}}) {
+    std::vector<std::string> arguments = other;
+    arguments.insert(arguments.end(), {"--nagios", CheckedList()});
+    expectUnknown(RunCheck("allow", arguments), other[0]);
+  }
+  const CommandResult full = Command({"check", "--nagios", "-", CheckedList()}).OutputTo("/dev/full").Run();
+  EXPECT_EQ(full.status, 3);
+  EXPECT_THAT(full.errors, HasSubstr("cannot write standard output"));
+}
+
+TEST(CheckCommand, LetsNoDeviceForgeTheLineForNagios) {
+  json document = json::parse(ReadFile(SavedList()));
+  json& facts = document["kernel"]["devices"];
+  for (json& device : facts) device["product"] = "x | devices=0\nUSB OK: " + std::string(3000, '|');
+  const TemporaryFolder folder;
+  const std::string file = folder.File("saved.json", document.dump());
+  const std::string line = RunCheck("block", {"--nagios", file}).output;
+  EXPECT_EQ(std::count(line.begin(), line.end(), '|'), 1);
+  EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1);
+  EXPECT_THAT(line, AllOf(HasSubstr(R"("x \x7c devices=0\nUSB OK: \x7c)"), EndsWith(" findings=0;;;0\n")));
+  EXPECT_LT(line.size(), 2200U);
 }
 
 }  // namespace

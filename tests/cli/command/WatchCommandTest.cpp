@@ -131,6 +131,23 @@ TEST(Watch, RefusesABaselineThatDoesNotCompare) {
          ": the kernel does not write lines 17, 19 of the device list");
 }
 
+TEST(Watch, HoldsTheMachineAgainstAPolicyAndRefusesAWrongOne) {
+  const TemporaryFolder folder;
+  const std::string wrong = folder.File("wrong.conf", "allow\npermit\n");
+  ExpectWatchRefused(RunUsbinfo({"watch", "--policy", wrong}), wrong + ":2:1: ");
+  ExpectWatchRefused(RunUsbinfo({"watch", "--policy", (folder.Path() / "none").string()}),
+                     "cannot read " + (folder.Path() / "none").string() +
+                         ": No such file or directory; name a file that holds a policy");
+  ExpectWatchRefused(RunUsbinfo({"watch", "--policy", "-", "--baseline", "-"}),
+                     "standard input holds one file: ");
+  const CommandResult result = Command({"watch", "--policy", "-", "--baseline", OtherMachine(folder),
+                                        "--count", "1", "--format", "jsonl"})
+                                   .Input("allow\n")
+                                   .Run();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(json::parse(result.output)["notAllowed"], json::array());
+}
+
 TEST(Watch, RefusesValuesOfItsOptionsThatItCannotTake) {
   ExpectWatchRefused(RunUsbinfo({"watch", "--settle", "2m"}), "--settle: must be 60 seconds at most; see ");
   ExpectWatchRefused(RunUsbinfo({"watch", "--timeout", "soon"}), "--timeout: must be a whole number with ");

@@ -92,7 +92,7 @@ TEST(HostileStrings, AddNoElementToTheXmlDocument) {
 
 TEST(HostileStrings, SendNothingToATerminalThroughAnyFormat) {
   for (const char* locale : {"C", "C.UTF-8"}) {
-    for (const char* format : {"tree", "table", "json", "jsonl", "mof", "dot", "html"}) {
+    for (const char* format : {"tree", "table", "json", "jsonl", "mof", "dot", "html", "prometheus"}) {
       EXPECT_FALSE(ActsOnTerminal(RunOn(HostileDeviceList(), {"--format", format}, locale).output))
           << format << " " << locale;
     }
@@ -149,7 +149,7 @@ TEST(HostileStrings, NeitherTurnTheReadingDirectionNorHideFromPeople) {
       EXPECT_FALSE(HasDirectionMark(text) || HidesCharacters(text)) << hostile.name << " " << form;
       EXPECT_FALSE(ActsOnTerminal(text)) << hostile.name << " " << form;
     }
-    for (const char* form : {"json", "jsonl", "cimxml", "mof", "dot", "html", "csv"}) {
+    for (const char* form : {"json", "jsonl", "cimxml", "mof", "dot", "html", "csv", "prometheus"}) {
       const std::string text = RunOn(DeviceListWith(hostile.bytes), {"--format", form}).output;
       EXPECT_FALSE(HasDirectionMark(text) || HidesCharacters(text)) << hostile.name << " " << form;
     }

@@ -146,10 +146,24 @@ ALLOWED["usbinfo-changes"] = (
     *(rf"changes/0/difference/?{pattern}"
       for pattern in ALLOWED["usbinfo-diff"]),
 )
+ALLOWED["usbinfo-checks"] = (
+    r": policy = '\?'",
+    r": hosts = \[\]",
+    r"hosts/0: host = '\?'",
+    r"hosts/0: suspect = True",
+    r"hosts/0: refused = \[\]",
+    r"hosts/0/refused/0: (name|product|serial|rule) = None",
+    r"hosts/0/refused/0: (device|product|serial) = '\?'",
+    r"hosts/0/refused/0: kinds = \[\]",
+    r"hosts/0/refused/0/rule: text = '\?'",
+    r"hosts/1: (host|error) = '\?'",
+    r"hosts/1: suspect = True",
+)
 ALLOWED["usbinfo-watch"] = (
     r": machine = (None|'\?')",
     r": cameAndWent = \[\]",
     r": eventsLost = True",
+    r": notAllowed = (None|\[\])",
     r"cameAndWent/0: kinds = \[\]",
     *(rf"difference/?{pattern}" for pattern in ALLOWED["usbinfo-diff"]),
 )
@@ -440,9 +454,26 @@ def check_changes(failures, usbinfo, changes):
                  {**changes, "changes": changes["changes"][:1]})
 
 
+def check_hosts_checked(failures, usbinfo, store):
+    """Hold a check of two hosts, of which one fails, to its schema, and this to be strict."""
+    store.load(usbinfo.inventory(OLD, "--system-name", "a"), 0)
+    store.load(usbinfo.inventory(OLD, "--system-name", "b", "--mask-serials"), 0)
+    policy = usbinfo.file("rules.conf", b'block serial "1"\nreject\n')
+    status, output = store.run("check", policy, "--allow-suspect", "--format", "json")
+    document = json.loads(output)
+    checked, failed = document["hosts"][:2]
+    if status != 2 or checked["error"] or not failed["error"]:
+        failures.report(f"check of the store: status {status}: {checked}, {failed}")
+    document["hosts"] = [{**checked, "refused": checked["refused"][:1]}, failed]
+    check_strict(failures, usbinfo, "usbinfo-checks", document)
+    for host in ("a", "b"):
+        store.run("forget", host)
+
+
 def check_store(failures, usbinfo, path):
     """Hold all that the store prints to its schemas, and these to be strict."""
     store, printed = loaded_store(usbinfo, path, usbinfo.folder)
+    check_hosts_checked(failures, usbinfo, store)
     check_changes(failures, usbinfo, store.document("changes", "--format", "json"))
     validator = schema("usbinfo-lists")
     for document in printed:

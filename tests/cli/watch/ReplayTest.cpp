@@ -1,8 +1,10 @@
 // The watch's lines, replayed over the baseline, give the inventory in the end, whatever is plugged and
-// unplugged, and however quickly; and every device that no look has seen is reported as come and gone.
+// unplugged, and however quickly; every device that no look has seen is reported as come and gone; and each
+// one that a policy does not allow is reported once while it stays.
 #include <fmt/format.h>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <functional>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -12,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+#include "cli/policy/PolicyParser.h"
+#include "cli/watch/PolicyAudit.h"
 #include "cli/watch/WatchReport.h"
 #include "cli/watch/Watcher.h"
 #include "kernel/DeviceName.h"
@@ -26,6 +30,27 @@ namespace {
 
 /// A device that was plugged in, by its name and number.
 using Stay = std::pair<std::string, int>;
+
+/// Devices that are not allowed, each by its name, product and serial number.
+using NotAllowed = std::set<std::string>;
+
+constexpr const char* kPolicy = "reject serial \"S1\"\nblock name \"Model 3\"\nallow\n";
+
+/// What the policy does not allow.
+NotAllowed NotAllowedOf(const PluggedByName& all) {
+  NotAllowed devices;
+  for (const auto& [name, plugged] : all) {
+    const Model& model = plugged.model;
+    if (model.serial != "S1" && model.name != "Model 3") continue;
+    devices.insert(fmt::format("{} {} {}", name, model.name, model.serial));
+  }
+  return devices;
+}
+
+std::string TextOf(const json& refused) {
+  return fmt::format("{} {} {}", refused["name"].get<std::string>(), refused["product"].get<std::string>(),
+                     refused["serial"].is_null() ? "Not Available" : refused["serial"].get<std::string>());
+}
 
 /// Makes the script of a random machine: what is plugged in where, and for how long.
 class RandomScript {
@@ -121,7 +146,8 @@ class Reader {
     cli::Watcher watcher({.events = machine,
                           .clock = machine,
                           .collect = [this] { return Collect(); },
-                          .print = [this](const cli::WatchReport& report) { Take(RenderWatchJson(report)); }},
+                          .print = [this](const cli::WatchReport& report) { Take(RenderWatchJson(report)); },
+                          .audit = &fAudit},
                          {}, cli::FromJson(InventoryOf({}).dump(), "known"));
     EXPECT_TRUE(watcher.Follow());
   }
@@ -129,10 +155,19 @@ class Reader {
   const DevicesByPlace& Devices() const { return fDevices; }
   const std::set<Stay>& CameAndWent() const { return fCameAndWent; }
   bool HasSeen(const Stay& stay) const { return fSeen.count(stay) > 0; }
+  /// The devices that are not allowed and were not so before, for each look that found some: what was
+  /// printed, and what the machine had.
+  const std::vector<NotAllowed>& Printed() const { return fPrinted; }
+  const std::vector<NotAllowed>& Expected() const { return fExpected; }
 
  private:
   cli::Inventory Collect() {
     for (const auto& [name, plugged] : fMachine.plugged) fSeen.insert({name, plugged.number});
+    const NotAllowed before = std::exchange(fNotAllowed, NotAllowedOf(fMachine.plugged));
+    NotAllowed added;
+    std::set_difference(fNotAllowed.begin(), fNotAllowed.end(), before.begin(), before.end(),
+                        std::inserter(added, added.end()));
+    if (!added.empty()) fExpected.push_back(added);
     return fMachine.Collect();
   }
 
@@ -144,20 +179,28 @@ class Reader {
       const Stay stay(visitor["name"].get<std::string>(), visitor["number"].get<int>());
       EXPECT_TRUE(fCameAndWent.insert(stay).second) << visitor;
     }
+    NotAllowed printed;
+    for (const json& refused : report["notAllowed"]) printed.insert(TextOf(refused));
+    if (!printed.empty()) fPrinted.push_back(printed);
   }
 
   ScriptedMachine& fMachine;
   DevicesByPlace fDevices = DevicesOf(InventoryOf({}));
   std::set<Stay> fCameAndWent;
   std::set<Stay> fSeen;
+  cli::PolicyAudit fAudit{cli::ParsePolicy(kPolicy, "rules.conf")};
+  NotAllowed fNotAllowed;
+  std::vector<NotAllowed> fPrinted;
+  std::vector<NotAllowed> fExpected;
   int fReports = 0;
 };
 
 class ReplayTest : public testing::TestWithParam<bool> {};
 
-TEST_P(ReplayTest, GivesTheFinalInventoryAndAllThatCameAndWent) {
+TEST_P(ReplayTest, GivesTheFinalInventoryAndAllThatCameAndWentOrIsNotAllowed) {
   const bool losesEvents = GetParam();
   std::size_t unseen = 0;
+  std::size_t refused = 0;
   for (unsigned seed = 0; seed < 40 && !HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     ScriptedMachine machine;
@@ -165,6 +208,8 @@ TEST_P(ReplayTest, GivesTheFinalInventoryAndAllThatCameAndWent) {
     script.Write(40);
     const Reader reader(machine);
     EXPECT_EQ(reader.Devices(), DevicesOf(InventoryOf(machine.plugged)));
+    refused += reader.Printed().size();
+    EXPECT_EQ(reader.Printed(), reader.Expected());
     if (losesEvents) continue;
     std::set<Stay> expected;
     for (const Stay& stay : script.Stays()) {
@@ -174,6 +219,7 @@ TEST_P(ReplayTest, GivesTheFinalInventoryAndAllThatCameAndWent) {
     unseen += expected.size();
   }
   EXPECT_EQ(unseen > 0, !losesEvents);
+  EXPECT_GT(refused, 0U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Events, ReplayTest, testing::Bool(),

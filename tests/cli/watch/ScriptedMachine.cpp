@@ -135,6 +135,16 @@ Waking ScriptedMachine::Wait(std::optional<cli::Clock::Point> deadline) {
   return {Waking::Cause::kDeadline};
 }
 
+std::optional<Waking> ScriptedMachine::Receive() {
+  while (!fSteps.empty() && fSteps.front().at <= fNow) {
+    const Step step = std::move(fSteps.front());
+    fSteps.pop_front();
+    if (step.action) step.action();
+    if (step.waking) return step.waking;
+  }
+  return std::nullopt;
+}
+
 std::time_t ScriptedMachine::Time() const {
   return kBeginning + std::chrono::duration_cast<std::chrono::seconds>(fNow).count();
 }

@@ -60,6 +60,7 @@ class ScriptedMachine : public cli::UeventSource, public cli::Clock {
 
   /// Says stop when the script is over and there is no deadline.
   cli::Waking Wait(std::optional<cli::Clock::Point> deadline) override;
+  std::optional<cli::Waking> Receive() override;
   cli::Clock::Point Now() const override { return cli::Clock::Point(fNow); }
   std::time_t Time() const override;
 

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/policy/PolicyParser.h"
+#include "cli/watch/PolicyAudit.h"
 #include "cli/watch/WatchReport.h"
 #include "cli/watch/Watcher.h"
 #include "tests/cli/support/CliTest.h"
@@ -19,6 +21,8 @@ using std::chrono::milliseconds;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
 
 namespace usbinfo_test {
 namespace {
@@ -36,7 +40,16 @@ class WatcherTest : public testing::Test {
     return watcher.Follow();
   }
 
-  Watcher NewWatcher(const WatchSettings& settings, const PluggedByName& known) {
+  /// The same with a policy, which what is there at the start is held against, too.
+  bool FollowWithPolicy(const std::string& rules) {
+    cli::PolicyAudit audit(cli::ParsePolicy(rules, "rules.conf"));
+    Watcher watcher = NewWatcher({}, machine.plugged, &audit);
+    watcher.Compare(machine.Collect());
+    return watcher.Follow();
+  }
+
+  Watcher NewWatcher(const WatchSettings& settings, const PluggedByName& known,
+                     cli::PolicyAudit* audit = nullptr) {
     return Watcher({.events = machine,
                     .clock = machine,
                     .collect = [this] { return machine.Collect(); },
@@ -45,7 +58,8 @@ class WatcherTest : public testing::Test {
                           times.push_back(machine.Elapsed());
                           texts.push_back(cli::RenderWatchText(report, false));
                           lines.push_back(json::parse(cli::RenderWatchJson(report)));
-                        }},
+                        },
+                    .audit = audit},
                    settings, cli::FromJson(InventoryOf(known).dump(), "known"));
   }
 
@@ -67,9 +81,9 @@ TEST_F(WatcherTest, LooksAndReportsWhenNoEventHasComeForTheSettlingTime) {
 
 TEST_F(WatcherTest, LooksAtOnceWithoutASettlingTime) {
   machine.Plug(1000ms, "1-2", kStick);
-  machine.Unplug(1000ms, "1-2");
+  machine.Unplug(1001ms, "1-2");
   EXPECT_TRUE(Follow({.settle = 0ms}));
-  EXPECT_THAT(times, ElementsAre(1000, 1000));
+  EXPECT_THAT(times, ElementsAre(1000, 1001));
 }
 
 TEST_F(WatcherTest, LooksAfterTenSettlingTimesWhereEventsDoNotEnd) {
@@ -126,6 +140,21 @@ TEST_F(WatcherTest, TakesALastLookWhenItIsStopped) {
   EXPECT_EQ(lines.at(0)["difference"]["added"].size(), 1U);
 }
 
+TEST_F(WatcherTest, TakesWhatHasComeBeforeItIsStopped) {
+  machine.Stop(1000ms);
+  machine.Plug(1000ms, "1-2", kStick);
+  machine.Unplug(1000ms, "1-2");
+  EXPECT_TRUE(Follow());
+  EXPECT_THAT(machine.Looks(), ElementsAre(1000));
+  EXPECT_EQ(lines.at(0)["cameAndWent"].size(), 1U);
+}
+
+TEST_F(WatcherTest, TakesOneLookAtEventsThatCameTogether) {
+  for (int event = 0; event < 100; ++event) machine.Send(1000ms, {.name = "1-2"});
+  EXPECT_TRUE(Follow({.settle = 0ms}));
+  EXPECT_THAT(machine.Looks(), ElementsAre(1000, 1000));
+}
+
 TEST_F(WatcherTest, LooksAnewWhenEventsAreLostAndSaysSo) {
   machine.Do(1000ms, [this] { machine.plugged["1-2"] = kStick; });
   machine.Lose(1000ms);
@@ -147,6 +176,16 @@ TEST_F(WatcherTest, ReportsADeviceThatCameAndWentBetweenTwoLooks) {
   EXPECT_EQ(lines.at(0)["cameAndWent"],
             json::parse(R"([{"name": "1-2", "number": 2, "id": "0781:5581", "kinds": ["mass storage"]}])"));
   EXPECT_EQ(lines.at(1)["cameAndWent"], json::array());
+}
+
+TEST_F(WatcherTest, ReportsADeviceThatGoesJustBeforeItIsLookedAt) {
+  machine.Plug(1000ms, "1-2", kStick);
+  machine.Do(1500ms, [this] { machine.plugged.erase("1-2"); });
+  for (const UsbEvent& event : EventsOfRemoving("1-2", kStick)) machine.Send(1501ms, event);
+  EXPECT_TRUE(Follow());
+  EXPECT_THAT(times, ElementsAre(1500));
+  EXPECT_EQ(lines.at(0)["cameAndWent"].size(), 1U);
+  EXPECT_EQ(lines.at(0)["difference"]["added"], json::array());
 }
 
 TEST_F(WatcherTest, ReportsADeviceThatCameAndWentInThePlaceOfOneThatIsThereAgain) {
@@ -232,6 +271,43 @@ TEST_F(WatcherTest, PrintsWhatDiffPrintsAndWhatElseHappened) {
             "! events were lost: more devices may have come and gone\n");
 }
 
+TEST_F(WatcherTest, ReportsADeviceThatIsNotAllowedAtTheStartAndWhenItComesOrChanges) {
+  const char* const rules = "allow 1d6b:*\nblock serial \"S1\"\nallow name \"Mouse\"\n";
+  const std::string byRule =
+      "0781:5581 \"Stick\", serial \"S1\": blocked by rules.conf:2: block serial \"S1\"\n";
+  machine.plugged["1-2"] = kStick;
+  machine.Plug(1000ms, "1-3", {3, {"Mouse"}});
+  machine.Do(3000ms, [this] { machine.plugged["1-3"].model.name = "Rat"; });
+  machine.Send(3000ms, {.name = "1-3"});
+  machine.Unplug(5000ms, "1-2");
+  machine.Plug(7000ms, "1-2", kStick);
+  EXPECT_TRUE(FollowWithPolicy(rules));
+  EXPECT_THAT(times, ElementsAre(0, 1500, 3500, 5500, 7500));
+  EXPECT_THAT(texts, ElementsAre(HasSubstr("\n! 1-2: device " + byRule), Not(HasSubstr("!")),
+                                 HasSubstr("\n! 1-3: device 1234:5678 \"Rat\": blocked, no rule matches\n"),
+                                 Not(HasSubstr("!")), HasSubstr("\n! 1-2: device " + byRule)));
+  EXPECT_EQ(lines.at(0)["difference"]["added"], json::array());
+  EXPECT_EQ(lines.at(0)["notAllowed"], json::parse(R"([{
+    "device": "Bus 01  Device   2", "name": "1-2", "id": "0781:5581", "product": "Stick", "serial": "S1", "kinds": [],
+    "decision": "block", "rule": {"line": 2, "text": "block serial \"S1\""},
+    "reason": "blocked by rules.conf:2: block serial \"S1\""}])"));
+  EXPECT_EQ(lines.at(1)["notAllowed"], json::array());
+}
+
+TEST_F(WatcherTest, ReportsADeviceThatARuleCannotDecideAboutAndGoesOn) {
+  machine.plugged["1-2"] = kStick;
+  machine.Plug(1000ms, "1-3", {3, {"Mouse"}});
+  EXPECT_TRUE(FollowWithPolicy("allow 1d6b:*\nallow serial \"S1\" hash \"x\"\nallow\n"));
+  const std::string reason = "rules.conf:2: the rule needs hash of 1-2, which is not known: ";
+  EXPECT_THAT(texts.at(0), HasSubstr("\n! 1-2: device 0781:5581 \"Stick\", serial \"S1\": " + reason));
+  EXPECT_EQ(lines.at(0)["notAllowed"].size(), 1U);
+  EXPECT_EQ(lines.at(0)["notAllowed"][0]["decision"], nullptr);
+  EXPECT_EQ(lines.at(0)["notAllowed"][0]["rule"], nullptr);
+  EXPECT_THAT(lines.at(0)["notAllowed"][0]["reason"].get<std::string>(), StartsWith(reason));
+  EXPECT_THAT(times, ElementsAre(0, 1500));
+  EXPECT_EQ(lines.at(1)["notAllowed"], json::array());
+}
+
 TEST_F(WatcherTest, WritesOneLineOfJsonWithTimeMachineAndTheDifference) {
   machine.Plug(2000ms, "1-2", kStick);
   EXPECT_TRUE(Follow());
@@ -242,6 +318,7 @@ TEST_F(WatcherTest, WritesOneLineOfJsonWithTimeMachineAndTheDifference) {
   EXPECT_EQ(line["difference"]["schema"], "usbinfo.diff/2");
   EXPECT_EQ(line["difference"]["added"][0]["place"], "1-2");
   EXPECT_EQ(line["eventsLost"], false);
+  EXPECT_EQ(line["notAllowed"], nullptr);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "cli/collect/Input.h"
+#include "cli/text/Input.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
