@@ -93,15 +93,9 @@ endforeach()
 install(FILES README.md docs/monitoring.md DESTINATION share/doc/usbinfo COMPONENT usbinfo)
 install(FILES docs/writing-a-host.md DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev)
 install(DIRECTORY examples DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev
-<<<<<<< HEAD
         PATTERN machines.jsonl EXCLUDE PATTERN fleet EXCLUDE PATTERN monitoring EXCLUDE)
-# What docs/fleet.md has administrators put in place: each package brings the files of the machines that it is for. No
-# service is installed, let alone enabled.
-=======
-        PATTERN machines.jsonl EXCLUDE PATTERN fleet EXCLUDE)
 # What docs/fleet.md has administrators put in place: each package brings the files of the machines that it is for. Their
 # services are examples: none is installed.
->>>>>>> units
 set(PROGRAM_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 install(DIRECTORY examples/fleet DESTINATION share/doc/usbinfo/examples COMPONENT usbinfo
         PATTERN usbinfo.fact PERMISSIONS ${PROGRAM_PERMISSIONS}
