@@ -90,7 +90,7 @@ foreach(package ${CPACK_COMPONENTS_ALL})
   install(FILES "${PACKAGE_FILES}/copyright" "${PACKAGE_FILES}/changelog.gz" "${PACKAGE_FILES}/changelog.Debian.gz"
           DESTINATION "share/doc/${package}" COMPONENT ${package})
 endforeach()
-install(FILES README.md docs/monitoring.md DESTINATION share/doc/usbinfo COMPONENT usbinfo)
+install(FILES README.md docs/monitoring.md docs/policies.md docs/watching.md DESTINATION share/doc/usbinfo COMPONENT usbinfo)
 install(FILES docs/writing-a-host.md DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev)
 install(DIRECTORY examples DESTINATION share/doc/usbinfo-dev COMPONENT usbinfo-dev
         PATTERN machines.jsonl EXCLUDE PATTERN fleet EXCLUDE PATTERN monitoring EXCLUDE)

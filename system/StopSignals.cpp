@@ -1,42 +1,50 @@
 #include "system/StopSignals.h"
 
-#include <sys/signalfd.h>
+#include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
+#include <csignal>
+#include <cstdint>
 
 namespace sys {
 
 namespace {
 
-bool IsIgnored(int signal) {
-  struct sigaction action = {};
-  return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+// The signal handler writes to it, whichever thread it runs on.
+std::atomic<int> stopEvent = -1;
+
+void NoteStop(int /*signal*/) {
+  const int errorBefore = errno;
+  constexpr std::uint64_t kOne = 1;
+  if (::write(stopEvent, &kOne, sizeof kOne) < 0) errno = errorBefore;
 }
 
-sigset_t SetOfStopSignals() {
-  sigset_t set;
-  sigemptyset(&set);
-  for (const int signal : {SIGINT, SIGTERM}) {
-    if (!IsIgnored(signal)) sigaddset(&set, signal);
-  }
-  return set;
+bool IsDefault(int signal) {
+  struct sigaction action = {};
+  return ::sigaction(signal, nullptr, &action) == 0 && (action.sa_flags & SA_SIGINFO) == 0 &&
+         action.sa_handler == SIG_DFL;
 }
 
 }  // namespace
 
-StopSignals::StopSignals() {
-  const sigset_t set = SetOfStopSignals();
-  fDescriptor = FileDescriptor(::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK));
+StopSignals::StopSignals() : fDescriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
   if (!fDescriptor.IsOpen()) ThrowSystemError(errno);
-  ::pthread_sigmask(SIG_BLOCK, &set, &fMaskBefore);
+  stopEvent = fDescriptor.Get();
+  for (const int signal : {SIGINT, SIGTERM}) {
+    if (!IsDefault(signal)) continue;
+    struct sigaction action = {};
+    action.sa_handler = NoteStop;
+    action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
+    ::sigaction(signal, &action, nullptr);
+    fTaken.push_back(signal);
+  }
 }
 
 StopSignals::~StopSignals() {
-  signalfd_siginfo taken;
-  while (::read(fDescriptor.Get(), &taken, sizeof taken) > 0) {
-  }
-  ::pthread_sigmask(SIG_SETMASK, &fMaskBefore, nullptr);
+  for (const int signal : fTaken) static_cast<void>(std::signal(signal, SIG_DFL));
+  stopEvent = -1;
 }
 
 }  // namespace sys

@@ -1,17 +1,18 @@
 // SIGINT and SIGTERM as something to wait for, for a program that ends its work in good order when it is
-// stopped. While the object lives, they do not end the process.
+// stopped.
 #pragma once
 
-#include <csignal>
+#include <vector>
 
 #include "system/FileDescriptor.h"
 
 namespace sys {
 
+/// While it lives, the first signal of each kind does not end the process. The same signal once more does, so
+/// that a process can be ended that waits for something else. One exists at a time.
 class StopSignals {
  public:
-  /// Blocks them on this thread, and on threads that it starts from now on. One that the process ignores is
-  /// left alone. Throws std::system_error.
+  /// A signal that the process ignores or handles by itself is left alone. Throws std::system_error.
   StopSignals();
   StopSignals(const StopSignals&) = delete;
   StopSignals& operator=(const StopSignals&) = delete;
@@ -22,8 +23,8 @@ class StopSignals {
   int Get() const { return fDescriptor.Get(); }
 
  private:
-  sigset_t fMaskBefore{};
   FileDescriptor fDescriptor;
+  std::vector<int> fTaken;
 };
 
 }  // namespace sys

@@ -92,7 +92,8 @@ JSON inventories keep their own names.)",
        .store = StoreText(source.plugin)}};
 }
 
-std::vector<Option> MaskOptions(Source& source) {
+std::vector<Option> MaskOptions(Source& source, KeyInput input) {
+  const bool takesInput = input == KeyInput::kFileOrStandardInput;
   return {{.names = {"--mask-serials"},
            .help = "Print and log hashes instead of serial numbers",
            .manual = R"(Print and log hashes instead of serial numbers.
@@ -102,13 +103,14 @@ Hashes of version 1.0.0 do not compare with these.)",
            .store = StoreTrue(source.maskSerials)},
           {.names = {"--mask-key"},
            .value = "FILE",
-           .help = "Hash with this key, so that inventories with the same key compare; - is standard input",
+           .help = std::string("Hash with this key, so that inventories with the same key compare") +
+                   (takesInput ? "; - is standard input" : ""),
            .defaultValue = "a random key for each run",
            .requiredOption = "--mask-serials",
-           .manual = R"(Read the key for
+           .manual = std::string(R"(Read the key for
 .Fl -mask-serials
-from this file, so that inventories with the same key can be compared.
-A single dash is standard input.
+from this file, so that inventories with the same key can be compared.)") +
+                     (takesInput ? "\nA single dash is standard input." : "") + R"(
 The key must have at least 16 bytes and be hard to guess, and other users must not
 be able to read the file.
 The command

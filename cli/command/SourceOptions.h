@@ -22,8 +22,11 @@ Option IgnoreOption(std::vector<std::string>& ignored);
 /// --system-name NAME and --plugin FILE, where device lists and this machine are compared.
 std::vector<Option> ListOptions(Source& source);
 
+/// What --mask-key takes.
+enum class KeyInput { kFile, kFileOrStandardInput };
+
 /// --mask-serials and --mask-key FILE.
-std::vector<Option> MaskOptions(Source& source);
+std::vector<Option> MaskOptions(Source& source, KeyInput input = KeyInput::kFileOrStandardInput);
 
 /// --devices, --source, --as-is, --no-limits and --system-name.
 std::vector<Option> SourceOptions(Source& source);

@@ -27,8 +27,9 @@ namespace cli {
 
 namespace {
 
-Inventory CollectNow(const Source& source, LogWriter& log) {
+Inventory CollectNow(const Source& source, bool allowsSuspect, LogWriter& log) {
   Inventory inventory = Collect(source, AllClasses(), log);
+  if (!allowsSuspect) RefuseFindings(inventory, kThisMachine, "compare");
   WarnOfFindings(inventory);
   return inventory;
 }
@@ -68,12 +69,13 @@ int RunWatch(const WatchOptions& options) {
   // Before the machine is looked at, so that nothing happens unseen in between.
   UdevMonitor events(signals.Get());
   const SystemClock clock;
-  Inventory now = CollectNow(source, log);
+  const auto collect = [&] { return CollectNow(source, options.allowsSuspect, log); };
+  Inventory now = collect();
   if (baseline) CheckBaseline(options, *baseline, now);
 
   Watcher watcher({.events = events,
                    .clock = clock,
-                   .collect = [&] { return CollectNow(source, log); },
+                   .collect = collect,
                    .print = [&](const WatchReport& report) { Print(options, report); },
                    .audit = audit ? &*audit : nullptr},
                   options.settings, baseline ? std::move(*baseline) : now);

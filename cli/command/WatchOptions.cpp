@@ -54,11 +54,9 @@ Option SettleOption(WatchSettings& settings) {
           .value = "TIME",
           .help = "Look at the machine when nothing has happened for this time: 500ms, 2s",
           .defaultValue = "500ms",
-          .manual = R"(Look at the machine when no event has come for this time, a whole number with
-.Li ms
-or
-.Li s
-after it, of one minute at most.
+          .manual = R"(Look at the machine when no event has come for this time, which is given as for
+.Fl -timeout
+and is one minute at most.
 Where events go on and on, the machine is looked at after ten times as long.)",
           .store = [&settings](const std::string& text) {
             settings.settle = ParseDuration(text, kLongestSettle);
@@ -81,7 +79,7 @@ std::vector<Option> EndOptions(WatchSettings& settings) {
 .Li h
 or
 .Li d
-after it.
+after it, and 366 days at most.
 What has happened by then is still printed.)",
            .store = [&settings](const std::string& text) {
              settings.timeout = ParseDuration(text, kLongestTimeout);
@@ -102,7 +100,7 @@ std::vector<Option> WatchOptionTable(WatchOptions& options) {
   table.push_back(AllowSuspectOption("Compare", options.allowsSuspect));
   table.push_back(WayOption(options.source.way));
   table.push_back(AsIsOption(options.source.isAsIs));
-  for (Option& option : MaskOptions(options.source)) table.push_back(std::move(option));
+  for (Option& option : MaskOptions(options.source, KeyInput::kFile)) table.push_back(std::move(option));
   for (Option& option : ListOptions(options.source)) table.push_back(std::move(option));
   return table;
 }

@@ -1,5 +1,7 @@
 #include "cli/watch/PolicyAudit.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 
 #include "cli/policy/PolicyCheckText.h"
@@ -7,6 +9,10 @@
 #include "cli/text/UserError.h"
 
 namespace cli {
+
+std::string Describe(const Refusal& refusal) {
+  return fmt::format("{}: {}: {}", PlaceOf(refusal.device), DescribeDevice(refusal.device), refusal.reason);
+}
 
 PolicyAudit::PolicyAudit(Policy policy) : fPolicy(std::move(policy)) {}
 
@@ -16,9 +22,9 @@ std::vector<Refusal> PolicyAudit::Audit(const Inventory& now) {
   for (PolicyDevice& device : PolicyDevicesOf(now)) {
     std::optional<Refusal> refusal = Judge(std::move(device));
     if (!refusal) continue;
-    const auto [text, isNew] =
-        fKnown.insert(PlaceOf(refusal->device) + DescribeDevice(refusal->device) + refusal->reason);
-    if (isNew && known.count(*text) == 0) refusals.push_back(std::move(*refusal));
+    const std::string text = Describe(*refusal);
+    fKnown.insert(text);
+    if (known.count(text) == 0) refusals.push_back(std::move(*refusal));
   }
   return refusals;
 }

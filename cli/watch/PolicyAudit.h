@@ -21,6 +21,9 @@ struct Refusal {
   std::string reason;
 };
 
+/// "1-3.1: keyboard 046d:c31c "USB Keyboard": blocked, no rule matches", escaped as for documents.
+std::string Describe(const Refusal& refusal);
+
 class PolicyAudit {
  public:
   explicit PolicyAudit(Policy policy);
@@ -28,8 +31,8 @@ class PolicyAudit {
   /// Whether the inventories need the hashes of devices.
   bool NeedsHashes() const { return fPolicy.UsesHashes(); }
 
-  /// The devices of `now` that are not allowed, but for those that were so in the call before, for the same
-  /// reason. `now` must outlive them.
+  /// The devices of `now` that are not allowed, but for those of which the same was said in the call before.
+  /// `now` must outlive them.
   std::vector<Refusal> Audit(const Inventory& now);
 
  private:

@@ -10,7 +10,6 @@
 #include "cli/model/JsonValues.h"
 #include "cli/model/Kinds.h"
 #include "cli/policy/PolicyCheckJson.h"
-#include "cli/policy/PolicyCheckText.h"
 #include "cli/text/JsonWriter.h"
 #include "cli/text/UtcTime.h"
 
@@ -75,8 +74,7 @@ std::string RenderWatchText(const WatchReport& report, bool isColored) {
     text += fmt::format("* {}: {} {} came and went\n", device.name, DescribeKinds(device), IdOf(device));
   }
   for (const Refusal& refusal : report.refusals.value_or(std::vector<Refusal>())) {
-    text += fmt::format("! {}: {}: {}\n", PlaceOf(refusal.device), DescribeDevice(refusal.device),
-                        refusal.reason);
+    text += fmt::format("! {}\n", Describe(refusal));
   }
   if (report.hasLosses) text += "! events were lost: more devices may have come and gone\n";
   return text;

@@ -48,7 +48,7 @@ bool Watcher::Follow() {
   while (goesOn && !IsCountReached()) {
     goesOn = AwaitLook(end);
     TakeBacklog();
-    Look();
+    Look(goesOn);
   }
   return !fRetryAt;
 }
@@ -84,12 +84,12 @@ std::optional<Clock::Point> Watcher::NextLook() const {
   return fRetryAt ? fRetryAt : fBatch.LookAt(fSettings.settle);
 }
 
-void Watcher::Look() {
+void Watcher::Look(bool isRepeated) {
   std::optional<Inventory> now;
   try {
     now = fWatched.collect();
   } catch (const UserError& error) {
-    NoteFailure(error.what());
+    NoteFailure(error.what(), isRepeated);
     return;
   }
   fRetryAt.reset();
@@ -97,11 +97,12 @@ void Watcher::Look() {
   Compare(std::move(*now));
 }
 
-void Watcher::NoteFailure(const std::string& message) {
+void Watcher::NoteFailure(const std::string& message, bool isRepeated) {
   fRetryAt = fWatched.clock.Now() + kRetryAfter;
-  if (message == fFailure) return;
+  if (isRepeated && message == fFailure) return;
   fFailure = message;
-  PrintMessage(fmt::format("{}; trying again every {} seconds", message, kRetryAfter.count()));
+  PrintMessage(isRepeated ? fmt::format("{}; trying again every {} seconds", message, kRetryAfter.count())
+                          : message);
 }
 
 }  // namespace cli

@@ -64,8 +64,9 @@ class Watcher {
   void Take(const Waking& waking);
   /// Takes the events that are already there, so that the look is compared with all that came before it.
   void TakeBacklog();
-  void Look();
-  void NoteFailure(const std::string& message);
+  /// `isRepeated` says that there will be another look if this one fails.
+  void Look(bool isRepeated);
+  void NoteFailure(const std::string& message, bool isRepeated);
 
   Watched fWatched;
   WatchSettings fSettings;

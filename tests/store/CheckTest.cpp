@@ -21,7 +21,7 @@ constexpr const char* kPenRefused =
     R"(: 4-1: mouse 056a:0000 "Wacom PenPartner", serial "PEN-1": blocked by standard input:1: block id 056a:*)"
     "\n";
 
-Json Named(Json document, const std::string& host) {
+Json OfHost(Json document, const std::string& host) {
   return Json::parse([&] {
     std::string text = document.dump();
     for (std::size_t at = 0; (at = text.find("vm-desktop", at)) != std::string::npos; at += host.size()) {
@@ -64,9 +64,9 @@ class StoreCheckTest : public StoreTest {
 };
 
 TEST_P(StoreCheckTest, ListsWhatIsNotAllowedOnEachHost) {
-  Load(Named(Desktop(kNow), "b"));
-  Load(Named(WithoutPen(Desktop(kNow)), "a"));
-  Load(Named(Desktop(kNow), "c"));
+  Load(OfHost(Desktop(kNow), "b"));
+  Load(OfHost(WithoutPen(Desktop(kNow)), "a"));
+  Load(OfHost(Desktop(kNow), "c"));
   const CommandResult result = Check(kNoPen);
   EXPECT_EQ(result.output, std::string("b") + kPenRefused + "c" + kPenRefused +
                                "2 of 33 devices not allowed, on 2 of 3 hosts\n");
@@ -84,7 +84,7 @@ TEST_P(StoreCheckTest, PrintsNothingWhereAllIsAllowed) {
 TEST_P(StoreCheckTest, ChecksTheReportOfTheTimeThatIsNamed) {
   Load(WithoutPen(Desktop(kNow - 2 * kDay)));
   Load(Desktop(kNow - kDay));
-  Load(Named(Desktop(kNow), "later"));
+  Load(OfHost(Desktop(kNow), "later"));
   EXPECT_EQ(Check(kNoPen, {"--at", "2026-11-20T12:00"}).status, 0);
   EXPECT_EQ(Check(kNoPen, {"--at", "2026-11-21T12:00"}).output,
             std::string("vm-desktop") + kPenRefused + "1 of 11 devices not allowed, on 1 of 1 host\n");
@@ -95,9 +95,9 @@ TEST_P(StoreCheckTest, ChecksTheReportOfTheTimeThatIsNamed) {
 }
 
 TEST_P(StoreCheckTest, ChecksTheOthersWhereOneHostCannotBeChecked) {
-  Load(Named(Desktop(kNow), "a"));
-  Load(Named(Suspect(Desktop(kNow)), "b"));
-  Load(Named(WithMaskedSerials(Desktop(kNow)), "c"));
+  Load(OfHost(Desktop(kNow), "a"));
+  Load(OfHost(Suspect(Desktop(kNow)), "b"));
+  Load(OfHost(WithMaskedSerials(Desktop(kNow)), "c"));
   const std::string policy = "block serial \"PEN-1\"\nallow\n";
   const CommandResult result = Check(policy);
   EXPECT_EQ(result.status, 2);
@@ -143,7 +143,7 @@ TEST_P(StoreCheckTest, PutsNoTextOfADeviceAtTheBeginningOfALine) {
 }
 
 TEST_P(StoreCheckTest, HoldsOneInventoryAtATime) {
-  for (const char* const host : {"a", "b", "c"}) Load(Named(Desktop(kNow), host));
+  for (const char* const host : {"a", "b", "c"}) Load(OfHost(Desktop(kNow), host));
 
   /// Notes what has been checked when the store is asked for the next report.
   class Log : public store::HostChecks {

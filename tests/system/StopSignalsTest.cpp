@@ -39,6 +39,17 @@ TEST_P(StopSignalsTest, EndTheProcessAgainAfterwardsButNotForThoseThatCame) {
   EXPECT_EQ(EndOfChild(child), GetParam() == SIGINT ? -SIGTERM : -SIGINT);
 }
 
+TEST_P(StopSignalsTest, EndTheProcessTheSecondTime) {
+  const pid_t child = StartChild([] {
+    const sys::StopSignals signals;
+    static_cast<void>(::raise(GetParam()));
+    if (!HasCome(signals)) return 1;
+    static_cast<void>(::raise(GetParam()));
+    return 2;
+  });
+  EXPECT_EQ(EndOfChild(child), -GetParam());
+}
+
 TEST_P(StopSignalsTest, AreLeftAloneWhereTheProcessIgnoresThem) {
   const pid_t child = StartChild([] {
     std::signal(GetParam(), SIG_IGN);

@@ -4,6 +4,7 @@ The devices and hubs are known by the kernel's names of their places. Of each co
 its properties and what the kernel knows, without the numbers that it gave for the day.
 """
 
+import itertools
 import json
 
 CLASSES = ("KALDO_USBHub", "KALDO_USBDevice")
@@ -63,12 +64,18 @@ def differences(expected, found):
 
 
 def reported_twice(reports):
-    """Lines about devices that came and went unseen, by place and number, that another line has as well."""
-    seen = [(item["kernel"]["name"], item["kernel"]["number"]) for report in reports
-            for kind in ("added", "removed") for item in filter(_is_device, report["difference"][kind])]
-    unseen = [(item["name"], item["number"]) for report in reports for item in report["cameAndWent"]]
-    return [f"{name}, number {number}, is reported as come and gone, and once more"
-            for name, number in sorted(set(unseen)) if unseen.count((name, number)) > 1 or (name, number) in seen]
+    """Lines about devices, by place and number, that came and went unseen by the report before or after that has them.
+
+    The kernel gives the numbers again after a while.
+    """
+    problems = []
+    for two in itertools.pairwise(reports):
+        seen = {(item["kernel"]["name"], item["kernel"]["number"]) for report in two for kind in ("added", "removed")
+                for item in filter(_is_device, report["difference"][kind])}
+        unseen = [(item["name"], item["number"]) for report in two for item in report["cameAndWent"]]
+        problems += [f"lines {two[0]['sequence']} and {two[1]['sequence']}: {device} came and went, and is there again"
+                     for device in sorted(set(unseen)) if unseen.count(device) > 1 or device in seen]
+    return problems
 
 
 def _fates(difference):

@@ -58,7 +58,8 @@ def _run(options, logs):
     with tempfile.TemporaryDirectory() as folder:
         archive = pathlib.Path(folder, "initramfs")
         other = {"usr/bin/usb-devices": options.usb_devices} if options.usb_devices else {}
-        initramfs.pack(options.build, options.kernel, archive, folder, files=other, usbguard=options.usbguard)
+        initramfs.pack(options.build, options.kernel, archive, folder, files=other,
+                        usbguard=None if options.usb_devices or options.soak else options.usbguard)
         try:
             with Guest(folder, image, archive, logs, usb_arguments, options.soak or 0) as guest:
                 if options.usb_devices:

@@ -33,7 +33,7 @@ HashesByName HashesOf(const SysfsRecord& record) {
   return hashes;
 }
 
-std::string ValueOf(const cli::PolicyRule& rule, cli::PolicyAttribute attribute) {
+std::string TextOf(const cli::PolicyRule& rule, cli::PolicyAttribute attribute) {
   for (const cli::PolicyTest& test : rule.tests) {
     if (test.attribute == attribute) return test.patterns.at(0).text;
   }
@@ -51,8 +51,8 @@ TEST(UsbguardHashes, AreThoseOfUsbguard) {
   HashesByName expected;
   const std::string rules = ReadFile(TEST_DATA_DIR "/sysfs/machine.rules");
   for (const cli::PolicyRule& rule : cli::ParsePolicy(rules, "machine.rules").rules) {
-    expected[ValueOf(rule, cli::PolicyAttribute::kViaPort)] = {
-        ValueOf(rule, cli::PolicyAttribute::kHash), ValueOf(rule, cli::PolicyAttribute::kParentHash)};
+    expected[TextOf(rule, cli::PolicyAttribute::kViaPort)] = {
+        TextOf(rule, cli::PolicyAttribute::kHash), TextOf(rule, cli::PolicyAttribute::kParentHash)};
   }
   EXPECT_EQ(expected.size(), 26U);
   EXPECT_EQ(HashesOf(ReadRecord(kKnownMachine)), expected);

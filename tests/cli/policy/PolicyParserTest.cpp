@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <cstddef>
+#include <filesystem>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -308,22 +310,116 @@ TEST(PolicyParser, SaysWhereAndWhatIsNotOfTheLanguage) {
   }
 }
 
-/// The path of USBGuard's program that parses rules; empty where there is none.
-std::string PeerParser() {
-  const char* const named = std::getenv("USBGUARD_RULE_PARSER");
-  const std::string path = named == nullptr ? "/usr/bin/usbguard-rule-parser" : named;
-  return ::access(path.c_str(), X_OK) == 0 ? path : "";
-}
+/// USBGuard's program that parses rules.
+class PeerParser {
+ public:
+  PeerParser() {
+    const std::filesystem::path unpacked = SOURCE_DIR "/build/usbguard/usr";
+    if (!std::filesystem::exists(unpacked)) return;
+    fPath = unpacked / "bin/usbguard-rule-parser";
+    for (const auto& folder : std::filesystem::directory_iterator(unpacked / "lib")) {
+      if (std::filesystem::exists(folder.path() / "libusbguard.so.1")) fLibraries = folder.path();
+    }
+  }
+
+  bool IsThere() const { return ::access(fPath.c_str(), X_OK) == 0; }
+
+  bool Accepts(const std::string& text) const {
+    const std::string file = fFolder.File("rules.conf", text + "\n");
+    return Command({"-f", file}).Program(fPath).Set("LD_LIBRARY_PATH", fLibraries).Run().status == 0;
+  }
+
+ private:
+  TemporaryFolder fFolder;
+  std::string fPath = "/usr/bin/usbguard-rule-parser";
+  std::string fLibraries = "/usr/lib";
+};
+
+/// Random texts, of the language or close to it.
+class RandomRules {
+ public:
+  explicit RandomRules(unsigned seed) : fRandom(seed) {}
+
+  std::string Next() {
+    std::string text;
+    for (const char part : OneOf(kForms)) text += Part(part);
+    for (std::size_t changes = Below(4) / 2; changes != 0; --changes) Change(text);
+    return text;
+  }
+
+ private:
+  using Words = std::vector<std::string>;
+
+  std::size_t Below(std::size_t end) { return fRandom() % end; }
+  std::string OneOf(const Words& words) { return words[Below(words.size())]; }
+
+  /// What stands for a letter of a form.
+  std::string Part(char part) {
+    switch (part) {
+      case 'T':
+        return OneOf({"allow", "block", "reject"});
+      case 'A':
+        fAttribute = OneOf({"id", "with-interface", "name", "serial", "hash", "parent-hash", "via-port",
+                            "with-connect-type", "label"});
+        return fAttribute;
+      case 'O':
+        return OneOf({"all-of", "one-of", "none-of", "equals", "equals-ordered", "match-all"});
+      case 'V':
+        return Value();
+      case 'C':
+        return OneOf({"true", "false", "!true", "true(1)"});
+      default:
+        return {part};
+    }
+  }
+
+  std::string Value() {
+    const bool isOfAny = Below(8) == 0;
+    if (isOfAny || fAttribute == "id") return OneOf({"1d6b:0002", "1d6b:*", "*:*", "ABCD:00ff"});
+    if (fAttribute == "with-interface") return OneOf({"03:01:02", "03:01:*", "08:*:*", "FF:ff:*"});
+    return OneOf({"\"a\"", "\"\"", "\"a\\x41\"", "\"b c#\"", "\"\\\"\""});
+  }
+
+  void Change(std::string& text) {
+    const std::size_t at = Below(text.size());
+    const std::string piece =
+        OneOf({" ", "\t", "{", "}", "\"",   "#",    ":",    "*",      "!",  "\\",    "a",      "0",
+               "",  "",   "(", ")", "\x01", "\xff", " if ", "one-of", "id", "\"x\"", "08:*:50"});
+    text.replace(at, Below(2), piece);
+    if (text.empty()) text = piece;
+  }
+
+  const Words kForms = {
+      "T A V", "T A O { V V }",      "T A { V }",          "T A V A V", "T A O {V}", "T if C", "T A V #",
+      "T",     "T if O { C C } A V", "T A O { V\tV } A V", "# c",       "T V"};
+
+  std::mt19937 fRandom;
+  std::string fAttribute = "id";
+};
 
 TEST(PolicyParser, AcceptsTheSameTextsAsUsbguard) {
-  const std::string peer = PeerParser();
-  if (peer.empty()) GTEST_SKIP() << "usbguard-rule-parser is not installed";
-  const TemporaryFolder folder;
-  const auto accepts = [&](const std::string& text) {
-    return Command({"-f", folder.File("rules.conf", text + "\n")}).Program(peer).Run().status == 0;
-  };
-  for (const std::string& text : AcceptedTexts()) EXPECT_TRUE(accepts(text)) << text;
-  for (const RefusedText& refused : RefusedTexts()) EXPECT_FALSE(accepts(refused.text)) << refused.text;
+  const PeerParser peer;
+  if (!peer.IsThere()) GTEST_SKIP() << "run tests/fetch_usbguard first";
+  for (const std::string& text : AcceptedTexts()) EXPECT_TRUE(peer.Accepts(text)) << text;
+  for (const RefusedText& refused : RefusedTexts()) EXPECT_FALSE(peer.Accepts(refused.text)) << refused.text;
+}
+
+TEST(PolicyParser, AcceptsTheSameRandomTextsAsUsbguard) {
+  constexpr unsigned kSeed = 20261122;
+  constexpr int kTexts = 500;
+  const PeerParser peer;
+  if (!peer.IsThere()) GTEST_SKIP() << "run tests/fetch_usbguard first";
+  RandomRules texts(kSeed);
+  int accepted = 0;
+  for (int count = 0; count < kTexts; ++count) {
+    const std::string text = texts.Next();
+    const bool isAccepted = UserErrorOf([&] { Rules(text); }).empty();
+    EXPECT_EQ(isAccepted, peer.Accepts(text)) << text;
+    if (isAccepted) ++accepted;
+  }
+  // Neither answer is the rare one.
+  EXPECT_GT(accepted, kTexts / 4);
+  EXPECT_LT(accepted, kTexts * 3 / 4);
 }
 
 }  // namespace
