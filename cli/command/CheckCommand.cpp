@@ -34,7 +34,7 @@ Inventory ReadInventory(const CheckOptions& options, const Policy& policy, const
   source.readsNodes = false;
   source.makesHashes = policy.UsesHashes();
   Inventory inventory = path.empty() ? Collect(source, AllClasses(), log) : ReadInventoryFile(source, log);
-  // The line for Nagios says whether there are findings or no devices.
+  // The line for Nagios says whether there are findings.
   if (options.isForNagios) return inventory;
   if (!options.allowsSuspect) RefuseFindings(inventory, NameOfInventory(path), "check");
   WarnOfFindings(inventory);
@@ -47,9 +47,30 @@ void CheckFiles(const CheckOptions& options) {
   RequireDistinctFiles({"--output", IsStandardOutput(options.output) ? "" : options.output}, inputs);
 }
 
-bool IsAnyCollected(const std::vector<Inventory>& inventories) {
-  return std::any_of(inventories.begin(), inventories.end(),
-                     [](const Inventory& inventory) { return inventory.DeviceList().has_value(); });
+std::vector<Inventory> ReadInventories(const CheckOptions& options, const Policy& policy,
+                                       const std::vector<std::string>& paths, LogWriter& log) {
+  std::vector<Inventory> inventories;
+  inventories.reserve(paths.size());
+  for (const std::string& path : paths) inventories.push_back(ReadInventory(options, policy, path, log));
+  const auto isCollected = [](const Inventory& inventory) { return inventory.DeviceList().has_value(); };
+  if (std::none_of(inventories.begin(), inventories.end(), isCollected)) {
+    RefuseOptionsForLists(options.source, "only saved inventories are checked");
+  }
+  return inventories;
+}
+
+/// Warns of inventories without devices, except for Nagios, whose line says so.
+std::vector<CheckedInventory> CheckInventories(const CheckOptions& options, const Policy& policy,
+                                               const std::vector<std::string>& paths,
+                                               const std::vector<Inventory>& inventories) {
+  std::vector<CheckedInventory> checked;
+  for (std::size_t index = 0; index < paths.size(); ++index) {
+    const std::string name = NameOfInventory(paths[index]);
+    checked.push_back(Check(policy, inventories[index], name));
+    if (options.isForNagios || !inventories[index].IsEmpty()) continue;
+    PrintMessage(fmt::format("no USB device found: {} has none", name));
+  }
+  return checked;
 }
 
 std::string Render(const Policy& policy, const std::vector<CheckedInventory>& checked,
@@ -70,19 +91,8 @@ int RunCheck(const CheckOptions& options) {
   LogWriter log("", LogSeverity::kWarning, LogFormat::kText);
   std::vector<std::string> paths = options.inventories;
   if (paths.empty()) paths.emplace_back();
-  std::vector<Inventory> inventories;
-  inventories.reserve(paths.size());
-  for (const std::string& path : paths) inventories.push_back(ReadInventory(options, policy, path, log));
-  if (!IsAnyCollected(inventories)) {
-    RefuseOptionsForLists(options.source, "only saved inventories are checked");
-  }
-  std::vector<CheckedInventory> checked;
-  for (std::size_t index = 0; index < paths.size(); ++index) {
-    const std::string name = NameOfInventory(paths[index]);
-    checked.push_back(Check(policy, inventories[index], name));
-    const bool isEmpty = inventories[index].IsEmpty() && !options.isForNagios;
-    if (isEmpty) PrintMessage(fmt::format("no USB device found: {} has none", name));
-  }
+  const std::vector<Inventory> inventories = ReadInventories(options, policy, paths, log);
+  const std::vector<CheckedInventory> checked = CheckInventories(options, policy, paths, inventories);
   log.Finish();
   if (options.isForNagios) return PrintForNagios(RenderCheckNagios(checked, options.allowsSuspect));
   WriteOutput(options.output, Render(policy, checked, options));

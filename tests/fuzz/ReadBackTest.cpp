@@ -23,9 +23,13 @@ namespace {
 const std::string kList =
     "T:  Bus=01 Lev=00 Prnt=00 Port=00 Cnt=00 Dev#=  1 Spd=480  MxCh= 2\n"
     "S:  Product=Root & <hub>\n"
+    "C:* #Ifs= 1 Cfg#= 1 Atr=e0 MxPwr=  0mA\n"
     "I:* If#= 0 Alt= 0 #EPs= 1 Cls=09(hub  ) Sub=00 Prot=00 Driver=hub\n\n"
     "T:  Bus=01 Lev=01 Prnt=01 Port=01 Cnt=01 Dev#=  2 Spd=12   MxCh= 0\n"
-    "S:  Product=a\xFFz\n\n";
+    "P:  Vendor=0627 ProdID=0001 Rev= 0.00\n"
+    "S:  Product=a\xFFz\n"
+    "C:* #Ifs= 1 Cfg#= 1 Atr=a0 MxPwr=100mA\n"
+    "I:* If#= 0 Alt= 0 #EPs= 1 Cls=03(HID  ) Sub=01 Prot=02 Driver=usbhid\n\n";
 
 std::string Changed(std::string text, const std::string& part, const std::string& replacement) {
   const std::size_t at = text.find(part);
@@ -83,7 +87,7 @@ TEST_F(ReadBackTest, OfJsonRefusesWhatDiffers) {
 TEST_F(ReadBackTest, OfPoliciesRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("usbguard", "Root & <hub>", "Root"));
   EXPECT_FALSE(TakesWith("usbguard", "\\xff", ""));
-  EXPECT_FALSE(TakesWith("usbguard", "match-all", "one-of"));
+  EXPECT_FALSE(TakesWith("usbguard", "with-interface 03:01:02", "with-interface 03:01:01"));
   EXPECT_FALSE(TakesWith("usbguard", "allow id", "block id"));
   EXPECT_FALSE(Takes("usbguard", Render("usbguard") + "allow\n"));
   EXPECT_FALSE(Takes("usbguard", Render("usbguard") + "bogus"));
@@ -95,7 +99,7 @@ TEST_F(ReadBackTest, OfMetricsRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("prometheus", "{kind=\"hub\"} 0", "{kind=\"hub\"} 1"));
   EXPECT_FALSE(TakesWith("prometheus", "usbinfo_devices{kind=\"hub\"} 0\n", ""));
   EXPECT_FALSE(TakesWith("prometheus", "{state=\"free\"} 1", "{state=\"free\"} 2"));
-  EXPECT_FALSE(TakesWith("prometheus", "vid=\"0000\"", "vid=\"0001\""));
+  EXPECT_FALSE(TakesWith("prometheus", "vid=\"0627\"", "vid=\"0628\""));
   EXPECT_FALSE(TakesWith("prometheus", "place=\"1-2\"", "place=\"\""));
   EXPECT_FALSE(TakesWith("prometheus", "usbinfo_devices_omitted 0", "usbinfo_devices_omitted 1"));
   EXPECT_FALSE(TakesWith("prometheus", "# TYPE usbinfo_devices gauge", "# TYPE usbinfo_devices counter"));
@@ -182,7 +186,7 @@ TEST_F(ReadBackTest, OfThePagesTableRefusesWhatDiffers) {
   };
   EXPECT_TRUE(takes("<tbody>", "<tbody>"));
   EXPECT_FALSE(takes("a\\xffz", "axz"));
-  EXPECT_FALSE(takes("0000:0000", "0000:0001"));
+  EXPECT_FALSE(takes("0627:0001", "0627:0002"));
   EXPECT_FALSE(takes("12 Mbit/s", "480 Mbit/s"));
   EXPECT_FALSE(takes("href=\"#i", "href=\"#i0\" class=\"x"));
   EXPECT_FALSE(takes("class=\"serial\"", "class=\"vendor\""));
@@ -206,7 +210,7 @@ TEST_F(ReadBackTest, OfTheTreeRefusesWhatDiffers) {
 
 TEST_F(ReadBackTest, OfTheTableRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("table", "KIND", "KINDS"));
-  EXPECT_FALSE(TakesWith("table", "0000:0000", "0000:0001"));
+  EXPECT_FALSE(TakesWith("table", "0627:0001", "0627:0002"));
   EXPECT_FALSE(Takes("table", Render("table") + "\n"));
   EXPECT_FALSE(TakesWith("table", "Bus 01", std::string(2200, 'x')));
   for (const char* mark : {"\x1B", "\t", "\x7F", "\xC2\x9B", "\xE2\x80\xAE", "\xE2\x80\x8B", "\xFF"}) {
@@ -238,7 +242,7 @@ TEST_F(ReadBackTest, OfTheTablesOfClassesRefusesWhatDiffers) {
 
 TEST_F(ReadBackTest, OfCsvRefusesWhatDiffers) {
   EXPECT_FALSE(TakesWith("csv", "place,kind", "kind,place"));
-  EXPECT_FALSE(TakesWith("csv", "0000:0000", "0000:0001"));
+  EXPECT_FALSE(TakesWith("csv", "0627:0001", "0627:0002"));
   EXPECT_FALSE(TakesWith("csv", "\r\n", "\n"));
   EXPECT_FALSE(TakesWith("csv", "a\\xffz", "=a\\xffz"));
   EXPECT_FALSE(TakesWith("csv", "a\\xffz", "a\\xffz,"));
