@@ -47,8 +47,8 @@ NagiosReport Report(NagiosStatus status, std::string_view text, const std::strin
     }
   }
   return {.status = status,
-          .line = fmt::format("USB {}: {}{}\n", kWords[static_cast<std::size_t>(status)], Shortened(plain),
-                              numbers)};
+          .line = fmt::format("USB {}: {}{}\n", kWords[static_cast<std::size_t>(status)],
+                              WithoutMiddle(plain), numbers)};
 }
 
 /// The first devices that are not allowed, and how many more there are.
