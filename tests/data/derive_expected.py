@@ -273,6 +273,7 @@ class Run:
 
     def __init__(self, text, system, request):
         self.log = []
+        self._request = request
         self.instances = {name: {} for name in CLASSES}
         self._text = text
         self._system = system
@@ -282,6 +283,12 @@ class Run:
             self._serve(class_name)
         self._debug("TUSBInfoCallbacks::GetData - Normal exit from plugin.",
                     "TUSBInfoCallbacks::DeInit - De-initializing the plugin.")
+
+    def _selection(self):
+        """Say what was asked for, where that leaves out more than associations."""
+        if all(name in self._request for name in self.ENTITIES):
+            return None
+        return {"classes": list(self._request), "ids": [], "places": []}
 
     def _write(self, severity, *texts):
         self.log.extend({"severity": severity, "text": text}
@@ -438,7 +445,7 @@ class Run:
         return {"schema": "usbinfo.inventory/2",
                 "system": {"name": plain(self._system),
                            "creationClassName": plain(SYSTEM_CLASS)},
-                "origin": ORIGIN,
+                "origin": {**ORIGIN, "selection": self._selection()},
                 "classes": {name: [readable(item) for item in items.values()]
                             for name, items in self.instances.items()},
                 "kernel": kernel_facts(self._text, self._identifiers())}
@@ -481,8 +488,7 @@ def readable(properties):
 # --- what the list holds besides ----------------------------------------------
 
 ORIGIN = {"source": "list", "collected": None, "program": "usbinfo 1.0.0",
-          "machine": None, "findings": [], "repairs": [], "masked": None,
-          "selection": None}
+          "machine": None, "findings": [], "repairs": [], "masked": None}
 
 KINDS = ("hub", "keyboard", "mouse", "input", "mass storage", "audio",
          "video", "printer", "scanner/camera", "network", "serial", "modem",
