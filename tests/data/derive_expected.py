@@ -488,7 +488,8 @@ def readable(properties):
 # --- what the list holds besides ----------------------------------------------
 
 ORIGIN = {"source": "list", "collected": None, "program": "usbinfo 1.0.0",
-          "machine": None, "findings": [], "repairs": [], "masked": None}
+          "machine": None, "findings": [], "repairs": [], "masked": None,
+          "selection": None}
 
 KINDS = ("hub", "keyboard", "mouse", "input", "mass storage", "audio",
          "video", "printer", "scanner/camera", "network", "serial", "modem",
@@ -626,8 +627,13 @@ class Facts:
             return None
         return f"{int(found[1], 16):x}.{int(found[2], 16):02x}"
 
+    def _lacks_configurations(self):
+        """Say whether the device has more than there are lines for."""
+        return len(self.configurations) < field(self._descriptor, "#Cfgs=")
+
     def device(self, identifier):
         """Return all that is known of the device."""
+        lacking = {"lacksConfigurations": True}
         return {"device": identifier, "name": self.name,
                 "number": self.number,
                 "speed": int(self.speed) if self.speed % 1 == 0 else self.speed,
@@ -636,7 +642,8 @@ class Facts:
                 "serial": self._string("SerialNumber"),
                 "kinds": self.kinds(), "interfaces": self.interfaces(),
                 "maxPower": self._power(), "revision": self._revision(),
-                "nodes": None}
+                "nodes": None,
+                **(lacking if self._lacks_configurations() else {})}
 
 
 def codes_in(line):

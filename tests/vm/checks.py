@@ -28,6 +28,8 @@ ROUNDS = 50
 # How often devices are plugged in while watch follows the machine, and how many events it gets for nothing.
 PLUGS, UEVENTS = 50, 1000
 UEVENTS_A_ROUND = 100
+# How often an inventory is taken until the machine stays the same meanwhile.
+MOST_TRIES = 10
 MOUNT_ATTEMPT = "mount -t usbfs usbfs /proc/bus/usb\n"
 
 
@@ -90,8 +92,19 @@ class Collector:
         """Take the inventory as that user, to be kept under that name, with the device list to compare it with."""
         return Taken(self._guest.run("inventory", name, user, compared, *options)[1])
 
-    def nodes(self):
-        """The nodes in /dev by device."""
+    def take_with_nodes(self, *arguments):
+        """The same with the nodes in /dev by device, once these are the same before and after.
+
+        The kernel looks for the disks of a stick a while after it has found the stick.
+        """
+        after = self._nodes()
+        for _ in range(MOST_TRIES):
+            before, taken, after = after, self.take(*arguments), self._nodes()
+            if before == after:
+                return taken, after
+        raise GuestError("the nodes in /dev do not stay the same")
+
+    def _nodes(self):
         return nodes(self._guest.run("nodes")[1]["nodes"].decode())
 
 
@@ -187,9 +200,9 @@ class Checks:
 
     def sysfs(self, name, buses):
         """As root: everything is shown as it is plugged in, without another program, and nothing is mounted."""
-        taken = self._collector.take("sysfs", ROOT, "debugfs")
+        taken, nodes_of = self._collector.take_with_nodes("sysfs", ROOT, "debugfs")
         described, text = map(device_list.from_sysfs, (device_list.kernel_list(buses), taken.list))
-        facts = expectation.facts_of_sysfs(text, described, buses, self._collector.nodes())
+        facts = expectation.facts_of_sysfs(text, described, buses, nodes_of)
         self._report.add(f"{name}: what sysfs gives is what is plugged in",
                          taken.check_outcome() +
                          taken.check_inventory(described, facts, expectation.origin("sysfs")))
