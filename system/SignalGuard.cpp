@@ -57,12 +57,6 @@ sigset_t SetOfEndingSignals() {
   return set;
 }
 
-bool HasHandler(int signal, void (*handler)(int)) {
-  struct sigaction action = {};
-  return ::sigaction(signal, nullptr, &action) == 0 && (action.sa_flags & SA_SIGINFO) == 0 &&
-         action.sa_handler == handler;
-}
-
 /// Replaces the handler of `signal` by `to` if it is `from`.
 void ReplaceHandler(int signal, void (*from)(int), void (*to)(int)) {
   if (!HasHandler(signal, from)) return;
@@ -76,6 +70,12 @@ std::mutex installation;
 int users = 0;
 
 }  // namespace
+
+bool HasHandler(int signal, void (*handler)(int)) {
+  struct sigaction action = {};
+  return ::sigaction(signal, nullptr, &action) == 0 && (action.sa_flags & SA_SIGINFO) == 0 &&
+         action.sa_handler == handler;
+}
 
 EndingSignals::EndingSignals() {
   const std::lock_guard<std::mutex> lock(installation);

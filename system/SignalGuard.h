@@ -57,6 +57,9 @@ class ProcessGroupGuard {
   bool fHoldsBack = true;
 };
 
+/// Whether the process handles `signal` so; `handler` may be SIG_DFL or SIG_IGN.
+bool HasHandler(int signal, void (*handler)(int));
+
 /// Kills a process group by its leader, which must not have been reaped. Async-signal-safe.
 void KillGroup(pid_t leader);
 

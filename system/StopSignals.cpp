@@ -8,6 +8,8 @@
 #include <csignal>
 #include <cstdint>
 
+#include "system/SignalGuard.h"
+
 namespace sys {
 
 namespace {
@@ -21,19 +23,13 @@ void NoteStop(int /*signal*/) {
   if (::write(stopEvent, &kOne, sizeof kOne) < 0) errno = errorBefore;
 }
 
-bool IsDefault(int signal) {
-  struct sigaction action = {};
-  return ::sigaction(signal, nullptr, &action) == 0 && (action.sa_flags & SA_SIGINFO) == 0 &&
-         action.sa_handler == SIG_DFL;
-}
-
 }  // namespace
 
 StopSignals::StopSignals() : fDescriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
   if (!fDescriptor.IsOpen()) ThrowSystemError(errno);
   stopEvent = fDescriptor.Get();
   for (const int signal : {SIGINT, SIGTERM}) {
-    if (!IsDefault(signal)) continue;
+    if (!HasHandler(signal, SIG_DFL)) continue;
     struct sigaction action = {};
     action.sa_handler = NoteStop;
     action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
