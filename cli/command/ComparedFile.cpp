@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/collect/Collection.h"
 #include "cli/command/Findings.h"
 #include "cli/command/InventoryFile.h"
 #include "cli/diff/Comparability.h"
@@ -10,6 +11,16 @@
 
 namespace cli {
 
+namespace {
+
+Inventory Accepted(Inventory inventory, const std::string& name, bool allowsSuspect) {
+  if (!allowsSuspect) RefuseFindings(inventory, name, "compare");
+  WarnOfFindings(inventory);
+  return inventory;
+}
+
+}  // namespace
+
 Inventory ReadComparedFile(const std::string& path, const Source& source, bool allowsSuspect,
                            LogWriter& log) {
   Source list;
@@ -17,10 +28,11 @@ Inventory ReadComparedFile(const std::string& path, const Source& source, bool a
   list.plugin = source.plugin;
   list.systemName = source.systemName;
   list.isAsIs = source.isAsIs;
-  Inventory inventory = ReadInventoryFile(list, log);
-  if (!allowsSuspect) RefuseFindings(inventory, NameOfInventory(path), "compare");
-  WarnOfFindings(inventory);
-  return inventory;
+  return Accepted(ReadInventoryFile(list, log), NameOfInventory(path), allowsSuspect);
+}
+
+Inventory CollectCompared(const Source& source, bool allowsSuspect, LogWriter& log) {
+  return Accepted(Collect(source, AllClasses(), log), kThisMachine, allowsSuspect);
 }
 
 void CheckMasks(const NamedInventory& before, const NamedInventory& after) {

@@ -14,6 +14,9 @@ namespace cli {
 /// in it, and when there are findings unless `allowsSuspect`.
 Inventory ReadComparedFile(const std::string& path, const Source& source, bool allowsSuspect, LogWriter& log);
 
+/// This machine's inventory, read as `source` says. Warns and throws likewise.
+Inventory CollectCompared(const Source& source, bool allowsSuspect, LogWriter& log);
+
 /// An inventory and what messages call it.
 struct NamedInventory {
   const Inventory& inventory;

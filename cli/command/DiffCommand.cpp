@@ -2,9 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "cli/collect/Collection.h"
 #include "cli/command/ComparedFile.h"
-#include "cli/command/Findings.h"
 #include "cli/command/InventoryFile.h"
 #include "cli/diff/Comparability.h"
 #include "cli/diff/DiffJson.h"
@@ -28,10 +26,7 @@ Inventory ReadFile(const std::string& path, const DiffOptions& options, LogWrite
 
 Inventory ReadNew(const DiffOptions& options, LogWriter& log) {
   if (!options.after.empty()) return ReadFile(options.after, options, log);
-  Inventory inventory = Collect(options.source, AllClasses(), log);
-  if (!options.allowsSuspect) RefuseFindings(inventory, kThisMachine, "compare");
-  WarnOfFindings(inventory);
-  return inventory;
+  return CollectCompared(options.source, options.allowsSuspect, log);
 }
 
 /// Where a part was selected of one inventory, the same part is taken of the other.

@@ -3,9 +3,7 @@
 #include <optional>
 #include <utility>
 
-#include "cli/collect/Collection.h"
 #include "cli/command/ComparedFile.h"
-#include "cli/command/Findings.h"
 #include "cli/command/InventoryFile.h"
 #include "cli/diff/Comparability.h"
 #include "cli/model/OriginText.h"
@@ -26,13 +24,6 @@
 namespace cli {
 
 namespace {
-
-Inventory CollectNow(const Source& source, bool allowsSuspect, LogWriter& log) {
-  Inventory inventory = Collect(source, AllClasses(), log);
-  if (!allowsSuspect) RefuseFindings(inventory, kThisMachine, "compare");
-  WarnOfFindings(inventory);
-  return inventory;
-}
 
 std::optional<Inventory> ReadBaseline(const WatchOptions& options, LogWriter& log) {
   if (options.baseline.empty()) return std::nullopt;
@@ -69,7 +60,7 @@ int RunWatch(const WatchOptions& options) {
   // Before the machine is looked at, so that nothing happens unseen in between.
   UdevMonitor events(signals.Get());
   const SystemClock clock;
-  const auto collect = [&] { return CollectNow(source, options.allowsSuspect, log); };
+  const auto collect = [&] { return CollectCompared(source, options.allowsSuspect, log); };
   Inventory now = collect();
   if (baseline) CheckBaseline(options, *baseline, now);
 
